@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string_view>
+
+/// What a reminder is about. The raw value names the notification request and, in the preferences, the sound.
+enum class AlertKind { chargeLimit, low, tooLong, health, lowPower };
+
+/// Every kind, in the order in which reminders are given.
+inline constexpr std::array allAlertKinds{AlertKind::chargeLimit, AlertKind::low, AlertKind::tooLong, AlertKind::health,
+                                          AlertKind::lowPower};
+
+/// The stable name of a kind, "chargeLimit".
+std::string_view rawValue(AlertKind kind);
+
+/// The kind of that name; empty when there is none.
+std::optional<AlertKind> alertKind(std::string_view rawValue);

@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+/// A duration for people: "45 min", "2 h", "2 h 5 min". Anything below one minute, also a negative count, is "1 min":
+/// an estimate is never shown as zero.
+std::string formatMinutes(std::int64_t minutes);

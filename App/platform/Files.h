@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// The user's files. All calls are synchronous and silent: failure is the return value.
+class Files {
+public:
+    virtual ~Files() = default;
+
+    /// Where programs keep the user's data; the caller appends a folder of its own.
+    virtual std::filesystem::path applicationSupportFolder() const = 0;
+
+    /// Makes a folder with all missing parents, open to the owner only. True when it is there afterwards.
+    virtual bool createFolder(const std::filesystem::path& folder) = 0;
+
+    /// The content of a regular file of at most `limit` bytes; empty when it is missing, unreadable, larger or no
+    /// regular file.
+    virtual std::optional<std::string> read(const std::filesystem::path& file, std::size_t limit) const = 0;
+
+    /// Puts `content` in the place of a file, whole or not at all, on the disk when it returns true; a link is followed
+    /// and stays. The file is open to the owner only. Missing folders are made.
+    virtual bool replace(const std::filesystem::path& file, std::string_view content) = 0;
+};

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/Subscription.h"
+
+#include <functional>
+
+/// The system's power mode.
+class ProcessInfo {
+public:
+    virtual ~ProcessInfo() = default;
+
+    /// Whether the system's low-power mode is on; false when there is no such mode or it cannot be told.
+    virtual bool isLowPowerModeEnabled() const = 0;
+
+    /// Calls back on the main thread after the mode was switched.
+    [[nodiscard]] virtual Subscription onPowerStateChanged(std::function<void()> callback) = 0;
+};

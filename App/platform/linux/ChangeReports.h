@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/Clock.h"
+#include "platform/Lifetime.h"
+
+#include <cstddef>
+#include <functional>
+
+class MainLoop;
+
+/// Decides when events of the power supplies are passed on. Some firmware sends several a second, so they are passed on
+/// at most once a second, the first of a burst at once. And values lag behind their event, often without a second one,
+/// so after each report somebody looks again a few times, and reports only what has changed.
+class ChangeReports {
+public:
+    /// `report` passes a change on; `look` reads anew and says whether anything differs from what was last given out.
+    ChangeReports(MainLoop& loop, const Clock& clock, std::function<void()> report, std::function<bool()> look);
+
+    /// An event arrived.
+    void event();
+
+    /// Something is unsettled without an event: look again later, unless that is about to happen anyway.
+    void settle();
+
+private:
+    MainLoop& loop_;
+    const Clock& clock_;
+    std::function<void()> report_;
+    std::function<bool()> look_;
+    bool reported_ = false;
+    Duration lastReport_{};
+    bool reportIsDue_ = false;
+    bool looking_ = false;
+    unsigned long round_ = 0;
+    Lifetime lifetime_;
+
+    void reportNow();
+    void startLooking();
+    void scheduleLook(std::size_t number, unsigned long round);
+};

@@ -1,0 +1,6 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+/// Chooses the toolkit's platform for this session, and tells whether there is any display to show something on. To be
+/// called before the toolkit starts, which ends the process by abort when it finds none.
+bool prepareDisplay();

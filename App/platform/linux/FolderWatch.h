@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/linux/FileDescriptor.h"
+
+#include <QSocketNotifier>
+
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+
+/// Tells when entries of some folders were written, renamed, linked, removed, or came back (inotify).
+class FolderWatch {
+public:
+    /// `changed` is called once for each bunch of events that concern a watched name.
+    explicit FolderWatch(std::function<void()> changed);
+
+    /// Watches exactly these paths from now on; each is an entry of its folder, and folders that are missing are left
+    /// out.
+    void watch(const std::set<std::filesystem::path>& entries);
+
+private:
+    FileDescriptor inotify_;
+    std::map<std::filesystem::path, int> folders_;
+    std::map<int, std::set<std::string>> names_;
+    std::function<void()> changed_;
+    std::unique_ptr<QSocketNotifier> notifier_;
+
+    void drain();
+};

@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/JsonUserDefaults.h"
+
+#include "platform/MainLoop.h"
+#include "platform/linux/PosixFiles.h"
+
+#include <QJsonDocument>
+
+#include <chrono>
+#include <cmath>
+#include <set>
+#include <thread>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/file.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::size_t sizeLimit = 1024 * 1024; // a thousand times what the program writes
+
+QString toQString(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+QJsonValue toJson(const Value& value) {
+    if (const std::string* text = value.text())
+        return toQString(*text);
+    if (const auto flag = value.boolean())
+        return *flag;
+    if (const auto* integer = std::get_if<std::int64_t>(&value.content))
+        return static_cast<qint64>(*integer);
+    return value.number().value_or(0);
+}
+
+/// A number without a fraction, 80 as well as 80.0.
+std::optional<std::int64_t> integerOf(const QJsonValue& value) {
+    if (!value.isDouble())
+        return std::nullopt;
+    // Two answers that only agree when neither is the fallback.
+    const qint64 one = value.toInteger(0);
+    return one == value.toInteger(1) ? std::optional<std::int64_t>(one) : std::nullopt;
+}
+
+/// Keeps other writers of ours out. The folder itself is locked, so that no file is left lying about; a lock that is not
+/// to be had soon is done without rather than hang.
+class FolderLock {
+public:
+    explicit FolderLock(const fs::path& folder)
+        : descriptor_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+        using namespace std::chrono_literals;
+        for (int tries = 0; descriptor_ && tries < 100 && ::flock(descriptor_.get(), LOCK_EX | LOCK_NB) != 0; ++tries)
+            std::this_thread::sleep_for(5ms);
+    }
+
+private:
+    FileDescriptor descriptor_;
+};
+
+} // namespace
+
+JsonUserDefaults::JsonUserDefaults(fs::path file, Files& files, MainLoop& loop)
+    : file_(std::move(file)), files_(files), loop_(loop), watch_([this] { fileChanged(); }) {
+    files_.createFolder(file_.parent_path()); // so that it can be watched for a file that somebody puts there
+    watchFile();
+    values_ = load().values;
+}
+
+JsonUserDefaults::Content JsonUserDefaults::load() const {
+    const auto text = files_.read(file_, sizeLimit);
+    std::error_code error;
+    if (!text)
+        return {.values = {}, .isDamaged = fs::exists(fs::status(file_, error))};
+    const auto document = QJsonDocument::fromJson(QByteArray::fromRawData(text->data(), static_cast<qsizetype>(text->size())));
+    return {.values = document.object(), .isDamaged = !document.isObject()};
+}
+
+void JsonUserDefaults::registerDefaults(const Dictionary& fallbacks) {
+    for (const auto& [key, value] : fallbacks)
+        fallbacks_.insert_or_assign(key, value);
+}
+
+bool JsonUserDefaults::boolForKey(std::string_view key) const {
+    const QJsonValue stored = values_.value(toQString(key));
+    if (stored.isBool())
+        return stored.toBool();
+    const Value* other = fallback(key);
+    return other != nullptr && other->boolean().value_or(false);
+}
+
+std::int64_t JsonUserDefaults::integerForKey(std::string_view key) const {
+    if (const auto stored = integerOf(values_.value(toQString(key))))
+        return *stored;
+    const Value* other = fallback(key);
+    return other != nullptr ? other->integer().value_or(0) : 0;
+}
+
+double JsonUserDefaults::doubleForKey(std::string_view key) const {
+    const QJsonValue stored = values_.value(toQString(key));
+    if (stored.isDouble() && std::isfinite(stored.toDouble()))
+        return stored.toDouble();
+    const Value* other = fallback(key);
+    return other != nullptr ? other->number().value_or(0) : 0;
+}
+
+std::optional<std::string> JsonUserDefaults::stringForKey(std::string_view key) const {
+    const QJsonValue stored = values_.value(toQString(key));
+    if (stored.isString())
+        return stored.toString().toStdString();
+    const Value* other = fallback(key);
+    const std::string* text = other != nullptr ? other->text() : nullptr;
+    return text != nullptr ? std::optional(*text) : std::nullopt;
+}
+
+void JsonUserDefaults::setDamagedAside() {
+    fs::path aside = file_;
+    aside += ".damaged";
+    if (const auto content = files_.read(file_, sizeLimit)) {
+        files_.replace(aside, *content);
+        return;
+    }
+    // It cannot be copied: a folder, a file that is not ours to read, something huge.
+    std::error_code error;
+    fs::rename(PosixFiles::linkTarget(file_), aside, error);
+}
+
+void JsonUserDefaults::setObject(std::string_view key, const Value& value) {
+    files_.createFolder(file_.parent_path());
+    const FolderLock lock(file_.parent_path());
+    // What others have written since is kept.
+    Content present = load();
+    if (present.isDamaged) {
+        setDamagedAside();
+        present.values = values_;
+    }
+    present.values.insert(toQString(key), toJson(value));
+    const QByteArray text = QJsonDocument(present.values).toJson(QJsonDocument::Indented);
+    files_.replace(file_, {text.constData(), static_cast<std::size_t>(text.size())});
+    values_ = present.values;
+    watchFile();
+    announce();
+}
+
+Subscription JsonUserDefaults::onChange(std::function<void()> callback) {
+    return observers_.add(std::move(callback));
+}
+
+void JsonUserDefaults::fileChanged() {
+    watchFile();
+    const QJsonObject values = load().values;
+    // Our own write comes back as an event too, and has been announced.
+    if (values == values_)
+        return;
+    values_ = values;
+    announce();
+}
+
+void JsonUserDefaults::announce() {
+    loop_.async(lifetime_.guard([this] { observers_.notify(); }));
+}
+
+void JsonUserDefaults::watchFile() {
+    // The folder too, in case it is taken away and put back, and where a link leads.
+    watch_.watch({file_.parent_path(), file_, PosixFiles::linkTarget(file_)});
+}

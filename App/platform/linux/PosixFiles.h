@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/Files.h"
+
+/// Files of a POSIX file system, written so that a crash or a power cut leaves either the old or the new content.
+class PosixFiles final : public Files {
+public:
+    /// `applicationSupport` is the folder that `applicationSupportFolder()` gives.
+    explicit PosixFiles(std::filesystem::path applicationSupport);
+
+    std::filesystem::path applicationSupportFolder() const override;
+    bool createFolder(const std::filesystem::path& folder) override;
+    std::optional<std::string> read(const std::filesystem::path& file, std::size_t limit) const override;
+    bool replace(const std::filesystem::path& file, std::string_view content) override;
+
+    /// Where the links at `file` lead, whether or not there is anything; `file` itself when it is no link or the links
+    /// form a ring.
+    static std::filesystem::path linkTarget(const std::filesystem::path& file);
+
+private:
+    std::filesystem::path applicationSupport_;
+};

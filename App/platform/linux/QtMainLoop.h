@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/MainLoop.h"
+
+#include <QObject>
+
+/// The toolkit's event loop of the thread that makes this object.
+class QtMainLoop final : public MainLoop {
+public:
+    void async(Task task) override;
+    void after(Duration delay, Task task) override;
+    [[nodiscard]] std::unique_ptr<Timer> repeat(Duration interval, Duration tolerance, Task task) override;
+    bool isMainThread() const override;
+
+private:
+    QObject context_;
+};

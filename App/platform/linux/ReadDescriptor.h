@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+/// Everything that can be read from a descriptor; empty on an error, or when there are more than `limit` bytes.
+std::optional<std::string> readDescriptor(int descriptor, std::size_t limit);

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/Observers.h"
+#include "platform/Workspace.h"
+#include "platform/linux/TerminationSignals.h"
+
+#include <QDBusConnection>
+#include <QObject>
+
+/// The session: it ends with a signal or with the session bus. Sleep and wake are not followed yet.
+class SessionWorkspace final : public QObject, public Workspace {
+    Q_OBJECT
+
+public:
+    SessionWorkspace(QDBusConnection sessionBus, TerminationSignals& signalEvents);
+
+    /// Starts to listen.
+    void start();
+
+    [[nodiscard]] Subscription onWillSleep(std::function<void()> callback) override;
+    [[nodiscard]] Subscription onDidWake(std::function<void()> callback) override;
+    [[nodiscard]] Subscription onSessionEnd(std::function<void()> callback) override;
+
+private Q_SLOTS:
+    void endSession();
+
+private:
+    QDBusConnection sessionBus_;
+    TerminationSignals& signalEvents_;
+    Observers<> willSleep_;
+    Observers<> didWake_;
+    Observers<> sessionEnd_;
+};

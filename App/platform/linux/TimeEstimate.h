@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/Clock.h"
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+
+/// Tells how long the battery lasts, or takes to fill, from successive readings. The momentary rate jumps with every
+/// page that is loaded; so the rate is smoothed, and nothing is said until it can be trusted.
+class TimeEstimate {
+public:
+    enum class Flow { none, charging, discharging };
+
+    /// What one reading of the batteries says. Amounts are in any one unit, rates in that unit per hour.
+    struct Reading {
+        Duration uptime{};               ///< when it was taken, seconds since the machine started
+        Duration slept{};                ///< how much of that the machine had slept
+        bool onExternalPower = false;
+        Flow flow = Flow::none;
+        std::string batteries;           ///< which packs were counted, and in which unit
+        std::optional<double> now;       ///< stored
+        double remaining = 0;            ///< still to be stored until charging ends
+        std::optional<double> rate;      ///< signed, negative out of the battery
+        double slowest = 0;              ///< a rate below this says nothing
+    };
+
+    struct Minutes {
+        std::optional<std::int64_t> toEmpty; ///< whole minutes; only while discharging
+        std::optional<std::int64_t> toFull;  ///< whole minutes; only while charging
+        bool operator==(const Minutes&) const = default;
+    };
+
+    /// Takes the reading in and gives the times as known now.
+    Minutes update(const Reading& reading);
+
+    /// Whether the time is unknown only because the run is too young: another reading soon will tell it.
+    bool isSettling() const { return settling_; }
+
+private:
+    struct Point {
+        Duration uptime;
+        double now;
+    };
+
+    std::optional<Reading> last_;
+    Duration start_{};
+    int readings_ = 0;
+    bool settling_ = false;
+    std::optional<double> smoothed_;
+    Duration smoothedAt_{};
+    std::deque<Point> points_;
+
+    bool continues(const Reading& reading) const;
+    void smooth(const Reading& reading, double rate);
+    std::optional<double> derivedRate(const Reading& reading);
+    std::optional<double> currentRate(const Reading& reading);
+};

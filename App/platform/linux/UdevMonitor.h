@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QSocketNotifier>
+
+#include <functional>
+#include <memory>
+
+struct udev;
+struct udev_monitor;
+
+/// Follows the events of the power-supply class; those of peripherals are left out.
+class UdevMonitor {
+public:
+    /// Null when there is no udev to listen to.
+    static std::unique_ptr<UdevMonitor> start(std::function<void()> event);
+    ~UdevMonitor();
+    UdevMonitor(const UdevMonitor&) = delete;
+    UdevMonitor& operator=(const UdevMonitor&) = delete;
+
+private:
+    UdevMonitor(udev* context, udev_monitor* monitor, std::function<void()> event);
+    void drain();
+
+    udev* context_;
+    udev_monitor* monitor_;
+    std::function<void()> event_;
+    std::unique_ptr<QSocketNotifier> notifier_;
+};

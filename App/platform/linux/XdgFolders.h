@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <filesystem>
+
+/// The user's folders by the XDG base directory specification; relative values of the variables are ignored, as it asks.
+std::filesystem::path xdgDataHome();
+std::filesystem::path xdgConfigHome();

@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/AppDelegate.h"
+
+#include "alerts/Prefs.h"
+#include "platform/Clock.h"
+#include "platform/UserDefaults.h"
+#include "platform/Workspace.h"
+#include "views/Popover.h"
+#include "views/StatusItemText.h"
+
+#include <algorithm>
+#include <utility>
+
+AppDelegate::AppDelegate(const Platform& platform, std::function<void()> terminate)
+    : platform_(platform), terminate_(std::move(terminate)), model(platform) {}
+
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::applicationDidFinishLaunching() {
+    platform_.defaults.registerDefaults(Prefs::defaults());
+    statusItem = platform_.statusBar.createItem();
+    statusItem->setAction([this](std::optional<ScreenPoint> point) { togglePopover(point); });
+    statusItem->setMenu({{"Show details", [this] { showDetails(); }}, {"Quit", terminate_}});
+    bag.push_back(model.state.subscribe([this](const BatteryState&) { queueUpdate(); }));
+    bag.push_back(platform_.defaults.onChange([this] { queueUpdate(); }));
+    bag.push_back(platform_.workspace.onSessionEnd(terminate_));
+    model.start();
+    updateStatusItem();
+}
+
+void AppDelegate::applicationWillTerminate() {
+    model.history.save(platform_.clock.now());
+}
+
+void AppDelegate::queueUpdate() {
+    // The coming value is announced before it is stored; a redraw on a later turn reads what is stored by then.
+    platform_.mainLoop.async(lifetime_.guard([this] { updateStatusItem(); }));
+}
+
+void AppDelegate::updateStatusItem() {
+    if (!statusItem)
+        return;
+    const BatteryState& state = model.state.get();
+    const Prefs prefs = Prefs::current(platform_.defaults);
+    const auto symbols = state.symbolNames();
+    const auto known =
+        std::find_if(symbols.begin(), symbols.end(), [&](const auto& name) { return statusItem->knowsSymbol(name); });
+    statusItem->show({
+        .symbol = known == symbols.end() ? "" : *known,
+        .accessibilityDescription = "Battery",
+        .title = statusItemTitle(state, prefs),
+        .widestTitle = widestStatusItemTitle(prefs),
+        .toolTip = statusItemToolTip(state),
+    });
+    if (popoverIsShown())
+        popover->setText(QString::fromStdString(statusItemToolTip(state)));
+}
+
+bool AppDelegate::popoverIsShown() const {
+    return popover && popover->isVisible();
+}
+
+void AppDelegate::togglePopover(std::optional<ScreenPoint> point) {
+    if (!statusItem)
+        return;
+    if (popoverIsShown()) {
+        popover->hide();
+        return;
+    }
+    if (!popover)
+        popover = std::make_unique<Popover>();
+    // With some panels the click that closes the popover is also the one that asks for it.
+    if (popover->wasJustClosed())
+        return;
+    model.refresh(AppModel::Reason::event);
+    popover->setText(QString::fromStdString(statusItemToolTip(model.state.get())));
+    popover->showAt(point);
+}
+
+void AppDelegate::showDetails() {
+    if (popoverIsShown())
+        popover->showAt(std::nullopt);
+    else
+        togglePopover(std::nullopt);
+}

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/Lifetime.h"
+#include "platform/Platform.h"
+#include "platform/StatusBar.h"
+#include "platform/Subscription.h"
+#include "shell/AppModel.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+class Popover;
+
+/// The program's presence on the screen: the status item, and the popover that opens from it.
+class AppDelegate {
+public:
+    /// `terminate` is asked to end the program.
+    AppDelegate(const Platform& platform, std::function<void()> terminate);
+    ~AppDelegate();
+    AppDelegate(const AppDelegate&) = delete;
+    AppDelegate& operator=(const AppDelegate&) = delete;
+
+    /// Puts the item into the panel and starts the model.
+    void applicationDidFinishLaunching();
+
+    /// Brings everything onto the disk that must be there; to be called once, when the main loop has ended.
+    void applicationWillTerminate();
+
+    /// Redraws the item from the model's state and the preferences.
+    void updateStatusItem();
+
+    /// Opens the popover on a fresh reading, beside the point if one is given, or closes it.
+    void togglePopover(std::optional<ScreenPoint> point);
+
+    /// Opens the popover; one that is open comes to the front.
+    void showDetails();
+
+private:
+    Platform platform_;
+    std::function<void()> terminate_;
+    AppModel model;
+    std::unique_ptr<StatusItem> statusItem;
+    std::unique_ptr<Popover> popover;
+    std::vector<Subscription> bag;
+    Lifetime lifetime_;
+
+    void queueUpdate();
+    bool popoverIsShown() const;
+};

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/AppModel.h"
+
+#include "alerts/Prefs.h"
+#include "platform/Clock.h"
+#include "platform/ProcessInfo.h"
+#include "platform/UserDefaults.h"
+#include "platform/Workspace.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <utility>
+
+using namespace std::chrono_literals;
+
+AppModel::AppModel(const Platform& platform)
+    : state(BatteryState{}), pluggedSince(std::nullopt), historyVersion(0),
+      snoozeUntil(Prefs::snoozeUntil(platform.defaults, platform.clock)), platform_(platform),
+      reader(platform.powerSources, platform.processInfo) {}
+
+template <class Function>
+auto AppModel::trigger(Function function) {
+    return [&loop = platform_.mainLoop, guarded = lifetime_.guard(std::move(function))]() mutable {
+        // The model has no locks: a trigger from elsewhere is a mistake in an adapter, and going on would corrupt it.
+        if (!loop.isMainThread())
+            std::abort();
+        guarded();
+    };
+}
+
+void AppModel::start() {
+    notifier.setup();
+    notifier.onSnooze = lifetime_.guard([this] { snooze(); });
+    refresh(Reason::launch);
+    reader.startObserving(trigger([this] { refresh(Reason::event); }));
+    timer = platform_.mainLoop.repeat(60s, 10s, trigger([this] { refresh(Reason::timer); }));
+    observations_.push_back(platform_.processInfo.onPowerStateChanged(trigger([this] { refresh(Reason::event); })));
+    observations_.push_back(
+        platform_.workspace.onWillSleep(trigger([this] { history.save(platform_.clock.now()); })));
+    // Right after waking the batteries often cannot be read yet.
+    observations_.push_back(platform_.workspace.onDidWake(lifetime_.guard([this] {
+        platform_.mainLoop.after(3s, trigger([this] { refresh(Reason::wake); }));
+    })));
+}
+
+void AppModel::refresh(Reason reason) {
+    const BatteryState reading = reader.read();
+    const Date now = platform_.clock.now();
+    trackPluggedIn(reading, now, reason);
+    if (reading != state.get())
+        state.set(reading);
+}
+
+void AppModel::trackPluggedIn(const BatteryState& reading, Date now, Reason reason) {
+    const bool pluggedIn = reading.hasBattery && reading.pluggedIn;
+    if (pluggedIn == pluggedSince.get().has_value())
+        return;
+    if (!pluggedIn) {
+        pluggedSince.set(std::nullopt);
+        return;
+    }
+    const bool pastIsUnknown = reason == Reason::launch || reason == Reason::wake;
+    pluggedSince.set((pastIsUnknown ? history.pluggedSinceEstimate(now) : std::nullopt).value_or(now));
+}
+
+void AppModel::snooze() {
+    Prefs::setSnoozeUntil(platform_.defaults, platform_.clock.now() + 1h);
+    // Read back, so that what is shown is exactly what is stored.
+    snoozeUntil.set(Prefs::snoozeUntil(platform_.defaults, platform_.clock));
+}

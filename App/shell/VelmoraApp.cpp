@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/DisplayCheck.h"
+#include "platform/linux/InertProcessInfo.h"
+#include "platform/linux/JsonUserDefaults.h"
+#include "platform/linux/PosixFiles.h"
+#include "platform/linux/QtMainLoop.h"
+#include "platform/linux/SessionApplication.h"
+#include "platform/linux/SessionWorkspace.h"
+#include "platform/linux/StatusNotifierItem.h"
+#include "platform/linux/SysfsPowerSources.h"
+#include "platform/linux/SystemCalendar.h"
+#include "platform/linux/SystemClock.h"
+#include "platform/linux/TerminationSignals.h"
+#include "platform/linux/XdgFolders.h"
+#include "shell/AppDelegate.h"
+
+#include <QApplication>
+#include <QDBusConnection>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+[[noreturn]] void cannotStart(const char* why) {
+    std::fprintf(stderr, "velmora: %s\n", why);
+    std::_Exit(EXIT_FAILURE); // also from inside the toolkit's start, where an orderly exit is not possible
+}
+
+constexpr const char* noDisplay = "there is no display that it could show the battery on";
+
+/// The program writes no log. What the toolkit has to say while it starts and fails is one thing only.
+void handleToolkitMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
+    if (type == QtFatalMsg)
+        cannotStart(noDisplay);
+#ifdef NDEBUG
+    (void)message;
+#else
+    std::fprintf(stderr, "%s\n", qPrintable(message));
+#endif
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    TerminationSignals signalEvents;
+    qInstallMessageHandler(handleToolkitMessage);
+    if (!prepareDisplay())
+        cannotStart(noDisplay);
+    QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setDesktopFileName(QLatin1String(SessionApplication::name));
+    QApplication::setApplicationName(QStringLiteral("Velmora"));
+    QApplication application(argc, argv);
+
+    const QDBusConnection sessionBus = QDBusConnection::sessionBus();
+    if (!sessionBus.isConnected())
+        cannotStart("there is no session bus, over which panels show their items");
+    SessionApplication session(sessionBus);
+    if (!session.claim()) {
+        session.activateOther();
+        return EXIT_SUCCESS;
+    }
+
+    QtMainLoop mainLoop;
+    SystemClock clock;
+    SystemCalendar calendar;
+    PosixFiles files(xdgDataHome());
+    JsonUserDefaults defaults(xdgConfigHome() / "Velmora/defaults.json", files, mainLoop);
+    SysfsPowerSources powerSources("/sys", clock, mainLoop);
+    InertProcessInfo processInfo;
+    SessionWorkspace workspace(sessionBus, signalEvents);
+    // The glyphs stand beside the executable, wherever the bundle was put.
+    const std::filesystem::path program(QCoreApplication::applicationDirPath().toStdString());
+    StatusNotifierBar statusBar(sessionBus, program.parent_path() / "share/icons");
+
+    AppDelegate delegate({powerSources, processInfo, workspace, mainLoop, clock, calendar, defaults, files, statusBar},
+                         [] { QCoreApplication::quit(); });
+    session.setActivated([&delegate] { delegate.showDetails(); });
+    delegate.applicationDidFinishLaunching();
+    workspace.start();
+    const int code = QApplication::exec();
+    delegate.applicationWillTerminate();
+    return code;
+}

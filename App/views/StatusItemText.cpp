@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/StatusItemText.h"
+
+#include "alerts/Prefs.h"
+
+#include <array>
+#include <cstdio>
+
+namespace {
+
+std::string join(const std::string& percent, const std::string& time) {
+    return percent.empty() || time.empty() ? percent + time : percent + " · " + time;
+}
+
+std::string spaced(const std::string& text) {
+    return text.empty() ? text : " " + text;
+}
+
+} // namespace
+
+std::string statusItemText(const BatteryState& state, const Prefs& prefs) {
+    if (!state.hasBattery)
+        return {};
+    return join(prefs.showPercent ? std::to_string(state.percent) + "%" : "",
+                prefs.showTime ? state.shortTime().value_or("") : "");
+}
+
+std::string statusItemTitle(const BatteryState& state, const Prefs& prefs) {
+    return spaced(statusItemText(state, prefs));
+}
+
+std::string widestStatusItemTitle(const Prefs& prefs) {
+    return spaced(join(prefs.showPercent ? "100%" : "", prefs.showTime ? "00:00" : ""));
+}
+
+std::string statusItemToolTip(const BatteryState& state) {
+    std::string lines = state.stateText();
+    if (state.hasBattery)
+        lines = std::to_string(state.percent) + "% · " + lines;
+    const auto health = state.healthPercent();
+    const auto label = state.healthLabel();
+    if (health && label) {
+        std::array<char, 64> percent{};
+        std::snprintf(percent.data(), percent.size(), "%.0f", *health);
+        lines += "\nHealth: " + std::string(percent.data()) + "% (" + *label + ")";
+    }
+    if (state.cycleCount)
+        lines += "\nCycles: " + std::to_string(*state.cycleCount);
+    return lines;
+}

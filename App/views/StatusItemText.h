@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "battery/BatteryState.h"
+
+#include <string>
+
+struct Prefs;
+
+/// The text beside the icon, "80% · 1:45", as far as the preferences want it; empty for the icon alone.
+std::string statusItemText(const BatteryState& state, const Prefs& prefs);
+
+/// The title of the item: the text, set off from the icon by a space; empty for the icon alone.
+std::string statusItemTitle(const BatteryState& state, const Prefs& prefs);
+
+/// The widest title that these preferences can give, so that the panel can keep the item's width.
+std::string widestStatusItemTitle(const Prefs& prefs);
+
+/// The tooltip: what the battery is doing, its health, its cycles; one line each, joined with a line feed.
+std::string statusItemToolTip(const BatteryState& state);
