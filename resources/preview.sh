@@ -46,7 +46,7 @@ sheet() {
     cd "$scratch"
     rm -f ./*
     for glyph in $glyphs; do
-        sed "s/$own/$2/g" "$icons/symbolic/status/velmora-$glyph-symbolic.svg" >"$glyph.svg"
+        sed "s/$own/$2/g" "$icons/scalable/status/velmora-$glyph-symbolic.svg" >"$glyph.svg"
     done
     rows=
     for size in $sizes; do

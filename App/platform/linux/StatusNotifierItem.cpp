@@ -41,7 +41,7 @@ void StatusNotifierItem::registerWithWatcher() {
 
 bool StatusNotifierItem::knowsSymbol(std::string_view name) const {
     std::error_code error;
-    return std::filesystem::exists(iconTheme_ / "hicolor/symbolic/status" / (glyphIconName(name) + ".svg"), error);
+    return std::filesystem::exists(iconTheme_ / "hicolor/scalable/status" / (glyphIconName(name) + ".svg"), error);
 }
 
 void StatusNotifierItem::show(const Content& content) {
