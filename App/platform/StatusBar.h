@@ -42,7 +42,7 @@ public:
     /// Shows the content; only what differs from what is shown goes out to the panel.
     virtual void show(const Content& content) = 0;
 
-    /// Sets what a click does; it is given the place of the click when the panel tells a credible one.
+    /// Sets what a click does; it is given the place of the click as the panel tells it, if it does.
     virtual void setAction(std::function<void(std::optional<ScreenPoint>)> action) = 0;
 
     /// Sets the entries of the item's menu, in order.

@@ -61,25 +61,23 @@ bool AppDelegate::popoverIsShown() const {
 }
 
 void AppDelegate::togglePopover(std::optional<ScreenPoint> point) {
-    if (!statusItem)
-        return;
-    if (popoverIsShown()) {
+    if (popoverIsShown())
         popover->hide();
-        return;
-    }
-    if (!popover)
-        popover = std::make_unique<Popover>();
-    // With some panels the click that closes the popover is also the one that asks for it.
-    if (popover->wasJustClosed())
-        return;
-    model.refresh(AppModel::Reason::event);
-    popover->setText(QString::fromStdString(statusItemToolTip(model.state.get())));
-    popover->showAt(point);
+    else if (!popover || !popover->wasJustClosed()) // with some panels the click that closed it is also the one that asks
+        openPopover(point);
 }
 
 void AppDelegate::showDetails() {
     if (popoverIsShown())
         popover->showAt(std::nullopt);
     else
-        togglePopover(std::nullopt);
+        openPopover(std::nullopt);
+}
+
+void AppDelegate::openPopover(std::optional<ScreenPoint> point) {
+    model.refresh(AppModel::Reason::event);
+    if (!popover)
+        popover = std::make_unique<Popover>();
+    popover->setText(QString::fromStdString(statusItemToolTip(model.state.get())));
+    popover->showAt(point);
 }

@@ -49,4 +49,5 @@ private:
 
     void queueUpdate();
     bool popoverIsShown() const;
+    void openPopover(std::optional<ScreenPoint> point);
 };

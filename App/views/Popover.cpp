@@ -12,11 +12,14 @@
 
 namespace {
 
+bool isWaylandSession() {
+    return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
 /// On plain X11 a popup window closes at a click anywhere. Under Wayland, and on X servers that run inside it, a click on
 /// somebody else's window never reaches a popup; a tool window that closes when it loses the focus does better there.
 Qt::WindowFlags popoverFlags() {
-    const bool plainX11 =
-        QGuiApplication::platformName() == QLatin1String("xcb") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    const bool plainX11 = QGuiApplication::platformName() == QLatin1String("xcb") && !isWaylandSession();
     return plainX11 ? Qt::Popup | Qt::FramelessWindowHint
                     : Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;
 }
@@ -44,7 +47,7 @@ void Popover::setText(const QString& text) {
 }
 
 void Popover::showAt(std::optional<ScreenPoint> point) {
-    if (point)
+    if (point && isCredible(*point, isWaylandSession()))
         point_ = point;
     adjustSize();
     if (const QScreen* screen = screenAt(point_)) {

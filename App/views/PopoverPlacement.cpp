@@ -20,3 +20,8 @@ ScreenPoint placePopover(std::optional<ScreenPoint> point, const ScreenRect& ava
     const int y = inside(lowerHalf ? anchor.y - height : anchor.y, height, available.y, available.height);
     return {x, y};
 }
+
+bool isCredible(ScreenPoint point, bool waylandSession) {
+    constexpr int itemSize = 48; // the largest item that such a panel shows
+    return !waylandSession || point.x >= itemSize || point.y >= itemSize;
+}

@@ -12,7 +12,8 @@
 namespace {
 
 constexpr std::uint32_t interesting =
-    IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_CREATE | IN_DELETE | IN_ATTRIB | IN_ONLYDIR;
+    IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_CREATE | IN_DELETE | IN_ATTRIB;
+constexpr std::uint32_t folderIsGone = IN_DELETE_SELF | IN_MOVE_SELF;
 
 } // namespace
 
@@ -25,23 +26,24 @@ FolderWatch::FolderWatch(std::function<void()> changed)
 }
 
 void FolderWatch::watch(const std::set<std::filesystem::path>& entries) {
-    std::map<std::filesystem::path, int> folders;
-    names_.clear();
-    for (const auto& entry : entries) {
-        const auto folder = entry.parent_path();
-        // Adding a watch for a folder that has one gives the same number again; one that was deleted and made anew gets
-        // a new number.
-        const int number = inotify_add_watch(inotify_.get(), folder.c_str(), interesting);
-        if (number < 0)
-            continue;
-        folders[folder] = number;
-        names_[number].insert(entry.filename().string());
+    std::map<int, std::set<std::string>> names;
+    for (std::filesystem::path entry : entries) {
+        // What is missing is waited for in the nearest folder that is there. That one is not watched in any other case:
+        // it may be a busy one.
+        for (; entry.has_relative_path(); entry = entry.parent_path()) {
+            const int number = inotify_add_watch(inotify_.get(), entry.parent_path().c_str(),
+                                                 interesting | folderIsGone | IN_ONLYDIR);
+            if (number >= 0) {
+                names[number].insert(entry.filename().string());
+                break;
+            }
+        }
     }
-    for (const auto& [folder, number] : folders_) {
-        if (!names_.contains(number))
+    for (const auto& [number, unused] : names_) {
+        if (!names.contains(number))
             inotify_rm_watch(inotify_.get(), number);
     }
-    folders_ = std::move(folders);
+    names_ = std::move(names);
 }
 
 void FolderWatch::drain() {
@@ -56,7 +58,9 @@ void FolderWatch::drain() {
             std::memcpy(&event, block.data() + at, sizeof event);
             const char* name = event.len > 0 ? block.data() + at + sizeof event : "";
             const auto names = names_.find(event.wd);
-            any = any || (event.mask & IN_Q_OVERFLOW) != 0 || (names != names_.end() && names->second.contains(name));
+            const bool known = names != names_.end();
+            any = any || (event.mask & IN_Q_OVERFLOW) != 0 ||
+                  (known && ((event.mask & folderIsGone) != 0 || names->second.contains(name)));
             at += sizeof event + event.len;
         }
     }

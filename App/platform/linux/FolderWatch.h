@@ -18,13 +18,11 @@ public:
     /// `changed` is called once for each bunch of events that concern a watched name.
     explicit FolderWatch(std::function<void()> changed);
 
-    /// Watches exactly these paths from now on; each is an entry of its folder, and folders that are missing are left
-    /// out.
+    /// Watches exactly these paths from now on, each for its coming, going and changing; so call it again after a change.
     void watch(const std::set<std::filesystem::path>& entries);
 
 private:
     FileDescriptor inotify_;
-    std::map<std::filesystem::path, int> folders_;
     std::map<int, std::set<std::string>> names_;
     std::function<void()> changed_;
     std::unique_ptr<QSocketNotifier> notifier_;

@@ -63,7 +63,6 @@ private:
 
 JsonUserDefaults::JsonUserDefaults(fs::path file, Files& files, MainLoop& loop)
     : file_(std::move(file)), files_(files), loop_(loop), watch_([this] { fileChanged(); }) {
-    files_.createFolder(file_.parent_path()); // so that it can be watched for a file that somebody puts there
     watchFile();
     values_ = load().values;
 }
@@ -75,6 +74,12 @@ JsonUserDefaults::Content JsonUserDefaults::load() const {
         return {.values = {}, .isDamaged = fs::exists(fs::status(file_, error))};
     const auto document = QJsonDocument::fromJson(QByteArray::fromRawData(text->data(), static_cast<qsizetype>(text->size())));
     return {.values = document.object(), .isDamaged = !document.isObject()};
+}
+
+QJsonObject JsonUserDefaults::withUnwritten(QJsonObject values) const {
+    for (auto entry = unwritten_.begin(); entry != unwritten_.end(); ++entry)
+        values.insert(entry.key(), entry.value());
+    return values;
 }
 
 void JsonUserDefaults::registerDefaults(const Dictionary& fallbacks) {
@@ -135,10 +140,11 @@ void JsonUserDefaults::setObject(std::string_view key, const Value& value) {
         setDamagedAside();
         present.values = values_;
     }
-    present.values.insert(toQString(key), toJson(value));
-    const QByteArray text = QJsonDocument(present.values).toJson(QJsonDocument::Indented);
-    files_.replace(file_, {text.constData(), static_cast<std::size_t>(text.size())});
-    values_ = present.values;
+    unwritten_.insert(toQString(key), toJson(value));
+    values_ = withUnwritten(present.values);
+    const QByteArray text = QJsonDocument(values_).toJson(QJsonDocument::Indented);
+    if (files_.replace(file_, {text.constData(), static_cast<std::size_t>(text.size())}))
+        unwritten_ = {};
     watchFile();
     announce();
 }
@@ -149,7 +155,7 @@ Subscription JsonUserDefaults::onChange(std::function<void()> callback) {
 
 void JsonUserDefaults::fileChanged() {
     watchFile();
-    const QJsonObject values = load().values;
+    const QJsonObject values = withUnwritten(load().values);
     // Our own write comes back as an event too, and has been announced.
     if (values == values_)
         return;
@@ -162,6 +168,5 @@ void JsonUserDefaults::announce() {
 }
 
 void JsonUserDefaults::watchFile() {
-    // The folder too, in case it is taken away and put back, and where a link leads.
-    watch_.watch({file_.parent_path(), file_, PosixFiles::linkTarget(file_)});
+    watch_.watch({file_, PosixFiles::linkTarget(file_)});
 }

@@ -40,11 +40,13 @@ private:
     MainLoop& loop_;
     Dictionary fallbacks_;
     QJsonObject values_;
+    QJsonObject unwritten_; ///< set in this run, and not on the disk because it could not be written
     Observers<> observers_;
     FolderWatch watch_;
     Lifetime lifetime_;
 
     Content load() const;
+    QJsonObject withUnwritten(QJsonObject values) const;
     void setDamagedAside();
     void fileChanged();
     void announce();

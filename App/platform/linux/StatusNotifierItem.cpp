@@ -62,16 +62,19 @@ void StatusNotifierItem::setMenu(std::vector<MenuEntry> entries) {
     menu_.setEntries(std::move(entries));
 }
 
-void StatusNotifierItem::Activate(int x, int y) {
-    if (!action_)
-        return;
-    // QUIRK: some panels give the place inside the item, or none, as a point near the corner of the screen.
-    constexpr int corner = 48;
-    const bool credible = x >= corner || y >= corner;
+void StatusNotifierItem::act(std::optional<ScreenPoint> point) {
     // On a later turn: the panel gets its answer first.
     QMetaObject::invokeMethod(
-        this, [this, x, y, credible] { action_(credible ? std::optional(ScreenPoint{x, y}) : std::nullopt); },
+        this,
+        [this, point] {
+            if (action_)
+                action_(point);
+        },
         Qt::QueuedConnection);
+}
+
+void StatusNotifierItem::Activate(int x, int y) {
+    act(ScreenPoint{x, y});
 }
 
 void StatusNotifierItem::SecondaryActivate(int x, int y) {
@@ -90,7 +93,7 @@ void StatusNotifierItem::ProvideXdgActivationToken(const QString& token) {
 }
 
 void StatusNotifierItem::XAyatanaSecondaryActivate(uint /*timestamp*/) {
-    Activate(0, 0);
+    act(std::nullopt);
 }
 
 QString StatusNotifierItem::iconAccessibleDesc() const {

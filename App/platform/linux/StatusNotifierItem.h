@@ -79,6 +79,7 @@ private:
     Content content_;
 
     void registerWithWatcher();
+    void act(std::optional<ScreenPoint> point);
 
     static QString category() { return QStringLiteral("Hardware"); }
     static QString id() { return QStringLiteral("app.velmora.Velmora"); }
