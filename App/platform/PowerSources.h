@@ -15,7 +15,7 @@ struct PowerSnapshot {
     /// "Name", "Time to Full Charge", "Time to Empty" (minutes, -1 while unknown).
     std::optional<std::vector<std::optional<Value>>> sources;
 
-    /// The battery registry's entry, from the same scan; made only when it is asked for, empty when there is none.
+    /// The battery registry's entry, from the same scan; empty when there is none. Asked for only where a battery is.
     /// Keys: "CycleCount", "DesignCapacity", "MaxCapacity", "Temperature" (1/100 degree Celsius), "Voltage" (mV),
     /// "Amperage" (mA, positive into the battery), "AdapterDetails" with "Watts".
     std::function<std::optional<Value>()> batteryProperties;

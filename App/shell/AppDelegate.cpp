@@ -68,13 +68,12 @@ void AppDelegate::togglePopover(std::optional<ScreenPoint> point) {
 }
 
 void AppDelegate::showDetails() {
-    if (popoverIsShown())
-        popover->showAt(std::nullopt);
-    else
-        openPopover(std::nullopt);
+    openPopover(std::nullopt);
 }
 
 void AppDelegate::openPopover(std::optional<ScreenPoint> point) {
+    if (!statusItem)
+        return;
     model.refresh(AppModel::Reason::event);
     if (!popover)
         popover = std::make_unique<Popover>();

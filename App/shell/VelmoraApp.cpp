@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/DisplayCheck.h"
-#include "platform/linux/InertProcessInfo.h"
 #include "platform/linux/JsonUserDefaults.h"
+#include "platform/linux/LogindSleep.h"
 #include "platform/linux/PosixFiles.h"
+#include "platform/linux/PowerProfiles.h"
 #include "platform/linux/QtMainLoop.h"
 #include "platform/linux/SessionApplication.h"
 #include "platform/linux/SessionWorkspace.h"
 #include "platform/linux/StatusNotifierItem.h"
 #include "platform/linux/SysfsPowerSources.h"
+#include "platform/linux/SystemBus.h"
 #include "platform/linux/SystemCalendar.h"
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/TerminationSignals.h"
@@ -19,6 +21,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 namespace {
 
@@ -31,13 +34,22 @@ constexpr const char* noDisplay = "there is no display that it could show the ba
 
 /// The program writes no log. What the toolkit has to say while it starts and fails is one thing only.
 void handleToolkitMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
-    if (type == QtFatalMsg)
+    if (type == QtFatalMsg && QCoreApplication::startingUp())
         cannotStart(noDisplay);
 #ifdef NDEBUG
     (void)message;
 #else
     std::fprintf(stderr, "%s\n", qPrintable(message));
 #endif
+}
+
+/// The delegate while the main loop runs. The toolkit calls exit() from inside the loop when the X server goes away, which
+/// is how many sessions end; a handler for that can reach what it has to save only through a static.
+AppDelegate* runningDelegate = nullptr;
+
+void terminateRunning() {
+    if (AppDelegate* delegate = std::exchange(runningDelegate, nullptr))
+        delegate->applicationWillTerminate();
 }
 
 } // namespace
@@ -67,8 +79,10 @@ int main(int argc, char** argv) {
     PosixFiles files(xdgDataHome());
     JsonUserDefaults defaults(xdgConfigHome() / "Velmora/defaults.json", files, mainLoop);
     SysfsPowerSources powerSources("/sys", clock, mainLoop);
-    InertProcessInfo processInfo;
-    SessionWorkspace workspace(sessionBus, signalEvents);
+    SystemBus systemBus(SystemBus::usualSocket(), mainLoop);
+    PowerProfiles processInfo(systemBus, "/sys");
+    LogindSleep sleep(systemBus);
+    SessionWorkspace workspace(sessionBus, signalEvents, sleep);
     // The glyphs stand beside the executable, wherever the bundle was put.
     const std::filesystem::path program(QCoreApplication::applicationDirPath().toStdString());
     StatusNotifierBar statusBar(sessionBus, program.parent_path() / "share/icons");
@@ -78,7 +92,13 @@ int main(int argc, char** argv) {
     session.setActivated([&delegate] { delegate.showDetails(); });
     delegate.applicationDidFinishLaunching();
     workspace.start();
+    // After the item is in the panel: nothing there waits for what the system bus has to say.
+    processInfo.start();
+    sleep.start();
+    systemBus.start();
+    runningDelegate = &delegate;
+    std::atexit(terminateRunning);
     const int code = QApplication::exec();
-    delegate.applicationWillTerminate();
+    terminateRunning();
     return code;
 }

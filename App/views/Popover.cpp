@@ -2,6 +2,7 @@
 #include "views/Popover.h"
 
 #include "views/PopoverPlacement.h"
+#include "views/Screens.h"
 
 #include <QEvent>
 #include <QGuiApplication>
@@ -44,11 +45,19 @@ Popover::Popover() : QWidget(nullptr, popoverFlags()), text_(new QLabel(this)) {
 
 void Popover::setText(const QString& text) {
     text_->setText(text);
+    place();
 }
 
 void Popover::showAt(std::optional<ScreenPoint> point) {
     if (point && isCredible(*point, isWaylandSession()))
-        point_ = point;
+        point_ = toLogical(*point, allScreens());
+    place();
+    show();
+    raise();
+    activateWindow();
+}
+
+void Popover::place() {
     adjustSize();
     if (const QScreen* screen = screenAt(point_)) {
         const QRect available = screen->availableGeometry();
@@ -56,9 +65,6 @@ void Popover::showAt(std::optional<ScreenPoint> point) {
             placePopover(point_, {available.x(), available.y(), available.width(), available.height()}, width(), height());
         move(corner.x, corner.y);
     }
-    show();
-    raise();
-    activateWindow();
 }
 
 bool Popover::wasJustClosed() const {

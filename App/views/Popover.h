@@ -6,7 +6,6 @@
 #include <QElapsedTimer>
 #include <QWidget>
 
-#include <functional>
 #include <optional>
 
 class QLabel;
@@ -35,6 +34,8 @@ protected:
 
 private:
     QLabel* text_;
-    std::optional<ScreenPoint> point_;
+    std::optional<ScreenPoint> point_; ///< in the toolkit's coordinates
     QElapsedTimer sinceClosed_;
+
+    void place();
 };

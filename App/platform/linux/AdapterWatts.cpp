@@ -15,13 +15,15 @@ std::optional<double> watts(std::optional<double> microvolts, std::optional<doub
 
 std::optional<std::int64_t> ratedWatts(const PowerSupply& supply) {
     const auto voltage = supply.number("voltage_now");
-    const auto highest = supply.number("voltage_max", "voltage_max_design");
+    auto highest = supply.number("voltage_max");
+    if (highest.value_or(0) <= 0)
+        highest = supply.number("voltage_max_design");
     const auto contract = watts(voltage, supply.number("current_now"));
     const auto rating = watts(highest, supply.number("current_max"));
     const auto limit = supply.number("input_power_limit");
     // QUIRK: on chargers with programmable voltage the kernel's maxima are nonsense or belong to different offers. When
     // the voltage that flows is no lower than the maximum, the contract is what counts.
-    const bool trustContract = voltage && highest && *voltage >= *highest;
+    const bool trustContract = voltage && highest && *highest > 0 && *voltage >= *highest;
     const std::array candidates{trustContract ? contract : rating, trustContract ? rating : contract,
                                 limit ? std::optional(*limit / 1e6) : std::nullopt};
     for (const auto& candidate : candidates) {

@@ -128,8 +128,15 @@ std::optional<BatteryPack> BatteryPack::read(const PowerSupply& supply) {
     const auto threshold = supply.number("charge_control_end_threshold");
     if (threshold && *threshold >= 1 && *threshold <= 99)
         pack.chargeTarget = threshold;
-    pack.isDead = supply.integer("voltage_now") == 0 && pack.now.value_or(pack.percent) <= 0;
+    // Whatever percentage it claims.
+    const auto holds = energy.now ? energy.now : charge.now;
+    pack.isDead = supply.integer("voltage_now") == 0 && holds.value_or(pack.percent) <= 0;
     dropImpossibleRate(pack);
+    // One of the two is real: some firmware has a file for the other that is always 0.
+    if (pack.power == 0.0 && pack.current.value_or(0) != 0)
+        pack.power.reset();
+    if (pack.current == 0.0 && pack.power.value_or(0) != 0)
+        pack.current.reset();
     return pack;
 }
 

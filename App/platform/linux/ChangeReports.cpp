@@ -56,7 +56,10 @@ void ChangeReports::scheduleLook(std::size_t number, unsigned long round) {
         if (looking_)
             scheduleLook(number + 1, round);
         // A report that is about to go out reads anyway.
-        if (!reportIsDue_ && look_())
+        if (!reportIsDue_ && look_()) {
+            lastReport_ = clock_.uptime();
+            reported_ = true;
             report_();
+        }
     }));
 }

@@ -82,8 +82,8 @@ MenuItems DBusMenu::GetGroupProperties(const QList<int>& ids, const QStringList&
 
 QDBusVariant DBusMenu::GetProperty(int id, const QString& name) const {
     const QVariant value = isItem(id) ? properties(id, {}).value(name) : QVariant();
-    if (!value.isValid())
-        refuse(id);
+    if (!value.isValid() && calledFromDBus())
+        sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("Menu item %1 has no %2.").arg(id).arg(name));
     return QDBusVariant(value);
 }
 

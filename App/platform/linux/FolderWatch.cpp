@@ -14,6 +14,8 @@ namespace {
 constexpr std::uint32_t interesting =
     IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_CREATE | IN_DELETE | IN_ATTRIB;
 constexpr std::uint32_t folderIsGone = IN_DELETE_SELF | IN_MOVE_SELF;
+/// Of a folder above the one that is meant only this: it may be a busy one.
+constexpr std::uint32_t comes = IN_MOVED_TO | IN_CREATE;
 
 } // namespace
 
@@ -28,15 +30,16 @@ FolderWatch::FolderWatch(std::function<void()> changed)
 void FolderWatch::watch(const std::set<std::filesystem::path>& entries) {
     std::map<int, std::set<std::string>> names;
     for (std::filesystem::path entry : entries) {
-        // What is missing is waited for in the nearest folder that is there. That one is not watched in any other case:
-        // it may be a busy one.
+        // A folder that is missing is waited for in the nearest one that is there.
+        std::uint32_t mask = interesting;
         for (; entry.has_relative_path(); entry = entry.parent_path()) {
             const int number = inotify_add_watch(inotify_.get(), entry.parent_path().c_str(),
-                                                 interesting | folderIsGone | IN_ONLYDIR);
+                                                 mask | folderIsGone | IN_ONLYDIR | IN_MASK_ADD);
             if (number >= 0) {
                 names[number].insert(entry.filename().string());
                 break;
             }
+            mask = comes;
         }
     }
     for (const auto& [number, unused] : names_) {

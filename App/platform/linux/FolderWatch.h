@@ -17,6 +17,8 @@ class FolderWatch {
 public:
     /// `changed` is called once for each bunch of events that concern a watched name.
     explicit FolderWatch(std::function<void()> changed);
+    FolderWatch(const FolderWatch&) = delete;
+    FolderWatch& operator=(const FolderWatch&) = delete;
 
     /// Watches exactly these paths from now on, each for its coming, going and changing; so call it again after a change.
     void watch(const std::set<std::filesystem::path>& entries);

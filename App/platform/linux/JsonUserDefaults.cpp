@@ -51,7 +51,7 @@ public:
     explicit FolderLock(const fs::path& folder)
         : descriptor_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
         using namespace std::chrono_literals;
-        for (int tries = 0; descriptor_ && tries < 100 && ::flock(descriptor_.get(), LOCK_EX | LOCK_NB) != 0; ++tries)
+        for (int tries = 0; descriptor_ && tries < 40 && ::flock(descriptor_.get(), LOCK_EX | LOCK_NB) != 0; ++tries)
             std::this_thread::sleep_for(5ms);
     }
 
@@ -63,6 +63,8 @@ private:
 
 JsonUserDefaults::JsonUserDefaults(fs::path file, Files& files, MainLoop& loop)
     : file_(std::move(file)), files_(files), loop_(loop), watch_([this] { fileChanged(); }) {
+    // So that it is this folder that is watched from the start, and not the busy one above.
+    files_.createFolder(file_.parent_path());
     watchFile();
     values_ = load().values;
 }
@@ -155,7 +157,11 @@ Subscription JsonUserDefaults::onChange(std::function<void()> callback) {
 
 void JsonUserDefaults::fileChanged() {
     watchFile();
-    const QJsonObject values = withUnwritten(load().values);
+    const Content present = load();
+    // A slip in an editor must not throw all settings over; the next write puts it right.
+    if (present.isDamaged)
+        return;
+    const QJsonObject values = withUnwritten(present.values);
     // Our own write comes back as an event too, and has been announced.
     if (values == values_)
         return;

@@ -25,7 +25,7 @@ using MenuItems = QList<MenuItem>;
 struct MenuEvent {
     int id = 0;
     QString eventId;
-    QDBusVariant data;
+    QDBusVariant data{QVariant(0)}; ///< never invalid: the bus library derives the signature from a value as made here
     uint timestamp = 0;
 };
 using MenuEvents = QList<MenuEvent>;

@@ -1,13 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/PanelMenu.h"
 
+#include "views/Screens.h"
+
 #include <QMenu>
 
-void showPanelMenu(const std::vector<StatusItem::MenuEntry>& entries, ScreenPoint point) {
-    auto* menu = new QMenu;
-    menu->setAttribute(Qt::WA_DeleteOnClose);
+PanelMenu::PanelMenu() = default;
+PanelMenu::~PanelMenu() = default;
+
+void PanelMenu::show(const std::vector<StatusItem::MenuEntry>& entries, ScreenPoint point) {
+    if (!menu_)
+        menu_ = std::make_unique<QMenu>();
+    menu_->clear();
     for (const StatusItem::MenuEntry& entry : entries)
-        QObject::connect(menu->addAction(QString::fromStdString(entry.label)), &QAction::triggered, menu,
+        QObject::connect(menu_->addAction(QString::fromStdString(entry.label)), &QAction::triggered, menu_.get(),
                          [action = entry.action] { action(); });
-    menu->popup(QPoint(point.x, point.y));
+    const ScreenPoint place = toLogical(point, allScreens());
+    menu_->popup(QPoint(place.x, place.y));
 }

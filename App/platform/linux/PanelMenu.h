@@ -3,7 +3,20 @@
 
 #include "platform/StatusBar.h"
 
+#include <memory>
 #include <vector>
 
-/// Shows the entries as a menu of our own at a place on the screen, for panels that draw none. It goes by itself.
-void showPanelMenu(const std::vector<StatusItem::MenuEntry>& entries, ScreenPoint point);
+class QMenu;
+
+/// The item's menu as a window of our own, for panels that draw none.
+class PanelMenu {
+public:
+    PanelMenu();
+    ~PanelMenu();
+
+    /// Shows the entries at a place on the screen, in the place of what it showed before. The menu goes by itself.
+    void show(const std::vector<StatusItem::MenuEntry>& entries, ScreenPoint point);
+
+private:
+    std::unique_ptr<QMenu> menu_; ///< made at first use
+};

@@ -50,6 +50,7 @@ bool isOnExternalPower(const std::vector<PowerSupply>& supplies, const Packs& pa
         return false;
     // Nothing but "Unknown", and no adapter to ask: a running machine must draw its power from somewhere. It draws more
     // than the 1 mA that some firmware tells in place of nothing.
+    // A rate that is not told counts as none: "Unknown" is also older kernels' word for a pack that is held.
     return std::all_of(packs.begin(), packs.end(), [](const auto& pack) {
         return std::abs(pack.power.value_or(0)) < 100 && std::abs(pack.current.value_or(0)) < 10;
     });
@@ -80,9 +81,14 @@ bool chargesNow(const BatteryPack& pack) {
     return pack.status == Status::charging && !pack.reportsOutflow();
 }
 
+bool packIsCharged(const BatteryPack& pack) {
+    // 95 as it is shown, that is, rounded: firmware that holds a full pack lets it drift to there.
+    return pack.status == Status::full || (!pack.isActive() && std::round(pack.percent) >= 95);
+}
+
 /// Still to be stored until the pack stops charging.
 double remaining(const BatteryPack& pack) {
-    if (!pack.now || !pack.full)
+    if (!pack.now || !pack.full || pack.status == Status::full)
         return 0;
     const double target = *pack.full * pack.chargeTarget.value_or(100) / 100;
     // A pack that charges well past its threshold does not heed it.
@@ -155,13 +161,8 @@ PowerReading PowerReading::of(const std::vector<PowerSupply>& supplies) {
 
     std::tie(reading.currentCapacity, reading.maxCapacity) = charge(reading.packs);
     reading.isCharging = std::any_of(reading.packs.begin(), reading.packs.end(), chargesNow);
-    const bool allFull = std::all_of(reading.packs.begin(), reading.packs.end(),
-                                     [](const auto& pack) { return pack.status == Status::full; });
-    const bool atRest =
-        std::none_of(reading.packs.begin(), reading.packs.end(), [](const auto& pack) { return pack.isActive(); });
-    // 95 as it is shown, that is, rounded: firmware that holds a full pack lets it drift to there.
-    const bool nearlyFull = std::round(reading.currentCapacity / reading.maxCapacity * 100) >= 95;
-    reading.isCharged = reading.onExternalPower && (allFull || (atRest && nearlyFull));
+    reading.isCharged =
+        reading.onExternalPower && std::all_of(reading.packs.begin(), reading.packs.end(), packIsCharged);
     return reading;
 }
 

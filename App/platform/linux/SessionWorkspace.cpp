@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/SessionWorkspace.h"
 
+#include "platform/linux/LogindSleep.h"
+
 #include <utility>
 
-SessionWorkspace::SessionWorkspace(QDBusConnection sessionBus, TerminationSignals& signalEvents)
-    : sessionBus_(std::move(sessionBus)), signalEvents_(signalEvents) {}
+SessionWorkspace::SessionWorkspace(QDBusConnection sessionBus, TerminationSignals& signalEvents, LogindSleep& sleep)
+    : sessionBus_(std::move(sessionBus)), signalEvents_(signalEvents), sleep_(sleep) {}
 
 void SessionWorkspace::start() {
     signalEvents_.notify([this] { endSession(); });
@@ -12,14 +14,16 @@ void SessionWorkspace::start() {
     sessionBus_.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
                         QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
                         SLOT(endSession()));
+    if (!sessionBus_.isConnected())
+        QMetaObject::invokeMethod(this, &SessionWorkspace::endSession, Qt::QueuedConnection);
 }
 
 Subscription SessionWorkspace::onWillSleep(std::function<void()> callback) {
-    return willSleep_.add(std::move(callback));
+    return sleep_.willSleep.add(std::move(callback));
 }
 
 Subscription SessionWorkspace::onDidWake(std::function<void()> callback) {
-    return didWake_.add(std::move(callback));
+    return sleep_.didWake.add(std::move(callback));
 }
 
 Subscription SessionWorkspace::onSessionEnd(std::function<void()> callback) {

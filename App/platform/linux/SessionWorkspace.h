@@ -8,12 +8,14 @@
 #include <QDBusConnection>
 #include <QObject>
 
-/// The session: it ends with a signal or with the session bus. Sleep and wake are not followed yet.
+class LogindSleep;
+
+/// The session, which ends with a signal or with the session bus, and the machine's sleep.
 class SessionWorkspace final : public QObject, public Workspace {
     Q_OBJECT
 
 public:
-    SessionWorkspace(QDBusConnection sessionBus, TerminationSignals& signalEvents);
+    SessionWorkspace(QDBusConnection sessionBus, TerminationSignals& signalEvents, LogindSleep& sleep);
 
     /// Starts to listen.
     void start();
@@ -28,7 +30,6 @@ private Q_SLOTS:
 private:
     QDBusConnection sessionBus_;
     TerminationSignals& signalEvents_;
-    Observers<> willSleep_;
-    Observers<> didWake_;
+    LogindSleep& sleep_;
     Observers<> sessionEnd_;
 };

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/StatusNotifierItem.h"
 
-#include "platform/linux/PanelMenu.h"
 #include "statusnotifieritemadaptor.h"
 #include "views/SymbolGlyph.h"
 
@@ -18,11 +17,16 @@ constexpr QLatin1String watcherName("org.kde.StatusNotifierWatcher");
 
 StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, std::filesystem::path iconTheme)
     : bus_(std::move(bus)), iconTheme_(std::move(iconTheme)), menu_(bus_),
-      watcherWatch_(watcherName, bus_, QDBusServiceWatcher::WatchForRegistration) {
+      watcherWatch_(watcherName, bus_, QDBusServiceWatcher::WatchForOwnerChange) {
     registerStatusNotifierTypes();
     new StatusNotifierItemAdaptor(this); // owned by this object, as adaptors are
     bus_.registerObject(QLatin1String(path), this);
-    connect(&watcherWatch_, &QDBusServiceWatcher::serviceRegistered, this, [this] { registerWithWatcher(); });
+    // Every change of the owner, not only its coming: one watcher may take the name over from another.
+    connect(&watcherWatch_, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString& /*name*/, const QString& /*before*/, const QString& now) {
+                if (!now.isEmpty())
+                    registerWithWatcher();
+            });
     registerWithWatcher();
 }
 
@@ -82,7 +86,9 @@ void StatusNotifierItem::SecondaryActivate(int x, int y) {
 }
 
 void StatusNotifierItem::ContextMenu(int x, int y) {
-    showPanelMenu(menu_.entries(), {x, y});
+    // On a later turn: the panel gets its answer first.
+    QMetaObject::invokeMethod(
+        this, [this, x, y] { panelMenu_.show(menu_.entries(), {x, y}); }, Qt::QueuedConnection);
 }
 
 void StatusNotifierItem::Scroll(int /*delta*/, const QString& /*orientation*/) {}

@@ -3,6 +3,7 @@
 
 #include "platform/StatusBar.h"
 #include "platform/linux/DBusMenu.h"
+#include "platform/linux/PanelMenu.h"
 #include "platform/linux/StatusNotifierTypes.h"
 
 #include <QDBusConnection>
@@ -74,6 +75,7 @@ private:
     QDBusConnection bus_;
     std::filesystem::path iconTheme_;
     DBusMenu menu_;
+    PanelMenu panelMenu_;
     QDBusServiceWatcher watcherWatch_;
     std::function<void(std::optional<ScreenPoint>)> action_;
     Content content_;

@@ -17,9 +17,7 @@ constexpr Duration patience{10};
 class SysfsPowerSources::Observation final : public Notification {
 public:
     Observation(SysfsPowerSources& owner, std::function<void()> changed)
-        : owner_(owner), reports(owner.loop_, owner.clock_, std::move(changed), [&owner] {
-              return owner.scan() != owner.given_;
-          }) {
+        : owner_(owner), reports(owner.loop_, owner.clock_, std::move(changed), [this] { return look(); }) {
         owner_.observation_ = this;
     }
     ~Observation() override { owner_.observation_ = nullptr; }
@@ -28,6 +26,14 @@ public:
 
 private:
     SysfsPowerSources& owner_;
+
+    bool look() {
+        const bool differs = owner_.scan() != owner_.given_;
+        // What came to light only now, such as a status that lagged behind its plug, needs a round of its own to settle.
+        if (owner_.isUnsettled())
+            reports.settle();
+        return differs;
+    }
 
 public:
     ChangeReports reports;
@@ -72,7 +78,7 @@ std::unique_ptr<PowerSources::Notification> SysfsPowerSources::notify(std::funct
     auto observation = std::make_unique<Observation>(*this, std::move(changed));
     // Without udev the looks after an unsettled reading, and the program's own refresh, are what is left.
     observation->monitor = UdevMonitor::start([reports = &observation->reports] { reports->event(); });
-    if (isUnsettled())
-        observation->reports.settle();
+    // Whatever happened just before the start may still be settling.
+    observation->reports.settle();
     return observation;
 }

@@ -13,6 +13,8 @@ class TerminationSignals {
 public:
     /// Takes the signals over. To be made before any other thread starts, since threads inherit what is blocked.
     TerminationSignals();
+    TerminationSignals(const TerminationSignals&) = delete;
+    TerminationSignals& operator=(const TerminationSignals&) = delete;
 
     /// Calls back on the main thread for each signal from now on, also for one that came before.
     void notify(std::function<void()> callback);

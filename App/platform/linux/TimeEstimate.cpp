@@ -66,7 +66,8 @@ std::optional<double> TimeEstimate::currentRate(const Reading& reading) {
         smooth(reading, along(reading.flow, *reading.rate));
     else if (smoothed_ && (reading.uptime - smoothedAt_).count() > staleRateSeconds)
         smoothed_.reset();
-    const auto rate = smoothed_ ? smoothed_ : derived;
+    // A reported rate that has died down says nothing more than none would.
+    const auto rate = smoothed_ && *smoothed_ >= reading.slowest ? smoothed_ : derived;
     return rate && *rate > 0 && *rate >= reading.slowest ? rate : std::nullopt;
 }
 
@@ -88,5 +89,8 @@ TimeEstimate::Minutes TimeEstimate::update(const Reading& reading) {
         return {};
     if (reading.flow == Flow::discharging)
         return {.toEmpty = wholeMinutes(*reading.now / *rate, mostHoursToEmpty), .toFull = std::nullopt};
+    // Nothing left to store, and still charging: nobody knows when that ends.
+    if (reading.remaining <= 0)
+        return {};
     return {.toEmpty = std::nullopt, .toFull = wholeMinutes(reading.remaining / *rate, mostHoursToFull)};
 }

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// Whose word counts on whether the machine saves power.
+struct PowerProfileChoice {
+    static constexpr std::string_view newName = "org.freedesktop.UPower.PowerProfiles";
+    static constexpr std::string_view oldName = "net.hadess.PowerProfiles";
+
+    std::map<std::string, std::string, std::less<>> daemons; ///< profile by bus name, of those that have answered
+    std::optional<std::string> firmware;                     ///< content of platform_profile
+
+    /// The daemon's word under its new name, else under its old one, else the firmware's; off when nobody knows.
+    bool isLowPower() const;
+};

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/Lifetime.h"
+#include "platform/Observers.h"
+#include "platform/linux/FolderWatch.h"
+
+#include <QDBusConnection>
+#include <QObject>
+
+#include <filesystem>
+
+class MainLoop;
+
+/// The system bus, which may be absent, appear late, and be restarted under us. The socket that it listens at is watched,
+/// so that nothing has to be tried again and again.
+class SystemBus final : public QObject {
+    Q_OBJECT
+
+public:
+    /// `socket` is where the bus listens.
+    SystemBus(std::filesystem::path socket, MainLoop& loop);
+    ~SystemBus() override;
+
+    /// Where the bus of this machine listens: what DBUS_SYSTEM_BUS_ADDRESS names, else the usual place.
+    static std::filesystem::path usualSocket();
+
+    /// Connects if the bus is there, and from now on whenever it comes.
+    void start();
+
+    /// The present connection; not connected while there is no bus.
+    QDBusConnection connection() const { return connection_; }
+
+    /// Calls back at each new connection; signals of the bus have to be subscribed to again then.
+    [[nodiscard]] Subscription onConnected(std::function<void()> callback) {
+        return connected_.add(std::move(callback));
+    }
+
+    /// Calls back when the connection is lost.
+    [[nodiscard]] Subscription onLost(std::function<void()> callback) { return lost_.add(std::move(callback)); }
+
+private Q_SLOTS:
+    void connectionLost();
+
+private:
+    std::filesystem::path socket_;
+    MainLoop& loop_;
+    QDBusConnection connection_;
+    Observers<> connected_;
+    Observers<> lost_;
+    FolderWatch watch_;
+    int attempt_ = 0;
+    Lifetime lifetime_;
+
+    void tryToConnect();
+    void watchSocket();
+};
