@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "battery/BatteryReader.h"
+#include "platform/Platform.h"
+#include "platform/StatusBar.h"
+#include "platform/Workspace.h"
+#include "platform/linux/FileDescriptor.h"
+#include "platform/linux/InertProcessInfo.h"
+#include "platform/linux/JsonUserDefaults.h"
+#include "platform/linux/PosixFiles.h"
+#include "platform/linux/QtMainLoop.h"
+#include "platform/linux/ReadDescriptor.h"
+#include "platform/linux/SysfsPowerSources.h"
+#include "platform/linux/SystemCalendar.h"
+#include "platform/linux/SystemClock.h"
+#include "shell/AppModel.h"
+#include "support/Fixture.h"
+#include "support/TemporaryFolder.h"
+
+#include <QCoreApplication>
+
+#include <benchmark/benchmark.h>
+
+#include <fcntl.h>
+
+namespace {
+
+/// The devices of a laptop with a battery, an adapter and a wireless mouse, as plain files.
+class Laptop {
+public:
+    Laptop() { Fixture::load(std::string(VELMORA_FIXTURES) + "/legion-full-with-mouse.json").writeTree(sysfs.path); }
+    TemporaryFolder sysfs;
+};
+
+/// What the reading is measured against: every attribute file of the same devices, opened, read and closed.
+void readEveryFile(benchmark::State& state) {
+    const Laptop laptop;
+    std::vector<std::filesystem::path> files;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(laptop.sysfs.path)) {
+        if (entry.is_regular_file())
+            files.push_back(entry.path());
+    }
+    for ([[maybe_unused]] auto _ : state) {
+        for (const auto& file : files) {
+            const FileDescriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+            benchmark::DoNotOptimize(readDescriptor(descriptor.get(), 4096));
+        }
+    }
+}
+BENCHMARK(readEveryFile);
+
+void oneSnapshot(benchmark::State& state) {
+    const Laptop laptop;
+    const SystemClock clock;
+    QtMainLoop loop;
+    SysfsPowerSources sources(laptop.sysfs.path, clock, loop);
+    for ([[maybe_unused]] auto _ : state)
+        benchmark::DoNotOptimize(sources.snapshot());
+}
+BENCHMARK(oneSnapshot);
+
+/// A panel that shows nothing.
+class NoPanel final : public StatusBar {
+public:
+    std::unique_ptr<StatusItem> createItem() override { return nullptr; }
+};
+
+/// A session in which nothing happens.
+class QuietWorkspace final : public Workspace {
+public:
+    Subscription onWillSleep(std::function<void()> /*callback*/) override { return Subscription(); }
+    Subscription onDidWake(std::function<void()> /*callback*/) override { return Subscription(); }
+    Subscription onSessionEnd(std::function<void()> /*callback*/) override { return Subscription(); }
+};
+
+void wholeRefresh(benchmark::State& state) {
+    const Laptop laptop;
+    const TemporaryFolder home;
+    SystemClock clock;
+    SystemCalendar calendar;
+    QtMainLoop loop;
+    PosixFiles files(home.path);
+    JsonUserDefaults defaults(home.path / "defaults.json", files, loop);
+    SysfsPowerSources sources(laptop.sysfs.path, clock, loop);
+    InertProcessInfo processInfo;
+    QuietWorkspace workspace;
+    NoPanel panel;
+    AppModel model({sources, processInfo, workspace, loop, clock, calendar, defaults, files, panel});
+    for ([[maybe_unused]] auto _ : state)
+        model.refresh(AppModel::Reason::timer);
+}
+BENCHMARK(wholeRefresh);
+
+} // namespace
+
+/// The adapters need the toolkit's event loop.
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

@@ -1,0 +1,29 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# The adapters against the real thing: sysfs and udev as umockdev shows them, files in a temporary folder.
+
+pkg_check_modules(umockdev REQUIRED IMPORTED_TARGET umockdev-1.0)
+
+add_library(velmora_desktop_test_support STATIC support/Fixture.cpp)
+target_include_directories(velmora_desktop_test_support PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+target_compile_definitions(velmora_desktop_test_support
+    PUBLIC VELMORA_FIXTURES="${CMAKE_CURRENT_SOURCE_DIR}/fixtures/power_supply")
+target_link_libraries(velmora_desktop_test_support PUBLIC velmora_test_support Qt6::Core PRIVATE velmora_options)
+
+add_executable(velmora_adapter_tests
+    platform/linux/FixturesTest.cpp
+    platform/linux/JsonUserDefaultsTest.cpp
+    platform/linux/LogindSleepTest.cpp
+    platform/linux/Main.cpp
+    platform/linux/PosixFilesTest.cpp
+    platform/linux/PowerProfilesTest.cpp
+    platform/linux/SysfsPowerSourcesTest.cpp
+    platform/linux/SystemCalendarTest.cpp
+    support/PrivateBus.cpp
+    support/Umockdev.cpp
+)
+target_link_libraries(velmora_adapter_tests PRIVATE
+    velmora_desktop velmora_desktop_test_support velmora_options GTest::gtest PkgConfig::umockdev)
+# umockdev shows its devices by preloading a library; where that is the sanitizer's place, it is told not to mind.
+set_target_properties(velmora_adapter_tests PROPERTIES CROSSCOMPILING_EMULATOR umockdev-wrapper)
+gtest_discover_tests(velmora_adapter_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 60
+    ENVIRONMENT "ASAN_OPTIONS=verify_asan_link_order=0")

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/PowerProfiles.h"
+
+#include "platform/linux/QtMainLoop.h"
+#include "platform/linux/SystemBus.h"
+#include "support/PrivateBus.h"
+#include "support/TemporaryFolder.h"
+#include "support/WaitUntil.h"
+
+#include <QDBusVariant>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QString oldName = QStringLiteral("net.hadess.PowerProfiles");
+const QString oldPath = QStringLiteral("/net/hadess/PowerProfiles");
+const QString newName = QStringLiteral("org.freedesktop.UPower.PowerProfiles");
+const QString newPath = QStringLiteral("/org/freedesktop/UPower/PowerProfiles");
+const QString mock = QStringLiteral("org.freedesktop.DBus.Mock");
+
+class PowerProfilesTest : public testing::Test {
+protected:
+    PrivateBus bus;
+    QtMainLoop loop;
+    TemporaryFolder sysfs;
+    SystemBus systemBus{bus.socket(), loop};
+    PowerProfiles profiles{systemBus, sysfs.path};
+    int changes = 0;
+    Subscription subscription = profiles.onPowerStateChanged([this] { ++changes; });
+
+    void start() {
+        profiles.start();
+        systemBus.start();
+    }
+
+    std::unique_ptr<StandIn> oldDaemon() {
+        return std::make_unique<StandIn>(
+            bus, oldName, QStringList{QStringLiteral("--template"), QStringLiteral("power_profiles_daemon")});
+    }
+
+    std::unique_ptr<StandIn> newDaemon(const QString& profile) {
+        auto daemon = std::make_unique<StandIn>(bus, newName, QStringList{newName, newPath, newName});
+        bus.call(newName, newPath, mock, QStringLiteral("AddProperty"),
+                 {newName, QStringLiteral("ActiveProfile"), QVariant::fromValue(QDBusVariant(profile))});
+        return daemon;
+    }
+
+    void switchTo(const QString& name, const QString& path, const QString& profile) const {
+        bus.call(name, path, mock, QStringLiteral("UpdateProperties"),
+                 {name, QVariantMap{{QStringLiteral("ActiveProfile"), profile}}});
+    }
+
+    bool becomes(bool lowPower) {
+        return waitUntil([&] { return profiles.isLowPowerModeEnabled() == lowPower; });
+    }
+};
+
+} // namespace
+
+TEST_F(PowerProfilesTest, FollowsTheDaemonUnderItsOldName) {
+    const auto daemon = oldDaemon();
+    start();
+    switchTo(oldName, oldPath, QStringLiteral("power-saver"));
+    EXPECT_TRUE(becomes(true));
+    EXPECT_EQ(changes, 1);
+    switchTo(oldName, oldPath, QStringLiteral("performance"));
+    EXPECT_TRUE(becomes(false));
+    EXPECT_EQ(changes, 2);
+}
+
+TEST_F(PowerProfilesTest, AsksADaemonThatIsInPowerSaverAlready) {
+    const auto daemon = newDaemon(QStringLiteral("power-saver"));
+    start();
+    EXPECT_TRUE(becomes(true));
+}
+
+TEST_F(PowerProfilesTest, FollowsADaemonThatAppearsLateAndOneThatIsStartedAgain) {
+    start();
+    for (int round = 0; round < 2; ++round) {
+        const auto daemon = oldDaemon();
+        switchTo(oldName, oldPath, QStringLiteral("power-saver"));
+        EXPECT_TRUE(becomes(true));
+        daemon->stop();
+        EXPECT_TRUE(becomes(false));
+    }
+}
+
+TEST_F(PowerProfilesTest, SurvivesABusThatAppearsLateAndIsStartedAgain) {
+    bus.stop();
+    start();
+    EXPECT_FALSE(profiles.isLowPowerModeEnabled());
+    for (int round = 0; round < 2; ++round) {
+        bus.start();
+        {
+            const auto daemon = oldDaemon();
+            switchTo(oldName, oldPath, QStringLiteral("power-saver"));
+            EXPECT_TRUE(becomes(true));
+        }
+        bus.stop();
+        EXPECT_TRUE(becomes(false));
+    }
+}
+
+TEST_F(PowerProfilesTest, BelievesTheFirmwareWhereNoDaemonIs) {
+    std::filesystem::create_directories(sysfs.path / "firmware/acpi");
+    write(sysfs.path / "firmware/acpi/platform_profile", "low-power\n");
+    start();
+    EXPECT_TRUE(profiles.isLowPowerModeEnabled());
+    // A daemon knows better.
+    const auto daemon = oldDaemon();
+    switchTo(oldName, oldPath, QStringLiteral("balanced"));
+    EXPECT_TRUE(becomes(false));
+    daemon->stop();
+    EXPECT_TRUE(becomes(true));
+}

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/Files.h"
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+/// Files in memory.
+class FakeFiles final : public Files {
+public:
+    std::filesystem::path support = "/home/user/.local/share";
+    std::map<std::filesystem::path, std::string> files;
+    std::set<std::filesystem::path> folders;
+    bool refusesReads = false;
+    bool refusesWrites = false;
+    mutable std::vector<std::filesystem::path> readPaths; ///< what was asked for, in order
+    std::vector<std::filesystem::path> replacedPaths;     ///< also where it was refused
+
+    std::filesystem::path applicationSupportFolder() const override { return support; }
+
+    bool createFolder(const std::filesystem::path& folder) override {
+        if (refusesWrites)
+            return folders.contains(folder);
+        folders.insert(folder);
+        return true;
+    }
+
+    std::optional<std::string> read(const std::filesystem::path& file, std::size_t limit) const override {
+        readPaths.push_back(file);
+        const auto found = files.find(file);
+        if (refusesReads || found == files.end() || found->second.size() > limit)
+            return std::nullopt;
+        return found->second;
+    }
+
+    bool replace(const std::filesystem::path& file, std::string_view content) override {
+        replacedPaths.push_back(file);
+        if (refusesWrites)
+            return false;
+        folders.insert(file.parent_path());
+        files.insert_or_assign(file, std::string(content));
+        return true;
+    }
+};

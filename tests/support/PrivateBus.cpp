@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/PrivateBus.h"
+
+#include "support/WaitUntil.h"
+
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusReply>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+void end(QProcess& process) {
+    if (process.state() == QProcess::NotRunning)
+        return;
+    process.terminate();
+    if (!process.waitForFinished(5000)) {
+        process.kill();
+        process.waitForFinished(5000);
+    }
+}
+
+} // namespace
+
+PrivateBus::PrivateBus() : connection_(QStringLiteral("none")) {
+    start();
+}
+
+PrivateBus::~PrivateBus() {
+    stop();
+}
+
+QString PrivateBus::address() const {
+    return QStringLiteral("unix:path=") + QString::fromStdString(socket().string());
+}
+
+void PrivateBus::start() {
+    daemon_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    daemon_.start(QStringLiteral("dbus-daemon"),
+                  {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address"),
+                   QStringLiteral("--address=") + address()});
+    // It prints its address once it listens.
+    ASSERT_TRUE(waitUntil([this] { return daemon_.canReadLine(); }));
+    connection_ = QDBusConnection::connectToBus(address(), QStringLiteral("test-%1").arg(++starts_));
+    ASSERT_TRUE(connection_.isConnected());
+}
+
+void PrivateBus::stop() {
+    QDBusConnection::disconnectFromBus(connection_.name());
+    end(daemon_);
+    daemon_.readAll();
+}
+
+bool PrivateBus::has(const QString& name) const {
+    return connection_.interface()->isServiceRegistered(name).value();
+}
+
+QVariant PrivateBus::call(const QString& service, const QString& path, const QString& interface, const QString& method,
+                          const QVariantList& arguments) const {
+    auto message = QDBusMessage::createMethodCall(service, path, interface, method);
+    message.setArguments(arguments);
+    const QDBusMessage reply = connection_.call(message, QDBus::Block, 5000);
+    EXPECT_EQ(reply.type(), QDBusMessage::ReplyMessage) << qPrintable(reply.errorMessage());
+    return reply.arguments().value(0);
+}
+
+StandIn::StandIn(const PrivateBus& bus, const QString& name, const QStringList& arguments) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), bus.address());
+    environment.remove(QStringLiteral("LD_PRELOAD")); // the simulated devices are not its affair
+    process_.setProcessEnvironment(environment);
+    process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process_.start(QStringLiteral("/usr/bin/python3"),
+                   QStringList{QStringLiteral("-m"), QStringLiteral("dbusmock"), QStringLiteral("--system")} + arguments);
+    EXPECT_TRUE(waitUntil([&] { return bus.has(name); }));
+}
+
+StandIn::~StandIn() {
+    stop();
+}
+
+void StandIn::stop() {
+    end(process_);
+}

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <map>
+#include <string>
+
+struct Fixture;
+typedef struct _UMockdevTestbed UMockdevTestbed;
+
+/// The power supplies of a machine that does not exist: while this object lives, /sys and udev show its devices and no
+/// others to this process. The process must have been started by umockdev-wrapper.
+class SimulatedSupplies {
+public:
+    using Attributes = std::map<std::string, std::string>;
+
+    SimulatedSupplies();
+    ~SimulatedSupplies();
+    SimulatedSupplies(const SimulatedSupplies&) = delete;
+    SimulatedSupplies& operator=(const SimulatedSupplies&) = delete;
+
+    /// Adds a device; its attributes are given without the line feed that the kernel ends them with.
+    void add(const std::string& device, const Attributes& attributes);
+
+    /// Adds the devices of a fixture. An attribute that cannot be read is left out: a read cannot be made to fail here.
+    void add(const Fixture& fixture);
+
+    void set(const std::string& device, const std::string& attribute, const std::string& value);
+
+    /// Takes an attribute away, which is all that a failing read can be made to look like.
+    void fail(const std::string& device, const std::string& attribute);
+
+    /// Sends a udev event, "change", "add" or "remove".
+    void event(const std::string& device, const std::string& action = "change");
+
+    /// Takes a device away, without an event.
+    void remove(const std::string& device);
+
+private:
+    UMockdevTestbed* testbed_;
+    std::map<std::string, std::string> paths_;
+};
