@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
+# Installs what the tests need, builds and runs all of them: test.sh [PRESET]
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")"
+. tools/packages.sh
+preset=${1:-default}
+
+ensure_packages "${BUILD_PACKAGES[@]}" "${DESKTOP_PACKAGES[@]}" "${TEST_PACKAGES[@]}"
+
+echo "Checking the format of the C++ sources."
+find App tests benchmarks -name '*.h' -o -name '*.cpp' | sort | xargs clang-format --dry-run -Werror --ferror-limit=1
+
+cmake --preset "$preset" -DVELMORA_TESTS=ON
+cmake --build --preset "$preset"
+
+# ctest ends with a list of failures or of labels; its verdict is repeated, so that it is the last thing to be read.
+log=build/$preset/ctest.log
+status=0
+ctest --preset "$preset" --no-tests=error 2>&1 | tee "$log" || status=$?
+grep 'tests passed' "$log"
+exit "$status"

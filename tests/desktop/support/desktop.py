@@ -1,0 +1,273 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""A desktop of its own: X server, window manager, panel with a tray, session and system bus, home. Nothing of the
+session that it is started from is visible inside, and nothing that happens inside is visible there."""
+
+import os
+import secrets
+import select
+import shutil
+import struct
+import subprocess
+import tempfile
+from pathlib import Path
+
+from gi.repository import GLib
+
+from .item import WATCHER, Bus, registered_items
+from .processes import Process
+from .screen import Box, Picture
+from .waiting import wait_until
+
+SCREEN = Box(0, 0, 1280, 800)
+PANEL = Box(0, 0, 1280, 29)  # its lower border is a pixel more than its size
+# The end of the panel where items come; without the panel's edges, which change by themselves.
+TRAY = Box(PANEL.width - 160, 0, 159, PANEL.height - 1)
+BELOW_PANEL = Box(0, PANEL.height, SCREEN.width, SCREEN.height - PANEL.height)
+START_SECONDS = 20
+
+BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>{kind}</type>
+  <listen>unix:path={socket}</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+"""
+
+# One panel along the upper edge: the windows at the left, the tray at the right.
+PANEL_CONFIGURATION = """<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfce4-panel" version="1.0">
+  <property name="configver" type="int" value="2"/>
+  <property name="panels" type="array">
+    <value type="int" value="1"/>
+    <property name="dark-mode" type="bool" value="{dark}"/>
+    <property name="panel-1" type="empty">
+      <property name="position" type="string" value="p=6;x=0;y=0"/>
+      <property name="length" type="uint" value="100"/>
+      <property name="position-locked" type="bool" value="true"/>
+      <property name="size" type="uint" value="{height}"/>
+      <property name="icon-size" type="uint" value="22"/>
+      <property name="plugin-ids" type="array">
+        <value type="int" value="1"/>
+        <value type="int" value="2"/>
+        <value type="int" value="3"/>
+      </property>
+    </property>
+  </property>
+  <property name="plugins" type="empty">
+    <property name="plugin-1" type="string" value="tasklist"/>
+    <property name="plugin-2" type="string" value="separator">
+      <property name="expand" type="bool" value="true"/>
+      <property name="style" type="uint" value="0"/>
+    </property>
+    <property name="plugin-3" type="string" value="systray">
+      <property name="icon-size" type="uint" value="22"/>
+      <property name="square-icons" type="bool" value="true"/>
+    </property>
+  </property>
+</channel>
+"""
+
+
+class PrivateDesktop:
+    """Everything is there and ready when the constructor returns; `stop` ends it all and leaves nothing behind."""
+
+    def __init__(self, panel=True, dark=False, system_bus=True, notifications=False):
+        self.folder = Path(tempfile.mkdtemp(prefix="velmora-desktop-"))
+        self.logs = self._make_folder("logs")
+        self.home = self._make_folder("home")
+        self.runtime = self._make_folder("run")
+        self.config = self._make_folder("home/.config")
+        self.environment = {
+            "PATH": "/usr/local/bin:/usr/bin:/bin",
+            "HOME": str(self.home),
+            "USER": "tester",
+            "LANG": "C.UTF-8",
+            "XDG_RUNTIME_DIR": str(self.runtime),
+            "XDG_CONFIG_HOME": str(self.config),
+            "XDG_DATA_HOME": str(self.home / ".local/share"),
+            "XDG_STATE_HOME": str(self.home / ".local/state"),
+            "XDG_CACHE_HOME": str(self.home / ".cache"),
+            "XDG_CURRENT_DESKTOP": "XFCE",
+            "XDG_SESSION_TYPE": "x11",
+            # Nothing that the private buses do not offer is to be asked for.
+            "NO_AT_BRIDGE": "1",
+            "GIO_USE_VFS": "local",
+            "GSETTINGS_BACKEND": "memory",
+        }
+        self._processes = []
+        self._panel = None
+        self.bus = None
+        try:
+            self._start_x_server()
+            self.session_bus = self._start_bus("session", "DBUS_SESSION_BUS_ADDRESS")
+            self.bus = Bus(self.environment["DBUS_SESSION_BUS_ADDRESS"])
+            if system_bus:
+                self._start_bus("system", "DBUS_SYSTEM_BUS_ADDRESS")
+            else:
+                self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = f"unix:path={self.runtime}/nobody-listens-here"
+            self._write_panel_configuration(dark)
+            self._start_settings()
+            self.start("xfwm4", ["xfwm4", "--compositor=off"])
+            managed = lambda: self._tool("get_num_desktops").returncode == 0
+            wait_until(managed, START_SECONDS, "the window manager is ready")
+            self.move_pointer(*SCREEN.centre)
+            if notifications:
+                self.start("dunst", ["dunst"])
+                self._wait_for_name("org.freedesktop.Notifications")
+            if panel:
+                self.start_panel()
+        except BaseException:
+            self.stop()
+            raise
+
+    def stop(self):
+        """Ends everything that was started here, the last first."""
+        if self.bus:
+            self.bus.close()
+            self.bus = None
+        while self._processes:
+            self._processes.pop().stop()
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    def start(self, name, command, environment=None, pass_fds=()):
+        """Starts a program on this desktop; it ends with it at the latest."""
+        number = len(self._processes)
+        process = Process(f"{number:02}-{name}", command, environment or self.environment, self.logs, pass_fds)
+        self._processes.append(process)
+        return process
+
+    def start_panel(self):
+        """Starts the panel and waits until its tray takes items."""
+        self._panel = self.start("xfce4-panel", ["xfce4-panel", "--disable-wm-check"])
+        wait_until(self._tray_is_ready, START_SECONDS, lambda: f"the panel's tray is ready; {self._panel.errors}")
+
+    @property
+    def has_panel(self):
+        return self._panel is not None and self._panel.running
+
+    def kill_panel(self):
+        """Ends the panel as a crash would, and waits until its tray has gone as well."""
+        self._panel.kill()
+        wait_until(lambda: self.bus.owner(WATCHER) is None, START_SECONDS, "the panel's tray is gone")
+
+    def registered_items(self):
+        """The items that the panel has, each as connection and path."""
+        return registered_items(self.bus)
+
+    def use_dark_panel(self, dark):
+        """Changes the panel's colours while it runs."""
+        value = GLib.Variant("(ssv)", ("xfce4-panel", "/panels/dark-mode", GLib.Variant("b", dark)))
+        self.bus.call("org.xfce.Xfconf", "/org/xfce/Xfconf", "org.xfce.Xfconf", "SetProperty", value)
+
+    def kill_session_bus(self):
+        self.session_bus.kill()
+
+    def kill_x_server(self):
+        self.x_server.kill()
+
+    def picture(self):
+        """What is on the screen now."""
+        return Picture.of_screen(self.runtime / "Xvfb_screen0")
+
+    def find_item(self):
+        """The box of what is drawn in the tray; None while it is empty."""
+        tray = self.picture().crop(TRAY)
+        drawn = tray.changed_box(tray.blank())
+        return drawn and drawn._replace(x=drawn.x + TRAY.x, y=drawn.y + TRAY.y)
+
+    def move_pointer(self, x, y):
+        self._tool("mousemove", x, y, check=True)
+
+    def click(self, x, y, button=1):
+        self._tool("mousemove", x, y, "click", button, check=True)
+
+    def press(self, key):
+        self._tool("key", key, check=True)
+
+    def windows(self, title):
+        """The boxes of the visible windows of that title."""
+        found = self._tool("search", "--onlyvisible", "--name", f"^{title}$").stdout.split()
+        boxes = []
+        for window in found:
+            answer = self._tool("getwindowgeometry", "--shell", window)
+            if answer.returncode == 0:  # it may have gone meanwhile
+                values = dict(line.split("=") for line in answer.stdout.split())
+                boxes.append(Box(*(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))))
+        return boxes
+
+    def _make_folder(self, name):
+        folder = self.folder / name
+        folder.mkdir(mode=0o700, parents=True)
+        return folder
+
+    def _tool(self, *arguments, check=False):
+        command = ["xdotool", *map(str, arguments)]
+        return subprocess.run(
+            command, env=self.environment, capture_output=True, text=True, check=check, timeout=START_SECONDS
+        )
+
+    def _start_x_server(self):
+        authority = self.runtime / "authority"
+        authority.write_bytes(_authority(secrets.token_bytes(16)))
+        screen = f"{SCREEN.width}x{SCREEN.height}x24"
+        command = ["Xvfb", "-screen", "0", screen, "-fbdir", self.runtime, "-auth", authority]
+        command += ["-nocursor", "-noreset", "-nolisten", "tcp", "-displayfd"]
+        self.x_server, number = self._start_and_hear("Xvfb", command)
+        self.environment |= {"DISPLAY": f":{number}", "XAUTHORITY": str(authority)}
+
+    def _start_bus(self, kind, variable):
+        socket = self.runtime / f"{kind}-bus"
+        configuration = self.runtime / f"{kind}.conf"
+        configuration.write_text(BUS_CONFIGURATION.format(kind=kind, socket=socket), encoding="utf-8")
+        command = ["dbus-daemon", "--nofork", "--nopidfile", f"--config-file={configuration}", "--print-address"]
+        bus, self.environment[variable] = self._start_and_hear(f"{kind}-bus", command)
+        return bus
+
+    def _start_and_hear(self, name, command):
+        """Starts a server that says by a line on a file descriptor, its last argument, that it is ready; gives both."""
+        reading, writing = os.pipe()
+        with os.fdopen(reading) as answer:
+            process = self.start(name, [*command, writing], pass_fds=[writing])
+            os.close(writing)
+            ready, _, _ = select.select([answer], [], [], START_SECONDS)
+            line = answer.readline().strip() if ready else ""
+        if not line:
+            raise AssertionError(f"{name} does not get ready: {process.errors}")
+        return process, line
+
+    def _start_settings(self):
+        # Where it is differs between machine types; the file that lets a bus start it says so.
+        service = Path("/usr/share/dbus-1/services/org.xfce.Xfconf.service").read_text(encoding="utf-8")
+        command = next(line.removeprefix("Exec=") for line in service.splitlines() if line.startswith("Exec="))
+        self.start("xfconfd", command.split())
+        self._wait_for_name("org.xfce.Xfconf")
+
+    def _write_panel_configuration(self, dark):
+        file = self.config / "xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"
+        file.parent.mkdir(parents=True)
+        values = {"dark": str(dark).lower(), "height": PANEL.height - 1}
+        file.write_text(PANEL_CONFIGURATION.format(**values), encoding="utf-8")
+
+    def _wait_for_name(self, name):
+        wait_until(lambda: self.bus.owner(name), START_SECONDS, f"{name} is on the session bus")
+
+    def _tray_is_ready(self):
+        owner = self.bus.owner(WATCHER)
+        if owner is None:
+            return False
+        return self.bus.get(owner, "/StatusNotifierWatcher", WATCHER, "IsStatusNotifierHostRegistered")
+
+
+def _authority(cookie):
+    """The file by which an X server and its clients know each other: any host, any display, this cookie."""
+
+    def counted(value):
+        return struct.pack(">H", len(value)) + value
+
+    return struct.pack(">H", 0xFFFF) + counted(b"") + counted(b"") + counted(b"MIT-MAGIC-COOKIE-1") + counted(cookie)

@@ -1,0 +1,76 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Programs that are started and ended by us; none outlives the process that runs the tests."""
+
+import signal
+import subprocess
+
+from .waiting import wait_until
+
+STOP_SECONDS = 5
+
+
+class Process:
+    """One program, with what it wrote kept in files."""
+
+    def __init__(self, name, command, environment, log_folder, pass_fds=()):
+        """Starts `command` with exactly this environment; its output goes to NAME.out and NAME.err in `log_folder`."""
+        self.name = name
+        self.output_file = log_folder / f"{name}.out"
+        self.error_file = log_folder / f"{name}.err"
+        # The signals that end a program may be ignored by whoever started us, and that is inherited. And when we are
+        # killed, the kernel ends what we started.
+        wrapper = ["env", "--default-signal=HUP,INT,TERM", "setpriv", "--pdeathsig", "KILL", "--"]
+        with open(self.output_file, "wb") as output, open(self.error_file, "wb") as error:
+            self._process = subprocess.Popen(
+                [*wrapper, *map(str, command)],
+                env=environment,
+                stdin=subprocess.DEVNULL,
+                stdout=output,
+                stderr=error,
+                pass_fds=pass_fds,
+                cwd=log_folder,
+            )
+
+    @property
+    def pid(self):
+        return self._process.pid
+
+    @property
+    def exit_code(self):
+        """The exit code, the negated signal number when a signal ended it, or None while it runs."""
+        return self._process.poll()
+
+    @property
+    def running(self):
+        return self.exit_code is None
+
+    @property
+    def output(self):
+        return self.output_file.read_text(encoding="utf-8", errors="replace")
+
+    @property
+    def errors(self):
+        return self.error_file.read_text(encoding="utf-8", errors="replace")
+
+    def send(self, number):
+        self._process.send_signal(number)
+
+    def wait_exit(self, limit):
+        """The exit code; it must come within `limit` seconds."""
+        wait_until(lambda: not self.running, limit, f"{self.name} ends; it wrote: {self.output}{self.errors}")
+        return self.exit_code
+
+    def stop(self):
+        """Ends the program, by force if it does not listen; gives its exit code."""
+        if self.running:
+            self.send(signal.SIGTERM)
+            try:
+                self.wait_exit(STOP_SECONDS)
+            except AssertionError:
+                self.kill()
+        return self.exit_code
+
+    def kill(self):
+        """Ends the program at once, without a chance to say good-bye."""
+        self.send(signal.SIGKILL)
+        self._process.wait()

@@ -1,0 +1,90 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""The item in a real panel: what it says and how it looks."""
+
+import unittest
+
+from support.case import ESTIMATING, HEALTH_AND_CYCLES, DesktopCase
+from support.desktop import TRAY
+
+TYPES = {
+    "Category": "s",
+    "Id": "s",
+    "Title": "s",
+    "Status": "s",
+    "WindowId": "i",
+    "IconAccessibleDesc": "s",
+    "IconName": "s",
+    "IconThemePath": "s",
+    "IconPixmap": "a(iiay)",
+    "OverlayIconName": "s",
+    "OverlayIconPixmap": "a(iiay)",
+    "AttentionIconName": "s",
+    "AttentionIconPixmap": "a(iiay)",
+    "AttentionMovieName": "s",
+    "ToolTip": "(sa(iiay)ss)",
+    "ItemIsMenu": "b",
+    "Menu": "o",
+    "XAyatanaLabel": "s",
+    "XAyatanaLabelGuide": "s",
+}
+
+
+def brightness(colour):
+    return sum(colour)
+
+
+class ItemInThePanel(DesktopCase):
+    def test_says_what_the_battery_does(self):
+        item = self.start_and_wait(self.desktop(), self.laptop()).item
+        self.assertEqual(item.tooltip, [ESTIMATING, *HEALTH_AND_CYCLES])
+        self.assertEqual(item.label, " 64%")
+        self.assertEqual(item.icon, "velmora-battery-75-symbolic")
+        self.assertEqual(item.get("IconAccessibleDesc"), "Battery")
+
+    def test_has_the_properties_that_hosts_insist_on(self):
+        item = self.start_and_wait(self.desktop(), self.laptop()).item
+        self.assertEqual(item.get("Category"), "Hardware")
+        self.assertEqual(item.get("Title"), "Velmora")
+        self.assertEqual(item.get("Status"), "Active")
+        self.assertIs(item.get("ItemIsMenu"), False)
+        self.assertNotEqual(item.get("Id"), "")
+        self.assertEqual(item.get("ToolTip")[0:2] + item.get("ToolTip")[3:], ("", [], ""))
+        for key in ("OverlayIconName", "AttentionIconName", "AttentionMovieName"):
+            self.assertEqual(item.get(key), "")
+        for key in ("OverlayIconPixmap", "AttentionIconPixmap"):
+            self.assertEqual(item.get(key), [])
+
+    def test_has_them_with_the_types_that_hosts_insist_on(self):
+        item = self.start_and_wait(self.desktop(), self.laptop()).item
+        self.assertEqual(item.types() | TYPES, item.types())
+
+    def test_is_dark_on_a_light_panel(self):
+        glyph, background = self.drawn_colours(dark=False)
+        self.assertLess(brightness(min(glyph, key=brightness)), brightness(background) / 2)
+
+    def test_is_light_on_a_dark_panel(self):
+        glyph, background = self.drawn_colours(dark=True)
+        self.assertGreater(brightness(max(glyph, key=brightness)), brightness(background) * 2)
+
+    def test_looks_different_when_the_battery_is_low(self):
+        desktop, laptop = self.desktop(), self.laptop()
+        _, box = self.start_and_find(desktop, laptop)
+        before = desktop.picture().crop(box)
+        laptop.set_level(9)
+        laptop.event("BAT0")
+        self.soon(lambda: desktop.picture().crop(box).changed_box(before), 2, "the panel draws another glyph")
+
+    def drawn_colours(self, dark):
+        """The colours of the item in the panel, and the panel's own."""
+        desktop = self.desktop(dark=dark)
+        _, box = self.start_and_find(desktop, self.laptop())
+        self.assertTrue(8 <= box.width <= 24 and 6 <= box.height <= 24, box)
+        panel = desktop.picture().crop(TRAY).colours()
+        background = max(panel, key=panel.get)
+        glyph = set(desktop.picture().crop(box).colours()) - {background}
+        self.assertTrue(glyph)
+        return glyph, background
+
+
+if __name__ == "__main__":
+    unittest.main()

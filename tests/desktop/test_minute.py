@@ -1,0 +1,30 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""What a laptop does not announce is found by the minute's own reading."""
+
+import unittest
+
+from support.case import HEALTH_AND_CYCLES, DesktopCase
+
+# The timer's minute and its tolerance.
+MINUTE_SECONDS = 70
+
+
+# 27.84 Wh at 10 W.
+WITH_TIME = "64% · On battery, 2 h 47 min left"
+
+
+class MinuteReading(DesktopCase):
+    def test_the_remaining_time_is_told_and_then_a_change_without_event_shows_within_seventy_seconds(self):
+        laptop = self.laptop()
+        item = self.start_and_wait(self.desktop(panel=False), laptop).item
+        # When the time is known, nothing is left to look for before the next reading of the timer.
+        self.soon_equal(lambda: item.tooltip, [WITH_TIME, *HEALTH_AND_CYCLES], MINUTE_SECONDS)
+        laptop.set("AC", online=1)
+        laptop.set("BAT0", status="Charging")
+        laptop.set_level(66)
+        self.soon_equal(lambda: item.label, " 66%", MINUTE_SECONDS)
+        self.assertEqual(item.tooltip, ["66% · Charging, estimating time to full…", *HEALTH_AND_CYCLES])
+
+
+if __name__ == "__main__":
+    unittest.main()

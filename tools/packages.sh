@@ -1,0 +1,40 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# shellcheck shell=bash
+# The Debian packages that the scripts need, and how they get there. Sourced, not run.
+
+# To build the program and to run it in a session that is there already.
+BUILD_PACKAGES=(cmake g++ libudev-dev ninja-build pkg-config qt6-base-dev)
+
+# A private desktop with a simulated laptop: X server, window manager, panel, notifications, and what draws their icons
+# and text; umockdev shows the devices. Python drives it, xdotool clicks.
+DESKTOP_PACKAGES=(adwaita-icon-theme dbus-daemon dunst fonts-dejavu-core hicolor-icon-theme librsvg2-common python3-gi
+                  umockdev xdotool xfce4-panel xfconf xfwm4 xvfb)
+
+# What the tests and the checks need beyond that.
+TEST_PACKAGES=(clang-format desktop-file-utils libbenchmark-dev libgmock-dev libgtest-dev libumockdev-dev)
+
+# ensure_packages NAME...: installs those that are missing and says which; does nothing at all when none is.
+ensure_packages() {
+    local name state missing=() root=()
+    for name in "$@"; do
+        state=$(dpkg-query --show --showformat='${db:Status-Status}' "$name" 2>/dev/null) || state=unknown
+        [ "$state" = installed ] || missing+=("$name")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    echo "Missing Debian packages: ${missing[*]}"
+    if ! command -v apt-get >/dev/null; then
+        echo "There is no apt-get here. Install what these packages stand for, then run this again." >&2
+        return 1
+    fi
+    if [ "$(id -u)" -ne 0 ]; then
+        if ! command -v sudo >/dev/null; then
+            echo "Installing needs root, and there is no sudo. As root: apt-get install ${missing[*]}" >&2
+            return 1
+        fi
+        root=(sudo)
+    fi
+    echo "Installing them with apt-get."
+    # A source that cannot be reached at the moment need not be the one that has these packages: installing decides.
+    "${root[@]}" apt-get update || echo "apt-get update failed; going on with the lists that are here." >&2
+    "${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install --yes --no-install-recommends "${missing[@]}"
+}
