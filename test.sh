@@ -11,7 +11,7 @@ ensure_packages "${BUILD_PACKAGES[@]}" "${DESKTOP_PACKAGES[@]}" "${TEST_PACKAGES
 echo "Checking the format of the C++ sources."
 find App tests benchmarks -name '*.h' -o -name '*.cpp' | sort | xargs clang-format --dry-run -Werror --ferror-limit=1
 
-cmake --preset "$preset" -DVELMORA_TESTS=ON
+cmake --preset "$preset" -DVELMORA_TESTS=ON -DVELMORA_BENCHMARKS=ON
 cmake --build --preset "$preset"
 
 # ctest ends with a list of failures or of labels; its verdict is repeated, so that it is the last thing to be read.

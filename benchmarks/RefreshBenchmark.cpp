@@ -17,7 +17,6 @@
 #include "support/TemporaryFolder.h"
 
 #include <QCoreApplication>
-
 #include <benchmark/benchmark.h>
 
 #include <fcntl.h>

@@ -11,7 +11,7 @@ DESKTOP_PACKAGES=(adwaita-icon-theme dbus-daemon dunst fonts-dejavu-core hicolor
                   umockdev xdotool xfce4-panel xfconf xfwm4 xvfb)
 
 # What the tests and the checks need beyond that.
-TEST_PACKAGES=(clang-format desktop-file-utils libbenchmark-dev libgmock-dev libgtest-dev libumockdev-dev)
+TEST_PACKAGES=(clang-format desktop-file-utils libbenchmark-dev libgmock-dev libgtest-dev libumockdev-dev python3-dbusmock)
 
 # ensure_packages NAME...: installs those that are missing and says which; does nothing at all when none is.
 ensure_packages() {

@@ -28,13 +28,26 @@ std::string_view soundKey(AlertKind kind) {
 
 const Dictionary& Prefs::defaults() {
     static const Dictionary table{
-        {"limitEnabled", true},       {"limit", 80},       {"repeatReminder", true},
-        {"limitSound", "default"},    {"lowEnabled", true}, {"low", 20},
-        {"lowSound", "default"},      {"longEnabled", true}, {"longHours", 8},
-        {"longSound", "default"},     {"lowPowerEnabled", true}, {"lowPowerAt", 30},
-        {"lowPowerSound", "default"}, {"healthEnabled", true}, {"healthSound", "default"},
-        {"quietEnabled", false},      {"quietStart", 22 * 60}, {"quietEnd", 7 * 60},
-        {"showPercent", true},        {"showTime", false},
+        {"limitEnabled", true},
+        {"limit", 80},
+        {"repeatReminder", true},
+        {"limitSound", "default"},
+        {"lowEnabled", true},
+        {"low", 20},
+        {"lowSound", "default"},
+        {"longEnabled", true},
+        {"longHours", 8},
+        {"longSound", "default"},
+        {"lowPowerEnabled", true},
+        {"lowPowerAt", 30},
+        {"lowPowerSound", "default"},
+        {"healthEnabled", true},
+        {"healthSound", "default"},
+        {"quietEnabled", false},
+        {"quietStart", 22 * 60},
+        {"quietEnd", 7 * 60},
+        {"showPercent", true},
+        {"showTime", false},
     };
     return table;
 }

@@ -15,22 +15,22 @@ class UserDefaults;
 
 /// A snapshot of the user's preferences, with the values as they are stored: ranges are the settings form's affair.
 struct Prefs {
-    bool limitEnabled = false;                ///< remind when the charge limit is reached
-    bool repeatReminder = false;              ///< and again while it lasts
-    bool lowEnabled = false;                  ///< remind when the battery is low
-    bool longEnabled = false;                 ///< remind when plugged in too long
-    bool healthEnabled = false;               ///< remind when the health has fallen
-    bool quietEnabled = false;                ///< keep quiet hours
-    bool lowPowerEnabled = false;             ///< suggest Low Power Mode
-    std::int64_t lowPowerAt = 0;              ///< percent below which Low Power Mode is suggested
-    std::int64_t limit = 0;                   ///< charge limit, percent
-    std::int64_t low = 0;                     ///< low-battery threshold, percent
-    std::int64_t longHours = 0;               ///< hours plugged in above the limit
-    std::int64_t quietStart = 0;              ///< minutes since local midnight; inside the quiet hours
-    std::int64_t quietEnd = 0;                ///< minutes since local midnight; outside the quiet hours
-    bool showPercent = false;                 ///< the percentage beside the icon
-    bool showTime = false;                    ///< the remaining time beside the icon
-    std::map<AlertKind, std::string> sounds;  ///< "default", "none" or the name of a sound; every kind has an entry
+    bool limitEnabled = false;               ///< remind when the charge limit is reached
+    bool repeatReminder = false;             ///< and again while it lasts
+    bool lowEnabled = false;                 ///< remind when the battery is low
+    bool longEnabled = false;                ///< remind when plugged in too long
+    bool healthEnabled = false;              ///< remind when the health has fallen
+    bool quietEnabled = false;               ///< keep quiet hours
+    bool lowPowerEnabled = false;            ///< suggest Low Power Mode
+    std::int64_t lowPowerAt = 0;             ///< percent below which Low Power Mode is suggested
+    std::int64_t limit = 0;                  ///< charge limit, percent
+    std::int64_t low = 0;                    ///< low-battery threshold, percent
+    std::int64_t longHours = 0;              ///< hours plugged in above the limit
+    std::int64_t quietStart = 0;             ///< minutes since local midnight; inside the quiet hours
+    std::int64_t quietEnd = 0;               ///< minutes since local midnight; outside the quiet hours
+    bool showPercent = false;                ///< the percentage beside the icon
+    bool showTime = false;                   ///< the remaining time beside the icon
+    std::map<AlertKind, std::string> sounds; ///< "default", "none" or the name of a sound; every kind has an entry
 
     bool operator==(const Prefs&) const = default;
 

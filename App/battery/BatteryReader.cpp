@@ -119,7 +119,8 @@ void readRegistry(const PowerSnapshot& snapshot, BatteryState& state) {
 } // namespace
 
 BatteryReader::BatteryReader(PowerSources& powerSources, const ProcessInfo& processInfo)
-    : powerSources_(powerSources), processInfo_(processInfo) {}
+    : powerSources_(powerSources)
+    , processInfo_(processInfo) {}
 
 BatteryState BatteryReader::read() {
     BatteryState state;

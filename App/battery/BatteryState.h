@@ -9,22 +9,22 @@
 /// One reading of the battery, with the texts that follow from it alone. An empty optional means "unknown", never zero.
 /// A fresh state is that of a machine without a battery.
 struct BatteryState {
-    bool hasBattery = false;                     ///< an internal battery was found and read
-    std::int64_t percent = 0;                    ///< whole percent, 0..100
-    bool isCharging = false;                     ///< takes charge now
-    bool pluggedIn = false;                      ///< on external power
-    bool isCharged = false;                      ///< the power source calls it fully charged
-    std::optional<std::int64_t> minutesToFull;   ///< minutes, at least 0; empty while still estimating
-    std::optional<std::int64_t> minutesToEmpty;  ///< minutes, at least 0; empty while still estimating
-    std::optional<std::string> sourceName;       ///< the battery's own name
-    std::optional<std::int64_t> cycleCount;      ///< charge cycles
-    std::optional<std::int64_t> designCapacity;  ///< at least 1, in the battery's own unit (mWh or mAh)
-    std::optional<std::int64_t> fullCapacity;    ///< same unit; only present together with designCapacity
-    std::optional<double> temperatureC;          ///< degrees Celsius
-    std::optional<double> voltage;               ///< volts
-    std::optional<double> amperage;              ///< amperes, positive into the battery
-    std::optional<std::int64_t> adapterWatts;    ///< rated power of the connected adapter, at least 1
-    bool lowPowerMode = false;                   ///< the system saves power
+    bool hasBattery = false;                    ///< an internal battery was found and read
+    std::int64_t percent = 0;                   ///< whole percent, 0..100
+    bool isCharging = false;                    ///< takes charge now
+    bool pluggedIn = false;                     ///< on external power
+    bool isCharged = false;                     ///< the power source calls it fully charged
+    std::optional<std::int64_t> minutesToFull;  ///< minutes, at least 0; empty while still estimating
+    std::optional<std::int64_t> minutesToEmpty; ///< minutes, at least 0; empty while still estimating
+    std::optional<std::string> sourceName;      ///< the battery's own name
+    std::optional<std::int64_t> cycleCount;     ///< charge cycles
+    std::optional<std::int64_t> designCapacity; ///< at least 1, in the battery's own unit (mWh or mAh)
+    std::optional<std::int64_t> fullCapacity;   ///< same unit; only present together with designCapacity
+    std::optional<double> temperatureC;         ///< degrees Celsius
+    std::optional<double> voltage;              ///< volts
+    std::optional<double> amperage;             ///< amperes, positive into the battery
+    std::optional<std::int64_t> adapterWatts;   ///< rated power of the connected adapter, at least 1
+    bool lowPowerMode = false;                  ///< the system saves power
 
     bool operator==(const BatteryState&) const = default;
 
@@ -40,6 +40,7 @@ struct BatteryState {
     /// "Good", "Fair" or "Worn"; empty when the capacities are unknown.
     std::optional<std::string> healthLabel() const;
 
-    /// Full charge as a percentage of the design, unrounded; empty when either is unknown or the design is not positive.
+    /// Full charge as a percentage of the design, unrounded; empty when either is unknown or the design is not
+    /// positive.
     std::optional<double> healthPercent() const;
 };

@@ -3,8 +3,8 @@
 
 #include <chrono>
 
-using Duration = std::chrono::duration<double>;                          ///< seconds
-using Date = std::chrono::sys_time<std::chrono::duration<double>>;       ///< wall-clock instant, seconds since 1970
+using Duration = std::chrono::duration<double>;                    ///< seconds
+using Date = std::chrono::sys_time<std::chrono::duration<double>>; ///< wall-clock instant, seconds since 1970
 
 /// The time. Everything in the program that asks for it asks here.
 class Clock {

@@ -11,8 +11,8 @@
 /// What one scan of the machine's power supplies gave.
 struct PowerSnapshot {
     /// The descriptions of the power sources, in order; the list, or one description, may be missing.
-    /// Keys: "Type", "Is Present", "Current Capacity", "Max Capacity", "Is Charging", "Is Charged", "Power Source State",
-    /// "Name", "Time to Full Charge", "Time to Empty" (minutes, -1 while unknown).
+    /// Keys: "Type", "Is Present", "Current Capacity", "Max Capacity", "Is Charging", "Is Charged", "Power Source
+    /// State", "Name", "Time to Full Charge", "Time to Empty" (minutes, -1 while unknown).
     std::optional<std::vector<std::optional<Value>>> sources;
 
     /// The battery registry's entry, from the same scan; empty when there is none. Asked for only where a battery is.

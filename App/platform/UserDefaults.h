@@ -19,10 +19,10 @@ public:
     /// Sets the values that absent keys read as. They are never stored.
     virtual void registerDefaults(const Dictionary& fallbacks) = 0;
 
-    virtual bool boolForKey(std::string_view key) const = 0;                           ///< false when absent
-    virtual std::int64_t integerForKey(std::string_view key) const = 0;                ///< 0 when absent
-    virtual double doubleForKey(std::string_view key) const = 0;                       ///< 0 when absent
-    virtual std::optional<std::string> stringForKey(std::string_view key) const = 0;   ///< empty when absent
+    virtual bool boolForKey(std::string_view key) const = 0;                         ///< false when absent
+    virtual std::int64_t integerForKey(std::string_view key) const = 0;              ///< 0 when absent
+    virtual double doubleForKey(std::string_view key) const = 0;                     ///< 0 when absent
+    virtual std::optional<std::string> stringForKey(std::string_view key) const = 0; ///< empty when absent
 
     /// Stores a value. Silent when it cannot be written; the value then holds for this run.
     virtual void setObject(std::string_view key, const Value& value) = 0;

@@ -14,8 +14,8 @@
 struct Value;
 using Dictionary = std::map<std::string, Value, std::less<>>;
 
-/// A value as a platform service hands it over: it may be of another kind than its key promises, so each reader asks for
-/// the kind that it wants and gets nothing otherwise.
+/// A value as a platform service hands it over: it may be of another kind than its key promises, so each reader asks
+/// for the kind that it wants and gets nothing otherwise.
 struct Value {
     std::variant<std::string, bool, std::int64_t, double, Dictionary> content;
 

@@ -12,7 +12,9 @@
 #include <utility>
 
 AppDelegate::AppDelegate(const Platform& platform, std::function<void()> terminate)
-    : platform_(platform), terminate_(std::move(terminate)), model(platform) {}
+    : platform_(platform)
+    , terminate_(std::move(terminate))
+    , model(platform) {}
 
 AppDelegate::~AppDelegate() = default;
 
@@ -63,7 +65,8 @@ bool AppDelegate::popoverIsShown() const {
 void AppDelegate::togglePopover(std::optional<ScreenPoint> point) {
     if (popoverIsShown())
         popover->hide();
-    else if (!popover || !popover->wasJustClosed()) // with some panels the click that closed it is also the one that asks
+    else if (!popover ||
+             !popover->wasJustClosed()) // with some panels the click that closed it is also the one that asks
         openPopover(point);
 }
 

@@ -14,9 +14,12 @@
 using namespace std::chrono_literals;
 
 AppModel::AppModel(const Platform& platform)
-    : state(BatteryState{}), pluggedSince(std::nullopt), historyVersion(0),
-      snoozeUntil(Prefs::snoozeUntil(platform.defaults, platform.clock)), platform_(platform),
-      reader(platform.powerSources, platform.processInfo) {}
+    : state(BatteryState{})
+    , pluggedSince(std::nullopt)
+    , historyVersion(0)
+    , snoozeUntil(Prefs::snoozeUntil(platform.defaults, platform.clock))
+    , platform_(platform)
+    , reader(platform.powerSources, platform.processInfo) {}
 
 template <class Function>
 auto AppModel::trigger(Function function) {
@@ -35,12 +38,10 @@ void AppModel::start() {
     reader.startObserving(trigger([this] { refresh(Reason::event); }));
     timer = platform_.mainLoop.repeat(60s, 10s, trigger([this] { refresh(Reason::timer); }));
     observations_.push_back(platform_.processInfo.onPowerStateChanged(trigger([this] { refresh(Reason::event); })));
-    observations_.push_back(
-        platform_.workspace.onWillSleep(trigger([this] { history.save(platform_.clock.now()); })));
+    observations_.push_back(platform_.workspace.onWillSleep(trigger([this] { history.save(platform_.clock.now()); })));
     // Right after waking the batteries often cannot be read yet.
-    observations_.push_back(platform_.workspace.onDidWake(lifetime_.guard([this] {
-        platform_.mainLoop.after(3s, trigger([this] { refresh(Reason::wake); }));
-    })));
+    observations_.push_back(platform_.workspace.onDidWake(
+        lifetime_.guard([this] { platform_.mainLoop.after(3s, trigger([this] { refresh(Reason::wake); })); })));
 }
 
 void AppModel::refresh(Reason reason) {

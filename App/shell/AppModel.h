@@ -29,10 +29,10 @@ public:
     AppModel(const AppModel&) = delete;
     AppModel& operator=(const AppModel&) = delete;
 
-    Published<BatteryState> state;                  ///< the latest reading; assigned only when it differs
-    Published<std::optional<Date>> pluggedSince;    ///< since when on external power; empty on battery or without one
-    Published<std::int64_t> historyVersion;         ///< grows whenever the history may have changed
-    Published<std::optional<Date>> snoozeUntil;     ///< the end of the snooze, as the views show it
+    Published<BatteryState> state;               ///< the latest reading; assigned only when it differs
+    Published<std::optional<Date>> pluggedSince; ///< since when on external power; empty on battery or without one
+    Published<std::int64_t> historyVersion;      ///< grows whenever the history may have changed
+    Published<std::optional<Date>> snoozeUntil;  ///< the end of the snooze, as the views show it
 
     /// Runs the first refresh and then follows the system. Called once.
     void start();

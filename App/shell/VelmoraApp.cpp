@@ -43,8 +43,8 @@ void handleToolkitMessage(QtMsgType type, const QMessageLogContext& /*context*/,
 #endif
 }
 
-/// The delegate while the main loop runs. The toolkit calls exit() from inside the loop when the X server goes away, which
-/// is how many sessions end; a handler for that can reach what it has to save only through a static.
+/// The delegate while the main loop runs. The toolkit calls exit() from inside the loop when the X server goes away,
+/// which is how many sessions end; a handler for that can reach what it has to save only through a static.
 AppDelegate* runningDelegate = nullptr;
 
 void terminateRunning() {

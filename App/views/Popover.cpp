@@ -17,8 +17,9 @@ bool isWaylandSession() {
     return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
-/// On plain X11 a popup window closes at a click anywhere. Under Wayland, and on X servers that run inside it, a click on
-/// somebody else's window never reaches a popup; a tool window that closes when it loses the focus does better there.
+/// On plain X11 a popup window closes at a click anywhere. Under Wayland, and on X servers that run inside it, a click
+/// on somebody else's window never reaches a popup; a tool window that closes when it loses the focus does better
+/// there.
 Qt::WindowFlags popoverFlags() {
     const bool plainX11 = QGuiApplication::platformName() == QLatin1String("xcb") && !isWaylandSession();
     return plainX11 ? Qt::Popup | Qt::FramelessWindowHint
@@ -61,8 +62,8 @@ void Popover::place() {
     adjustSize();
     if (const QScreen* screen = screenAt(point_)) {
         const QRect available = screen->availableGeometry();
-        const ScreenPoint corner =
-            placePopover(point_, {available.x(), available.y(), available.width(), available.height()}, width(), height());
+        const ScreenPoint corner = placePopover(
+            point_, {available.x(), available.y(), available.width(), available.height()}, width(), height());
         move(corner.x, corner.y);
     }
 }

@@ -27,6 +27,6 @@ ScreenPoint toLogical(ScreenPoint point, const std::vector<ScreenArea>& screens)
 /// the panel, wholly inside `available` (the screen without its panels). Without a point, the top right corner.
 ScreenPoint placePopover(std::optional<ScreenPoint> point, const ScreenRect& available, int width, int height);
 
-/// Whether a point that a panel gave can be a place on the screen. Some panels of Wayland sessions give the place inside
-/// the item instead, which is near the corner; X11 panels do not.
+/// Whether a point that a panel gave can be a place on the screen. Some panels of Wayland sessions give the place
+/// inside the item instead, which is near the corner; X11 panels do not.
 bool isCredible(ScreenPoint point, bool waylandSession);

@@ -8,8 +8,8 @@ std::vector<ScreenArea> allScreens() {
     std::vector<ScreenArea> areas;
     for (const QScreen* screen : QGuiApplication::screens()) {
         const QRect whole = screen->geometry();
-        areas.push_back({.whole = {whole.x(), whole.y(), whole.width(), whole.height()},
-                         .scale = screen->devicePixelRatio()});
+        areas.push_back(
+            {.whole = {whole.x(), whole.y(), whole.width(), whole.height()}, .scale = screen->devicePixelRatio()});
     }
     return areas;
 }

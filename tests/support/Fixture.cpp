@@ -16,7 +16,8 @@ Fixture Fixture::load(const fs::path& file) {
     if (!source.open(QIODevice::ReadOnly))
         throw std::runtime_error("cannot read " + file.string());
     const QJsonObject content = QJsonDocument::fromJson(source.readAll()).object();
-    Fixture fixture{.name = file.stem().string(), .devices = {}, .expected = content[QLatin1String("expected")].toObject()};
+    Fixture fixture{
+        .name = file.stem().string(), .devices = {}, .expected = content[QLatin1String("expected")].toObject()};
     if (fixture.expected.isEmpty())
         throw std::runtime_error("no fixture: " + file.string());
     for (const auto& entry : content[QLatin1String("devices")].toArray()) {

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QJsonObject>
+
 #include <filesystem>
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include <QJsonObject>
 
 /// What a real machine showed, with the reading that is right for it.
 struct Fixture {
@@ -25,7 +25,7 @@ struct Fixture {
     /// The files of all fixtures of the tree, in order.
     static std::vector<std::filesystem::path> all();
 
-    /// Writes the devices as a power-supply class below `sysfs`, an ordinary folder. Reading an attribute that cannot be
-    /// read then fails, with EISDIR.
+    /// Writes the devices as a power-supply class below `sysfs`, an ordinary folder. Reading an attribute that cannot
+    /// be read then fails, with EISDIR.
     void writeTree(const std::filesystem::path& sysfs) const;
 };

@@ -6,7 +6,6 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusReply>
-
 #include <gtest/gtest.h>
 
 namespace {
@@ -72,7 +71,8 @@ StandIn::StandIn(const PrivateBus& bus, const QString& name, const QStringList& 
     process_.setProcessEnvironment(environment);
     process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     process_.start(QStringLiteral("/usr/bin/python3"),
-                   QStringList{QStringLiteral("-m"), QStringLiteral("dbusmock"), QStringLiteral("--system")} + arguments);
+                   QStringList{QStringLiteral("-m"), QStringLiteral("dbusmock"), QStringLiteral("--system")} +
+                       arguments);
     EXPECT_TRUE(waitUntil([&] { return bus.has(name); }));
 }
 

@@ -3,13 +3,13 @@
 
 #include "support/Fixture.h"
 
+#include <umockdev.h>
+
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
 #include <stdexcept>
 #include <vector>
-
-#include <umockdev.h>
 
 namespace {
 

@@ -31,7 +31,8 @@ std::optional<double> millivolts(std::optional<double> microvolts) {
     return microvolts && *microvolts >= 1e6 ? std::optional(*microvolts / 1000) : std::nullopt;
 }
 
-/// QUIRK: a sensor that is not there reads as absolute zero or as the largest number; beside a real one it must not count.
+/// QUIRK: a sensor that is not there reads as absolute zero or as the largest number; beside a real one it must not
+/// count.
 std::optional<double> plausibleTemperature(std::optional<double> hundredths) {
     return hundredths && *hundredths > -2000 && *hundredths < 10000 ? hundredths : std::nullopt;
 }
@@ -74,8 +75,8 @@ std::optional<double> percentOf(const PowerSupply& supply, const Stored& stored)
 
 /// Factor from the file's unit to milli-units.
 double toMilli(BatteryPack::Unit unit, const Stored& stored) {
-    // QUIRK: a few boards write milli-units where micro-units belong. No computer runs on a battery of less than 0.1 Ah or
-    // 1 Wh, so a capacity below that gives them away.
+    // QUIRK: a few boards write milli-units where micro-units belong. No computer runs on a battery of less than 0.1 Ah
+    // or 1 Wh, so a capacity below that gives them away.
     const double least = unit == BatteryPack::Unit::energy ? 1e6 : 1e5;
     const double largest = std::max(stored.full.value_or(0), stored.design.value_or(0));
     return largest > 0 && largest < least ? 1 : 1e-3;
@@ -85,8 +86,7 @@ double toMilli(BatteryPack::Unit unit, const Stored& stored) {
 void dropImpossibleRate(BatteryPack& pack) {
     constexpr double most = 300e3;
     const bool tooMuchPower = pack.power && std::abs(*pack.power) > most;
-    const bool tooMuchCurrent =
-        pack.current && pack.voltage && std::abs(*pack.current) * *pack.voltage / 1000 > most;
+    const bool tooMuchCurrent = pack.current && pack.voltage && std::abs(*pack.current) * *pack.voltage / 1000 > most;
     if (tooMuchPower)
         pack.power.reset();
     if (tooMuchCurrent)

@@ -12,8 +12,8 @@ struct BatteryPack {
     enum class Status { unknown, charging, discharging, notCharging, full };
     enum class Unit { energy, charge };
 
-    std::string name;                       ///< the model's name, or the device's
-    std::string device;                     ///< the device's name
+    std::string name;   ///< the model's name, or the device's
+    std::string device; ///< the device's name
     Status status = Status::unknown;
     double percent = 0;                     ///< 0..100, unrounded
     Unit unit = Unit::charge;               ///< what `now`, `full` and `design` count

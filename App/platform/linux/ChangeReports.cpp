@@ -16,7 +16,10 @@ constexpr std::array<Duration, 4> pauses{Duration(1), Duration(1), Duration(3), 
 
 ChangeReports::ChangeReports(MainLoop& loop, const Clock& clock, std::function<void()> report,
                              std::function<bool()> look)
-    : loop_(loop), clock_(clock), report_(std::move(report)), look_(std::move(look)) {}
+    : loop_(loop)
+    , clock_(clock)
+    , report_(std::move(report))
+    , look_(std::move(look)) {}
 
 void ChangeReports::event() {
     if (reportIsDue_)

@@ -96,7 +96,8 @@ void DBusMenu::Event(int id, const QString& eventId, const QDBusVariant& /*data*
         return;
     // On a later turn: the panel gets its answer first, whatever the entry does.
     const auto action = entries_[static_cast<std::size_t>(id) - 1].action;
-    QMetaObject::invokeMethod(this, [action] { action(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this, [action] { action(); }, Qt::QueuedConnection);
 }
 
 QList<int> DBusMenu::EventGroup(const MenuEvents& events) {

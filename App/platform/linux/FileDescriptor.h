@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <utility>
-
 #include <unistd.h>
+
+#include <utility>
 
 /// Owns a file descriptor; -1 is none.
 class FileDescriptor {

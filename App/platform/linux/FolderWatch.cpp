@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/FolderWatch.h"
 
+#include <sys/inotify.h>
+#include <unistd.h>
+
 #include <array>
 #include <cstdint>
 #include <cstring>
 #include <utility>
 
-#include <sys/inotify.h>
-#include <unistd.h>
-
 namespace {
 
-constexpr std::uint32_t interesting =
-    IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_CREATE | IN_DELETE | IN_ATTRIB;
+constexpr std::uint32_t interesting = IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_CREATE | IN_DELETE | IN_ATTRIB;
 constexpr std::uint32_t folderIsGone = IN_DELETE_SELF | IN_MOVE_SELF;
 /// Of a folder above the one that is meant only this: it may be a busy one.
 constexpr std::uint32_t comes = IN_MOVED_TO | IN_CREATE;
@@ -20,7 +19,8 @@ constexpr std::uint32_t comes = IN_MOVED_TO | IN_CREATE;
 } // namespace
 
 FolderWatch::FolderWatch(std::function<void()> changed)
-    : inotify_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)), changed_(std::move(changed)) {
+    : inotify_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
+    , changed_(std::move(changed)) {
     if (!inotify_)
         return;
     notifier_ = std::make_unique<QSocketNotifier>(inotify_.get(), QSocketNotifier::Read);

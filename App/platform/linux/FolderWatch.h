@@ -20,7 +20,8 @@ public:
     FolderWatch(const FolderWatch&) = delete;
     FolderWatch& operator=(const FolderWatch&) = delete;
 
-    /// Watches exactly these paths from now on, each for its coming, going and changing; so call it again after a change.
+    /// Watches exactly these paths from now on, each for its coming, going and changing; so call it again after a
+    /// change.
     void watch(const std::set<std::filesystem::path>& entries);
 
 private:

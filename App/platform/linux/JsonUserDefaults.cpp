@@ -6,14 +6,14 @@
 
 #include <QJsonDocument>
 
+#include <fcntl.h>
+#include <sys/file.h>
+
 #include <chrono>
 #include <cmath>
 #include <set>
 #include <thread>
 #include <utility>
-
-#include <fcntl.h>
-#include <sys/file.h>
 
 namespace fs = std::filesystem;
 
@@ -44,8 +44,8 @@ std::optional<std::int64_t> integerOf(const QJsonValue& value) {
     return one == value.toInteger(1) ? std::optional<std::int64_t>(one) : std::nullopt;
 }
 
-/// Keeps other writers of ours out. The folder itself is locked, so that no file is left lying about; a lock that is not
-/// to be had soon is done without rather than hang.
+/// Keeps other writers of ours out. The folder itself is locked, so that no file is left lying about; a lock that is
+/// not to be had soon is done without rather than hang.
 class FolderLock {
 public:
     explicit FolderLock(const fs::path& folder)
@@ -62,7 +62,10 @@ private:
 } // namespace
 
 JsonUserDefaults::JsonUserDefaults(fs::path file, Files& files, MainLoop& loop)
-    : file_(std::move(file)), files_(files), loop_(loop), watch_([this] { fileChanged(); }) {
+    : file_(std::move(file))
+    , files_(files)
+    , loop_(loop)
+    , watch_([this] { fileChanged(); }) {
     // So that it is this folder that is watched from the start, and not the busy one above.
     files_.createFolder(file_.parent_path());
     watchFile();
@@ -74,7 +77,8 @@ JsonUserDefaults::Content JsonUserDefaults::load() const {
     std::error_code error;
     if (!text)
         return {.values = {}, .isDamaged = fs::exists(fs::status(file_, error))};
-    const auto document = QJsonDocument::fromJson(QByteArray::fromRawData(text->data(), static_cast<qsizetype>(text->size())));
+    const auto document =
+        QJsonDocument::fromJson(QByteArray::fromRawData(text->data(), static_cast<qsizetype>(text->size())));
     return {.values = document.object(), .isDamaged = !document.isObject()};
 }
 

@@ -14,8 +14,8 @@
 
 class MainLoop;
 
-/// Preferences in one flat JSON object in a file of the user's. Others may edit, replace, link or damage the file at any
-/// time; keys that we do not know survive our writing.
+/// Preferences in one flat JSON object in a file of the user's. Others may edit, replace, link or damage the file at
+/// any time; keys that we do not know survive our writing.
 class JsonUserDefaults final : public UserDefaults {
 public:
     /// `file` need not exist; it is made at the first write.

@@ -41,20 +41,21 @@ void LogindSleep::takeLock(int triesLeft) {
     message.setAutoStartService(false);
     const int request = ++request_;
     auto* watcher = new QDBusPendingCallWatcher(bus_.connection().asyncCall(message), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, request, triesLeft](QDBusPendingCallWatcher* call) {
-        call->deleteLater();
-        const QDBusPendingReply<QDBusUnixFileDescriptor> reply = *call;
-        // A lock that arrives when the machine is already on its way to sleep would only hold that up.
-        if (request != request_ || asleep_)
-            return;
-        if (reply.isError())
-            askAgain(this, reply.error(), triesLeft, [this, request, triesLeft] {
-                if (request == request_ && !asleep_)
-                    takeLock(triesLeft - 1);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+            [this, request, triesLeft](QDBusPendingCallWatcher* call) {
+                call->deleteLater();
+                const QDBusPendingReply<QDBusUnixFileDescriptor> reply = *call;
+                // A lock that arrives when the machine is already on its way to sleep would only hold that up.
+                if (request != request_ || asleep_)
+                    return;
+                if (reply.isError())
+                    askAgain(this, reply.error(), triesLeft, [this, request, triesLeft] {
+                        if (request == request_ && !asleep_)
+                            takeLock(triesLeft - 1);
+                    });
+                else
+                    lock_ = reply.value();
             });
-        else
-            lock_ = reply.value();
-    });
 }
 
 void LogindSleep::prepareForSleep(bool goesToSleep) {

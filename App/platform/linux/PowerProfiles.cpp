@@ -9,10 +9,10 @@
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 
+#include <fcntl.h>
+
 #include <array>
 #include <utility>
-
-#include <fcntl.h>
 
 namespace {
 
@@ -31,7 +31,8 @@ QString pathOf(const QString& name) {
 } // namespace
 
 PowerProfiles::PowerProfiles(SystemBus& bus, const std::filesystem::path& sysfs)
-    : bus_(bus), firmwareFile_(sysfs / "firmware/acpi/platform_profile") {}
+    : bus_(bus)
+    , firmwareFile_(sysfs / "firmware/acpi/platform_profile") {}
 
 void PowerProfiles::start() {
     subscriptions_.push_back(bus_.onConnected([this] { follow(); }));

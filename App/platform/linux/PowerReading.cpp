@@ -172,8 +172,7 @@ bool PowerReading::failsAfter(const PowerReading& before, const std::vector<Powe
     };
     return std::any_of(supplies.begin(), supplies.end(), [&](const PowerSupply& supply) {
         const bool mayBeBattery = !supply.text("type") || supply.isSystemBattery();
-        return mayBeBattery && has(before.packs, supply.name) && !has(packs, supply.name) &&
-               !BatteryPack::read(supply);
+        return mayBeBattery && has(before.packs, supply.name) && !has(packs, supply.name) && !BatteryPack::read(supply);
     });
 }
 

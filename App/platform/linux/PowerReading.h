@@ -13,19 +13,19 @@
 
 /// What all power supplies of the machine say together, and its translation into the keys of `PowerSnapshot`.
 struct PowerReading {
-    std::vector<BatteryPack> packs;            ///< those that count, by device name; empty without a battery
+    std::vector<BatteryPack> packs; ///< those that count, by device name; empty without a battery
     bool onExternalPower = true;
     bool isCharging = false;
     bool isCharged = false;
-    double currentCapacity = 0;                ///< together with `maxCapacity`: the charge
+    double currentCapacity = 0; ///< together with `maxCapacity`: the charge
     double maxCapacity = 100;
-    std::optional<std::int64_t> adapterWatts;  ///< whole watts
+    std::optional<std::int64_t> adapterWatts; ///< whole watts
 
     /// Makes sense of the supplies, which are in the order of their names.
     static PowerReading of(const std::vector<PowerSupply>& supplies);
 
-    /// Whether a pack that counted `before` is still there but tells nothing now, as firmware does for some seconds after
-    /// sleep. A pack that was taken out does not count as failing.
+    /// Whether a pack that counted `before` is still there but tells nothing now, as firmware does for some seconds
+    /// after sleep. A pack that was taken out does not count as failing.
     bool failsAfter(const PowerReading& before, const std::vector<PowerSupply>& supplies) const;
 
     /// What the time estimate has to know; the instants are left to the caller.

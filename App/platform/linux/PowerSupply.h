@@ -8,8 +8,8 @@
 #include <string>
 #include <string_view>
 
-/// One device of the kernel's power-supply class: its name and the content of those of its attribute files that could be
-/// read. Keys and units are those of the kernel's power-supply ABI (Documentation/ABI/testing/sysfs-class-power).
+/// One device of the kernel's power-supply class: its name and the content of those of its attribute files that could
+/// be read. Keys and units are those of the kernel's power-supply ABI (Documentation/ABI/testing/sysfs-class-power).
 struct PowerSupply {
     std::string name;
     std::map<std::string, std::string, std::less<>> attributes;
@@ -39,9 +39,10 @@ struct PowerSupply {
 /// The attributes to read of a device: these of every one, and by them decided, these of a battery or of a supply.
 inline constexpr std::array<const char*, 3> commonAttributes{"type", "scope", "present"};
 inline constexpr std::array<const char*, 20> batteryAttributes{
-    "status",        "capacity",     "model_name",  "cycle_count", "voltage_now",  "voltage_min_design",
-    "energy_now",    "energy_avg",   "energy_full", "energy_full_design", "power_now", "power_avg",
-    "charge_now",    "charge_avg",   "charge_full", "charge_full_design", "current_now", "current_avg",
-    "temp",          "charge_control_end_threshold"};
+    "status",      "capacity",           "model_name",  "cycle_count",
+    "voltage_now", "voltage_min_design", "energy_now",  "energy_avg",
+    "energy_full", "energy_full_design", "power_now",   "power_avg",
+    "charge_now",  "charge_avg",         "charge_full", "charge_full_design",
+    "current_now", "current_avg",        "temp",        "charge_control_end_threshold"};
 inline constexpr std::array<const char*, 7> supplyAttributes{
     "online", "voltage_now", "voltage_max", "voltage_max_design", "current_now", "current_max", "input_power_limit"};

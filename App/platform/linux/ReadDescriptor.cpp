@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/ReadDescriptor.h"
 
+#include <unistd.h>
+
 #include <array>
 #include <cerrno>
-
-#include <unistd.h>
 
 std::optional<std::string> readDescriptor(int descriptor, std::size_t limit) {
     std::string content;

@@ -6,7 +6,9 @@
 #include <utility>
 
 SessionWorkspace::SessionWorkspace(QDBusConnection sessionBus, TerminationSignals& signalEvents, LogindSleep& sleep)
-    : sessionBus_(std::move(sessionBus)), signalEvents_(signalEvents), sleep_(sleep) {}
+    : sessionBus_(std::move(sessionBus))
+    , signalEvents_(signalEvents)
+    , sleep_(sleep) {}
 
 void SessionWorkspace::start() {
     signalEvents_.notify([this] { endSession(); });

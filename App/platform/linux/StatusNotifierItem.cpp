@@ -16,8 +16,10 @@ constexpr QLatin1String watcherName("org.kde.StatusNotifierWatcher");
 } // namespace
 
 StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, std::filesystem::path iconTheme)
-    : bus_(std::move(bus)), iconTheme_(std::move(iconTheme)), menu_(bus_),
-      watcherWatch_(watcherName, bus_, QDBusServiceWatcher::WatchForOwnerChange) {
+    : bus_(std::move(bus))
+    , iconTheme_(std::move(iconTheme))
+    , menu_(bus_)
+    , watcherWatch_(watcherName, bus_, QDBusServiceWatcher::WatchForOwnerChange) {
     registerStatusNotifierTypes();
     new StatusNotifierItemAdaptor(this); // owned by this object, as adaptors are
     bus_.registerObject(QLatin1String(path), this);
@@ -88,7 +90,11 @@ void StatusNotifierItem::SecondaryActivate(int x, int y) {
 void StatusNotifierItem::ContextMenu(int x, int y) {
     // On a later turn: the panel gets its answer first.
     QMetaObject::invokeMethod(
-        this, [this, x, y] { panelMenu_.show(menu_.entries(), {x, y}); }, Qt::QueuedConnection);
+        this,
+        [this, x, y] {
+            panelMenu_.show(menu_.entries(), {x, y});
+        },
+        Qt::QueuedConnection);
 }
 
 void StatusNotifierItem::Scroll(int /*delta*/, const QString& /*orientation*/) {}
@@ -128,7 +134,8 @@ QString StatusNotifierItem::labelGuide() const {
 }
 
 StatusNotifierBar::StatusNotifierBar(QDBusConnection bus, std::filesystem::path iconTheme)
-    : bus_(std::move(bus)), iconTheme_(std::move(iconTheme)) {}
+    : bus_(std::move(bus))
+    , iconTheme_(std::move(iconTheme)) {}
 
 std::unique_ptr<StatusItem> StatusNotifierBar::createItem() {
     return std::make_unique<StatusNotifierItem>(bus_, iconTheme_);

@@ -17,7 +17,8 @@ constexpr Duration patience{10};
 class SysfsPowerSources::Observation final : public Notification {
 public:
     Observation(SysfsPowerSources& owner, std::function<void()> changed)
-        : owner_(owner), reports(owner.loop_, owner.clock_, std::move(changed), [this] { return look(); }) {
+        : owner_(owner)
+        , reports(owner.loop_, owner.clock_, std::move(changed), [this] { return look(); }) {
         owner_.observation_ = this;
     }
     ~Observation() override { owner_.observation_ = nullptr; }
@@ -29,7 +30,8 @@ private:
 
     bool look() {
         const bool differs = owner_.scan() != owner_.given_;
-        // What came to light only now, such as a status that lagged behind its plug, needs a round of its own to settle.
+        // What came to light only now, such as a status that lagged behind its plug, needs a round of its own to
+        // settle.
         if (owner_.isUnsettled())
             reports.settle();
         return differs;
@@ -41,7 +43,9 @@ public:
 };
 
 SysfsPowerSources::SysfsPowerSources(const std::filesystem::path& sysfs, const Clock& clock, MainLoop& loop)
-    : folder_(sysfs / "class/power_supply"), clock_(clock), loop_(loop) {}
+    : folder_(sysfs / "class/power_supply")
+    , clock_(clock)
+    , loop_(loop) {}
 
 SysfsPowerSources::~SysfsPowerSources() = default;
 

@@ -4,11 +4,11 @@
 #include "platform/linux/FileDescriptor.h"
 #include "platform/linux/ReadDescriptor.h"
 
-#include <algorithm>
-#include <string_view>
-
 #include <dirent.h>
 #include <fcntl.h>
+
+#include <algorithm>
+#include <string_view>
 
 namespace {
 

@@ -3,10 +3,10 @@
 
 #include "platform/MainLoop.h"
 
-#include <utility>
-
 #include <sys/socket.h>
 #include <sys/un.h>
+
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -31,12 +31,15 @@ bool somebodyListens(const fs::path& socket) {
 } // namespace
 
 SystemBus::SystemBus(fs::path socket, MainLoop& loop)
-    : socket_(std::move(socket)), loop_(loop), connection_(connectionName(0)), watch_([this] {
-          watchSocket();
-          tryToConnect();
-          // The socket is there a moment before somebody listens at it.
-          loop_.after(Duration(1), lifetime_.guard([this] { tryToConnect(); }));
-      }) {}
+    : socket_(std::move(socket))
+    , loop_(loop)
+    , connection_(connectionName(0))
+    , watch_([this] {
+        watchSocket();
+        tryToConnect();
+        // The socket is there a moment before somebody listens at it.
+        loop_.after(Duration(1), lifetime_.guard([this] { tryToConnect(); }));
+    }) {}
 
 SystemBus::~SystemBus() {
     QDBusConnection::disconnectFromBus(connectionName(attempt_));

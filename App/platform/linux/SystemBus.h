@@ -12,8 +12,8 @@
 
 class MainLoop;
 
-/// The system bus, which may be absent, appear late, and be restarted under us. The socket that it listens at is watched,
-/// so that nothing has to be tried again and again.
+/// The system bus, which may be absent, appear late, and be restarted under us. The socket that it listens at is
+/// watched, so that nothing has to be tried again and again.
 class SystemBus final : public QObject {
     Q_OBJECT
 

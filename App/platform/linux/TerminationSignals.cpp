@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/TerminationSignals.h"
 
-#include <csignal>
-#include <utility>
-
 #include <sys/signalfd.h>
 #include <unistd.h>
+
+#include <csignal>
+#include <utility>
 
 TerminationSignals::TerminationSignals() {
     sigset_t signals;

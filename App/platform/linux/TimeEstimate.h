@@ -16,15 +16,15 @@ public:
 
     /// What one reading of the batteries says. Amounts are in any one unit, rates in that unit per hour.
     struct Reading {
-        Duration uptime{};               ///< when it was taken, seconds since the machine started
-        Duration slept{};                ///< how much of that the machine had slept
+        Duration uptime{}; ///< when it was taken, seconds since the machine started
+        Duration slept{};  ///< how much of that the machine had slept
         bool onExternalPower = false;
         Flow flow = Flow::none;
-        std::string batteries;           ///< which packs were counted, and in which unit
-        std::optional<double> now;       ///< stored
-        double remaining = 0;            ///< still to be stored until charging ends
-        std::optional<double> rate;      ///< signed, negative out of the battery
-        double slowest = 0;              ///< a rate below this says nothing
+        std::string batteries;      ///< which packs were counted, and in which unit
+        std::optional<double> now;  ///< stored
+        double remaining = 0;       ///< still to be stored until charging ends
+        std::optional<double> rate; ///< signed, negative out of the battery
+        double slowest = 0;         ///< a rate below this says nothing
     };
 
     struct Minutes {

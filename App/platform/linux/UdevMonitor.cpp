@@ -25,8 +25,7 @@ bool concernsTheMachine(udev_device* device) {
 std::unique_ptr<UdevMonitor> UdevMonitor::start(std::function<void()> event) {
     udev* context = udev_new();
     udev_monitor* monitor = context != nullptr ? udev_monitor_new_from_netlink(context, "udev") : nullptr;
-    if (monitor != nullptr &&
-        udev_monitor_filter_add_match_subsystem_devtype(monitor, "power_supply", nullptr) >= 0 &&
+    if (monitor != nullptr && udev_monitor_filter_add_match_subsystem_devtype(monitor, "power_supply", nullptr) >= 0 &&
         udev_monitor_enable_receiving(monitor) >= 0)
         return std::unique_ptr<UdevMonitor>(new UdevMonitor(context, monitor, std::move(event)));
     udev_monitor_unref(monitor);
@@ -35,8 +34,10 @@ std::unique_ptr<UdevMonitor> UdevMonitor::start(std::function<void()> event) {
 }
 
 UdevMonitor::UdevMonitor(udev* context, udev_monitor* monitor, std::function<void()> event)
-    : context_(context), monitor_(monitor), event_(std::move(event)),
-      notifier_(std::make_unique<QSocketNotifier>(udev_monitor_get_fd(monitor), QSocketNotifier::Read)) {
+    : context_(context)
+    , monitor_(monitor)
+    , event_(std::move(event))
+    , notifier_(std::make_unique<QSocketNotifier>(udev_monitor_get_fd(monitor), QSocketNotifier::Read)) {
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { drain(); });
 }
 

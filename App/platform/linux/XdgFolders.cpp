@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/XdgFolders.h"
 
-#include <cstdlib>
-
 #include <pwd.h>
 #include <unistd.h>
+
+#include <cstdlib>
 
 namespace {
 

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 
-/// The user's folders by the XDG base directory specification; relative values of the variables are ignored, as it asks.
+/// The user's folders by the XDG base directory specification; relative values of the variables are ignored, as it
+/// asks.
 std::filesystem::path xdgDataHome();
 std::filesystem::path xdgConfigHome();

@@ -9,7 +9,6 @@
 #include "support/Umockdev.h"
 
 #include <QJsonArray>
-
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -97,7 +96,8 @@ bool isOnExternalPower(const PowerSnapshot& snapshot) {
 
 std::string nameOf(const testing::TestParamInfo<FixturesTest::ParamType>& info) {
     std::string name = std::get<0>(info.param).stem().string();
-    std::replace_if(name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
+    std::replace_if(
+        name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
     return name + (std::get<1>(info.param) == Shown::asFiles ? "_asFiles" : "_throughUmockdev");
 }
 

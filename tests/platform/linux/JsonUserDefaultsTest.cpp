@@ -8,7 +8,6 @@
 #include "support/WaitUntil.h"
 
 #include <QJsonDocument>
-
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -33,9 +32,7 @@ protected:
         return store();
     }
 
-    QJsonObject stored() const {
-        return QJsonDocument::fromJson(QByteArray::fromStdString(contentOf(file))).object();
-    }
+    QJsonObject stored() const { return QJsonDocument::fromJson(QByteArray::fromStdString(contentOf(file))).object(); }
 };
 
 /// Counts the announcements of a store.
@@ -48,8 +45,8 @@ private:
     Subscription subscription_;
 };
 
-/// Lets everything that is queued or on its way through the kernel arrive: a change made now is announced after all that
-/// was made before.
+/// Lets everything that is queued or on its way through the kernel arrive: a change made now is announced after all
+/// that was made before.
 void settle(JsonUserDefaults& store, Announcements& announcements) {
     const int before = announcements.count;
     store.setObject("settled", true);
@@ -182,8 +179,8 @@ TEST_F(JsonUserDefaultsTest, WritesThroughADanglingLink) {
 }
 
 TEST_F(JsonUserDefaultsTest, RunsOnFallbacksAndSetsDamagedContentAsideBeforeItWrites) {
-    for (const std::string content : {"", "{", "[1, 2]", "\"text\"", "{\"limit\": 70} trailing", "\xFF\xFE{}",
-                                      "{\"limit\": NaN}"}) {
+    for (const std::string content :
+         {"", "{", "[1, 2]", "\"text\"", "{\"limit\": 70} trailing", "\xFF\xFE{}", "{\"limit\": NaN}"}) {
         const auto defaults = storeWith(content);
         defaults->registerDefaults({{"limit", 80}});
         EXPECT_EQ(defaults->integerForKey("limit"), 80) << content;

@@ -7,7 +7,6 @@
 #include "support/WaitUntil.h"
 
 #include <QDBusArgument>
-
 #include <gtest/gtest.h>
 
 namespace {
@@ -53,7 +52,8 @@ protected:
             argument.beginStructure();
             argument >> what >> who >> why >> mode >> user >> process;
             argument.endStructure();
-            count += what == QLatin1String("sleep") && who == QLatin1String("Velmora") && mode == QLatin1String("delay");
+            count +=
+                what == QLatin1String("sleep") && who == QLatin1String("Velmora") && mode == QLatin1String("delay");
         }
         argument.endArray();
         return count;

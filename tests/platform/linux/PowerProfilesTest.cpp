@@ -8,7 +8,6 @@
 #include "support/WaitUntil.h"
 
 #include <QDBusVariant>
-
 #include <gtest/gtest.h>
 
 namespace {
