@@ -23,6 +23,8 @@ public:
     /// What the item shows.
     struct Content {
         std::string symbol;                   ///< a name that `knowsSymbol`; empty for no image
+        std::string numberSymbol;             ///< the same with the percentage in it, for panels that show no title;
+                                              ///< empty when the percentage is not to be shown
         std::string accessibilityDescription; ///< what the image is, for those who cannot see it
         std::string title;                    ///< text beside the image; empty for the image alone
         std::string widestTitle;              ///< the widest text to expect there, so that hosts can keep the width

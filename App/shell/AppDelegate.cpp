@@ -47,8 +47,10 @@ void AppDelegate::updateStatusItem() {
     const auto symbols = state.symbolNames();
     const auto known =
         std::find_if(symbols.begin(), symbols.end(), [&](const auto& name) { return statusItem->knowsSymbol(name); });
+    const std::string number = numberSymbol(state, prefs);
     statusItem->show({
         .symbol = known == symbols.end() ? "" : *known,
+        .numberSymbol = statusItem->knowsSymbol(number) ? number : "",
         .accessibilityDescription = "Battery",
         .title = statusItemTitle(state, prefs),
         .widestTitle = widestStatusItemTitle(prefs),

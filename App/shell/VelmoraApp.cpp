@@ -2,12 +2,12 @@
 #include "platform/linux/DisplayCheck.h"
 #include "platform/linux/JsonUserDefaults.h"
 #include "platform/linux/LogindSleep.h"
+#include "platform/linux/PanelBar.h"
 #include "platform/linux/PosixFiles.h"
 #include "platform/linux/PowerProfiles.h"
 #include "platform/linux/QtMainLoop.h"
 #include "platform/linux/SessionApplication.h"
 #include "platform/linux/SessionWorkspace.h"
-#include "platform/linux/StatusNotifierItem.h"
 #include "platform/linux/SysfsPowerSources.h"
 #include "platform/linux/SystemBus.h"
 #include "platform/linux/SystemCalendar.h"
@@ -85,7 +85,7 @@ int main(int argc, char** argv) {
     SessionWorkspace workspace(sessionBus, signalEvents, sleep);
     // The glyphs stand beside the executable, wherever the bundle was put.
     const std::filesystem::path program(QCoreApplication::applicationDirPath().toStdString());
-    StatusNotifierBar statusBar(sessionBus, program.parent_path() / "share/icons");
+    PanelBar statusBar(sessionBus, mainLoop, program.parent_path() / "share/icons");
 
     AppDelegate delegate({powerSources, processInfo, workspace, mainLoop, clock, calendar, defaults, files, statusBar},
                          [] { QCoreApplication::quit(); });

@@ -22,6 +22,16 @@ ScreenPoint toLogical(ScreenPoint point, const std::vector<ScreenArea>& screens)
     return point;
 }
 
+ScreenPoint toDevice(ScreenPoint point, const std::vector<ScreenArea>& screens) {
+    for (const auto& [whole, scale] : screens) {
+        const int x = point.x - whole.x;
+        const int y = point.y - whole.y;
+        if (x >= 0 && y >= 0 && x < whole.width && y < whole.height)
+            return {whole.x + static_cast<int>(x * scale), whole.y + static_cast<int>(y * scale)};
+    }
+    return point;
+}
+
 ScreenPoint placePopover(std::optional<ScreenPoint> point, const ScreenRect& available, int width, int height) {
     const int right = available.x + available.width;
     const ScreenPoint anchor = point.value_or(ScreenPoint{right, available.y});

@@ -23,6 +23,9 @@ struct ScreenArea {
 /// A point in device pixels, as panels give it, in the toolkit's coordinates; unchanged when it lies on no screen.
 ScreenPoint toLogical(ScreenPoint point, const std::vector<ScreenArea>& screens);
 
+/// The reverse of `toLogical`.
+ScreenPoint toDevice(ScreenPoint point, const std::vector<ScreenArea>& screens);
+
 /// Where the top left corner of a popover of that size goes: beside the point that was clicked, on the side away from
 /// the panel, wholly inside `available` (the screen without its panels). Without a point, the top right corner.
 ScreenPoint placePopover(std::optional<ScreenPoint> point, const ScreenRect& available, int width, int height);

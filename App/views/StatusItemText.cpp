@@ -33,6 +33,20 @@ std::string widestStatusItemTitle(const Prefs& prefs) {
     return spaced(join(prefs.showPercent ? "100%" : "", prefs.showTime ? "00:00" : ""));
 }
 
+std::string numberSymbol(const BatteryState& state, const Prefs& prefs) {
+    if (!state.hasBattery || !prefs.showPercent)
+        return {};
+    const std::string meant = state.symbolNames().front();
+    const char* mark = "level";
+    if (meant == "battery.100percent")
+        mark = "full";
+    else if (meant == "battery.100.bolt")
+        mark = "bolt";
+    else if (meant == "powerplug.fill")
+        mark = "plug";
+    return "percent." + std::to_string(state.percent) + "." + mark;
+}
+
 std::string statusItemToolTip(const BatteryState& state) {
     std::string lines = state.stateText();
     if (state.hasBattery)

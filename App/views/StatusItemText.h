@@ -16,5 +16,9 @@ std::string statusItemTitle(const BatteryState& state, const Prefs& prefs);
 /// The widest title that these preferences can give, so that the panel can keep the item's width.
 std::string widestStatusItemTitle(const Prefs& prefs);
 
+/// The name of the glyph that carries the percentage, with what the first of the symbol names means: "percent.80.bolt".
+/// Empty without a battery, or when the preferences do not want the percentage.
+std::string numberSymbol(const BatteryState& state, const Prefs& prefs);
+
 /// The tooltip: what the battery is doing, its health, its cycles; one line each, joined with a line feed.
 std::string statusItemToolTip(const BatteryState& state);

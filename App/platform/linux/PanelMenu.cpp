@@ -5,16 +5,20 @@
 
 #include <QMenu>
 
+void fillMenu(QMenu& menu, const std::vector<StatusItem::MenuEntry>& entries) {
+    menu.clear();
+    for (const StatusItem::MenuEntry& entry : entries)
+        QObject::connect(menu.addAction(QString::fromStdString(entry.label)), &QAction::triggered, &menu,
+                         [action = entry.action] { action(); });
+}
+
 PanelMenu::PanelMenu() = default;
 PanelMenu::~PanelMenu() = default;
 
 void PanelMenu::show(const std::vector<StatusItem::MenuEntry>& entries, ScreenPoint point) {
     if (!menu_)
         menu_ = std::make_unique<QMenu>();
-    menu_->clear();
-    for (const StatusItem::MenuEntry& entry : entries)
-        QObject::connect(menu_->addAction(QString::fromStdString(entry.label)), &QAction::triggered, menu_.get(),
-                         [action = entry.action] { action(); });
+    fillMenu(*menu_, entries);
     const ScreenPoint place = toLogical(point, allScreens());
     menu_->popup(QPoint(place.x, place.y));
 }

@@ -8,6 +8,9 @@
 
 class QMenu;
 
+/// Gives a menu these entries and no others.
+void fillMenu(QMenu& menu, const std::vector<StatusItem::MenuEntry>& entries);
+
 /// The item's menu as a window of our own, for panels that draw none.
 class PanelMenu {
 public:

@@ -1,39 +1,84 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/StatusNotifierItem.h"
 
+#include "platform/linux/FileDescriptor.h"
+#include "platform/linux/GlyphName.h"
+#include "platform/linux/ReadDescriptor.h"
 #include "statusnotifieritemadaptor.h"
-#include "views/SymbolGlyph.h"
 
 #include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QtEndian>
 
-#include <system_error>
+#include <fcntl.h>
+
 #include <utility>
 
 namespace {
 
 constexpr QLatin1String watcherName("org.kde.StatusNotifierWatcher");
 
+/// The name of a process; empty when there is none, or it may not be seen.
+std::string processName(uint process) {
+    const FileDescriptor file(::open(("/proc/" + std::to_string(process) + "/comm").c_str(), O_RDONLY | O_CLOEXEC));
+    std::string name = file ? readDescriptor(file.get(), 64).value_or("") : "";
+    if (name.ends_with('\n'))
+        name.pop_back();
+    return name;
+}
+
+/// As the protocol has it: the bytes A, R, G, B of each pixel in this order, not premultiplied.
+StatusNotifierPixmap toPixmap(const QImage& image) {
+    StatusNotifierPixmap pixmap{.width = image.width(), .height = image.height(), .pixels = {}};
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const quint32 pixel = qToBigEndian(image.pixel(x, y));
+            pixmap.pixels.append(reinterpret_cast<const char*>(&pixel), sizeof pixel);
+        }
+    }
+    return pixmap;
+}
+
 } // namespace
 
-StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, std::filesystem::path iconTheme)
+StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, const GlyphImages& glyphs,
+                                       std::function<void(bool)> hostChanged)
     : bus_(std::move(bus))
-    , iconTheme_(std::move(iconTheme))
+    , glyphs_(glyphs)
+    , hostChanged_(std::move(hostChanged))
     , menu_(bus_)
     , watcherWatch_(watcherName, bus_, QDBusServiceWatcher::WatchForOwnerChange) {
     registerStatusNotifierTypes();
     new StatusNotifierItemAdaptor(this); // owned by this object, as adaptors are
     bus_.registerObject(QLatin1String(path), this);
     // Every change of the owner, not only its coming: one watcher may take the name over from another.
-    connect(&watcherWatch_, &QDBusServiceWatcher::serviceOwnerChanged, this,
-            [this](const QString& /*name*/, const QString& /*before*/, const QString& now) {
-                if (!now.isEmpty())
-                    registerWithWatcher();
-            });
-    registerWithWatcher();
+    connect(&watcherWatch_, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] { findHost(); });
+    findHost();
 }
 
 StatusNotifierItem::~StatusNotifierItem() {
     bus_.unregisterObject(QLatin1String(path));
+}
+
+void StatusNotifierItem::findHost() {
+    auto message = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetConnectionUnixProcessID"));
+    message << QString(watcherName);
+    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* call) {
+        call->deleteLater();
+        const QDBusPendingReply<uint> reply = *call;
+        const bool isThere =
+            !reply.isError() || reply.error().name() != QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner");
+        if (isThere) {
+            host_ = panelHost(reply.isError() ? "" : processName(reply.value()));
+            updateIcon();
+            registerWithWatcher();
+        }
+        hostChanged_(isThere);
+    });
 }
 
 void StatusNotifierItem::registerWithWatcher() {
@@ -46,14 +91,22 @@ void StatusNotifierItem::registerWithWatcher() {
 }
 
 bool StatusNotifierItem::knowsSymbol(std::string_view name) const {
-    std::error_code error;
-    return std::filesystem::exists(iconTheme_ / "hicolor/scalable/status" / (glyphIconName(name) + ".svg"), error);
+    return glyphs_.has(name);
+}
+
+std::string StatusNotifierItem::symbol() const {
+    const bool needsNumber = !host_.showsLabel && !content_.numberSymbol.empty();
+    return needsNumber ? content_.numberSymbol : content_.symbol;
+}
+
+void StatusNotifierItem::updateIcon() {
+    if (std::exchange(shownSymbol_, symbol()) != shownSymbol_)
+        Q_EMIT NewIcon();
 }
 
 void StatusNotifierItem::show(const Content& content) {
     const Content before = std::exchange(content_, content);
-    if (before.symbol != content.symbol || before.accessibilityDescription != content.accessibilityDescription)
-        Q_EMIT NewIcon();
+    updateIcon();
     if (before.title != content.title || before.widestTitle != content.widestTitle)
         Q_EMIT XAyatanaNewLabel(label(), labelGuide());
     if (before.toolTip != content.toolTip)
@@ -113,11 +166,22 @@ QString StatusNotifierItem::iconAccessibleDesc() const {
 }
 
 QString StatusNotifierItem::iconName() const {
-    return content_.symbol.empty() ? QString() : QString::fromStdString(glyphIconName(content_.symbol));
+    // Panels prefer a name to pictures, also where they cannot colour what it names.
+    const bool byName = host_.recolours && !shownSymbol_.empty();
+    return byName ? QString::fromStdString(glyphIconName(shownSymbol_)) : QString();
+}
+
+StatusNotifierPixmaps StatusNotifierItem::iconPixmap() const {
+    StatusNotifierPixmaps pixmaps;
+    if (!host_.recolours && !shownSymbol_.empty()) {
+        for (const QImage& image : glyphs_.images(shownSymbol_))
+            pixmaps.append(toPixmap(image));
+    }
+    return pixmaps;
 }
 
 QString StatusNotifierItem::iconThemePath() const {
-    return QString::fromStdString(iconTheme_.string());
+    return QString::fromStdString(glyphs_.iconTheme().string());
 }
 
 StatusNotifierToolTip StatusNotifierItem::toolTip() const {
@@ -131,12 +195,4 @@ QString StatusNotifierItem::label() const {
 
 QString StatusNotifierItem::labelGuide() const {
     return QString::fromStdString(content_.widestTitle);
-}
-
-StatusNotifierBar::StatusNotifierBar(QDBusConnection bus, std::filesystem::path iconTheme)
-    : bus_(std::move(bus))
-    , iconTheme_(std::move(iconTheme)) {}
-
-std::unique_ptr<StatusItem> StatusNotifierBar::createItem() {
-    return std::make_unique<StatusNotifierItem>(bus_, iconTheme_);
 }

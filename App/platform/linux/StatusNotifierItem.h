@@ -3,6 +3,8 @@
 
 #include "platform/StatusBar.h"
 #include "platform/linux/DBusMenu.h"
+#include "platform/linux/GlyphImages.h"
+#include "platform/linux/PanelHost.h"
 #include "platform/linux/PanelMenu.h"
 #include "platform/linux/StatusNotifierTypes.h"
 
@@ -11,8 +13,9 @@
 #include <QDBusServiceWatcher>
 #include <QObject>
 
-#include <filesystem>
-#include <memory>
+#include <functional>
+#include <optional>
+#include <string>
 
 /// An item of the panel by the StatusNotifierItem protocol, org.kde.StatusNotifierItem. It offers itself to the watcher
 /// whenever one appears: at login the panel may come later than we do, and panels are restarted.
@@ -27,7 +30,7 @@ class StatusNotifierItem final : public QObject, public StatusItem {
     Q_PROPERTY(QString AttentionAccessibleDesc READ none)
     Q_PROPERTY(QString IconName READ iconName)
     Q_PROPERTY(QString IconThemePath READ iconThemePath)
-    Q_PROPERTY(StatusNotifierPixmaps IconPixmap READ noPixmaps)
+    Q_PROPERTY(StatusNotifierPixmaps IconPixmap READ iconPixmap)
     Q_PROPERTY(QString OverlayIconName READ none)
     Q_PROPERTY(StatusNotifierPixmaps OverlayIconPixmap READ noPixmaps)
     Q_PROPERTY(QString AttentionIconName READ none)
@@ -43,8 +46,9 @@ class StatusNotifierItem final : public QObject, public StatusItem {
 public:
     static constexpr const char* path = "/StatusNotifierItem";
 
-    /// Exports the item at `path`. `iconTheme` is the folder "…/icons" that holds our glyphs.
-    StatusNotifierItem(QDBusConnection bus, std::filesystem::path iconTheme);
+    /// Exports the item at `path`. `hostChanged` is told whether there is a panel, once that is known and whenever it
+    /// changes.
+    StatusNotifierItem(QDBusConnection bus, const GlyphImages& glyphs, std::function<void(bool)> hostChanged);
     ~StatusNotifierItem() override;
 
     bool knowsSymbol(std::string_view name) const override;
@@ -73,14 +77,20 @@ Q_SIGNALS:
 
 private:
     QDBusConnection bus_;
-    std::filesystem::path iconTheme_;
+    const GlyphImages& glyphs_;
+    std::function<void(bool)> hostChanged_;
     DBusMenu menu_;
     PanelMenu panelMenu_;
     QDBusServiceWatcher watcherWatch_;
     std::function<void(std::optional<ScreenPoint>)> action_;
     Content content_;
+    PanelHost host_{.showsLabel = false, .recolours = true}; ///< until there is one: a name costs nothing to make
+    std::string shownSymbol_;
 
+    void findHost();
     void registerWithWatcher();
+    std::string symbol() const;
+    void updateIcon();
     void act(std::optional<ScreenPoint> point);
 
     static QString category() { return QStringLiteral("Hardware"); }
@@ -96,18 +106,8 @@ private:
     QString iconAccessibleDesc() const;
     QString iconName() const;
     QString iconThemePath() const;
+    StatusNotifierPixmaps iconPixmap() const;
     StatusNotifierToolTip toolTip() const;
     QString label() const;
     QString labelGuide() const;
-};
-
-/// The panel, reached over the session bus.
-class StatusNotifierBar final : public StatusBar {
-public:
-    StatusNotifierBar(QDBusConnection bus, std::filesystem::path iconTheme);
-    [[nodiscard]] std::unique_ptr<StatusItem> createItem() override;
-
-private:
-    QDBusConnection bus_;
-    std::filesystem::path iconTheme_;
 };

@@ -283,6 +283,7 @@ TEST(BatteryPack, IsDeadWithoutVoltageAndCharge) {
         {"0 V and 0 Wh that claim to be full",
          energyPack({{"voltage_now", "0\n"}, {"energy_now", "0\n"}, {"capacity", "100\n"}}), true},
         {"0 V, and no number but the percentage", {{"voltage_now", "0\n"}, {"capacity", "0\n"}}, true},
+        {"0 V, and a percentage alone", {{"voltage_now", "0\n"}, {"capacity", "60\n"}}, false},
         {"0 V and a charge", energyPack({{"voltage_now", "0\n"}}), false},
         {"empty", energyPack({{"energy_now", "0\n"}, {"capacity", "0\n"}}), false},
         {"empty, voltage unknown", energyPack({{"voltage_now", ""}, {"energy_now", "0\n"}, {"capacity", "0\n"}}),

@@ -3,53 +3,37 @@
 
 #include <gtest/gtest.h>
 
-#include <optional>
-#include <string>
-
 namespace {
 
-using Answer = std::optional<std::string>;
-
-PowerProfileChoice choice(const Answer& newName, const Answer& oldName, const Answer& firmware) {
-    PowerProfileChoice made;
-    if (newName)
-        made.daemons.emplace(PowerProfileChoice::newName, *newName);
-    if (oldName)
-        made.daemons.emplace(PowerProfileChoice::oldName, *oldName);
-    made.firmware = firmware;
-    return made;
-}
-
-TEST(PowerProfileChoice, TheDaemonCountsBeforeTheFirmwareAndItsNewNameBeforeItsOldOne) {
-    struct Row {
-        Answer newName;
-        Answer oldName;
-        Answer firmware;
-        bool isLowPower;
-    };
-    const Row rows[] = {
-        {{}, {}, {}, false},
-        {"power-saver", {}, {}, true},
-        {"balanced", {}, {}, false},
-        {"performance", {}, {}, false},
-        {"", {}, {}, false},
-        {{}, "power-saver", {}, true},
-        {{}, "balanced", {}, false},
-        {"balanced", "power-saver", "low-power\n", false},
-        {"power-saver", "balanced", "performance\n", true},
-        {{}, "balanced", "low-power\n", false},
-        {{}, "power-saver", "performance\n", true},
-    };
-    for (const Row& row : rows)
-        EXPECT_EQ(choice(row.newName, row.oldName, row.firmware).isLowPower(), row.isLowPower) << &row - rows;
-}
-
-TEST(PowerProfileChoice, TheFirmwareSavesPowerInItsLowAndQuietProfiles) {
-    for (const char* profile : {"low-power\n", "low-power", "quiet\n", "quiet \n"})
-        EXPECT_TRUE(choice({}, {}, profile).isLowPower()) << profile;
-    for (const char* profile : {"balanced\n", "balanced-performance\n", "performance\n", "cool\n", "custom\n", "\n", "",
-                                "low-power-not\n", "power-saver\n"})
-        EXPECT_FALSE(choice({}, {}, profile).isLowPower()) << profile;
-}
+const std::string newName(PowerProfileChoice::newName);
+const std::string oldName(PowerProfileChoice::oldName);
 
 } // namespace
+
+TEST(PowerProfileChoice, IsOffWhenNobodyKnows) {
+    EXPECT_FALSE(PowerProfileChoice{}.isLowPower());
+}
+
+TEST(PowerProfileChoice, BelievesTheDaemonUnderItsNewNameFirst) {
+    PowerProfileChoice choice;
+    choice.daemons[oldName] = "power-saver";
+    EXPECT_TRUE(choice.isLowPower());
+    choice.daemons[newName] = "balanced";
+    EXPECT_FALSE(choice.isLowPower());
+    choice.daemons[newName] = "power-saver";
+    EXPECT_TRUE(choice.isLowPower());
+}
+
+TEST(PowerProfileChoice, BelievesAnyDaemonBeforeTheFirmware) {
+    PowerProfileChoice choice;
+    choice.firmware = "low-power\n";
+    choice.daemons[oldName] = "something new";
+    EXPECT_FALSE(choice.isLowPower());
+}
+
+TEST(PowerProfileChoice, KnowsTheFirmwaresNames) {
+    for (const char* on : {"low-power\n", "quiet\n", "quiet"})
+        EXPECT_TRUE((PowerProfileChoice{.daemons = {}, .firmware = on}.isLowPower())) << on;
+    for (const char* off : {"balanced\n", "performance\n", "cool\n", "\n", "", "low-power quiet"})
+        EXPECT_FALSE((PowerProfileChoice{.daemons = {}, .firmware = off}.isLowPower())) << off;
+}

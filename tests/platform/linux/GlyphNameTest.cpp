@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "views/SymbolGlyph.h"
+#include "platform/linux/GlyphName.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-TEST(SymbolGlyph, IsNamedAfterItsSymbol) {
+TEST(GlyphName, IsNamedAfterItsSymbol) {
     EXPECT_EQ(glyphIconName("battery.0"), "velmora-battery-0-symbolic");
     EXPECT_EQ(glyphIconName("battery.100percent"), "velmora-battery-100percent-symbolic");
     EXPECT_EQ(glyphIconName("battery.100.bolt"), "velmora-battery-100-bolt-symbolic");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "views/SymbolGlyph.h"
+#include "platform/linux/GlyphName.h"
 
 #include <algorithm>
 

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/PanelHost.h"
+
+#include <array>
+
+namespace {
+
+struct Known {
+    std::string_view prefix; ///< of the process that has the watcher
+    PanelHost host;
+};
+
+constexpr PanelHost labelled{.showsLabel = true, .recolours = true};
+constexpr PanelHost recolouring{.showsLabel = false, .recolours = true};
+
+/// LXQt, Cinnamon, Budgie, waybar and swaybar show no label and leave pictures as they are: they are not in this list.
+constexpr std::array known{
+    Known{"gnome-shell", labelled},     // with the AppIndicator extension
+    Known{"ayatana-indicat", labelled}, // takes names only; its label comes from the panel that shows it
+    Known{"indicator-appl", labelled},  // the same service under its older name
+    Known{"mate-panel", {.showsLabel = true, .recolours = false}},
+    Known{"notification-ar", {.showsLabel = true, .recolours = false}}, // MATE's applet in a process of its own
+    Known{"kded", recolouring},                                         // Plasma: the watcher is a module of its daemon
+    Known{"plasmashell", recolouring},
+    Known{"xfce4-panel", recolouring},
+};
+
+/// QUIRK: Xfce runs each plugin in a process of its own, named after its place in the panel: "panel-6-systray", cut off
+/// after 15 characters.
+bool isXfceTray(std::string_view process) {
+    return process.starts_with("panel-") && process.find("-systra") != std::string_view::npos;
+}
+
+} // namespace
+
+PanelHost panelHost(std::string_view watcherProcess) {
+    if (isXfceTray(watcherProcess))
+        return recolouring;
+    for (const auto& [prefix, host] : known) {
+        if (watcherProcess.starts_with(prefix))
+            return host;
+    }
+    return {};
+}

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <string_view>
+
+/// What a panel does with the items that it shows.
+struct PanelHost {
+    bool showsLabel = false; ///< draws the text beside the icon; elsewhere the icon itself has to carry the number
+    bool recolours = false;  ///< takes icons by name and draws symbolic ones in its own colour; elsewhere we draw them
+
+    bool operator==(const PanelHost&) const = default;
+};
+
+/// The panel behind a StatusNotifierWatcher, by the name of the process that has it (/proc/PID/comm, at most 15
+/// characters). One that is not known gets what is readable everywhere: a picture with the number in it.
+PanelHost panelHost(std::string_view watcherProcess);

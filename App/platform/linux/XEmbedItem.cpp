@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/XEmbedItem.h"
+
+#include "platform/linux/PanelMenu.h"
+#include "views/Screens.h"
+
+#include <utility>
+
+XEmbedItem::XEmbedItem(const GlyphImages& glyphs) : glyphs_(glyphs) {
+    icon_.setContextMenu(&menu_);
+    QObject::connect(&icon_, &QSystemTrayIcon::activated, &icon_, [this](QSystemTrayIcon::ActivationReason reason) {
+        if (reason == QSystemTrayIcon::Context || !action_)
+            return;
+        const QPoint centre = icon_.geometry().center();
+        action_(toDevice({centre.x(), centre.y()}, allScreens()));
+    });
+}
+
+bool XEmbedItem::knowsSymbol(std::string_view name) const {
+    return glyphs_.has(name);
+}
+
+void XEmbedItem::show(const Content& content) {
+    const std::string& symbol = content.numberSymbol.empty() ? content.symbol : content.numberSymbol;
+    if (std::exchange(shownSymbol_, symbol) != symbol)
+        icon_.setIcon(glyphs_.icon(symbol));
+    icon_.setToolTip(QString::fromStdString(content.toolTip));
+    icon_.show();
+}
+
+void XEmbedItem::setAction(std::function<void(std::optional<ScreenPoint>)> action) {
+    action_ = std::move(action);
+}
+
+void XEmbedItem::setMenu(std::vector<MenuEntry> entries) {
+    fillMenu(menu_, entries);
+}
