@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 #
 # Draws contact sheets of all icons, to be judged by eye.
-# Usage: preview.sh FOLDER
+# Usage: preview.sh FOLDER [NUMBERS]
+# NUMBERS is the folder with the generated percentage glyphs: share/icons/hicolor/scalable/status in a build folder.
 # Needs rsvg-convert and ImageMagick (convert, montage).
 #
 # Glyph columns are in the order of $glyphs below, rows are the sizes of $sizes.
@@ -10,16 +11,23 @@
 #   glyphs-plain-on-dark.png, glyphs-plain-on-light.png  as they are in the files
 #   glyphs-16-enlarged-*.png                             the 16 px ones, every pixel eight times as large
 #   application-on-dark.png, application-on-light.png    the application icon, 16 to 256 px
+# With NUMBERS: columns are the percentages of $numbers, rows the meanings of $meanings, for each of the sizes.
+#   numbers-light-on-dark.png, -dark-on-light.png, -plain-on-dark.png, -plain-on-light.png
+#   numbers-22-enlarged-*.png                            the 22 px ones, every pixel eight times as large
 set -eu
 
-if [ $# -ne 1 ]; then
-    echo "usage: $0 FOLDER" >&2
+if [ $# -ne 1 ] && [ $# -ne 2 ]; then
+    echo "usage: $0 FOLDER [NUMBERS]" >&2
     exit 2
 fi
 
 icons=$(CDPATH='' cd -- "$(dirname -- "$0")" && pwd)/icons/hicolor
 mkdir -p -- "$1"
 out=$(CDPATH='' cd -- "$1" && pwd)
+generated=
+if [ $# -eq 2 ]; then
+    generated=$(CDPATH='' cd -- "$2" && pwd)
+fi
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 trap 'exit 1' HUP INT TERM
@@ -31,6 +39,8 @@ white='#ffffff'
 sizes='16 22 24 32 44 48 64'
 glyphs='battery-0 battery-25 battery-50 battery-75 battery-100 battery-100percent battery-100-bolt
         bolt-fill powerplug-fill powerplug'
+numbers='0 5 9 17 20 38 46 53 68 79 80 99 100'
+meanings='level bolt plug full'
 
 # append FILE COLOUR ROW...: stacks pictures, left-aligned
 append() {
@@ -41,34 +51,96 @@ append() {
     convert -background "$background" "$@" -append "$target"
 }
 
-# sheet NAME FOREGROUND BACKGROUND
-sheet() {
-    cd "$scratch"
-    rm -f ./*
-    for glyph in $glyphs; do
-        sed "s/$own/$2/g" "$icons/scalable/status/velmora-$glyph-symbolic.svg" >"$glyph.svg"
+# recolour FOLDER COLOUR GLYPH...: puts glyphs into the scratch folder, as a panel would draw them
+recolour() {
+    source=$1
+    colour=$2
+    shift 2
+    for glyph in "$@"; do
+        sed "s/$own/$colour/g" "$source/velmora-$glyph-symbolic.svg" >"$glyph.svg"
     done
-    rows=
-    for size in $sizes; do
-        pictures=
-        for glyph in $glyphs; do
-            rsvg-convert -w "$size" -h "$size" -o "$size-$glyph.png" "$glyph.svg"
-            pictures="$pictures $size-$glyph.png"
-        done
-        # shellcheck disable=SC2086 # a list of names without spaces
-        montage -background "$3" -tile x1 -geometry +10+10 $pictures "row-$size.png"
-        rows="$rows row-$size.png"
-    done
-    # shellcheck disable=SC2086
-    append "$out/glyphs-$1.png" "$3" $rows
+}
 
+# row FILE SIZE BACKGROUND GLYPH...: draws glyphs side by side
+row() {
+    target=$1
+    size=$2
+    background=$3
+    shift 3
     pictures=
-    for glyph in $glyphs; do
-        convert "16-$glyph.png" -background "$3" -flatten -filter point -resize 800% "large-$glyph.png"
+    for glyph in "$@"; do
+        rsvg-convert -w "$size" -h "$size" -o "$size-$glyph.png" "$glyph.svg"
+        pictures="$pictures $size-$glyph.png"
+    done
+    # shellcheck disable=SC2086 # a list of names without spaces
+    montage -background "$background" -tile x1 -geometry +10+10 $pictures "$target"
+}
+
+# enlarged FILE SIZE COLUMNS BACKGROUND GLYPH...: glyphs that are drawn already, every pixel eight times as large
+enlarged() {
+    target=$1
+    size=$2
+    columns=$3
+    background=$4
+    shift 4
+    pictures=
+    for glyph in "$@"; do
+        convert "$size-$glyph.png" -background "$background" -flatten -filter point -resize 800% "large-$glyph.png"
         pictures="$pictures large-$glyph.png"
     done
     # shellcheck disable=SC2086
-    montage -background "$3" -tile 5x -geometry +16+16 $pictures "$out/glyphs-16-enlarged-$1.png"
+    montage -background "$background" -tile "${columns}x" -geometry +16+16 $pictures "$target"
+}
+
+# glyph_sheet NAME FOREGROUND BACKGROUND
+# shellcheck disable=SC2086
+glyph_sheet() {
+    cd "$scratch"
+    rm -f ./*
+    recolour "$icons/scalable/status" "$2" $glyphs
+    rows=
+    for size in $sizes; do
+        row "row-$size.png" "$size" "$3" $glyphs
+        rows="$rows row-$size.png"
+    done
+    append "$out/glyphs-$1.png" "$3" $rows
+    enlarged "$out/glyphs-16-enlarged-$1.png" 16 5 "$3" $glyphs
+}
+
+# number_sheet NAME FOREGROUND BACKGROUND
+# shellcheck disable=SC2086
+number_sheet() {
+    cd "$scratch"
+    rm -f ./*
+    all=
+    for meaning in $meanings; do
+        for percent in $numbers; do
+            all="$all percent-$percent-$meaning"
+        done
+    done
+    recolour "$generated" "$2" $all
+    rows=
+    for size in $sizes; do
+        for meaning in $meanings; do
+            names=
+            for percent in $numbers; do
+                names="$names percent-$percent-$meaning"
+            done
+            row "row-$size-$meaning.png" "$size" "$3" $names
+            rows="$rows row-$size-$meaning.png"
+        done
+    done
+    append "$out/numbers-$1.png" "$3" $rows
+    # shellcheck disable=SC2046
+    enlarged "$out/numbers-22-enlarged-$1.png" 22 $(echo $numbers | wc -w) "$3" $all
+}
+
+# sheets NAME FOREGROUND BACKGROUND
+sheets() {
+    glyph_sheet "$@"
+    if [ -n "$generated" ]; then
+        number_sheet "$@"
+    fi
 }
 
 # application NAME BACKGROUND
@@ -85,10 +157,10 @@ application() {
     convert -background "$2" -gravity center $pictures +append "$out/application-$1.png"
 }
 
-sheet light-on-dark "$light" "$dark"
-sheet dark-on-light "$dark" "$white"
-sheet plain-on-dark "$own" "$dark"
-sheet plain-on-light "$own" "$white"
+sheets light-on-dark "$light" "$dark"
+sheets dark-on-light "$dark" "$white"
+sheets plain-on-dark "$own" "$dark"
+sheets plain-on-light "$own" "$white"
 application on-dark "$dark"
 application on-light "$white"
 echo "sheets are in $out"

@@ -11,7 +11,8 @@ public:
     explicit Subscription(std::function<void()> end) : end_(std::move(end)) {}
     Subscription(Subscription&& other) noexcept : end_(std::exchange(other.end_, nullptr)) {}
     Subscription& operator=(Subscription&& other) noexcept {
-        std::swap(end_, other.end_);
+        const Subscription ended(std::move(*this));
+        end_ = std::exchange(other.end_, nullptr);
         return *this;
     }
     ~Subscription() {

@@ -50,22 +50,22 @@ class Demo:
     def run(self):
         self.show("start", "The program starts on a laptop that runs on battery.")
         wait_until(lambda: self.item.registered, START_SECONDS, "the panel has the item")
-        self.expect(" 64%", "battery-75", "64% · On battery, estimating time left…", START_SECONDS)
+        self.expect(" 64%", "percent-64-level", "64% · On battery, estimating time left…", START_SECONDS)
         self.take_pictures()
 
         self.show("time", "Some seconds later it knows how long that lasts.")
         self.change(power_now=10000000)
-        self.expect(" 64%", "battery-75", "64% · On battery, 2 h 47 min left", ESTIMATE_SECONDS)
+        self.expect(" 64%", "percent-64-level", "64% · On battery, 2 h 47 min left", ESTIMATE_SECONDS)
         self.take_pictures()
 
         self.show("half", "The battery empties.")
         self.change(level=41)
-        self.expect(" 41%", "battery-50", "41% · On battery, 1 h 47 min left")
+        self.expect(" 41%", "percent-41-level", "41% · On battery, 1 h 47 min left")
         self.take_pictures()
 
         self.show("low", "The battery is low.")
         self.change(level=18)
-        self.expect(" 18%", "battery-25", "18% · On battery, 46 min left")
+        self.expect(" 18%", "percent-18-level", "18% · On battery, 46 min left")
         self.take_pictures()
 
         self.show("tooltip", "The pointer rests on the item.")
@@ -92,16 +92,16 @@ class Demo:
 
         self.show("plugged-in", "The adapter is plugged in.")
         self.change(online=1, status="Charging", power_now=30000000)
-        self.expect(" 18%", "battery-100-bolt", "18% · Charging, estimating time to full…")
+        self.expect(" 18%", "percent-18-bolt", "18% · Charging, estimating time to full…")
         self.take_pictures()
 
         self.show("charging", "Some seconds later it knows how long charging takes.")
-        self.expect(" 18%", "battery-100-bolt", "18% · Charging, 1 h 11 min to full", ESTIMATE_SECONDS)
+        self.expect(" 18%", "percent-18-bolt", "18% · Charging, 1 h 11 min to full", ESTIMATE_SECONDS)
         self.take_pictures()
 
         self.show("filling", "The battery fills.")
         self.change(level=55)
-        self.expect(" 55%", "battery-100-bolt", "55% · Charging, 39 min to full")
+        self.expect(" 55%", "percent-55-bolt", "55% · Charging, 39 min to full")
         self.take_pictures()
 
         self.show("dark-panel", "The panel crashes and comes back, now a dark one.")
@@ -109,21 +109,23 @@ class Demo:
         self.take_pictures()
 
         self.show("preferences", "Another program edits the preferences: the remaining time beside the icon.")
-        file = self.desktop.config / "Velmora/defaults.json"
-        file.parent.mkdir(exist_ok=True)
-        file.write_text(json.dumps({"showTime": True}), encoding="utf-8")
-        print(f"   file:  Velmora/defaults.json is {file.read_text(encoding='utf-8')}")
-        self.expect(" 55% · 0:39", "battery-100-bolt", "55% · Charging, 39 min to full")
+        self.edit_preferences({"showTime": True})
+        self.expect(" 55% · 0:39", "percent-55-bolt", "55% · Charging, 39 min to full")
         self.take_pictures()
 
         self.show("held", "The firmware stops charging at a threshold.")
         self.change(level=80, status="Not charging", power_now=0)
-        self.expect(" 80%", "powerplug-fill", "80% · Plugged in, not charging")
+        self.expect(" 80%", "percent-80-plug", "80% · Plugged in, not charging")
         self.take_pictures()
 
         self.show("full", "The battery is full.")
         self.change(level=100, status="Full")
-        self.expect(" 100%", "battery-100percent", "100% · Fully charged")
+        self.expect(" 100%", "percent-100-full", "100% · Fully charged")
+        self.take_pictures()
+
+        self.show("plain", "The user does not want the percentage: the plain glyph.")
+        self.edit_preferences({"showPercent": False})
+        self.expect("", "battery-100percent", "100% · Fully charged")
         self.take_pictures()
 
         self.show("light-panel", "The panel crashes once more and comes back as a light one.")
@@ -132,7 +134,7 @@ class Demo:
 
         self.show("unplugged", "The adapter is unplugged.")
         self.change(online=0, status="Discharging", power_now=12000000)
-        self.expect(" 100%", "battery-100", "100% · On battery, estimating time left…")
+        self.expect("", "battery-100", "100% · On battery, estimating time left…")
         self.take_pictures()
 
         self.show("quit", "Quit is chosen in the menu.")
@@ -148,6 +150,12 @@ class Demo:
         self.steps += 1
         self.name = f"{self.steps:02}-{name}"
         print(f"\n{self.steps}. {sentence}")
+
+    def edit_preferences(self, preferences):
+        file = self.desktop.config / "Velmora/defaults.json"
+        file.parent.mkdir(exist_ok=True)
+        file.write_text(json.dumps(preferences), encoding="utf-8")
+        print(f"   file:  Velmora/defaults.json is {file.read_text(encoding='utf-8')}")
 
     def change(self, level=None, online=None, **battery):
         """Changes the laptop, prints what changed, and sends the events that a kernel would send."""
@@ -215,7 +223,7 @@ class Demo:
         wait_until(quiet, QUIET_SECONDS, "the picture stands still")
         self.tray = last.crop(TRAY)
         last.save(self.folder / f"{self.name}.png")
-        self.tray.enlarge(ENLARGED).save(self.folder / f"{self.name}-panel.png")
+        self.tray.enlarge(ENLARGED).save(self.folder / f"{self.name}-tray.png")
 
 
 def main(bundle, folder):

@@ -28,7 +28,7 @@ class Changes(DesktopCase):
         item = self.begin()
         self.machine.plug()
         self.soon_equal(lambda: item.tooltip, [CHARGING, *HEALTH_AND_CYCLES], 1)
-        self.soon_equal(lambda: item.icon, "velmora-battery-100-bolt-symbolic", 1)
+        self.soon_equal(lambda: item.icon, "velmora-percent-64-bolt-symbolic", 1)
 
     def test_unplugging_shows_within_a_second(self):
         self.machine.set("AC", online=1)

@@ -38,7 +38,7 @@ class ItemInThePanel(DesktopCase):
         item = self.start_and_wait(self.desktop(), self.laptop()).item
         self.assertEqual(item.tooltip, [ESTIMATING, *HEALTH_AND_CYCLES])
         self.assertEqual(item.label, " 64%")
-        self.assertEqual(item.icon, "velmora-battery-75-symbolic")
+        self.assertEqual(item.icon, "velmora-percent-64-level-symbolic")
         self.assertEqual(item.get("IconAccessibleDesc"), "Battery")
 
     def test_has_the_properties_that_hosts_insist_on(self):

@@ -38,6 +38,14 @@ TEST(Subscription, EndsWhenTheHandleIsReplaced) {
     EXPECT_EQ(ends, 1);
 }
 
+TEST(Subscription, EndsAtOnceWhenAnotherTakesItsPlace) {
+    int ends = 0;
+    Subscription subscription([&] { ++ends; });
+    Subscription next([] {});
+    subscription = std::move(next);
+    EXPECT_EQ(ends, 1);
+}
+
 TEST(Subscription, CannotBeCopied) {
     EXPECT_FALSE(std::is_copy_constructible_v<Subscription>);
     EXPECT_FALSE(std::is_copy_assignable_v<Subscription>);

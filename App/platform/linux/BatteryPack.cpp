@@ -61,7 +61,7 @@ BatteryPack::Unit unitOf(const Stored& energy, const Stored& charge) {
         return BatteryPack::Unit::energy;
     if (charge.now && charge.full)
         return BatteryPack::Unit::charge;
-    return energy.full && !charge.full ? BatteryPack::Unit::energy : BatteryPack::Unit::charge;
+    return energy.full ? BatteryPack::Unit::energy : BatteryPack::Unit::charge;
 }
 
 std::optional<double> percentOf(const PowerSupply& supply, const Stored& stored) {

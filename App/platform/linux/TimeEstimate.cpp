@@ -1,16 +1,26 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/TimeEstimate.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
 
-constexpr double smoothingSeconds = 120; ///< a step in the load is taken over to 63 % after this
 constexpr double distrustSeconds = 10;   ///< firmware may still tell the old rate for so long after a change
 constexpr double settleSeconds = 15;     ///< no time is told earlier than this
 constexpr double deriveSeconds = 60;     ///< a rate is derived from readings at least so far apart
-constexpr double deriveWindow = 600;     ///< and at most so far, so that it follows the load
 constexpr double staleRateSeconds = 300; ///< a rate that was not reported for so long is no rate any more
+
+/// A step in the reported rate is taken over to 63 % after this. Measured with benchmarks/TimeEstimateBenchmark.cpp:
+/// where the charge tapers off, 120, 180 and 300 s err by 47.0, 47.6 and 48.6 % (now / rate by 45.9); where it is taken
+/// in under a changing load, they jump by 9.4, 7.3 and 6.0 % a minute (now / rate by 44.7).
+constexpr double smoothingSeconds = 180;
+
+/// What has gone out of the battery is looked at over this time. Measured: 600, 900 and 1200 s bring the sum of all
+/// errors to 0.48, 0.47 and 0.46 of that of now / rate; but where the load rises for good, they err 1.05, 1.07 and 1.10
+/// times as much.
+constexpr double windowSeconds = 900;
+
 constexpr double mostHoursToEmpty = 48;
 constexpr double mostHoursToFull = 20;
 
@@ -47,27 +57,53 @@ void TimeEstimate::smooth(const Reading& reading, double rate) {
     smoothedAt_ = reading.uptime;
 }
 
-std::optional<double> TimeEstimate::derivedRate(const Reading& reading) {
-    if (!reading.now)
+void TimeEstimate::follow(Duration uptime, double now) {
+    const auto since = [&](const Change& change) { return (uptime - change.uptime).count(); };
+    if (changes_.empty() || changes_.back().now != now)
+        changes_.push_back({uptime, now});
+    // QUIRK: some firmware holds the amount at "full" for a while after unplugging, and coarse steps stand for minutes.
+    // How long the first amount will have stood is no measure of the load; so begin at the first change.
+    if (!startsAtChange_ && changes_.size() > 2 && since(changes_[1]) >= deriveSeconds) {
+        changes_.pop_front();
+        startsAtChange_ = true;
+    }
+    while (changes_.size() > 2 && since(changes_[1]) >= windowSeconds)
+        changes_.pop_front();
+}
+
+std::optional<double> TimeEstimate::derivedRate(const Reading& reading) const {
+    if (!reading.now || changes_.size() < 2)
         return std::nullopt;
-    points_.push_back({reading.uptime, *reading.now});
-    while (points_.size() > 2 && (reading.uptime - points_.front().uptime).count() > deriveWindow)
-        points_.pop_front();
-    const Duration apart = reading.uptime - points_.front().uptime;
-    const double moved = *reading.now - points_.front().now;
-    if (apart.count() < deriveSeconds || moved == 0)
+    const double hours = (reading.uptime - changes_.front().uptime).count() / 3600;
+    const double moved = along(reading.flow, *reading.now - changes_.front().now);
+    if (hours < deriveSeconds / 3600 || moved <= 0)
         return std::nullopt;
-    return along(reading.flow, moved / (apart.count() / 3600));
+    const double hoursToLastChange = (changes_.back().uptime - changes_.front().uptime).count() / 3600;
+    if (hoursToLastChange < deriveSeconds / 3600)
+        return moved / hours;
+    // Between two coarse steps the rate would seem to fall, and to leap at the next one. From change to change it does
+    // neither; once the next step is overdue, it can be no higher than if that came now.
+    const double step = std::abs(changes_.back().now - changes_[changes_.size() - 2].now);
+    return std::min(moved / hoursToLastChange, (moved + step) / hours);
 }
 
 std::optional<double> TimeEstimate::currentRate(const Reading& reading) {
-    const auto derived = derivedRate(reading);
+    if (reading.now)
+        follow(reading.uptime, *reading.now);
     if (reading.rate)
         smooth(reading, along(reading.flow, *reading.rate));
     else if (smoothed_ && (reading.uptime - smoothedAt_).count() > staleRateSeconds)
         smoothed_.reset();
+    const auto derived = derivedRate(reading);
     // A reported rate that has died down says nothing more than none would.
-    const auto rate = smoothed_ && *smoothed_ >= reading.slowest ? smoothed_ : derived;
+    auto rate = smoothed_ && *smoothed_ >= reading.slowest ? smoothed_ : derived;
+    // What has gone out also tells what happened between the readings, and is right where firmware rounds the rate or
+    // tells it late; it counts for the part of the window that it covers. Not so while charging, where the rate falls
+    // as the battery fills, so that the past says less about the rest.
+    if (rate && derived && reading.flow == Flow::discharging && startsAtChange_) {
+        const double covered = (reading.uptime - changes_.front().uptime).count() / windowSeconds;
+        *rate += (*derived - *rate) * std::min(covered, 1.0);
+    }
     return rate && *rate > 0 && *rate >= reading.slowest ? rate : std::nullopt;
 }
 
@@ -76,7 +112,8 @@ TimeEstimate::Minutes TimeEstimate::update(const Reading& reading) {
         start_ = reading.uptime;
         readings_ = 0;
         smoothed_.reset();
-        points_.clear();
+        changes_.clear();
+        startsAtChange_ = false;
     }
     last_ = reading;
     ++readings_;

@@ -9,7 +9,8 @@
 #include <string>
 
 /// Tells how long the battery lasts, or takes to fill, from successive readings. The momentary rate jumps with every
-/// page that is loaded; so the rate is smoothed, and nothing is said until it can be trusted.
+/// page that is loaded; so the rate is smoothed and checked against what has really gone out of the battery, and
+/// nothing is said until it can be trusted.
 class TimeEstimate {
 public:
     enum class Flow { none, charging, discharging };
@@ -40,7 +41,8 @@ public:
     bool isSettling() const { return settling_; }
 
 private:
-    struct Point {
+    /// The amount that is stored became this.
+    struct Change {
         Duration uptime;
         double now;
     };
@@ -51,10 +53,12 @@ private:
     bool settling_ = false;
     std::optional<double> smoothed_;
     Duration smoothedAt_{};
-    std::deque<Point> points_;
+    std::deque<Change> changes_;  ///< the first trusted amount, and each other one after it
+    bool startsAtChange_ = false; ///< that first amount has been dropped
 
     bool continues(const Reading& reading) const;
     void smooth(const Reading& reading, double rate);
-    std::optional<double> derivedRate(const Reading& reading);
+    void follow(Duration uptime, double now);
+    std::optional<double> derivedRate(const Reading& reading) const;
     std::optional<double> currentRate(const Reading& reading);
 };

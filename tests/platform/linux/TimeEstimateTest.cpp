@@ -102,11 +102,11 @@ TEST_F(TimeEstimateTest, TrustsAReadingFromTheTenthSecondOn) {
 
 TEST_F(TimeEstimateTest, TakesAStepInTheLoadOverWithinMinutes) {
     settleOnBattery();
-    // After two minutes, 63 % of the step from 10 W to 20 W: 16.32 W.
+    // After three minutes, 63 % of the step from 10 W to 20 W: 16.32 W.
     const double smoothed = 10'000 + 10'000 * (1 - std::exp(-1));
     const auto expected = static_cast<std::int64_t>(50'000 / smoothed * 60);
     EXPECT_EQ(expected, 183);
-    EXPECT_EQ(estimate.update(draining(135, 50'000, 20'000)), toEmpty(expected));
+    EXPECT_EQ(estimate.update(draining(195, 50'000, 20'000)), toEmpty(expected));
 }
 
 TEST_F(TimeEstimateTest, AMomentarySpikeHardlyMovesTheTime) {
@@ -125,7 +125,7 @@ TEST_F(TimeEstimateTest, TheStepDoesNotDependOnHowOftenOneReads) {
         Minutes minutes;
         for (int seconds = step; seconds <= 240; seconds += step)
             minutes = often.update(draining(15 + seconds, 50'000, 20'000));
-        EXPECT_EQ(minutes, toEmpty(160)) << step; // 50 Wh at 18.65 W
+        EXPECT_EQ(minutes, toEmpty(172)) << step; // 50 Wh at 17.36 W
     }
 }
 
@@ -239,27 +239,101 @@ TEST_F(TimeEstimateTest, DerivesTheRateWhereTheReportedOneIsAlwaysNothing) {
     EXPECT_EQ(estimate.update(draining(70, 49'900, 0)), toEmpty(499));
 }
 
-TEST_F(TimeEstimateTest, ADerivedRateFollowsTheLoadWithinTenMinutes) {
+TEST_F(TimeEstimateTest, ADerivedRateFollowsTheLoadWithinFifteenMinutes) {
     double now = 90'000;
     Minutes minutes;
     for (int seconds = 0; seconds <= 3600; seconds += 60) {
         minutes = estimate.update(draining(seconds, now, std::nullopt));
-        now -= seconds < 3000 ? 100 : 1'000; // 6 W for fifty minutes, then 60 W for ten
+        now -= seconds < 2700 ? 100 : 1'000; // 6 W for 45 minutes, then 60 W for fifteen
     }
-    EXPECT_EQ(minutes, toEmpty(75)); // 75 Wh at the last ten minutes' 60 W
+    EXPECT_EQ(minutes, toEmpty(70)); // 70.5 Wh at the last fifteen minutes' 60 W
 }
 
-TEST_F(TimeEstimateTest, PrefersTheReportedRateToTheDerivedOne) {
+TEST_F(TimeEstimateTest, ARateDerivedFromCoarseStepsHoldsUntilTheNextIsOverdue) {
+    // A step of 500 mWh each five minutes: 6 W.
+    for (int seconds = 10; seconds < 1510; seconds += 20)
+        estimate.update(draining(seconds, 50'000 - (seconds - 10) / 300 * 500, std::nullopt));
+    for (const int seconds : {1510, 1600, 1700, 1809})
+        EXPECT_EQ(estimate.update(draining(seconds, 47'500, std::nullopt)), toEmpty(475)) << seconds;
+    // The next step has not come. If it came now, there would be two in twenty minutes: 3 W.
+    EXPECT_EQ(estimate.update(draining(2'410, 47'500, std::nullopt)), toEmpty(950));
+}
+
+TEST_F(TimeEstimateTest, StepsWithinAMinuteAreNotTakenForARateOfTheirOwn) {
+    estimate.update(draining(0, 50'000, std::nullopt));
+    estimate.update(draining(10, 50'000, std::nullopt));
+    estimate.update(draining(69, 49'500, std::nullopt));
+    EXPECT_EQ(estimate.update(draining(370, 49'500, std::nullopt)), toEmpty(594)); // 0.5 Wh in six minutes, not in one
+}
+
+TEST_F(TimeEstimateTest, ANewBeginningAtTheFirstChangeLosesNoTime) {
+    estimate.update(draining(0, 50'000, std::nullopt));
+    estimate.update(draining(10, 50'000, std::nullopt));
+    EXPECT_EQ(estimate.update(draining(70, 49'900, std::nullopt)), toEmpty(499));
+    EXPECT_EQ(estimate.update(draining(75, 49'880, std::nullopt)), toEmpty(450)); // 120 mWh in 65 s, not yet from 70 on
+    EXPECT_EQ(estimate.update(draining(130, 49'780, std::nullopt)), toEmpty(414)); // 120 mWh in 60 s
+}
+
+/// Reads 10 W at seconds 0 and 10, and as first change 10 mWh less at second 20.
+struct TimeEstimateAfterAChangeTest : TimeEstimateTest {
+    TimeEstimateAfterAChangeTest() {
+        estimate.update(draining(0, 60'010, 10'000));
+        estimate.update(draining(10, 50'010, 10'000));
+        estimate.update(draining(20, 50'000, 10'000));
+    }
+};
+
+TEST_F(TimeEstimateAfterAChangeTest, WhatHasGoneOutWeighsInForThePartOfFifteenMinutesThatItCovers) {
+    EXPECT_EQ(estimate.update(draining(79, 49'600, 10'000)), toEmpty(297));  // less than a minute tells nothing
+    EXPECT_EQ(estimate.update(draining(110, 49'500, 10'000)), toEmpty(270)); // 20 W, for a tenth: 11 W
+    EXPECT_EQ(estimate.update(draining(470, 47'500, 10'000)), toEmpty(190)); // 20 W, for one half: 15 W
+}
+
+TEST_F(TimeEstimateAfterAChangeTest, OnlyWhatHasGoneOutCountsAfterFifteenMinutes) {
+    for (int minutes = 1; minutes < 15; ++minutes)
+        estimate.update(draining(20 + 60 * minutes, 50'000 - 200 * minutes, 10'000)); // 12 W
+    EXPECT_EQ(estimate.update(draining(920, 47'000, 10'000)), toEmpty(235));
+    EXPECT_EQ(estimate.update(draining(1'820, 43'000, 10'000)), toEmpty(161)); // the last fifteen minutes' 16 W
+    EXPECT_EQ(estimate.update(draining(3'620, 35'000, 10'000)), toEmpty(131)); // and the last half hour's, unread
+}
+
+TEST_F(TimeEstimateAfterAChangeTest, AnAmountThatMovesTheWrongWayLeavesTheReportedRateAlone) {
+    estimate.update(draining(60, 50'400, 10'000));
+    EXPECT_EQ(estimate.update(draining(120, 50'500, 10'000)), toEmpty(303));
+}
+
+TEST_F(TimeEstimateTest, AnAmountThatIsHeldAtFullForAWhileDoesNotLengthenTheTime) {
+    for (int seconds = 0; seconds <= 600; seconds += 60)
+        EXPECT_EQ(estimate.update(draining(seconds, 50'000, 10'000)), seconds == 0 ? unknown : toEmpty(300));
+    EXPECT_EQ(estimate.update(draining(660, 49'990, 10'000)), toEmpty(299)); // 10 mWh in ten minutes means nothing
+    // From second 660 on, 12 W.
+    estimate.update(draining(710, 49'990 - 166, 10'000));
+    EXPECT_EQ(estimate.update(draining(1'560, 46'990, 10'000)), toEmpty(234));
+}
+
+TEST_F(TimeEstimateTest, EachRunBeginsAtItsOwnFirstChange) {
     estimate.update(draining(0, 50'000, 10'000));
-    estimate.update(draining(10, 50'000, 10'000));
-    EXPECT_EQ(estimate.update(draining(100, 45'000, 10'000)), toEmpty(270));
+    for (int seconds = 20; seconds <= 200; seconds += 30)
+        estimate.update(draining(seconds, 50'000 - seconds, 10'000));
+    estimate.update(filling(201, 0, std::nullopt));
+    for (int seconds = 210; seconds <= 810; seconds += 60)
+        estimate.update(draining(seconds, 50'000, 10'000));
+    EXPECT_EQ(estimate.update(draining(870, 49'990, 10'000)), toEmpty(299));
+}
+
+TEST_F(TimeEstimateTest, WhileChargingTheReportedRateAloneCounts) {
+    estimate.update(filling(0, 20'000, 10'000));
+    estimate.update(filling(10, 20'000, 10'000));
+    estimate.update(filling(20, 19'000, 10'000));
+    estimate.update(filling(30, 18'000, 10'000));
+    EXPECT_EQ(estimate.update(filling(460, 10'000, 10'000)), toFull(60));
 }
 
 TEST_F(TimeEstimateTest, KeepsAReportedRateThroughAGapOfFiveMinutes) {
     settleOnBattery();
-    EXPECT_EQ(estimate.update(draining(315, 49'000, std::nullopt)), toEmpty(294));
-    // After that it is no rate any more, and the derived one takes over: 1 Wh in 301 s.
-    EXPECT_EQ(estimate.update(draining(316, 49'000, std::nullopt)), toEmpty(245));
+    EXPECT_EQ(estimate.update(draining(315, 49'005, std::nullopt)), toEmpty(294));
+    // After that it is no rate any more, and the derived one takes over: 995 mWh in 300 s.
+    EXPECT_EQ(estimate.update(draining(316, 49'005, std::nullopt)), toEmpty(246));
 }
 
 TEST_F(TimeEstimateTest, ARateThatFallsToNothingIsAtLastUnknown) {
