@@ -5,8 +5,6 @@
 #include <cmath>
 #include <deque>
 #include <functional>
-#include <memory>
-#include <numbers>
 #include <random>
 #include <utility>
 
@@ -24,7 +22,6 @@ public:
     double uniform(double low, double high) { return std::uniform_real_distribution(low, high)(engine_); }
     double exponential(double mean) { return std::exponential_distribution(1 / mean)(engine_); }
     double normal(double deviation) { return std::normal_distribution(0.0, deviation)(engine_); }
-    bool chance(double probability) { return uniform(0, 1) < probability; }
 
 private:
     std::mt19937_64 engine_;
@@ -87,8 +84,9 @@ struct Setup {
     bool tapers = false;    ///< takes less and less above 80 %
     double amountStep = 10; ///< the amount is told in such steps
     double mostTold = full; ///< above this the amount is told as this
-    double rateStep = 1;    ///< and so is the rate
-    double rateDelay = 0;
+    double corrects = 0;    ///< at half of the battery the gauge finds that so much less is there
+    double rateStep = 1;    ///< the rate is told in such steps
+    double rateDelay = 0;   ///< seconds until it is told
     bool reportsRate = true;
     double sleepsEvery = 0; ///< seconds awake between two sleeps of an hour; 0: never
 };
@@ -117,6 +115,7 @@ SimulatedLoad simulate(std::string name, const Setup& setup, const Draw& draw, R
     double untilSleep = setup.sleepsEvery;
     double sinceEvent = 0;
     double eventPercent = std::floor(stored / full * 100);
+    double correction = setup.corrects;
     double nextMinute = 60 * random.uniform(0, 1);
     double rate = flow(setup, stored, draw());
     const auto isOver = [&] { return setup.charging ? stored >= setup.end : stored <= setup.end; };
@@ -150,6 +149,8 @@ SimulatedLoad simulate(std::string name, const Setup& setup, const Draw& draw, R
 
         const double moved = flow(setup, stored, draw());
         stored += (setup.charging ? moved : -moved) / 3600;
+        if (stored < full / 2)
+            stored -= std::exchange(correction, 0);
         gaugeSum += moved;
         if (std::fmod(awake + 1, gaugeSeconds) == 0) {
             rates.push_back(gaugeSum / gaugeSeconds);
@@ -199,6 +200,7 @@ std::vector<SimulatedLoad> simulateLoads(std::uint64_t seed) {
     add("1 %, 8W", {.amountStep = percent}, noisy(random, 8'000, 0.03));
     add("1 %, 24W", {.amountStep = percent}, noisy(random, 24'000, 0.03));
     add("held", {.mostTold = 0.96 * full}, noisy(random, 8'000, 0.03)); // "full" for a quarter of an hour
+    add("mended", {.corrects = 3 * percent}, noisy(random, 8'000, 0.03));
     // No rate is told; the last two also tell the amount in coarse steps only.
     add("no rate", {.reportsRate = false}, work);
     add("no, 1 %", {.amountStep = percent, .reportsRate = false}, work);

@@ -32,15 +32,11 @@ namespace {
 
 constexpr const char* noDisplay = "there is no display that it could show the battery on";
 
-/// The program writes no log. What the toolkit has to say while it starts and fails is one thing only.
-void handleToolkitMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
+/// The program writes no log, so what the toolkit has to say is dropped. While it starts it can fail in one way only;
+/// stop here in the debugger to see how.
+void handleToolkitMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*message*/) {
     if (type == QtFatalMsg && QCoreApplication::startingUp())
         cannotStart(noDisplay);
-#ifdef NDEBUG
-    (void)message;
-#else
-    std::fprintf(stderr, "%s\n", qPrintable(message));
-#endif
 }
 
 /// The delegate while the main loop runs. The toolkit calls exit() from inside the loop when the X server goes away,

@@ -54,11 +54,11 @@ private:
     std::optional<double> smoothed_;
     Duration smoothedAt_{};
     std::deque<Change> changes_;  ///< the first trusted amount, and each other one after it
-    bool startsAtChange_ = false; ///< that first amount has been dropped
+    bool startsAtChange_ = false; ///< the first trusted amount is not among them any more
 
     bool continues(const Reading& reading) const;
     void smooth(const Reading& reading, double rate);
-    void follow(Duration uptime, double now);
+    void follow(const Reading& reading);
     std::optional<double> derivedRate(const Reading& reading) const;
     std::optional<double> currentRate(const Reading& reading);
 };

@@ -3,12 +3,16 @@
 
 #include "platform/linux/PosixFiles.h"
 #include "platform/linux/QtMainLoop.h"
+#include "support/OrdinaryUser.h"
 #include "support/TemporaryFolder.h"
 #include "support/UserDefaultsContract.h"
 #include "support/WaitUntil.h"
 
 #include <QJsonDocument>
 #include <gtest/gtest.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <memory>
 
@@ -209,6 +213,52 @@ TEST_F(JsonUserDefaultsTest, SetsAFolderInTheFilesPlaceAside) {
     defaults->setObject("limit", 85);
     EXPECT_EQ(store()->integerForKey("limit"), 85);
     EXPECT_TRUE(fs::is_directory(file.string() + ".damaged/inside"));
+}
+
+TEST_F(JsonUserDefaultsTest, RunsOnFallbacksBesideAFileThatItMayNotReadAndSetsItAside) {
+    write(file, R"({"limit": 70})");
+    fs::permissions(file, fs::perms::none);
+    const OrdinaryUser user(home.path);
+    const auto defaults = store();
+    EXPECT_EQ(defaults->integerForKey("limit"), 0);
+    defaults->setObject("limit", 85);
+    EXPECT_EQ(store()->integerForKey("limit"), 85);
+    fs::permissions(file.string() + ".damaged", fs::perms::owner_read);
+    EXPECT_EQ(contentOf(file.string() + ".damaged"), R"({"limit": 70})");
+}
+
+TEST_F(JsonUserDefaultsTest, KeepsAValueForTheRunWhereTheFolderMayNotBeWritten) {
+    write(file, R"({"limit": 70})");
+    const OrdinaryUser user(home.path);
+    fs::permissions(file.parent_path(), fs::perms::owner_read | fs::perms::owner_exec);
+    const auto defaults = store();
+    defaults->setObject("limit", 85);
+    EXPECT_EQ(defaults->integerForKey("limit"), 85);
+    EXPECT_EQ(store()->integerForKey("limit"), 70);
+    // Once it may be written again, what was held back goes out with the next value.
+    fs::permissions(file.parent_path(), fs::perms::owner_all);
+    defaults->setObject("low", 15);
+    EXPECT_EQ(store()->integerForKey("limit"), 85);
+}
+
+TEST_F(JsonUserDefaultsTest, LosesNoKeyWhenTwoProcessesWriteAtTheSameTime) {
+    constexpr int keys = 60;
+    const auto writeKeys = [&](const std::string& prefix) {
+        const auto defaults = store();
+        for (int key = 0; key < keys; ++key)
+            defaults->setObject(prefix + std::to_string(key), key);
+    };
+    const pid_t other = ::fork();
+    ASSERT_GE(other, 0);
+    if (other == 0) {
+        writeKeys("theirs");
+        ::_exit(0);
+    }
+    writeKeys("ours");
+    int status = -1;
+    ASSERT_EQ(::waitpid(other, &status, 0), other);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(stored().size(), 2 * keys);
 }
 
 TEST_F(JsonUserDefaultsTest, MakesItsFolderAnewAndFollowsItAgain) {

@@ -311,6 +311,27 @@ TEST_F(TimeEstimateTest, AnAmountThatIsHeldAtFullForAWhileDoesNotLengthenTheTime
     EXPECT_EQ(estimate.update(draining(1'560, 46'990, 10'000)), toEmpty(234));
 }
 
+TEST_F(TimeEstimateAfterAChangeTest, ACorrectionOfTheGaugeIsNotTakenForALoad) {
+    for (int seconds = 30; seconds <= 560; seconds += 10)
+        estimate.update(draining(seconds, 50'000 - (seconds - 20) / 10 * 28, 10'000)); // near 10 W
+    estimate.update(draining(620, 46'800, 10'000));                                    // 1688 mWh in a minute: 101 W
+    EXPECT_EQ(estimate.update(draining(679, 46'600, 10'000)), toEmpty(279));           // nothing is known for a minute
+    EXPECT_EQ(estimate.update(draining(710, 46'300, 10'000)), toEmpty(252));           // 20 W since, for a tenth
+}
+
+TEST_F(TimeEstimateAfterAChangeTest, ABurstOfTenTimesTheReportedRateIsALoad) {
+    for (int seconds = 30; seconds <= 560; seconds += 10)
+        estimate.update(draining(seconds, 50'000 - (seconds - 20) / 10 * 28, 10'000));
+    EXPECT_LT(estimate.update(draining(620, 46'830, 10'000)).toEmpty, 200); // 1658 mWh in a minute: 99.5 W
+}
+
+TEST_F(TimeEstimateTest, ADeadReportedRateMakesNoLoadImpossible) {
+    settleOnBattery();
+    for (int seconds = 75; seconds <= 1'875; seconds += 60)
+        estimate.update(draining(seconds, 50'000 - (seconds - 15) * 5 / 3, 0)); // 6 W
+    EXPECT_EQ(estimate.update(draining(1'935, 46'800, 0)), toEmpty(468));
+}
+
 TEST_F(TimeEstimateTest, EachRunBeginsAtItsOwnFirstChange) {
     estimate.update(draining(0, 50'000, 10'000));
     for (int seconds = 20; seconds <= 200; seconds += 30)
