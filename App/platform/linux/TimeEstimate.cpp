@@ -17,7 +17,7 @@ constexpr double staleRateSeconds = 300; ///< a rate that was not reported for s
 constexpr double smoothingSeconds = 180;
 
 /// What has gone out of the battery is looked at over this time. Measured: 600, 900 and 1200 s bring the sum of all
-/// errors to 0.48, 0.47 and 0.46 of that of now / rate; but where the load rises for good, they err 1.05, 1.07 and 1.10
+/// errors to 0.49, 0.47 and 0.46 of that of now / rate; but where the load rises for good, they err 1.05, 1.07 and 1.10
 /// times as much.
 constexpr double windowSeconds = 900;
 

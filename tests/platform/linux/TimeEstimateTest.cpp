@@ -319,6 +319,13 @@ TEST_F(TimeEstimateAfterAChangeTest, ACorrectionOfTheGaugeIsNotTakenForALoad) {
     EXPECT_EQ(estimate.update(draining(710, 46'300, 10'000)), toEmpty(252));           // 20 W since, for a tenth
 }
 
+TEST_F(TimeEstimateTest, ACorrectionOfTheGaugeIsAsGoodABeginningAsAnyChange) {
+    estimate.update(draining(0, 51'000, 10'000));
+    estimate.update(draining(10, 51'000, 10'000));
+    estimate.update(draining(20, 50'000, 10'000));
+    EXPECT_EQ(estimate.update(draining(110, 49'500, 10'000)), toEmpty(270)); // 20 W, for a tenth
+}
+
 TEST_F(TimeEstimateAfterAChangeTest, ABurstOfTenTimesTheReportedRateIsALoad) {
     for (int seconds = 30; seconds <= 560; seconds += 10)
         estimate.update(draining(seconds, 50'000 - (seconds - 20) / 10 * 28, 10'000));
