@@ -51,8 +51,10 @@ public:
     explicit FolderLock(const fs::path& folder)
         : descriptor_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
         using namespace std::chrono_literals;
-        for (int tries = 0; descriptor_ && tries < 40 && ::flock(descriptor_.get(), LOCK_EX | LOCK_NB) != 0; ++tries)
-            std::this_thread::sleep_for(5ms);
+        constexpr int mostTries = 5000; // a busy disk can hold up another writer of ours for a second
+        for (int tries = 0; descriptor_ && tries < mostTries && ::flock(descriptor_.get(), LOCK_EX | LOCK_NB) != 0;
+             ++tries)
+            std::this_thread::sleep_for(1ms);
     }
 
 private:

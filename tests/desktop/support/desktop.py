@@ -2,6 +2,7 @@
 """A desktop of its own: X server, window manager, panel with a tray, session and system bus, home. Nothing of the
 session that it is started from is visible inside, and nothing that happens inside is visible there."""
 
+import contextlib
 import os
 import secrets
 import select
@@ -25,6 +26,9 @@ TRAY = Box(PANEL.width - 160, 0, 159, PANEL.height - 1)
 BELOW_PANEL = Box(0, PANEL.height, SCREEN.width, SCREEN.height - PANEL.height)
 START_SECONDS = 20
 
+# "nobody": is everywhere, owns nothing, and needs no entry in the list of users.
+ORDINARY_USER = 65534
+
 BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig>
@@ -32,6 +36,7 @@ BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus
   <listen>unix:path={socket}</listen>
   <auth>EXTERNAL</auth>
   <policy context="default">
+    <allow user="*"/>
     <allow send_destination="*" eavesdrop="true"/>
     <allow eavesdrop="true"/>
     <allow own="*"/>
@@ -77,7 +82,17 @@ PANEL_CONFIGURATION = """<?xml version="1.0" encoding="UTF-8"?>
 class PrivateDesktop:
     """Everything is there and ready when the constructor returns; `stop` ends it all and leaves nothing behind."""
 
-    def __init__(self, panel=True, dark=False, system_bus=True, notifications=False):
+    def __init__(
+        self,
+        panel=True,
+        dark=False,
+        system_bus=True,
+        notifications=False,
+        window_manager=True,
+        ordinary_user=False,
+    ):
+        """`ordinary_user`: where we are root, what is started here is not, because some compositors refuse that."""
+        self._user = ORDINARY_USER if ordinary_user and os.geteuid() == 0 else None
         self.folder = Path(tempfile.mkdtemp(prefix="velmora-desktop-"))
         self.logs = self._make_folder("logs")
         self.home = self._make_folder("home")
@@ -113,9 +128,10 @@ class PrivateDesktop:
                 self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = f"unix:path={self.runtime}/nobody-listens-here"
             self._write_panel_configuration(dark)
             self._start_settings()
-            self.start("xfwm4", ["xfwm4", "--compositor=off"])
-            managed = lambda: self._tool("get_num_desktops").returncode == 0
-            wait_until(managed, START_SECONDS, "the window manager is ready")
+            if window_manager:
+                self.start("xfwm4", ["xfwm4", "--compositor=off"])
+                managed = lambda: self._tool("get_num_desktops").returncode == 0
+                wait_until(managed, START_SECONDS, "the window manager is ready")
             self.move_pointer(*SCREEN.centre)
             if notifications:
                 self.start("dunst", ["dunst"])
@@ -137,8 +153,22 @@ class PrivateDesktop:
 
     def start(self, name, command, environment=None, pass_fds=()):
         """Starts a program on this desktop; it ends with it at the latest."""
+        self.hand_over(self.folder)
+        return self._start(name, command, environment, pass_fds, self._user)
+
+    def hand_over(self, folder):
+        """What we have made in this folder belongs to the user of this desktop from now on."""
+        if self._user is None:
+            return
+        for file in [folder, *folder.rglob("*")]:
+            with contextlib.suppress(FileNotFoundError):  # others make files here as well, and remove them
+                if file.lstat().st_uid == 0:
+                    os.lchown(file, self._user, self._user)
+
+    def _start(self, name, command, environment, pass_fds, user):
         number = len(self._processes)
-        process = Process(f"{number:02}-{name}", command, environment or self.environment, self.logs, pass_fds)
+        environment = environment or self.environment
+        process = Process(f"{number:02}-{name}", command, environment, self.logs, pass_fds, user)
         self._processes.append(process)
         return process
 
@@ -218,6 +248,7 @@ class PrivateDesktop:
         screen = f"{SCREEN.width}x{SCREEN.height}x24"
         command = ["Xvfb", "-screen", "0", screen, "-fbdir", self.runtime, "-auth", authority]
         command += ["-nocursor", "-noreset", "-nolisten", "tcp", "-displayfd"]
+        # Not as the ordinary user, who may not make the folder of the X servers' sockets where it is missing.
         self.x_server, number = self._start_and_hear("Xvfb", command)
         self.environment |= {"DISPLAY": f":{number}", "XAUTHORITY": str(authority)}
 
@@ -230,10 +261,11 @@ class PrivateDesktop:
         return bus
 
     def _start_and_hear(self, name, command):
-        """Starts a server that says by a line on a file descriptor, its last argument, that it is ready; gives both."""
+        """Starts a server that says by a line on a file descriptor, its last argument, that it is ready; gives both. It
+        runs as we do."""
         reading, writing = os.pipe()
         with os.fdopen(reading) as answer:
-            process = self.start(name, [*command, writing], pass_fds=[writing])
+            process = self._start(name, [*command, writing], None, [writing], None)
             os.close(writing)
             ready, _, _ = select.select([answer], [], [], START_SECONDS)
             line = answer.readline().strip() if ready else ""

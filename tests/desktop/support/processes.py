@@ -12,14 +12,18 @@ STOP_SECONDS = 5
 class Process:
     """One program, with what it wrote kept in files."""
 
-    def __init__(self, name, command, environment, log_folder, pass_fds=()):
-        """Starts `command` with exactly this environment; its output goes to NAME.out and NAME.err in `log_folder`."""
+    def __init__(self, name, command, environment, log_folder, pass_fds=(), user=None):
+        """Starts `command` with exactly this environment, as the user with this number if one is given; its output goes
+        to NAME.out and NAME.err in `log_folder`."""
         self.name = name
         self.output_file = log_folder / f"{name}.out"
         self.error_file = log_folder / f"{name}.err"
         # The signals that end a program may be ignored by whoever started us, and that is inherited. And when we are
         # killed, the kernel ends what we started.
         wrapper = ["env", "--default-signal=HUP,INT,TERM", "setpriv", "--pdeathsig", "KILL", "--"]
+        if user is not None:
+            # Before the rest: the kernel forgets what to do at our end when the user changes.
+            wrapper = ["setpriv", f"--reuid={user}", f"--regid={user}", "--clear-groups", "--", *wrapper]
         with open(self.output_file, "wb") as output, open(self.error_file, "wb") as error:
             self._process = subprocess.Popen(
                 [*wrapper, *map(str, command)],

@@ -1,0 +1,98 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""A private desktop with a wlroots compositor, shown in the private X server: sway with its own bar or with another."""
+
+import json
+import shutil
+
+from .desktop import SCREEN, START_SECONDS, PrivateDesktop
+from .program import bundle
+from .screen import Box
+from .waiting import wait_until
+
+BAR_HEIGHT = 28
+# The end of the bar where items come; the rest of it is the workspaces' and the window title's.
+TRAY = Box(SCREEN.width - 160, 0, 160, BAR_HEIGHT)
+
+CONFIGURATION = """xwayland disable
+output X11-1 resolution {width}x{height} position 0 0 scale {scale}
+output * background #4a6a8a solid_color
+seat * hide_cursor 100
+swaybg_command -
+{bar}
+"""
+
+SWAYBAR = """bar {{
+    position top
+    {height}
+    tray_output *
+    colors {{
+        background {background}
+        statusline {text}
+    }}
+}}
+"""
+
+WAYBAR_STYLE = """* {{ border: none; min-height: 0; }}
+window#waybar {{ background: {background}; color: {text}; }}
+"""
+
+
+class WlrootsDesktop(PrivateDesktop):
+    """As a private desktop; the panel is a bar of sway. Nothing in it runs as root, which sway refuses to do."""
+
+    def __init__(self, bar="swaybar", dark=True, scale=1, height=BAR_HEIGHT):
+        """`bar` is "swaybar" or "waybar"; `height` None leaves it to the bar."""
+        super().__init__(panel=False, window_manager=False, ordinary_user=True)
+        self.environment["XDG_CURRENT_DESKTOP"] = "sway"
+        self.environment["XDG_SESSION_TYPE"] = "wayland"
+        self._colours = {"background": "#222222", "text": "#eeeeee"} if dark else {"background": "#f0f0f0", "text": "#202020"}
+        try:
+            self._start_sway(scale, self._swaybar(height) if bar == "swaybar" else "")
+            if bar == "waybar":
+                self._write_waybar_configuration(height)
+                self._panel = self.start("waybar", ["waybar"])
+            wait_until(self._tray_is_ready, START_SECONDS, lambda: f"the bar's tray is ready; {self._panel.errors}")
+            self.environment["QT_QPA_PLATFORM"] = "wayland"
+        except BaseException:
+            self.stop()
+            raise
+
+    def own_bundle(self):
+        """A copy of the bundle that this desktop's user can read wherever the bundle itself is."""
+        copy = self.folder / "Velmora.app"
+        if not copy.exists():
+            shutil.copytree(bundle(), copy, symlinks=True)
+        return copy
+
+    def find_item(self):
+        """The box of what is drawn in the tray; None while it is empty."""
+        tray = self.picture().crop(TRAY)
+        drawn = tray.changed_box(tray.blank())
+        return drawn and drawn._replace(x=drawn.x + TRAY.x, y=drawn.y + TRAY.y)
+
+    def _start_sway(self, scale, bar):
+        file = self.config / "sway.conf"
+        size = {"width": SCREEN.width, "height": SCREEN.height, "scale": scale}
+        file.write_text(CONFIGURATION.format(**size, bar=bar), encoding="utf-8")
+        changes = {"WLR_BACKENDS": "x11", "WLR_RENDERER": "pixman", "WLR_X11_OUTPUTS": "1"}
+        self._panel = self.start("sway", ["sway", "--config", file], self.environment | changes)
+        wait_until(self._find_sway, START_SECONDS, lambda: f"sway is ready; {self._panel.errors}")
+
+    def _find_sway(self):
+        """Whether the compositor listens; programs started from now on find it."""
+        sockets = [file.name for file in self.runtime.glob("wayland-*") if file.suffix != ".lock"]
+        commands = list(self.runtime.glob("sway-ipc.*.sock"))
+        if not sockets or not commands:
+            return False
+        self.environment |= {"WAYLAND_DISPLAY": sockets[0], "SWAYSOCK": str(commands[0])}
+        return True
+
+    def _swaybar(self, height):
+        return SWAYBAR.format(**self._colours, height=f"height {height}" if height else "")
+
+    def _write_waybar_configuration(self, height):
+        folder = self.config / "waybar"
+        folder.mkdir()
+        settings = {"layer": "top", "position": "top", "modules-right": ["tray"]} | ({"height": height} if height else {})
+        (folder / "config").write_text(json.dumps(settings), encoding="utf-8")
+        (folder / "style.css").write_text(WAYBAR_STYLE.format(**self._colours), encoding="utf-8")

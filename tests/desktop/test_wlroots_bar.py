@@ -1,0 +1,63 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""The item in the bar of a wlroots compositor, which shows no label, colours nothing and drops what is not square."""
+
+import unittest
+
+from support.case import START_SECONDS, DesktopCase
+from support.wlroots import BAR_HEIGHT, WlrootsDesktop
+
+CHANGE_SECONDS = 5
+LEAST_CONTRAST = 3
+
+
+def luminance(colour):
+    """How bright a colour is to the eye, 0 to 1."""
+    linear = [c / 12.92 if c <= 0.04045 else ((c + 0.055) / 1.055) ** 2.4 for c in (value / 255 for value in colour)]
+    return 0.2126 * linear[0] + 0.7152 * linear[1] + 0.0722 * linear[2]
+
+
+def contrast(one, other):
+    dark, light = sorted((luminance(one), luminance(other)))
+    return (light + 0.05) / (dark + 0.05)
+
+
+class ItemInAWlrootsBar(DesktopCase):
+    def bar(self, **options):
+        desktop = WlrootsDesktop(**options)
+        self.addCleanup(desktop.stop)
+        laptop = self.laptop()
+        desktop.hand_over(laptop.root)
+        program = self.start_and_wait(desktop, laptop, app=desktop.own_bundle())
+        box = self.soon(desktop.find_item, START_SECONDS, "the item is drawn")
+        return desktop, laptop, program, box
+
+    def test_is_a_square_picture_that_changes_with_the_number(self):
+        desktop, laptop, program, box = self.bar()
+        self.assertEqual(program.item.icon, "")
+        sizes = [(width, height) for width, height, _ in program.item.get("IconPixmap")]
+        self.assertEqual(sizes, [(size, size) for size in (22, 24, 32, 44, 48, 64)])
+        self.assertTrue(16 <= box.width <= BAR_HEIGHT and 16 <= box.height <= BAR_HEIGHT, box)
+        # Another number with the same rest: only a picture that carries the number can differ.
+        before = desktop.picture().crop(box)
+        laptop.set_level(61)
+        laptop.event("BAT0")
+        self.soon(lambda: desktop.picture().crop(box).changed_box(before), CHANGE_SECONDS, "the bar draws the new number")
+        self.assertEqual(program.item.label, " 61%")
+
+    def test_is_readable_on_a_dark_bar(self):
+        self.check_contrast(dark=True)
+
+    def test_is_readable_on_a_light_bar(self):
+        self.check_contrast(dark=False)
+
+    def check_contrast(self, dark):
+        desktop, _, _, box = self.bar(dark=dark)
+        colours = desktop.picture().crop(box._replace(x=box.x - 4, width=box.width + 4)).colours()
+        background = max(colours, key=colours.get)
+        # The glyph's own colour, not that of a few pixels at its edges.
+        glyph = max((colour for colour in colours if colour != background), key=colours.get)
+        self.assertGreaterEqual(contrast(glyph, background), LEAST_CONTRAST, (glyph, background))
+
+
+if __name__ == "__main__":
+    unittest.main()
