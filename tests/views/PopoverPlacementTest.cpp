@@ -62,4 +62,21 @@ TEST(PopoverPlacement, APanelsPointIsTurnedIntoTheToolkitsPixels) {
     EXPECT_EQ(toLogical({1000, 20}, {}), (ScreenPoint{1000, 20}));
 }
 
+TEST(PopoverPlacement, TheToolkitsPointIsTurnedIntoDevicePixels) {
+    const std::vector<ScreenArea> screens{{.whole = {.x = 0, .y = 0, .width = 960, .height = 540}, .scale = 2},
+                                          {.whole = {.x = 1920, .y = 100, .width = 1200, .height = 800}, .scale = 1.5}};
+    EXPECT_EQ(toDevice({500, 10}, screens), (ScreenPoint{1000, 20}));
+    EXPECT_EQ(toDevice({2120, 200}, screens), (ScreenPoint{2220, 250}));
+    EXPECT_EQ(toDevice({1000, 10}, screens), (ScreenPoint{1000, 10}));
+    EXPECT_EQ(toDevice({500, 10}, {}), (ScreenPoint{500, 10}));
+}
+
+TEST(PopoverPlacement, APointInTheCornerIsDistrustedUnderWaylandOnly) {
+    EXPECT_TRUE(isCredible({0, 0}, false));
+    EXPECT_FALSE(isCredible({0, 0}, true));
+    EXPECT_FALSE(isCredible({47, 47}, true));
+    EXPECT_TRUE(isCredible({48, 0}, true));
+    EXPECT_TRUE(isCredible({0, 48}, true));
+}
+
 } // namespace

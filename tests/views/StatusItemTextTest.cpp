@@ -133,4 +133,22 @@ TEST(StatusItemText, HealthIsRoundedLikePrintedNumbersAndGradedUnrounded) {
     }
 }
 
+TEST(StatusItemText, TheNumberInTheIconKeepsWhatTheGlyphMeans) {
+    BatteryState state = onBattery(64, {});
+    EXPECT_EQ(numberSymbol(state, showing(true, false)), "percent.64.level");
+    EXPECT_EQ(numberSymbol(onBattery(5, {}), showing(true, true)), "percent.5.level");
+    EXPECT_EQ(numberSymbol(onBattery(100, {}), showing(true, true)), "percent.100.level");
+    state.pluggedIn = true;
+    EXPECT_EQ(numberSymbol(state, showing(true, false)), "percent.64.plug");
+    state.isCharging = true;
+    EXPECT_EQ(numberSymbol(state, showing(true, false)), "percent.64.bolt");
+    state.isCharged = true;
+    EXPECT_EQ(numberSymbol(state, showing(true, false)), "percent.64.full");
+}
+
+TEST(StatusItemText, NoNumberWithoutABatteryOrAgainstThePreferences) {
+    EXPECT_EQ(numberSymbol(BatteryState{}, showing(true, true)), "");
+    EXPECT_EQ(numberSymbol(onBattery(64, 105), showing(false, true)), "");
+}
+
 } // namespace
