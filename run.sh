@@ -23,7 +23,14 @@ if [ "$mode" = session ]; then
 fi
 
 packages=("${BUILD_PACKAGES[@]}")
-[ "$mode" = session ] || packages+=("${DESKTOP_PACKAGES[@]}")
+window=()
+if [ "$mode" = demo ]; then
+    packages+=("${DESKTOP_PACKAGES[@]}")
+    if [ -n "${DISPLAY:-}" ]; then
+        packages+=("${WINDOW_PACKAGES[@]}")
+        window=(--window)
+    fi
+fi
 [ -z "${WAYLAND_DISPLAY:-}" ] || packages+=(qt6-wayland)
 ensure_packages "${packages[@]}"
 
@@ -37,4 +44,4 @@ cmake --build --preset default --target velmora
 if [ "$mode" = session ]; then
     exec build/Velmora.app/AppRun
 fi
-exec env PYTHONDONTWRITEBYTECODE=1 /usr/bin/python3 tests/desktop/demo.py build/Velmora.app build/demo
+exec env PYTHONDONTWRITEBYTECODE=1 /usr/bin/python3 tests/desktop/demo.py build/Velmora.app build/demo "${window[@]}"

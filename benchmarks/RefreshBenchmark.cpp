@@ -4,7 +4,6 @@
 #include "platform/StatusBar.h"
 #include "platform/Workspace.h"
 #include "platform/linux/FileDescriptor.h"
-#include "platform/linux/InertProcessInfo.h"
 #include "platform/linux/JsonUserDefaults.h"
 #include "platform/linux/PosixFiles.h"
 #include "platform/linux/QtMainLoop.h"
@@ -13,6 +12,7 @@
 #include "platform/linux/SystemCalendar.h"
 #include "platform/linux/SystemClock.h"
 #include "shell/AppModel.h"
+#include "support/FakeProcessInfo.h"
 #include "support/Fixture.h"
 #include "support/TemporaryFolder.h"
 
@@ -80,7 +80,7 @@ void wholeRefresh(benchmark::State& state) {
     PosixFiles files(home.path);
     JsonUserDefaults defaults(home.path / "defaults.json", files, loop);
     SysfsPowerSources sources(laptop.sysfs.path, clock, loop);
-    InertProcessInfo processInfo;
+    FakeProcessInfo processInfo;
     QuietWorkspace workspace;
     NoPanel panel;
     AppModel model({sources, processInfo, workspace, loop, clock, calendar, defaults, files, panel});

@@ -19,6 +19,7 @@ add_executable(velmora_adapter_tests
     platform/linux/StatusNotifierItemTest.cpp
     platform/linux/SysfsPowerSourcesTest.cpp
     platform/linux/SystemCalendarTest.cpp
+    shell/AppDelegateTest.cpp
     support/PrivateBus.cpp
     support/Umockdev.cpp
 )

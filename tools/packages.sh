@@ -10,8 +10,13 @@ BUILD_PACKAGES=(cmake g++ libudev-dev ninja-build pkg-config qt6-base-dev qt6-sv
 DESKTOP_PACKAGES=(adwaita-icon-theme dbus-daemon dunst fonts-dejavu-core hicolor-icon-theme librsvg2-common python3-gi
                   umockdev xdotool xfce4-panel xfconf xfwm4 xvfb)
 
+# The same desktop in a window on the desktop that is there: a nested X server, and what takes pictures of it.
+WINDOW_PACKAGES=(x11-apps xserver-xephyr)
+
 # What the tests and the checks need beyond that.
-TEST_PACKAGES=(clang-format desktop-file-utils libbenchmark-dev libgmock-dev libgtest-dev libumockdev-dev python3-dbusmock)
+# sway comes with a bar of its own; the toolkit shows windows in it by its Wayland plugin.
+TEST_PACKAGES=(clang-format desktop-file-utils libbenchmark-dev libgmock-dev libgtest-dev libumockdev-dev
+               python3-dbusmock qt6-wayland sway)
 
 # ensure_packages NAME...: installs those that are missing and says which; does nothing at all when none is.
 ensure_packages() {

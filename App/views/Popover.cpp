@@ -2,7 +2,6 @@
 #include "views/Popover.h"
 
 #include "views/PopoverPlacement.h"
-#include "views/Screens.h"
 
 #include <QEvent>
 #include <QGuiApplication>
@@ -51,7 +50,7 @@ void Popover::setText(const QString& text) {
 
 void Popover::showAt(std::optional<ScreenPoint> point) {
     if (point && isCredible(*point, isWaylandSession()))
-        point_ = toLogical(*point, allScreens());
+        point_ = point;
     place();
     show();
     raise();

@@ -34,7 +34,7 @@ protected:
 
 private:
     QLabel* text_;
-    std::optional<ScreenPoint> point_; ///< in the toolkit's coordinates
+    std::optional<ScreenPoint> point_;
     QElapsedTimer sinceClosed_;
 
     void place();

@@ -12,26 +12,6 @@ int inside(int start, int length, int from, int room) {
 
 } // namespace
 
-ScreenPoint toLogical(ScreenPoint point, const std::vector<ScreenArea>& screens) {
-    for (const auto& [whole, scale] : screens) {
-        const int x = static_cast<int>((point.x - whole.x) / scale);
-        const int y = static_cast<int>((point.y - whole.y) / scale);
-        if (point.x >= whole.x && point.y >= whole.y && x < whole.width && y < whole.height)
-            return {whole.x + x, whole.y + y};
-    }
-    return point;
-}
-
-ScreenPoint toDevice(ScreenPoint point, const std::vector<ScreenArea>& screens) {
-    for (const auto& [whole, scale] : screens) {
-        const int x = point.x - whole.x;
-        const int y = point.y - whole.y;
-        if (x >= 0 && y >= 0 && x < whole.width && y < whole.height)
-            return {whole.x + static_cast<int>(x * scale), whole.y + static_cast<int>(y * scale)};
-    }
-    return point;
-}
-
 ScreenPoint placePopover(std::optional<ScreenPoint> point, const ScreenRect& available, int width, int height) {
     const int right = available.x + available.width;
     const ScreenPoint anchor = point.value_or(ScreenPoint{right, available.y});

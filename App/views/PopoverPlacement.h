@@ -4,7 +4,6 @@
 #include "platform/StatusBar.h"
 
 #include <optional>
-#include <vector>
 
 /// A rectangle on the screen.
 struct ScreenRect {
@@ -13,18 +12,6 @@ struct ScreenRect {
     int width = 0;
     int height = 0;
 };
-
-/// A screen as the toolkit counts: its corner in device pixels, its size in pixels of `scale` device pixels each.
-struct ScreenArea {
-    ScreenRect whole;
-    double scale = 1;
-};
-
-/// A point in device pixels, as panels give it, in the toolkit's coordinates; unchanged when it lies on no screen.
-ScreenPoint toLogical(ScreenPoint point, const std::vector<ScreenArea>& screens);
-
-/// The reverse of `toLogical`.
-ScreenPoint toDevice(ScreenPoint point, const std::vector<ScreenArea>& screens);
 
 /// Where the top left corner of a popover of that size goes: beside the point that was clicked, on the side away from
 /// the panel, wholly inside `available` (the screen without its panels). Without a point, the top right corner.

@@ -1,10 +1,11 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Shows the program on a private desktop while a simulated laptop goes through a day: demo.py BUNDLE PICTURE_FOLDER
+"""Shows the program on a private desktop while a simulated laptop goes through a day: demo.py BUNDLE PICTURE_FOLDER [--window]
 
-Each step prints what changed below /sys and what the panel then shows, and leaves pictures. The exit code is 0 when
+With --window it is seen in a window on the desktop that is there. Each step prints what changed below /sys and what the panel then shows, and leaves pictures. The exit code is 0 when
 every step showed what it must."""
 
 import json
+import os
 import shutil
 import signal
 import sys
@@ -29,12 +30,12 @@ CONTRAST = 400
 
 
 class Demo:
-    def __init__(self, bundle, folder):
+    def __init__(self, bundle, folder, window_on):
         self.folder = folder
         self.steps = 0
         self.laptop = SimulatedLaptop()
         try:
-            self.desktop = PrivateDesktop(notifications=True)
+            self.desktop = PrivateDesktop(notifications=True, window_on=window_on)
         except BaseException:
             self.laptop.close()
             raise
@@ -226,13 +227,13 @@ class Demo:
         self.tray.enlarge(ENLARGED).save(self.folder / f"{self.name}-tray.png")
 
 
-def main(bundle, folder):
+def main(bundle, folder, window_on):
     # Output may go to a pipe, and the locale may know no character beyond ASCII.
     sys.stdout.reconfigure(encoding="utf-8", line_buffering=True)
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir(parents=True)
-    demo = Demo(bundle, folder)
+    demo = Demo(bundle, folder, window_on)
     try:
         demo.run()
     except AssertionError as error:
@@ -248,6 +249,8 @@ def main(bundle, folder):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) != 3:
+    arguments = sys.argv[1:]
+    window = arguments[2:] == ["--window"]
+    if len(arguments) != 2 and not window:
         sys.exit(__doc__)
-    sys.exit(main(Path(sys.argv[1]).absolute(), Path(sys.argv[2]).absolute()))
+    sys.exit(main(Path(arguments[0]).absolute(), Path(arguments[1]).absolute(), dict(os.environ) if window else None))

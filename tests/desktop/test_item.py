@@ -68,6 +68,10 @@ class ItemInThePanel(DesktopCase):
 
     def test_looks_different_when_the_battery_is_low(self):
         desktop, laptop = self.desktop(), self.laptop()
+        # Without the number, so that it is the glyph that has to change.
+        preferences = desktop.config / "Velmora/defaults.json"
+        preferences.parent.mkdir()
+        preferences.write_text('{"showPercent": false}', encoding="utf-8")
         _, box = self.start_and_find(desktop, laptop)
         before = desktop.picture().crop(box)
         laptop.set_level(9)

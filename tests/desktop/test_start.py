@@ -81,8 +81,10 @@ class NoSessionBus(DesktopCase):
         desktop = self.desktop(panel=False)
         nobody = f"unix:path={desktop.runtime}/nobody-listens-here"
         process = self.start(desktop, self.laptop(), {"DBUS_SESSION_BUS_ADDRESS": nobody}).process
-        process.wait_exit(END_SECONDS)
+        self.assertEqual(process.wait_exit(END_SECONDS), 1)
         self.assertEqual(process.output, "")
+        self.assertEqual(process.errors.count("\n"), 1)
+        self.assertIn("session bus", process.errors)
 
 
 if __name__ == "__main__":

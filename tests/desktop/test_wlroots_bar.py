@@ -4,21 +4,11 @@
 import unittest
 
 from support.case import START_SECONDS, DesktopCase
+from support.screen import contrast
 from support.wlroots import BAR_HEIGHT, WlrootsDesktop
 
 CHANGE_SECONDS = 5
 LEAST_CONTRAST = 3
-
-
-def luminance(colour):
-    """How bright a colour is to the eye, 0 to 1."""
-    linear = [c / 12.92 if c <= 0.04045 else ((c + 0.055) / 1.055) ** 2.4 for c in (value / 255 for value in colour)]
-    return 0.2126 * linear[0] + 0.7152 * linear[1] + 0.0722 * linear[2]
-
-
-def contrast(one, other):
-    dark, light = sorted((luminance(one), luminance(other)))
-    return (light + 0.05) / (dark + 0.05)
 
 
 class ItemInAWlrootsBar(DesktopCase):

@@ -9,7 +9,7 @@
 #include <vector>
 
 /// Our glyphs as pictures, for panels that do not draw them by name. They keep the grey of the files, which is readable
-/// on light and on dark panels (at least 4 to 1 against both).
+/// on light and on dark panels: 4 to 1 against white and against #1e1e1e, 3 to 1 against #dadada and #383838.
 class GlyphImages {
 public:
     /// The sizes that panels ask for, at scale 1 and 2, in pixels.

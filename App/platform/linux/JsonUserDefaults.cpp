@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cmath>
 #include <set>
@@ -44,17 +45,19 @@ std::optional<std::int64_t> integerOf(const QJsonValue& value) {
     return one == value.toInteger(1) ? std::optional<std::int64_t>(one) : std::nullopt;
 }
 
-/// Keeps other writers of ours out. The folder itself is locked, so that no file is left lying about; a lock that is
-/// not to be had soon is done without rather than hang.
+/// Keeps other writers of ours out. The folder itself is locked, so that no file is left lying about. Waited for up to
+/// a second, which a busy disk can hold up another writer for; then, and where there are no locks, it is done without.
 class FolderLock {
 public:
     explicit FolderLock(const fs::path& folder)
         : descriptor_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
         using namespace std::chrono_literals;
-        constexpr int mostTries = 5000; // a busy disk can hold up another writer of ours for a second
-        for (int tries = 0; descriptor_ && tries < mostTries && ::flock(descriptor_.get(), LOCK_EX | LOCK_NB) != 0;
-             ++tries)
+        const auto limit = std::chrono::steady_clock::now() + 1s;
+        while (descriptor_ && ::flock(descriptor_.get(), LOCK_EX | LOCK_NB) != 0) {
+            if ((errno != EWOULDBLOCK && errno != EINTR) || std::chrono::steady_clock::now() > limit)
+                return;
             std::this_thread::sleep_for(1ms);
+        }
     }
 
 private:

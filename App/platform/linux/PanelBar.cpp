@@ -49,22 +49,23 @@ private:
     Content content_;
     std::function<void(std::optional<ScreenPoint>)> action_;
     std::vector<MenuEntry> entries_;
-    bool hasHost_ = false;
+    unsigned long change_ = 0; ///< of the host; the wait for one ends with the next
     std::unique_ptr<XEmbedItem> trayItem_;
     StatusNotifierItem notifierItem_;
     Lifetime lifetime_;
 
     void hostChanged(bool isThere) {
-        hasHost_ = isThere;
+        ++change_;
         if (isThere)
             trayItem_.reset();
         else if (QGuiApplication::platformName() == QLatin1String("xcb"))
-            loop_.after(patience, lifetime_.guard([this] { useTray(); }));
+            loop_.after(patience, lifetime_.guard([this, change = change_] {
+                if (change == change_)
+                    useTray();
+            }));
     }
 
     void useTray() {
-        if (hasHost_ || trayItem_)
-            return;
         trayItem_ = std::make_unique<XEmbedItem>(glyphs_);
         trayItem_->setAction([this](std::optional<ScreenPoint> point) { action_(point); });
         trayItem_->setMenu(entries_);

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/PanelMenu.h"
 
-#include "views/Screens.h"
-
 #include <QMenu>
 
 void fillMenu(QMenu& menu, const std::vector<StatusItem::MenuEntry>& entries) {
@@ -19,6 +17,5 @@ void PanelMenu::show(const std::vector<StatusItem::MenuEntry>& entries, ScreenPo
     if (!menu_)
         menu_ = std::make_unique<QMenu>();
     fillMenu(*menu_, entries);
-    const ScreenPoint place = toLogical(point, allScreens());
-    menu_->popup(QPoint(place.x, place.y));
+    menu_->popup(QPoint(point.x, point.y));
 }

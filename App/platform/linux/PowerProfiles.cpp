@@ -113,8 +113,11 @@ void PowerProfiles::forgetDaemons() {
 }
 
 void PowerProfiles::readFirmware() {
-    if (::lseek(firmware_.get(), 0, SEEK_SET) == 0)
-        choice_.firmware = readDescriptor(firmware_.get(), 4096);
+    const bool isThere = ::lseek(firmware_.get(), 0, SEEK_SET) == 0;
+    choice_.firmware = isThere ? readDescriptor(firmware_.get(), 4096) : std::nullopt;
+    // The file of a driver that has gone away is ready for ever.
+    if (!choice_.firmware)
+        firmwareEvents_->setEnabled(false);
     update();
 }
 

@@ -4,11 +4,13 @@
 #include "platform/linux/FileDescriptor.h"
 #include "platform/linux/GlyphName.h"
 #include "platform/linux/ReadDescriptor.h"
+#include "platform/linux/Screens.h"
 #include "statusnotifieritemadaptor.h"
 
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusVariant>
 #include <QtEndian>
 
 #include <fcntl.h>
@@ -18,6 +20,7 @@
 namespace {
 
 constexpr QLatin1String watcherName("org.kde.StatusNotifierWatcher");
+constexpr QLatin1String watcherPath("/StatusNotifierWatcher");
 
 /// The name of a process; empty when there is none, or it may not be seen.
 std::string processName(uint process) {
@@ -54,6 +57,8 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, const GlyphImages& g
     bus_.registerObject(QLatin1String(path), this);
     // Every change of the owner, not only its coming: one watcher may take the name over from another.
     connect(&watcherWatch_, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] { findHost(); });
+    for (const char* change : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"})
+        bus_.connect(watcherName, watcherPath, watcherName, QString::fromLatin1(change), this, SLOT(askForHost()));
     findHost();
 }
 
@@ -72,17 +77,33 @@ void StatusNotifierItem::findHost() {
         const QDBusPendingReply<uint> reply = *call;
         const bool isThere =
             !reply.isError() || reply.error().name() != QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner");
-        if (isThere) {
-            host_ = panelHost(reply.isError() ? "" : processName(reply.value()));
-            updateIcon();
-            registerWithWatcher();
+        if (!isThere) {
+            hostChanged_(false);
+            return;
         }
-        hostChanged_(isThere);
+        host_ = panelHost(reply.isError() ? "" : processName(reply.value()));
+        updateIcon();
+        registerWithWatcher();
+        askForHost();
+    });
+}
+
+void StatusNotifierItem::askForHost() {
+    auto message = QDBusMessage::createMethodCall(
+        watcherName, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+    message << QString(watcherName) << QStringLiteral("IsStatusNotifierHostRegistered");
+    message.setAutoStartService(false);
+    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* call) {
+        call->deleteLater();
+        const QDBusPendingReply<QDBusVariant> reply = *call;
+        // A watcher may run with no panel behind it; one that does not tell is believed to have one.
+        hostChanged_(reply.isError() || reply.value().variant().toBool());
     });
 }
 
 void StatusNotifierItem::registerWithWatcher() {
-    auto message = QDBusMessage::createMethodCall(watcherName, QStringLiteral("/StatusNotifierWatcher"), watcherName,
+    auto message = QDBusMessage::createMethodCall(watcherName, watcherPath, watcherName,
                                                   QStringLiteral("RegisterStatusNotifierItem"));
     // QUIRK: GNOME's extension loses items that register by a well-known name.
     message << bus_.baseService();
@@ -133,7 +154,7 @@ void StatusNotifierItem::act(std::optional<ScreenPoint> point) {
 }
 
 void StatusNotifierItem::Activate(int x, int y) {
-    act(ScreenPoint{x, y});
+    act(toLogical({x, y}, allScreens()));
 }
 
 void StatusNotifierItem::SecondaryActivate(int x, int y) {
@@ -143,10 +164,7 @@ void StatusNotifierItem::SecondaryActivate(int x, int y) {
 void StatusNotifierItem::ContextMenu(int x, int y) {
     // On a later turn: the panel gets its answer first.
     QMetaObject::invokeMethod(
-        this,
-        [this, x, y] {
-            panelMenu_.show(menu_.entries(), {x, y});
-        },
+        this, [this, point = toLogical({x, y}, allScreens())] { panelMenu_.show(menu_.entries(), point); },
         Qt::QueuedConnection);
 }
 

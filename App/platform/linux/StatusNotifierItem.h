@@ -75,6 +75,9 @@ Q_SIGNALS:
     void NewIconThemePath(const QString& path);
     void XAyatanaNewLabel(const QString& label, const QString& guide);
 
+private Q_SLOTS:
+    void askForHost();
+
 private:
     QDBusConnection bus_;
     const GlyphImages& glyphs_;

@@ -50,7 +50,8 @@ fs::path SystemBus::usualSocket() {
     const QString prefix = QStringLiteral("unix:path=");
     if (address.startsWith(prefix))
         return QString(address.mid(prefix.size())).section(QLatin1Char(','), 0, 0).toStdString();
-    return "/run/dbus/system_bus_socket";
+    // An address of another kind is nothing that could be watched: then there is no system bus.
+    return address.isEmpty() ? "/run/dbus/system_bus_socket" : "";
 }
 
 void SystemBus::start() {

@@ -2,17 +2,18 @@
 #include "platform/linux/XEmbedItem.h"
 
 #include "platform/linux/PanelMenu.h"
-#include "views/Screens.h"
 
 #include <utility>
 
 XEmbedItem::XEmbedItem(const GlyphImages& glyphs) : glyphs_(glyphs) {
     icon_.setContextMenu(&menu_);
     QObject::connect(&icon_, &QSystemTrayIcon::activated, &icon_, [this](QSystemTrayIcon::ActivationReason reason) {
-        if (reason == QSystemTrayIcon::Context || !action_)
+        // A double click comes after two single ones.
+        const bool isClick = reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::MiddleClick;
+        if (!isClick || !action_)
             return;
         const QPoint centre = icon_.geometry().center();
-        action_(toDevice({centre.x(), centre.y()}, allScreens()));
+        action_(ScreenPoint{centre.x(), centre.y()});
     });
 }
 

@@ -90,8 +90,11 @@ class PrivateDesktop:
         notifications=False,
         window_manager=True,
         ordinary_user=False,
+        window_on=None,
     ):
-        """`ordinary_user`: where we are root, what is started here is not, because some compositors refuse that."""
+        """`ordinary_user`: where we are root, what is started here is not, because some compositors refuse that.
+        `window_on`: the environment of a desktop with a display; this one is then seen in a window there."""
+        self._window_on = window_on
         self._user = ORDINARY_USER if ordinary_user and os.geteuid() == 0 else None
         self.folder = Path(tempfile.mkdtemp(prefix="velmora-desktop-"))
         self.logs = self._make_folder("logs")
@@ -203,7 +206,12 @@ class PrivateDesktop:
 
     def picture(self):
         """What is on the screen now."""
-        return Picture.of_screen(self.runtime / "Xvfb_screen0")
+        if self._window_on is None:
+            return Picture.of_dump((self.runtime / "Xvfb_screen0").read_bytes())
+        dump = subprocess.run(
+            ["xwd", "-root", "-silent"], env=self.environment, capture_output=True, check=True, timeout=START_SECONDS
+        )
+        return Picture.of_dump(dump.stdout)
 
     def find_item(self):
         """The box of what is drawn in the tray; None while it is empty."""
@@ -245,11 +253,14 @@ class PrivateDesktop:
     def _start_x_server(self):
         authority = self.runtime / "authority"
         authority.write_bytes(_authority(secrets.token_bytes(16)))
-        screen = f"{SCREEN.width}x{SCREEN.height}x24"
-        command = ["Xvfb", "-screen", "0", screen, "-fbdir", self.runtime, "-auth", authority]
-        command += ["-nocursor", "-noreset", "-nolisten", "tcp", "-displayfd"]
+        screen = f"{SCREEN.width}x{SCREEN.height}"
+        if self._window_on is None:
+            command = ["Xvfb", "-screen", "0", f"{screen}x24", "-fbdir", self.runtime, "-nocursor"]
+        else:
+            command = ["Xephyr", "-screen", screen, "-title", "Velmora: a laptop's day", "-no-host-grab"]
+        command += ["-auth", authority, "-noreset", "-nolisten", "tcp", "-displayfd"]
         # Not as the ordinary user, who may not make the folder of the X servers' sockets where it is missing.
-        self.x_server, number = self._start_and_hear("Xvfb", command)
+        self.x_server, number = self._start_and_hear(command[0], command, self._window_on)
         self.environment |= {"DISPLAY": f":{number}", "XAUTHORITY": str(authority)}
 
     def _start_bus(self, kind, variable):
@@ -260,12 +271,12 @@ class PrivateDesktop:
         bus, self.environment[variable] = self._start_and_hear(f"{kind}-bus", command)
         return bus
 
-    def _start_and_hear(self, name, command):
+    def _start_and_hear(self, name, command, environment=None):
         """Starts a server that says by a line on a file descriptor, its last argument, that it is ready; gives both. It
         runs as we do."""
         reading, writing = os.pipe()
         with os.fdopen(reading) as answer:
-            process = self._start(name, [*command, writing], None, [writing], None)
+            process = self._start(name, [*command, writing], environment, [writing], None)
             os.close(writing)
             ready, _, _ = select.select([answer], [], [], START_SECONDS)
             line = answer.readline().strip() if ready else ""

@@ -6,6 +6,18 @@ import zlib
 from typing import NamedTuple
 
 
+def luminance(colour):
+    """How bright a colour is to the eye, 0 to 1."""
+    linear = [c / 12.92 if c <= 0.04045 else ((c + 0.055) / 1.055) ** 2.4 for c in (value / 255 for value in colour)]
+    return 0.2126 * linear[0] + 0.7152 * linear[1] + 0.0722 * linear[2]
+
+
+def contrast(one, other):
+    """How well two colours can be told apart, 1 to 21."""
+    dark, light = sorted((luminance(one), luminance(other)))
+    return (light + 0.05) / (dark + 0.05)
+
+
 class Box(NamedTuple):
     """A rectangle on the screen, in pixels."""
 
@@ -39,20 +51,20 @@ class Picture:
         return len(self.rows)
 
     @classmethod
-    def of_screen(cls, file):
-        """Reads the file of `Xvfb -fbdir`: a header of big-endian numbers, colours, and pixels of blue, green, red and
-        nothing."""
-        data = file.read_bytes()
+    def of_dump(cls, data):
+        """From an X window dump, as Xvfb keeps one and xwd makes one: a header of big-endian numbers, colours, and pixels
+        of blue, green, red and nothing."""
         header = struct.unpack(">25I", data[:100])
         header_size, width, height, bits, bytes_per_line, colours = (header[i] for i in (0, 4, 5, 11, 12, 19))
-        if bits != 32:
+        if bits not in (24, 32):
             raise ValueError(f"{bits} bits per pixel")
+        step = bits // 8
         start = header_size + 12 * colours
         rows = []
         for y in range(height):
-            line = data[start + y * bytes_per_line : start + y * bytes_per_line + 4 * width]
+            line = data[start + y * bytes_per_line : start + y * bytes_per_line + step * width]
             row = bytearray(3 * width)
-            row[0::3], row[1::3], row[2::3] = line[2::4], line[1::4], line[0::4]
+            row[0::3], row[1::3], row[2::3] = line[2::step], line[1::step], line[0::step]
             rows.append(bytes(row))
         return cls(width, rows)
 

@@ -15,9 +15,7 @@ TRAY = Box(SCREEN.width - 160, 0, 160, BAR_HEIGHT)
 
 CONFIGURATION = """xwayland disable
 output X11-1 resolution {width}x{height} position 0 0 scale {scale}
-output * background #4a6a8a solid_color
 seat * hide_cursor 100
-swaybg_command -
 {bar}
 """
 

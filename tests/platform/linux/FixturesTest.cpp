@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "battery/BatteryReader.h"
-#include "platform/linux/InertProcessInfo.h"
 #include "platform/linux/SysfsPowerSources.h"
 #include "support/FakeClock.h"
 #include "support/FakeMainLoop.h"
+#include "support/FakeProcessInfo.h"
 #include "support/Fixture.h"
 #include "support/TemporaryFolder.h"
 #include "support/Umockdev.h"
@@ -29,7 +29,7 @@ protected:
     Fixture fixture = Fixture::load(std::get<0>(GetParam()));
     FakeClock clock;
     FakeMainLoop loop{clock};
-    InertProcessInfo processInfo;
+    FakeProcessInfo processInfo;
 
     FixturesTest() {
         if (std::get<1>(GetParam()) == Shown::throughUmockdev) {

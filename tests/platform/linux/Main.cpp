@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include <QCoreApplication>
+#include <QApplication>
 #include <gtest/gtest.h>
 
-/// The adapters need the toolkit's event loop.
+/// The adapters need the toolkit's event loop, the windows a screen that nobody sees.
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    const QCoreApplication application(argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
     return RUN_ALL_TESTS();
 }

@@ -19,11 +19,12 @@ const QString watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
 class Watcher final : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
+    Q_PROPERTY(bool IsStatusNotifierHostRegistered MEMBER hasHost)
 
 public:
     Watcher(const PrivateBus& bus, const QString& name)
         : connection_(QDBusConnection::connectToBus(bus.address(), name)) {
-        connection_.registerObject(QStringLiteral("/StatusNotifierWatcher"), this, QDBusConnection::ExportAllSlots);
+        connection_.registerObject(QStringLiteral("/StatusNotifierWatcher"), this, QDBusConnection::ExportAllContents);
     }
     ~Watcher() override { QDBusConnection::disconnectFromBus(connection_.name()); }
     Watcher(const Watcher&) = delete;
@@ -42,6 +43,10 @@ public:
     void leave() { connection_.interface()->unregisterService(watcherName); }
 
     QStringList items;
+    bool hasHost = true;
+
+Q_SIGNALS:
+    void StatusNotifierHostRegistered();
 
 public Q_SLOTS:
     void RegisterStatusNotifierItem(const QString& item) { items.append(item); }
@@ -102,7 +107,19 @@ TEST_F(StatusNotifierItemTest, RegistersByItsUniqueName) {
     start();
     ASSERT_TRUE(registersWith(watcher, 1));
     EXPECT_EQ(watcher.items.first(), connection.baseService());
-    EXPECT_EQ(hosts, std::vector{true});
+    EXPECT_TRUE(waitUntil([&] { return hosts == std::vector{true}; }));
+}
+
+TEST_F(StatusNotifierItemTest, TellsWhetherAPanelIsBehindTheWatcher) {
+    Watcher watcher(bus, QStringLiteral("a"));
+    watcher.setProperty("IsStatusNotifierHostRegistered", false);
+    watcher.takeName();
+    start();
+    ASSERT_TRUE(registersWith(watcher, 1));
+    ASSERT_TRUE(waitUntil([&] { return hosts == std::vector{false}; }));
+    watcher.setProperty("IsStatusNotifierHostRegistered", true);
+    Q_EMIT watcher.StatusNotifierHostRegistered();
+    ASSERT_TRUE(waitUntil([&] { return hosts == std::vector{false, true}; }));
 }
 
 TEST_F(StatusNotifierItemTest, TellsThatThereIsNoPanelAndRegistersWhenOneComes) {

@@ -2,10 +2,10 @@
 #include "platform/linux/SysfsPowerSources.h"
 
 #include "battery/BatteryReader.h"
-#include "platform/linux/InertProcessInfo.h"
 #include "platform/linux/UdevMonitor.h"
 #include "support/FakeClock.h"
 #include "support/FakeMainLoop.h"
+#include "support/FakeProcessInfo.h"
 #include "support/Umockdev.h"
 #include "support/WaitUntil.h"
 
@@ -20,7 +20,7 @@ protected:
     SimulatedSupplies supplies;
     FakeClock clock;
     FakeMainLoop loop{clock};
-    InertProcessInfo processInfo;
+    FakeProcessInfo processInfo;
     SysfsPowerSources sources{"/sys", clock, loop};
     BatteryReader reader{sources, processInfo};
     int changes = 0;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "views/Screens.h"
+#include "platform/linux/Screens.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -8,8 +8,11 @@ std::vector<ScreenArea> allScreens() {
     std::vector<ScreenArea> areas;
     for (const QScreen* screen : QGuiApplication::screens()) {
         const QRect whole = screen->geometry();
-        areas.push_back(
-            {.whole = {whole.x(), whole.y(), whole.width(), whole.height()}, .scale = screen->devicePixelRatio()});
+        areas.push_back({.x = whole.x(),
+                         .y = whole.y(),
+                         .width = whole.width(),
+                         .height = whole.height(),
+                         .scale = screen->devicePixelRatio()});
     }
     return areas;
 }

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "views/PopoverPlacement.h"
-
-#include <vector>
+#include "platform/linux/DevicePoint.h"
 
 /// The screens of the session.
 std::vector<ScreenArea> allScreens();

@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/AppDelegate.h"
+
+#include "support/FakePlatform.h"
+#include "views/Popover.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <gtest/gtest.h>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+class AppDelegateTest : public testing::Test {
+protected:
+    FakePlatform fakes;
+    int terminations = 0;
+    AppDelegate delegate{fakes.platform(), [this] { ++terminations; }};
+
+    AppDelegateTest() { setBattery(80); }
+
+    void setBattery(int percent) {
+        fakes.powerSources.sources = {Value(Dictionary{{"Type", "InternalBattery"},
+                                                       {"Current Capacity", percent},
+                                                       {"Max Capacity", 100},
+                                                       {"Power Source State", "Battery Power"},
+                                                       {"Time to Empty", 105}})};
+    }
+
+    FakeStatusBar::Record& item() { return *fakes.statusBar.items.at(0); }
+
+    /// The popover on the screen, or null.
+    static Popover* popover() {
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            auto* found = qobject_cast<Popover*>(window);
+            if (found != nullptr && found->isVisible())
+                return found;
+        }
+        return nullptr;
+    }
+    static std::string popoverText() {
+        return popover()->findChild<QLabel*>(QStringLiteral("popoverText"))->text().toStdString();
+    }
+    void choose(const std::string& label) {
+        for (const auto& entry : item().menu) {
+            if (entry.label == label)
+                entry.action();
+        }
+    }
+};
+
+} // namespace
+
+TEST_F(AppDelegateTest, ShowsTheBatteryAsSoonAsItHasLaunched) {
+    EXPECT_TRUE(fakes.statusBar.items.empty());
+    delegate.applicationDidFinishLaunching();
+    ASSERT_EQ(fakes.statusBar.items.size(), 1U);
+    ASSERT_EQ(item().shown.size(), 1U) << "drawn once at once, and not with what was there before the first reading";
+    EXPECT_EQ(item().shown.back(), (StatusItem::Content{.symbol = "battery.75",
+                                                        .numberSymbol = "percent.80.level",
+                                                        .accessibilityDescription = "Battery",
+                                                        .title = " 80%",
+                                                        .widestTitle = " 100%",
+                                                        .toolTip = "80% · On battery, 1 h 45 min left"}));
+}
+
+TEST_F(AppDelegateTest, RedrawsOnALaterTurnWhenTheStateChanges) {
+    delegate.applicationDidFinishLaunching();
+    fakes.mainLoop.runDue();
+    const auto drawn = item().shown.size();
+    setBattery(79);
+    fakes.mainLoop.advance(60s);
+    EXPECT_EQ(item().shown.size(), drawn + 1);
+    EXPECT_EQ(item().shown.back().title, " 79%");
+    fakes.mainLoop.advance(60s);
+    EXPECT_EQ(item().shown.size(), drawn + 1) << "nothing changed";
+}
+
+TEST_F(AppDelegateTest, RedrawsWithoutAReadingWhenThePreferencesChange) {
+    delegate.applicationDidFinishLaunching();
+    fakes.mainLoop.runDue();
+    setBattery(50);
+    fakes.defaults.setObject("showTime", true);
+    fakes.mainLoop.runDue();
+    EXPECT_EQ(item().shown.back().title, " 80% · 1:45");
+}
+
+TEST_F(AppDelegateTest, UsesTheFirstGlyphThatThePanelKnows) {
+    fakes.statusBar.unknownSymbols = {"battery.75", "percent.80.level"};
+    delegate.applicationDidFinishLaunching();
+    EXPECT_EQ(item().shown.back().symbol, "");
+    EXPECT_EQ(item().shown.back().numberSymbol, "");
+}
+
+TEST_F(AppDelegateTest, OpensThePopoverOnAFreshReadingAndClosesItAgain) {
+    delegate.applicationDidFinishLaunching();
+    setBattery(42);
+    item().action(ScreenPoint{100, 10});
+    ASSERT_NE(popover(), nullptr);
+    EXPECT_EQ(popoverText(), "42% · On battery, 1 h 45 min left");
+    setBattery(41);
+    item().action(ScreenPoint{100, 10});
+    EXPECT_EQ(popover(), nullptr);
+    fakes.mainLoop.runDue();
+    EXPECT_EQ(item().shown.back().title, " 42%") << "closing reads nothing";
+}
+
+TEST_F(AppDelegateTest, ShowDetailsOpensThePopoverAndKeepsItOpen) {
+    delegate.applicationDidFinishLaunching();
+    choose("Show details");
+    ASSERT_NE(popover(), nullptr);
+    setBattery(42);
+    delegate.showDetails();
+    ASSERT_NE(popover(), nullptr);
+    EXPECT_EQ(popoverText(), "42% · On battery, 1 h 45 min left");
+}
+
+TEST_F(AppDelegateTest, ThePopoverFollowsTheBatteryWhileItIsOpen) {
+    delegate.applicationDidFinishLaunching();
+    delegate.showDetails();
+    setBattery(42);
+    fakes.mainLoop.advance(60s);
+    EXPECT_EQ(popoverText(), "42% · On battery, 1 h 45 min left");
+}
+
+TEST_F(AppDelegateTest, EndsTheProgramFromTheMenuAndWithTheSession) {
+    delegate.applicationDidFinishLaunching();
+    choose("Quit");
+    EXPECT_EQ(terminations, 1);
+    fakes.workspace.endSession();
+    EXPECT_EQ(terminations, 2);
+}
