@@ -43,13 +43,16 @@ class WlrootsDesktop(PrivateDesktop):
         super().__init__(panel=False, window_manager=False, ordinary_user=True)
         self.environment["XDG_CURRENT_DESKTOP"] = "sway"
         self.environment["XDG_SESSION_TYPE"] = "wayland"
-        self._colours = {"background": "#222222", "text": "#eeeeee"} if dark else {"background": "#f0f0f0", "text": "#202020"}
+        background, text = ("#222222", "#eeeeee") if dark else ("#f0f0f0", "#202020")
+        self._colours = {"background": background, "text": text}
         try:
             self._start_sway(scale, self._swaybar(height) if bar == "swaybar" else "")
             if bar == "waybar":
                 self._write_waybar_configuration(height)
                 self._panel = self.start("waybar", ["waybar"])
             wait_until(self._tray_is_ready, START_SECONDS, lambda: f"the bar's tray is ready; {self._panel.errors}")
+            # The tray takes items before there is anything to see of the bar.
+            wait_until(self._bar_is_drawn, START_SECONDS, "the bar is drawn")
             self.environment["QT_QPA_PLATFORM"] = "wayland"
         except BaseException:
             self.stop()
@@ -85,12 +88,19 @@ class WlrootsDesktop(PrivateDesktop):
         self.environment |= {"WAYLAND_DISPLAY": sockets[0], "SWAYSOCK": str(commands[0])}
         return True
 
+    def _bar_is_drawn(self):
+        """Whether the upper edge is in the bar's colour, whatever its height."""
+        edge = self.picture().crop(TRAY._replace(height=1))
+        return set(edge.colours()) == {bytes.fromhex(self._colours["background"][1:])}
+
     def _swaybar(self, height):
         return SWAYBAR.format(**self._colours, height=f"height {height}" if height else "")
 
     def _write_waybar_configuration(self, height):
         folder = self.config / "waybar"
         folder.mkdir()
-        settings = {"layer": "top", "position": "top", "modules-right": ["tray"]} | ({"height": height} if height else {})
+        settings = {"layer": "top", "position": "top", "modules-right": ["tray"]}
+        if height:
+            settings["height"] = height
         (folder / "config").write_text(json.dumps(settings), encoding="utf-8")
         (folder / "style.css").write_text(WAYBAR_STYLE.format(**self._colours), encoding="utf-8")
