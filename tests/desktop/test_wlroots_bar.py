@@ -10,6 +10,7 @@ from support.wlroots import BAR_HEIGHT, WlrootsDesktop
 CHANGE_SECONDS = 5
 LEAST_CONTRAST = 3
 LEAST_SIZE = 20
+ROUNDING = 3
 
 
 class ItemInAWlrootsBar(DesktopCase):
@@ -53,6 +54,10 @@ class ItemInAWlrootsBar(DesktopCase):
         background = max(colours, key=colours.get)
         # The glyph's own colour, not that of a few pixels at its edges.
         glyph = max((colour for colour in colours if colour != background), key=colours.get)
+        # Smoothed edges are between the two, neither lighter nor darker, or the glyph has a rim.
+        for colour in colours:
+            for value, ends in zip(colour, zip(glyph, background)):
+                self.assertTrue(min(ends) - ROUNDING <= value <= max(ends) + ROUNDING, (colour, glyph, background))
         self.assertGreaterEqual(contrast(glyph, background), LEAST_CONTRAST, (glyph, background))
 
 

@@ -30,7 +30,12 @@ std::vector<QImage> GlyphImages::images(std::string_view symbol) const {
         QImage image(size, size, QImage::Format_ARGB32);
         image.fill(Qt::transparent);
         QPainter painter(&image);
-        glyph.render(&painter);
+        // On whole pixels of the glyph's own grid where a small margin is enough for that.
+        const int grid = glyph.defaultSize().width();
+        const int whole = size / grid * grid;
+        const int drawn = size - whole <= 4 * (size / grid) ? whole : size;
+        const qreal margin = (size - drawn) / 2.0;
+        glyph.render(&painter, QRectF(margin, margin, drawn, drawn));
         painter.end();
         images.push_back(std::move(image));
     }

@@ -10,18 +10,22 @@ struct Known {
     PanelHost host;
 };
 
-constexpr PanelHost labelled{.showsLabel = true, .recolours = true};
-constexpr PanelHost recolouring{.showsLabel = false, .recolours = true};
+constexpr PanelHost labelled{.showsLabel = true, .recolours = true, .premultiplied = false};
+constexpr PanelHost recolouring{.showsLabel = false, .recolours = true, .premultiplied = false};
 
-/// LXQt, Cinnamon, Budgie, waybar and swaybar show no label and leave pictures as they are: they are not in this list.
+/// LXQt, Cinnamon, Budgie and waybar show no label and leave pictures as they are: they are not in this list.
 constexpr std::array known{
     Known{"gnome-shell", labelled},     // with the AppIndicator extension
     Known{"ayatana-indicat", labelled}, // takes names only; its label comes from the panel that shows it
     Known{"indicator-appl", labelled},  // the same service under its older name
-    Known{"mate-panel", {.showsLabel = true, .recolours = false}},
-    Known{"notification-ar", {.showsLabel = true, .recolours = false}}, // MATE's applet in a process of its own
-    Known{"kded", recolouring},                                         // Plasma: the watcher is a module of its daemon
+    Known{"mate-panel", {.showsLabel = true, .recolours = false, .premultiplied = false}},
+    Known{"notification-ar",
+          {.showsLabel = true, .recolours = false, .premultiplied = false}}, // MATE's applet in a process of its own
+    Known{"kded", recolouring}, // Plasma: the watcher is a module of its daemon
     Known{"plasmashell", recolouring},
+    // QUIRK: swaybar hands the pictures to its drawing library as they come, which takes them as premultiplied;
+    // otherwise every shape gets a bright rim.
+    Known{"swaybar", {.showsLabel = false, .recolours = false, .premultiplied = true}},
     Known{"xfce4-panel", recolouring},
 };
 

@@ -7,6 +7,7 @@
 struct PanelHost {
     bool showsLabel = false; ///< draws the text beside the icon; elsewhere the icon itself has to carry the number
     bool recolours = false;  ///< takes icons by name and draws symbolic ones in its own colour; elsewhere we draw them
+    bool premultiplied = false; ///< takes the colours of pictures as multiplied by their opacity, against the protocol
 
     bool operator==(const PanelHost&) const = default;
 };

@@ -32,11 +32,11 @@ std::string processName(uint process) {
 }
 
 /// As the protocol has it: the bytes A, R, G, B of each pixel in this order, not premultiplied.
-StatusNotifierPixmap toPixmap(const QImage& image) {
+StatusNotifierPixmap toPixmap(const QImage& image, bool premultiplied) {
     StatusNotifierPixmap pixmap{.width = image.width(), .height = image.height(), .pixels = {}};
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
-            const quint32 pixel = qToBigEndian(image.pixel(x, y));
+            const quint32 pixel = qToBigEndian(premultiplied ? qPremultiply(image.pixel(x, y)) : image.pixel(x, y));
             pixmap.pixels.append(reinterpret_cast<const char*>(&pixel), sizeof pixel);
         }
     }
@@ -193,7 +193,7 @@ StatusNotifierPixmaps StatusNotifierItem::iconPixmap() const {
     StatusNotifierPixmaps pixmaps;
     if (!host_.recolours && !shownSymbol_.empty()) {
         for (const QImage& image : glyphs_.images(shownSymbol_))
-            pixmaps.append(toPixmap(image));
+            pixmaps.append(toPixmap(image, host_.premultiplied));
     }
     return pixmaps;
 }

@@ -87,7 +87,9 @@ private:
     QDBusServiceWatcher watcherWatch_;
     std::function<void(std::optional<ScreenPoint>)> action_;
     Content content_;
-    PanelHost host_{.showsLabel = false, .recolours = true}; ///< until there is one: a name costs nothing to make
+    PanelHost host_{.showsLabel = false,
+                    .recolours = true,
+                    .premultiplied = false}; ///< until there is one: a name costs nothing to make
     std::string shownSymbol_;
 
     void findHost();
