@@ -25,10 +25,10 @@ add_executable(velmora_adapter_tests
 )
 target_link_libraries(velmora_adapter_tests PRIVATE
     velmora_desktop velmora_desktop_test_support velmora_options GTest::gtest PkgConfig::umockdev)
-# umockdev shows its devices by preloading a library; where that is the sanitizer's place, it is told not to mind.
 # The glyphs as they are built: the drawn ones and those with numbers.
 target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_ICONS="${CMAKE_BINARY_DIR}/share/icons")
 add_dependencies(velmora_adapter_tests icons percent_glyphs)
 set_target_properties(velmora_adapter_tests PROPERTIES AUTOMOC ON CROSSCOMPILING_EMULATOR umockdev-wrapper)
+# umockdev shows its devices by preloading a library; where that is the sanitizer's place, it is told not to mind.
 gtest_discover_tests(velmora_adapter_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 60
     ENVIRONMENT "ASAN_OPTIONS=verify_asan_link_order=0")
