@@ -3,6 +3,8 @@
 
 import json
 import shutil
+import stat
+from pathlib import Path
 
 from .desktop import SCREEN, START_SECONDS, PrivateDesktop
 from .program import bundle
@@ -35,6 +37,13 @@ window#waybar {{ background: {background}; color: {text}; }}
 """
 
 
+def has_shared_memory():
+    """Whether everyone may make shared memory. The compositor draws in it, and without it ends those that connect; a
+    system that was unpacked, but never started, has a folder there that is root's."""
+    folder = Path("/dev/shm")
+    return folder.is_dir() and bool(folder.stat().st_mode & stat.S_IWOTH)
+
+
 class WlrootsDesktop(PrivateDesktop):
     """As a private desktop; the panel is a bar of sway. Nothing in it runs as root, which sway refuses to do."""
 
@@ -52,7 +61,7 @@ class WlrootsDesktop(PrivateDesktop):
                 self._panel = self.start("waybar", ["waybar"])
             wait_until(self._tray_is_ready, START_SECONDS, lambda: f"the bar's tray is ready; {self._panel.errors}")
             # The tray takes items before there is anything to see of the bar.
-            wait_until(self._bar_is_drawn, START_SECONDS, "the bar is drawn")
+            wait_until(self._bar_is_drawn, START_SECONDS, lambda: f"the bar is drawn; {self._panel.errors}")
             self.environment["QT_QPA_PLATFORM"] = "wayland"
         except BaseException:
             self.stop()

@@ -1,0 +1,66 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""The item in the bar of a wlroots compositor, which shows no label, colours nothing and drops what is not square."""
+
+import unittest
+
+from support.case import START_SECONDS, DesktopCase
+from support.screen import contrast
+from support.wlroots import BAR_HEIGHT, WlrootsDesktop, has_shared_memory
+
+CHANGE_SECONDS = 5
+LEAST_CONTRAST = 3
+LEAST_SIZE = 20
+ROUNDING = 3
+
+
+@unittest.skipUnless(has_shared_memory(), "not everyone may write to /dev/shm, and the compositor must")
+class ItemInAWlrootsBar(DesktopCase):
+    def bar(self, **options):
+        desktop = WlrootsDesktop(**options)
+        self.addCleanup(desktop.stop)
+        laptop = self.laptop()
+        desktop.hand_over(laptop.root)
+        program = self.start_and_wait(desktop, laptop, app=desktop.own_bundle())
+        box = self.soon(lambda: self.whole(desktop.find_item()), START_SECONDS, "the item is drawn, and nothing else")
+        return desktop, laptop, program, box
+
+    @staticmethod
+    def whole(box):
+        """The box if it can be that of the whole item; a picture may be taken while the bar is being drawn."""
+        fits = box and all(LEAST_SIZE <= side <= BAR_HEIGHT for side in (box.width, box.height))
+        return box if fits else None
+
+    def test_is_a_square_picture_that_changes_with_the_number(self):
+        desktop, laptop, program, box = self.bar()
+        self.assertEqual(program.item.icon, "")
+        sizes = [(width, height) for width, height, _ in program.item.get("IconPixmap")]
+        self.assertEqual(sizes, [(size, size) for size in (22, 24, 32, 44, 48, 64)])
+        # Another number with the same rest: only a picture that carries the number can differ.
+        before = desktop.picture().crop(box)
+        laptop.set_level(61)
+        laptop.event("BAT0")
+        changed = lambda: desktop.picture().crop(box).changed_box(before)
+        self.soon(changed, CHANGE_SECONDS, "the bar draws the new number")
+        self.assertEqual(program.item.label, " 61%")
+
+    def test_is_readable_on_a_dark_bar(self):
+        self.check_contrast(dark=True)
+
+    def test_is_readable_on_a_light_bar(self):
+        self.check_contrast(dark=False)
+
+    def check_contrast(self, dark):
+        desktop, _, _, box = self.bar(dark=dark)
+        colours = desktop.picture().crop(box._replace(x=box.x - 4, width=box.width + 4)).colours()
+        background = max(colours, key=colours.get)
+        # The glyph's own colour, not that of a few pixels at its edges.
+        glyph = max((colour for colour in colours if colour != background), key=colours.get)
+        # Smoothed edges are between the two, neither lighter nor darker, or the glyph has a rim.
+        for colour in colours:
+            for value, ends in zip(colour, zip(glyph, background)):
+                self.assertTrue(min(ends) - ROUNDING <= value <= max(ends) + ROUNDING, (colour, glyph, background))
+        self.assertGreaterEqual(contrast(glyph, background), LEAST_CONTRAST, (glyph, background))
+
+
+if __name__ == "__main__":
+    unittest.main()
