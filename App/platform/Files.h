@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 /// The user's files. All calls are synchronous and silent: failure is the return value.
 class Files {
@@ -22,7 +23,7 @@ public:
     /// regular file.
     virtual std::optional<std::string> read(const std::filesystem::path& file, std::size_t limit) const = 0;
 
-    /// Puts `content` in the place of a file, whole or not at all, on the disk when it returns true; a link is followed
-    /// and stays. The file is open to the owner only. Missing folders are made.
-    virtual bool replace(const std::filesystem::path& file, std::string_view content) = 0;
+    /// Puts `content` in the place of a file, whole or not at all, on the disk when it returns no error; a link is
+    /// followed and stays. The file is open to the owner only. Missing folders are made.
+    [[nodiscard]] virtual std::error_code replace(const std::filesystem::path& file, std::string_view content) = 0;
 };

@@ -36,12 +36,12 @@ public:
         return found->second;
     }
 
-    bool replace(const std::filesystem::path& file, std::string_view content) override {
+    std::error_code replace(const std::filesystem::path& file, std::string_view content) override {
         replacedPaths.push_back(file);
         if (refusesWrites)
-            return false;
+            return std::make_error_code(std::errc::no_space_on_device);
         folders.insert(file.parent_path());
         files.insert_or_assign(file, std::string(content));
-        return true;
+        return {};
     }
 };

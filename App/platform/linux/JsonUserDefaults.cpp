@@ -134,7 +134,8 @@ void JsonUserDefaults::setDamagedAside() {
     fs::path aside = file_;
     aside += ".damaged";
     if (const auto content = files_.read(file_, sizeLimit)) {
-        files_.replace(aside, *content);
+        // Where this fails, writing the new content does too, and the damaged one stays.
+        static_cast<void>(files_.replace(aside, *content));
         return;
     }
     // It cannot be copied: a folder, a file that is not ours to read, something huge.
@@ -154,7 +155,7 @@ void JsonUserDefaults::setObject(std::string_view key, const Value& value) {
     unwritten_.insert(toQString(key), toJson(value));
     values_ = withUnwritten(present.values);
     const QByteArray text = QJsonDocument(values_).toJson(QJsonDocument::Indented);
-    if (files_.replace(file_, {text.constData(), static_cast<std::size_t>(text.size())}))
+    if (!files_.replace(file_, {text.constData(), static_cast<std::size_t>(text.size())}))
         unwritten_ = {};
     watchFile();
     announce();

@@ -17,6 +17,10 @@ namespace fs = std::filesystem;
 
 namespace {
 
+std::error_code lastError() {
+    return {errno, std::system_category()};
+}
+
 bool writeAll(int descriptor, std::string_view content) {
     while (!content.empty()) {
         const ssize_t count = ::write(descriptor, content.data(), content.size());
@@ -78,21 +82,21 @@ fs::path PosixFiles::linkTarget(const fs::path& file) {
     return file;
 }
 
-bool PosixFiles::replace(const fs::path& file, std::string_view content) {
+std::error_code PosixFiles::replace(const fs::path& file, std::string_view content) {
     // A link stays where it is and its target is replaced: people keep their settings elsewhere and link to them.
     const fs::path target = linkTarget(file);
     const fs::path folder = target.parent_path();
-    if (!createFolder(folder))
-        return false;
+    createFolder(folder); // where it fails, so does what follows, and says why
     std::string temporary = (folder / ("." + target.filename().string() + ".XXXXXX")).string();
     const FileDescriptor descriptor(::mkostemp(temporary.data(), O_CLOEXEC)); // made for the owner only
     if (!descriptor)
-        return false;
+        return lastError();
     if (!writeAll(descriptor.get(), content) || ::fsync(descriptor.get()) != 0 ||
         ::rename(temporary.c_str(), target.c_str()) != 0) {
+        const std::error_code error = lastError();
         ::unlink(temporary.c_str());
-        return false;
+        return error;
     }
     syncFolder(folder);
-    return true;
+    return {};
 }

@@ -12,7 +12,7 @@ public:
     std::filesystem::path applicationSupportFolder() const override;
     bool createFolder(const std::filesystem::path& folder) override;
     std::optional<std::string> read(const std::filesystem::path& file, std::size_t limit) const override;
-    bool replace(const std::filesystem::path& file, std::string_view content) override;
+    [[nodiscard]] std::error_code replace(const std::filesystem::path& file, std::string_view content) override;
 
     /// Where the links at `file` lead, whether or not there is anything; `file` itself when it is no link or the links
     /// form a ring.

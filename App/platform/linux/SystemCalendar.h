@@ -3,8 +3,11 @@
 
 #include "platform/Calendar.h"
 
-/// The time zone of the process, as the C library knows it; follows changes of the system's time zone.
+/// The time zone of the process, as the C library knows it; follows changes of the system's time zone. Tells instants
+/// up to 285 million years from 1970; each call costs a few microseconds.
 class SystemCalendar final : public Calendar {
 public:
     TimeOfDay timeOfDay(Date date) const override;
+    Day day(Date date) const override;
+    std::optional<Date> addingDays(Date date, std::int64_t days) const override;
 };

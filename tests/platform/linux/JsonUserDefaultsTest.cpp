@@ -286,8 +286,8 @@ public:
     std::optional<std::string> read(const fs::path& file, std::size_t limit) const override {
         return files_.read(file, limit);
     }
-    bool replace(const fs::path& file, std::string_view content) override {
-        return !refuses && files_.replace(file, content);
+    std::error_code replace(const fs::path& file, std::string_view content) override {
+        return refuses ? std::make_error_code(std::errc::no_space_on_device) : files_.replace(file, content);
     }
 
 private:
