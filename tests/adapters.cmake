@@ -20,6 +20,7 @@ add_executable(velmora_adapter_tests
     platform/linux/SysfsPowerSourcesTest.cpp
     platform/linux/SystemCalendarTest.cpp
     shell/AppDelegateTest.cpp
+    support/DiskFaults.cpp
     support/PrivateBus.cpp
     support/Umockdev.cpp
 )

@@ -73,7 +73,8 @@ int main(int argc, char** argv) {
     SystemClock clock;
     SystemCalendar calendar;
     PosixFiles files(xdgDataHome());
-    JsonUserDefaults defaults(xdgConfigHome() / "Velmora/defaults.json", files, mainLoop);
+    const std::filesystem::path defaultsFile = xdgConfigHome() / "Velmora/defaults.json";
+    JsonUserDefaults defaults(defaultsFile, files, mainLoop);
     SysfsPowerSources powerSources("/sys", clock, mainLoop);
     SystemBus systemBus(SystemBus::usualSocket(), mainLoop);
     PowerProfiles processInfo(systemBus, "/sys");
@@ -92,6 +93,8 @@ int main(int argc, char** argv) {
     processInfo.start();
     sleep.start();
     systemBus.start();
+    for (const auto& file : {files.applicationSupportFolder() / "Velmora/history.json", defaultsFile})
+        files.removeLeftovers(file);
     runningDelegate = &delegate;
     std::atexit(terminateRunning);
     const int code = QApplication::exec();

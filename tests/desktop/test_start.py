@@ -4,7 +4,7 @@
 import shutil
 import unittest
 
-from support.case import END_SECONDS, ESTIMATING, HEALTH_AND_CYCLES, DesktopCase
+from support.case import END_SECONDS, ESTIMATING, HEALTH_AND_CYCLES, START_SECONDS, DesktopCase
 from support.program import bundle
 
 ONE_LINE = r"\A[^\n]*display[^\n]*\n\Z"
@@ -85,6 +85,18 @@ class NoSessionBus(DesktopCase):
         self.assertEqual(process.output, "")
         self.assertEqual(process.errors.count("\n"), 1)
         self.assertIn("session bus", process.errors)
+
+
+class AfterACrash(DesktopCase):
+    def test_what_was_half_written_is_removed(self):
+        screen = self.desktop(panel=False)
+        halves = [screen.home / ".local/share/Velmora/.history.json.velmora-Ab3xY9",
+                  screen.config / "Velmora/.defaults.json.velmora-Ab3xY9"]
+        for half in halves:
+            half.parent.mkdir(parents=True)
+            half.write_text("{", encoding="utf-8")
+        self.start_and_wait(screen, self.laptop())
+        self.soon(lambda: not any(half.exists() for half in halves), START_SECONDS, "both are gone")
 
 
 if __name__ == "__main__":

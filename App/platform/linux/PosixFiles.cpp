@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/PosixFiles.h"
 
+#include "platform/linux/AtomicWrite.h"
 #include "platform/linux/FileDescriptor.h"
 #include "platform/linux/ReadDescriptor.h"
 
@@ -9,7 +10,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <system_error>
 #include <utility>
 
@@ -17,26 +17,21 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::error_code lastError() {
-    return {errno, std::system_category()};
-}
-
-bool writeAll(int descriptor, std::string_view content) {
-    while (!content.empty()) {
-        const ssize_t count = ::write(descriptor, content.data(), content.size());
-        if (count < 0 && errno != EINTR)
-            return false;
-        if (count > 0)
-            content.remove_prefix(static_cast<std::size_t>(count));
+/// Makes the folder with all missing parents, for the owner only; no error when it is there already.
+std::error_code makeFolder(const fs::path& folder) {
+    std::error_code error;
+    if (fs::is_directory(folder, error))
+        return {};
+    if (folder.has_parent_path() && folder.parent_path() != folder) {
+        if (const std::error_code failure = makeFolder(folder.parent_path()))
+            return failure;
     }
-    return true;
-}
-
-/// Without this a rename may be lost when the power fails.
-void syncFolder(const fs::path& folder) {
-    const FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (descriptor)
-        ::fsync(descriptor.get());
+    if (::mkdir(folder.c_str(), 0700) == 0)
+        return {};
+    const int failure = errno;
+    if (failure == EEXIST) // made by somebody else meanwhile, or no folder
+        return fs::is_directory(folder, error) ? std::error_code() : std::make_error_code(std::errc::not_a_directory);
+    return {failure, std::system_category()};
 }
 
 } // namespace
@@ -48,12 +43,7 @@ fs::path PosixFiles::applicationSupportFolder() const {
 }
 
 bool PosixFiles::createFolder(const fs::path& folder) {
-    std::error_code error;
-    if (fs::is_directory(folder, error))
-        return true;
-    if (folder.has_parent_path() && folder.parent_path() != folder && !createFolder(folder.parent_path()))
-        return false;
-    return ::mkdir(folder.c_str(), 0700) == 0 || fs::is_directory(folder, error);
+    return !makeFolder(folder);
 }
 
 std::optional<std::string> PosixFiles::read(const fs::path& file, std::size_t limit) const {
@@ -85,18 +75,13 @@ fs::path PosixFiles::linkTarget(const fs::path& file) {
 std::error_code PosixFiles::replace(const fs::path& file, std::string_view content) {
     // A link stays where it is and its target is replaced: people keep their settings elsewhere and link to them.
     const fs::path target = linkTarget(file);
-    const fs::path folder = target.parent_path();
-    createFolder(folder); // where it fails, so does what follows, and says why
-    std::string temporary = (folder / ("." + target.filename().string() + ".XXXXXX")).string();
-    const FileDescriptor descriptor(::mkostemp(temporary.data(), O_CLOEXEC)); // made for the owner only
-    if (!descriptor)
-        return lastError();
-    if (!writeAll(descriptor.get(), content) || ::fsync(descriptor.get()) != 0 ||
-        ::rename(temporary.c_str(), target.c_str()) != 0) {
-        const std::error_code error = lastError();
-        ::unlink(temporary.c_str());
-        return error;
+    if (target.has_parent_path()) {
+        if (const std::error_code error = makeFolder(target.parent_path()))
+            return error;
     }
-    syncFolder(folder);
-    return {};
+    return writeAtomically(target, content);
+}
+
+void PosixFiles::removeLeftovers(const fs::path& file) const {
+    ::removeLeftovers(linkTarget(file));
 }

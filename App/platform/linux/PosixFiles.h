@@ -14,6 +14,10 @@ public:
     std::optional<std::string> read(const std::filesystem::path& file, std::size_t limit) const override;
     [[nodiscard]] std::error_code replace(const std::filesystem::path& file, std::string_view content) override;
 
+    /// Removes what a crash in the midst of `replace` has left beside the file, or beside what it is a link to. Leaves
+    /// alone what another process is writing at this moment.
+    void removeLeftovers(const std::filesystem::path& file) const;
+
     /// Where the links at `file` lead, whether or not there is anything; `file` itself when it is no link or the links
     /// form a ring.
     static std::filesystem::path linkTarget(const std::filesystem::path& file);

@@ -12,6 +12,7 @@ TerminationSignals::TerminationSignals() {
     sigemptyset(&signals);
     for (const int number : {SIGTERM, SIGINT, SIGHUP})
         sigaddset(&signals, number);
+    std::signal(SIGXFSZ, SIG_IGN);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     descriptor_ = FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
 }

@@ -8,7 +8,8 @@
 #include <functional>
 #include <memory>
 
-/// SIGTERM, SIGINT and SIGHUP as events of the main loop.
+/// SIGTERM, SIGINT and SIGHUP as events of the main loop. SIGXFSZ is ignored, so that writing beyond a limit of the
+/// file size fails like writing to a full disk and does not end the program.
 class TerminationSignals {
 public:
     /// Takes the signals over. To be made before any other thread starts, since threads inherit what is blocked.
