@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "battery/BatteryReader.h"
-#include "platform/Platform.h"
-#include "platform/StatusBar.h"
-#include "platform/Workspace.h"
 #include "platform/linux/FileDescriptor.h"
 #include "platform/linux/JsonUserDefaults.h"
 #include "platform/linux/PosixFiles.h"
@@ -12,7 +9,7 @@
 #include "platform/linux/SystemCalendar.h"
 #include "platform/linux/SystemClock.h"
 #include "shell/AppModel.h"
-#include "support/FakeProcessInfo.h"
+#include "support/FakePlatform.h"
 #include "support/Fixture.h"
 #include "support/TemporaryFolder.h"
 
@@ -57,20 +54,6 @@ void oneSnapshot(benchmark::State& state) {
 }
 BENCHMARK(oneSnapshot);
 
-/// A panel that shows nothing.
-class NoPanel final : public StatusBar {
-public:
-    std::unique_ptr<StatusItem> createItem() override { return nullptr; }
-};
-
-/// A session in which nothing happens.
-class QuietWorkspace final : public Workspace {
-public:
-    Subscription onWillSleep(std::function<void()> /*callback*/) override { return Subscription(); }
-    Subscription onDidWake(std::function<void()> /*callback*/) override { return Subscription(); }
-    Subscription onSessionEnd(std::function<void()> /*callback*/) override { return Subscription(); }
-};
-
 void wholeRefresh(benchmark::State& state) {
     const Laptop laptop;
     const TemporaryFolder home;
@@ -80,10 +63,9 @@ void wholeRefresh(benchmark::State& state) {
     PosixFiles files(home.path);
     JsonUserDefaults defaults(home.path / "defaults.json", files, loop);
     SysfsPowerSources sources(laptop.sysfs.path, clock, loop);
-    FakeProcessInfo processInfo;
-    QuietWorkspace workspace;
-    NoPanel panel;
-    AppModel model({sources, processInfo, workspace, loop, clock, calendar, defaults, files, panel});
+    FakePlatform fake;
+    AppModel model({sources, fake.processInfo, fake.workspace, loop, clock, calendar, defaults, files, fake.statusBar,
+                    fake.panels});
     for ([[maybe_unused]] auto _ : state)
         model.refresh(AppModel::Reason::timer);
 }

@@ -16,6 +16,7 @@ add_executable(velmora_adapter_tests
     platform/linux/Main.cpp
     platform/linux/PosixFilesTest.cpp
     platform/linux/PowerProfilesTest.cpp
+    platform/linux/QtPanelsTest.cpp
     platform/linux/StatusNotifierItemTest.cpp
     platform/linux/SysfsPowerSourcesTest.cpp
     platform/linux/SystemCalendarTest.cpp
@@ -26,8 +27,9 @@ add_executable(velmora_adapter_tests
 )
 target_link_libraries(velmora_adapter_tests PRIVATE
     velmora_desktop velmora_desktop_test_support velmora_options GTest::gtest PkgConfig::umockdev)
-# The glyphs as they are built: the drawn ones and those with numbers.
-target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_ICONS="${CMAKE_BINARY_DIR}/share/icons")
+# The glyphs as they are built: the drawn ones and those with numbers. And where pictures go for a person to look at.
+target_compile_definitions(velmora_adapter_tests PRIVATE
+    VELMORA_ICONS="${CMAKE_BINARY_DIR}/share/icons" VELMORA_PICTURES="${CMAKE_BINARY_DIR}/pictures")
 add_dependencies(velmora_adapter_tests icons percent_glyphs)
 set_target_properties(velmora_adapter_tests PROPERTIES AUTOMOC ON CROSSCOMPILING_EMULATOR umockdev-wrapper)
 # umockdev shows its devices by preloading a library; where that is the sanitizer's place, it is told not to mind.

@@ -5,6 +5,7 @@ class Calendar;
 class Clock;
 class Files;
 class MainLoop;
+class Panels;
 class PowerSources;
 class ProcessInfo;
 class StatusBar;
@@ -23,4 +24,5 @@ struct Platform {
     UserDefaults& defaults;
     Files& files;
     StatusBar& statusBar;
+    Panels& panels;
 };

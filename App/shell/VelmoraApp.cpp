@@ -6,6 +6,7 @@
 #include "platform/linux/PosixFiles.h"
 #include "platform/linux/PowerProfiles.h"
 #include "platform/linux/QtMainLoop.h"
+#include "platform/linux/QtPanels.h"
 #include "platform/linux/SessionApplication.h"
 #include "platform/linux/SessionWorkspace.h"
 #include "platform/linux/SysfsPowerSources.h"
@@ -83,9 +84,11 @@ int main(int argc, char** argv) {
     // The glyphs stand beside the executable, wherever the bundle was put.
     const std::filesystem::path program(QCoreApplication::applicationDirPath().toStdString());
     PanelBar statusBar(sessionBus, mainLoop, program.parent_path() / "share/icons");
+    QtPanels panels;
 
-    AppDelegate delegate({powerSources, processInfo, workspace, mainLoop, clock, calendar, defaults, files, statusBar},
-                         [] { QCoreApplication::quit(); });
+    AppDelegate delegate(
+        {powerSources, processInfo, workspace, mainLoop, clock, calendar, defaults, files, statusBar, panels},
+        [] { QCoreApplication::quit(); });
     session.setActivated([&delegate] { delegate.showDetails(); });
     delegate.applicationDidFinishLaunching();
     workspace.start();

@@ -7,6 +7,7 @@
 #include "support/FakeFiles.h"
 #include "support/FakeJournal.h"
 #include "support/FakeMainLoop.h"
+#include "support/FakePanels.h"
 #include "support/FakePowerSources.h"
 #include "support/FakeProcessInfo.h"
 #include "support/FakeStatusBar.h"
@@ -25,6 +26,7 @@ struct FakePlatform {
     FakeUserDefaults defaults{mainLoop};
     FakeFiles files;
     FakeStatusBar statusBar;
+    FakePanels panels{&journal};
 
     Platform platform() {
         return {.powerSources = powerSources,
@@ -35,6 +37,7 @@ struct FakePlatform {
                 .calendar = calendar,
                 .defaults = defaults,
                 .files = files,
-                .statusBar = statusBar};
+                .statusBar = statusBar,
+                .panels = panels};
     }
 };

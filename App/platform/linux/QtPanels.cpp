@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/QtPanels.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QEventLoop>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QFontMetrics>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMessageBox>
+#include <QMimeDatabase>
+#include <QPushButton>
+#include <QSettings>
+#include <QStandardPaths>
+
+namespace {
+
+/// A message box that can be closed without an answer, whatever its buttons are; the toolkit's takes one of them for
+/// that, or cannot be closed at all.
+class MessageBox final : public QMessageBox {
+public:
+    MessageBox(const QString& name, const QString& text, const QString& informativeText) {
+        setObjectName(name);
+        setWindowTitle(QApplication::applicationDisplayName());
+        setTextFormat(Qt::PlainText);
+        setText(text);
+        setInformativeText(informativeText);
+        // Names of files are in there, which may look like markup.
+        if (auto* label = findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel")))
+            label->setTextFormat(Qt::PlainText);
+    }
+
+    /// Buttons of one role stay in the order in which they are added, on all desktops.
+    QPushButton* add(const QString& label) { return addButton(label, QMessageBox::ActionRole); }
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        if (event->matches(QKeySequence::Cancel))
+            reject();
+        else
+            QMessageBox::keyPressEvent(event);
+    }
+    void closeEvent(QCloseEvent* event) override { QDialog::closeEvent(event); }
+};
+
+void activate(QWidget& window) {
+    window.raise();
+    window.activateWindow();
+}
+
+/// Shows the dialog and waits. Not by its own exec(): a dialog of the desktop's may then run a loop of the desktop's
+/// toolkit, which does not end when the program is to end.
+bool run(QDialog& dialog) {
+    // A popup would lie above the dialog, dead.
+    while (QWidget* popup = QApplication::activePopupWidget()) {
+        if (!popup->close())
+            break;
+    }
+    QEventLoop loop;
+    QObject::connect(&dialog, &QDialog::finished, &loop, &QEventLoop::quit);
+    dialog.setResult(QDialog::Rejected);
+    dialog.setWindowModality(Qt::ApplicationModal);
+    dialog.show();
+    activate(dialog);
+    loop.exec();
+    return dialog.result() == QDialog::Accepted;
+}
+
+/// Whether the file may be written: it is not there, or the user agrees.
+bool mayReplace(const QFileInfo& file) {
+    if (!file.exists())
+        return true;
+    MessageBox box(QStringLiteral("replaceAlert"), QStringLiteral("%1 already exists.").arg(file.fileName()),
+                   QStringLiteral("Do you want to replace it?"));
+    box.setIcon(QMessageBox::Warning);
+    const QAbstractButton* replace = box.add(QStringLiteral("Replace"));
+    box.setDefaultButton(box.add(QStringLiteral("Cancel")));
+    run(box);
+    return box.clickedButton() == replace;
+}
+
+/// "name" becomes "name.csv".
+QString withSuffix(const QString& file, const QString& suffix) {
+    const bool hasSuffix = QFileInfo(file).fileName().lastIndexOf(QLatin1Char('.')) > 0;
+    return hasSuffix || suffix.isEmpty() ? file : file + QLatin1Char('.') + suffix;
+}
+
+/// Lets the user choose until there is a file that may be written; nothing when that was cancelled.
+QString chosenFile(QFileDialog& dialog, const QString& suffix) {
+    while (run(dialog)) {
+        const QString selected = dialog.selectedFiles().value(0);
+        const QString file = withSuffix(selected, suffix);
+        // The dialog has asked about the name as it was typed. It could add the suffix itself, but then those of some
+        // desktops do so only after they have asked.
+        if (file == selected || mayReplace(QFileInfo(file)))
+            return file;
+    }
+    return {};
+}
+
+/// While it lives, this dialog is the one that is open.
+class Opened {
+public:
+    Opened(QPointer<QDialog>& open, QDialog& dialog) : open_(open), before_(open) { open = &dialog; }
+    ~Opened() { open_ = before_; }
+    Opened(const Opened&) = delete;
+    Opened& operator=(const Opened&) = delete;
+
+private:
+    QPointer<QDialog>& open_;
+    QPointer<QDialog> before_;
+};
+
+} // namespace
+
+void QtPanels::bringToFront() {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        const bool isOrdinary = window->windowType() == Qt::Window || window->windowType() == Qt::Dialog;
+        // What is embedded in a panel is a window too, but none that a window manager knows.
+        if (window->isVisible() && isOrdinary && !window->windowFlags().testFlag(Qt::BypassWindowManagerHint))
+            activate(*window);
+    }
+}
+
+bool QtPanels::mayOpen() {
+    if (open_)
+        activate(*open_);
+    return open_.isNull();
+}
+
+QString QtPanels::startFolder() const {
+    for (const QString& folder : {folder_, QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)}) {
+        if (!folder.isEmpty() && QFileInfo(folder).isDir())
+            return folder;
+    }
+    return QDir::homePath();
+}
+
+std::optional<std::filesystem::path> QtPanels::runSavePanel(const SavePanel& panel) {
+    if (!mayOpen())
+        return std::nullopt;
+    // The toolkit's dialog would write down its look and where it has been, in a file beside the user's settings.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
+    const QString contentType = QString::fromStdString(panel.contentType);
+    QFileDialog dialog;
+    dialog.setObjectName(QStringLiteral("savePanel"));
+    dialog.setWindowTitle(QStringLiteral("Save As"));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setMimeTypeFilters({contentType});
+    dialog.setDirectory(startFolder());
+    dialog.selectFile(QString::fromStdString(panel.suggestedName));
+    const Opened opened(open_, dialog);
+    const QString file = chosenFile(dialog, QMimeDatabase().mimeTypeForName(contentType).preferredSuffix());
+    if (file.isEmpty())
+        return std::nullopt;
+    folder_ = QFileInfo(file).absolutePath();
+    return QFile::encodeName(file).toStdString();
+}
+
+std::optional<std::size_t> QtPanels::runAlert(const Alert& alert) {
+    if (!mayOpen())
+        return std::nullopt;
+    MessageBox box(QStringLiteral("alert"), QString::fromStdString(alert.message),
+                   QString::fromStdString(alert.informativeText));
+    QList<QAbstractButton*> buttons;
+    for (const std::string& label : alert.buttons)
+        buttons.append(box.add(QString::fromStdString(label)));
+    if (!buttons.isEmpty())
+        box.setDefaultButton(static_cast<QPushButton*>(buttons.first()));
+    const Opened opened(open_, box);
+    run(box);
+    const qsizetype clicked = buttons.indexOf(box.clickedButton());
+    return clicked < 0 ? std::nullopt : std::optional(static_cast<std::size_t>(clicked));
+}
+
+void QtPanels::runErrorAlert(const std::filesystem::path& file, std::error_code error) {
+    const QString name = QFile::decodeName(file.filename().c_str());
+    // A name of 255 letters is one word and would make the box as wide.
+    const QFontMetrics font(QApplication::font());
+    const QString shown = font.elidedText(name, Qt::ElideMiddle, font.averageCharWidth() * 50);
+    MessageBox box(QStringLiteral("errorAlert"), QStringLiteral("There was a problem with “%1”.").arg(shown),
+                   QString::fromLocal8Bit(error.message().c_str()));
+    box.setIcon(QMessageBox::Warning);
+    box.setDefaultButton(box.add(QStringLiteral("OK")));
+    const Opened opened(open_, box);
+    run(box);
+}

@@ -1,0 +1,432 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/QtPanels.h"
+
+#include "platform/linux/QtMainLoop.h"
+#include "support/TemporaryFolder.h"
+#include "support/WaitUntil.h"
+
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileDialog>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <type_traits>
+#include <vector>
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+namespace {
+
+/// A home without anything, and a user who acts once a dialog is there.
+class QtPanelsTest : public testing::Test {
+protected:
+    TemporaryFolder home;
+    QtMainLoop loop;
+    QtPanels panels;
+    const Panels::SavePanel history{.contentType = "text/csv", .suggestedName = "history.csv"};
+
+    QtPanelsTest() {
+        qputenv("HOME", home.path.c_str());
+        qputenv("XDG_CONFIG_HOME", (home.path / ".config").c_str());
+        qputenv("XDG_DATA_HOME", (home.path / ".local/share").c_str());
+        qputenv("XDG_CACHE_HOME", (home.path / ".cache").c_str());
+    }
+
+    static QDialog* visible(const QString& name) {
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (window->isVisible() && window->objectName() == name)
+                return qobject_cast<QDialog*>(window);
+        }
+        return nullptr;
+    }
+
+    /// Once the dialog of that name is visible, the user does this. Without it, everything is closed after a while.
+    template <class Dialog = QDialog>
+    void whenShown(const char* name, std::function<void(std::type_identity_t<Dialog>&)> act) {
+        const auto find = [name = QString::fromLatin1(name)] { return dynamic_cast<Dialog*>(visible(name)); };
+        when<Dialog>(find, std::move(act));
+    }
+
+    /// The same for a question of the toolkit's own, which has no name.
+    void whenAsked(std::function<void(QMessageBox&)> act) {
+        when<QMessageBox>([] { return qobject_cast<QMessageBox*>(QApplication::activeModalWidget()); }, std::move(act));
+    }
+
+    static void press(QWidget& widget, Qt::Key key) {
+        for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            QKeyEvent event(type, key, Qt::NoModifier);
+            QApplication::sendEvent(&widget, &event);
+        }
+    }
+
+    static QLineEdit& nameOf(QDialog& dialog) { return *dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit")); }
+
+    static void save(QDialog& dialog, const char* name) {
+        // Without the keyboard the dialog takes what is selected in its list for what is meant.
+        dialog.activateWindow();
+        nameOf(dialog).setFocus();
+        EXPECT_TRUE(waitUntil([&] { return nameOf(dialog).hasFocus(); }));
+        nameOf(dialog).setText(QString::fromUtf8(name));
+        press(nameOf(dialog), Qt::Key_Return);
+    }
+
+    static QStringList buttonsOf(const QMessageBox& box) {
+        // From left to right.
+        auto buttons = box.buttons();
+        std::ranges::sort(buttons, {}, [](const QAbstractButton* button) { return button->x(); });
+        QStringList labels;
+        for (const QAbstractButton* button : buttons)
+            labels.append(button->text());
+        return labels;
+    }
+
+    static void click(const QMessageBox& box, const QString& label) {
+        for (QAbstractButton* button : box.buttons()) {
+            if (button->text() == label)
+                return button->click();
+        }
+        ADD_FAILURE() << "no button " << label.toStdString();
+    }
+
+    static void picture(QWidget& window, const char* name) {
+        const QString folder = QStringLiteral(VELMORA_PICTURES);
+        ASSERT_TRUE(QDir().mkpath(folder));
+        ASSERT_TRUE(window.grab().save(folder + QLatin1Char('/') + QLatin1String(name)));
+    }
+
+    /// The program's main loop with this in it, until it is told to end; true when it does.
+    bool mainLoopRuns(std::function<void()> task) {
+        bool isOver = false;
+        loop.async([&] {
+            task();
+            isOver = true;
+        });
+        return QApplication::exec() == 0 && isOver;
+    }
+
+private:
+    template <class Dialog>
+    void when(std::function<Dialog*()> find, std::function<void(Dialog&)> act) {
+        QElapsedTimer waited;
+        waited.start();
+        look(std::move(find), std::move(act), waited);
+    }
+
+    template <class Dialog>
+    void look(std::function<Dialog*()> find, std::function<void(Dialog&)> act, QElapsedTimer waited) {
+        loop.after(1ms, [=, this] {
+            if (Dialog* dialog = find()) {
+                act(*dialog);
+            } else if (waited.elapsed() < 10'000) {
+                look(find, act, waited);
+            } else {
+                ADD_FAILURE() << "it is not shown";
+                QApplication::closeAllWindows();
+            }
+        });
+    }
+};
+
+} // namespace
+
+TEST_F(QtPanelsTest, TheSavePanelOffersTheNameAndGivesTheFile) {
+    whenShown<QFileDialog>("savePanel", [&](QFileDialog& dialog) {
+        EXPECT_EQ(nameOf(dialog).text(), QStringLiteral("history.csv"));
+        EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Save As"));
+        EXPECT_EQ(dialog.acceptMode(), QFileDialog::AcceptSave);
+        EXPECT_EQ(dialog.mimeTypeFilters(), QStringList(QStringLiteral("text/csv")));
+        EXPECT_EQ(dialog.nameFilters().size(), 1);
+        picture(dialog, "save-panel.png");
+        press(nameOf(dialog), Qt::Key_Return);
+    });
+    EXPECT_EQ(panels.runSavePanel(history), home.path / "history.csv");
+}
+
+TEST_F(QtPanelsTest, TheSavePanelGivesNothingWhenItIsClosed) {
+    const std::function<void(QDialog&)> ways[] = {
+        [](QDialog& dialog) {
+            dialog.findChild<QDialogButtonBox*>(QStringLiteral("buttonBox"))->button(QDialogButtonBox::Cancel)->click();
+        },
+        [](QDialog& dialog) { press(dialog, Qt::Key_Escape); },
+        [](QDialog& dialog) { dialog.close(); },
+    };
+    for (const auto& close : ways) {
+        whenShown("savePanel", close);
+        EXPECT_EQ(panels.runSavePanel(history), std::nullopt);
+    }
+}
+
+TEST_F(QtPanelsTest, TheSavePanelGivesANameAsItIs) {
+    const char* names[] = {"Akku \xE2\x99\xAA \xC3\xBC.csv", "u\xCC\x88.csv", "it's $(100%) & <b>.csv", "-rf.csv",
+                           "\xF0\x9F\x94\x8B.csv"};
+    for (const char* name : names) {
+        whenShown("savePanel", [&](QDialog& dialog) { save(dialog, name); });
+        EXPECT_EQ(panels.runSavePanel(history), home.path / name);
+    }
+}
+
+TEST_F(QtPanelsTest, TheSavePanelAddsTheSuffixWhereThereIsNone) {
+    const std::pair<const char*, const char*> rows[] = {{"battery", "battery.csv"},
+                                                        {"battery.csv", "battery.csv"},
+                                                        {"battery.txt", "battery.txt"},
+                                                        {".battery", ".battery.csv"}};
+    for (const auto& [typed, given] : rows) {
+        whenShown("savePanel", [&](QDialog& dialog) { save(dialog, typed); });
+        EXPECT_EQ(panels.runSavePanel(history), home.path / given);
+    }
+}
+
+TEST_F(QtPanelsTest, TheSavePanelAsksBeforeAFileIsReplaced) {
+    write(home.path / "old.csv", "x");
+    bool asked = false;
+    whenShown("savePanel", [&](QDialog& dialog) {
+        whenAsked([&](QMessageBox& question) {
+            asked = true;
+            question.button(QMessageBox::No)->click();
+        });
+        save(dialog, "old.csv");
+        EXPECT_TRUE(dialog.isVisible()) << "the answer was no";
+        save(dialog, "new.csv");
+    });
+    EXPECT_EQ(panels.runSavePanel(history), home.path / "new.csv");
+    EXPECT_TRUE(asked);
+}
+
+TEST_F(QtPanelsTest, TheSavePanelAsksAlsoWhenItHasAddedTheSuffix) {
+    write(home.path / "old.csv", "x");
+    whenShown("savePanel", [&](QDialog& dialog) {
+        save(dialog, "old");
+        whenShown<QMessageBox>("replaceAlert", [&](QMessageBox& box) {
+            EXPECT_EQ(box.text(), QStringLiteral("old.csv already exists."));
+            EXPECT_EQ(box.defaultButton()->text(), QStringLiteral("Cancel"));
+            picture(box, "replace-alert.png");
+            click(box, QStringLiteral("Cancel"));
+            whenShown("savePanel", [&](QDialog& again) {
+                EXPECT_EQ(&again, &dialog) << "with everything as it was";
+                save(again, "old");
+                whenShown<QMessageBox>("replaceAlert",
+                                       [](QMessageBox& second) { click(second, QStringLiteral("Replace")); });
+            });
+        });
+    });
+    EXPECT_EQ(panels.runSavePanel(history), home.path / "old.csv");
+}
+
+TEST_F(QtPanelsTest, TheSavePanelStartsWhereTheLastFileWentOrAmongTheDocuments) {
+    const auto folderOf = [this] {
+        std::string folder;
+        whenShown<QFileDialog>("savePanel", [&](QFileDialog& dialog) {
+            folder = dialog.directory().absolutePath().toStdString();
+            dialog.reject();
+        });
+        EXPECT_FALSE(panels.runSavePanel(history));
+        return folder;
+    };
+    EXPECT_EQ(folderOf(), home.path);
+    fs::create_directory(home.path / "Documents");
+    EXPECT_EQ(folderOf(), home.path / "Documents");
+    fs::create_directory(home.path / "other");
+    whenShown("savePanel", [&](QDialog& dialog) { save(dialog, (home.path / "other/x.csv").c_str()); });
+    EXPECT_EQ(panels.runSavePanel(history), home.path / "other/x.csv");
+    EXPECT_EQ(folderOf(), home.path / "other");
+    fs::remove(home.path / "other");
+    EXPECT_EQ(folderOf(), home.path / "Documents");
+}
+
+TEST_F(QtPanelsTest, TheSavePanelWritesNothingByItself) {
+    whenShown("savePanel", [](QDialog& dialog) { save(dialog, "x.csv"); });
+    EXPECT_TRUE(panels.runSavePanel(history));
+    EXPECT_TRUE(fs::is_empty(home.path));
+}
+
+TEST_F(QtPanelsTest, AnAlertShowsItsTextsAndButtonsInTheirOrder) {
+    whenShown<QMessageBox>("alert", [&](QMessageBox& box) {
+        EXPECT_EQ(box.text(), QStringLiteral("Allow <b>this</b>?"));
+        auto* informative = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"));
+        ASSERT_NE(informative, nullptr);
+        EXPECT_EQ(informative->text(), QStringLiteral("<i>Otherwise</i> there is nothing."));
+        EXPECT_EQ(box.textFormat(), Qt::PlainText);
+        EXPECT_EQ(informative->textFormat(), Qt::PlainText);
+        EXPECT_EQ(buttonsOf(box).join(QLatin1Char('|')), QStringLiteral("Allow|Not Now|Never"));
+        EXPECT_EQ(box.defaultButton()->text(), QStringLiteral("Allow"));
+        picture(box, "alert.png");
+        box.close();
+    });
+    panels.runAlert({.message = "Allow <b>this</b>?",
+                     .informativeText = "<i>Otherwise</i> there is nothing.",
+                     .buttons = {"Allow", "Not Now", "Never"}});
+}
+
+// Desktops put buttons in an order of their own, by what the buttons are for: 0 is Windows', 2 KDE's, 3 GNOME's.
+TEST_F(QtPanelsTest, TheButtonsOfAnAlertKeepTheirOrderOnAllDesktops) {
+    for (const int layout : {0, 2, 3}) {
+        qApp->setStyleSheet(QStringLiteral("QDialogButtonBox { button-layout: %1 }").arg(layout));
+        whenShown<QMessageBox>("alert", [&](QMessageBox& box) {
+            EXPECT_EQ(buttonsOf(box).join(QLatin1Char('|')), QStringLiteral("Allow|Not Now|Never")) << layout;
+            box.close();
+        });
+        panels.runAlert({.message = "Allow?", .informativeText = "", .buttons = {"Allow", "Not Now", "Never"}});
+    }
+    qApp->setStyleSheet(QString());
+}
+
+TEST_F(QtPanelsTest, AnAlertTellsTheButtonThatEndedIt) {
+    const std::vector<std::string> buttons = {"Allow", "Not Now", "Never"};
+    for (std::size_t count = 1; count <= buttons.size(); ++count) {
+        const Panels::Alert alert{.message = "Allow?",
+                                  .informativeText = "",
+                                  .buttons = {buttons.begin(), buttons.begin() + static_cast<int>(count)}};
+        SCOPED_TRACE(count);
+        for (std::size_t button = 0; button < count; ++button) {
+            whenShown<QMessageBox>("alert",
+                                   [&](QMessageBox& box) { click(box, QString::fromStdString(buttons[button])); });
+            EXPECT_EQ(panels.runAlert(alert), button);
+        }
+        whenShown("alert", [](QDialog& dialog) { press(dialog, Qt::Key_Return); });
+        EXPECT_EQ(panels.runAlert(alert), 0U);
+        whenShown("alert", [](QDialog& dialog) { press(dialog, Qt::Key_Escape); });
+        EXPECT_EQ(panels.runAlert(alert), std::nullopt);
+        whenShown("alert", [](QDialog& dialog) { EXPECT_TRUE(dialog.close()); });
+        EXPECT_EQ(panels.runAlert(alert), std::nullopt);
+    }
+}
+
+TEST_F(QtPanelsTest, AnErrorAlertNamesTheFileAndSaysWhatTheSystemSays) {
+    const std::error_code full(ENOSPC, std::system_category());
+    whenShown<QMessageBox>("errorAlert", [&](QMessageBox& box) {
+        EXPECT_EQ(box.text(), QString::fromUtf8("There was a problem with “<u>Akku ♪.csv”."));
+        EXPECT_EQ(box.informativeText().toStdString(), full.message());
+        EXPECT_EQ(box.windowModality(), Qt::ApplicationModal);
+        picture(box, "error-alert.png");
+        click(box, QStringLiteral("OK"));
+    });
+    panels.runErrorAlert(home.path / "<u>Akku \xE2\x99\xAA.csv", full);
+}
+
+TEST_F(QtPanelsTest, AnErrorAlertBearsAnyName) {
+    for (const std::string& name : {std::string(250, 'x'), std::string("caf\xE9.csv"), std::string()}) {
+        int width = 0;
+        whenShown("errorAlert", [&](QDialog& dialog) {
+            width = dialog.width();
+            press(dialog, Qt::Key_Escape);
+        });
+        panels.runErrorAlert(home.path / name, std::make_error_code(std::errc::io_error));
+        EXPECT_GT(width, 0);
+        EXPECT_LT(width, 800);
+    }
+}
+
+TEST_F(QtPanelsTest, TimersGoOnWhileAPanelIsOpen) {
+    int ticks = 0;
+    QDialog* open = nullptr;
+    const auto timer = loop.repeat(5ms, 0s, [&] {
+        if (open != nullptr && ++ticks == 3)
+            open->reject();
+    });
+    for (const char* name : {"savePanel", "alert", "errorAlert"}) {
+        ticks = 0;
+        whenShown(name, [&](QDialog& dialog) { open = &dialog; });
+        if (name == std::string("savePanel"))
+            panels.runSavePanel(history);
+        else if (name == std::string("alert"))
+            panels.runAlert({.message = "Allow?", .informativeText = "", .buttons = {"Allow", "Never"}});
+        else
+            panels.runErrorAlert("file", std::make_error_code(std::errc::io_error));
+        EXPECT_EQ(ticks, 3) << name;
+        open = nullptr;
+    }
+}
+
+TEST_F(QtPanelsTest, TheProgramEndsWhileTheSavePanelIsOpen) {
+    for (const auto& end :
+         {std::function<void()>(&QCoreApplication::quit), std::function<void()>([] { QCoreApplication::exit(); })}) {
+        std::optional<fs::path> chosen = "not asked";
+        whenShown("savePanel", [&](QDialog&) { end(); });
+        EXPECT_TRUE(mainLoopRuns([&] { chosen = panels.runSavePanel(history); }));
+        EXPECT_EQ(chosen, std::nullopt);
+    }
+}
+
+TEST_F(QtPanelsTest, TheProgramEndsWhileItAsksWhetherToReplace) {
+    write(home.path / "old.csv", "x");
+    std::optional<fs::path> chosen = "not asked";
+    // The question of the dialog itself.
+    whenShown("savePanel", [&](QDialog& dialog) {
+        whenAsked([](QMessageBox&) { QCoreApplication::quit(); });
+        save(dialog, "old.csv");
+    });
+    EXPECT_TRUE(mainLoopRuns([&] { chosen = panels.runSavePanel(history); }));
+    EXPECT_EQ(chosen, std::nullopt);
+    // Ours.
+    chosen = "not asked";
+    whenShown("savePanel", [&](QDialog& dialog) { save(dialog, "old"); });
+    whenShown("replaceAlert", [](QDialog&) { QCoreApplication::quit(); });
+    EXPECT_TRUE(mainLoopRuns([&] { chosen = panels.runSavePanel(history); }));
+    EXPECT_EQ(chosen, std::nullopt);
+}
+
+TEST_F(QtPanelsTest, TheProgramEndsWhileAnAlertIsOpen) {
+    std::optional<std::size_t> button = 7;
+    whenShown("alert", [](QDialog&) { QCoreApplication::quit(); });
+    EXPECT_TRUE(mainLoopRuns([&] {
+        button = panels.runAlert({.message = "Allow?", .informativeText = "", .buttons = {"Allow", "Never"}});
+    }));
+    EXPECT_EQ(button, std::nullopt);
+    whenShown("errorAlert", [](QDialog&) { QCoreApplication::quit(); });
+    EXPECT_TRUE(mainLoopRuns([&] { panels.runErrorAlert("file", std::make_error_code(std::errc::io_error)); }));
+}
+
+TEST_F(QtPanelsTest, ThereIsOnePanelAtATimeButAnErrorIsAlwaysTold) {
+    bool errorWasTold = false;
+    whenShown("savePanel", [&](QDialog& dialog) {
+        EXPECT_EQ(panels.runSavePanel(history), std::nullopt);
+        EXPECT_EQ(panels.runAlert({.message = "Allow?", .informativeText = "", .buttons = {"Allow"}}), std::nullopt);
+        whenShown("errorAlert", [&](QDialog& alert) {
+            errorWasTold = true;
+            alert.close();
+        });
+        panels.runErrorAlert("file", std::make_error_code(std::errc::io_error));
+        EXPECT_EQ(panels.runSavePanel(history), std::nullopt) << "the first one is still open";
+        save(dialog, "x.csv");
+    });
+    EXPECT_EQ(panels.runSavePanel(history), home.path / "x.csv");
+    EXPECT_TRUE(errorWasTold);
+    whenShown("savePanel", [](QDialog& dialog) { save(dialog, "y.csv"); });
+    EXPECT_EQ(panels.runSavePanel(history), home.path / "y.csv");
+}
+
+TEST_F(QtPanelsTest, APopupMakesRoomForAPanel) {
+    QWidget popup(nullptr, Qt::Popup);
+    popup.show();
+    ASSERT_EQ(QApplication::activePopupWidget(), &popup);
+    whenShown("alert", [&](QDialog& dialog) {
+        EXPECT_FALSE(popup.isVisible());
+        dialog.close();
+    });
+    panels.runAlert({.message = "Allow?", .informativeText = "", .buttons = {"Allow"}});
+}
+
+TEST_F(QtPanelsTest, BringsOrdinaryWindowsToTheFront) {
+    QWidget window;
+    QWidget embedded(nullptr, Qt::Window | Qt::BypassWindowManagerHint);
+    for (QWidget* widget : {&window, &embedded}) {
+        widget->setAttribute(Qt::WA_ShowWithoutActivating);
+        widget->show();
+    }
+    QWidget hidden;
+    ASSERT_FALSE(window.isActiveWindow());
+    panels.bringToFront();
+    EXPECT_TRUE(waitUntil([&] { return window.isActiveWindow(); }));
+    EXPECT_FALSE(hidden.isVisible());
+    EXPECT_FALSE(embedded.isActiveWindow());
+}
