@@ -3,12 +3,17 @@
 
 #include "alerts/Prefs.h"
 #include "platform/Clock.h"
+#include "platform/Files.h"
+#include "platform/Panels.h"
 #include "platform/ProcessInfo.h"
 #include "platform/UserDefaults.h"
 #include "platform/Workspace.h"
 
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <system_error>
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -19,7 +24,8 @@ AppModel::AppModel(const Platform& platform)
     , historyVersion(0)
     , snoozeUntil(Prefs::snoozeUntil(platform.defaults, platform.clock))
     , platform_(platform)
-    , reader(platform.powerSources, platform.processInfo) {}
+    , reader(platform.powerSources, platform.processInfo)
+    , history(platform.files, platform.clock, platform.calendar) {}
 
 template <class Function>
 auto AppModel::trigger(Function function) {
@@ -50,6 +56,9 @@ void AppModel::refresh(Reason reason) {
     trackPluggedIn(reading, now, reason);
     if (reading != state.get())
         state.set(reading);
+    // An event may be one of many; what comes on a schedule is remembered even when nothing has changed.
+    history.record(reading, now, reason != Reason::event);
+    historyVersion.set(historyVersion.get() + 1);
 }
 
 void AppModel::trackPluggedIn(const BatteryState& reading, Date now, Reason reason) {
@@ -68,4 +77,20 @@ void AppModel::snooze() {
     Prefs::setSnoozeUntil(platform_.defaults, platform_.clock.now() + 1h);
     // Read back, so that what is shown is exactly what is stored.
     snoozeUntil.set(Prefs::snoozeUntil(platform_.defaults, platform_.clock));
+}
+
+void AppModel::exportHistoryCSV() {
+    platform_.panels.bringToFront();
+    const std::optional<std::filesystem::path> file =
+        platform_.panels.runSavePanel({.contentType = "text/csv", .suggestedName = "Velmora-history.csv"});
+    if (!file)
+        return;
+    if (const std::error_code error = platform_.files.replace(*file, history.csv()))
+        platform_.panels.runErrorAlert(*file, error);
+}
+
+void AppModel::resetHistory() {
+    history.samples.clear();
+    history.save(platform_.clock.now());
+    historyVersion.set(historyVersion.get() + 1);
 }

@@ -43,6 +43,12 @@ public:
     /// No reminders for an hour from now.
     void snooze();
 
+    /// Lets the user choose a file and writes the history to it as comma-separated text; says so when that fails.
+    void exportHistoryCSV();
+
+    /// Forgets the history, on the disk too.
+    void resetHistory();
+
 private:
     Platform platform_;
     BatteryReader reader;

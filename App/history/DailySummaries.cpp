@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "history/HistoryStore.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <functional>
+#include <limits>
+#include <map>
+
+namespace {
+
+constexpr double longestInterval = 900; ///< seconds; over a longer gap, for instance sleep, nothing is known
+
+/// What has been added up for one day.
+struct Acc {
+    double w = 0;   ///< seconds that count
+    double sum = 0; ///< seconds times percent
+    std::int64_t lo = 100;
+    std::int64_t hi = 0;
+    double chg = 0; ///< of the seconds that count, those spent charging
+};
+
+/// Halves go away from zero.
+std::int64_t rounded(double value) {
+    using Limits = std::numeric_limits<std::int64_t>;
+    const double whole = std::round(value);
+    if (whole >= static_cast<double>(Limits::max()))
+        return Limits::max();
+    return whole <= static_cast<double>(Limits::min()) ? Limits::min() : static_cast<std::int64_t>(whole);
+}
+
+HistoryStore::DaySummary summary(Date day, const Acc& acc) {
+    return {.day = day,
+            .avgPercent = acc.w > 0 ? rounded(acc.sum / acc.w) : acc.hi,
+            .minPercent = acc.lo,
+            .maxPercent = acc.hi,
+            .chargingMinutes = static_cast<std::int64_t>(acc.chg / 60)};
+}
+
+} // namespace
+
+std::vector<HistoryStore::DaySummary> HistoryStore::dailySummaries(std::int64_t days, Date now) const {
+    const Date start = calendar_.addingDays(calendar_.day(now).start, 1 - days).value_or(now);
+    const std::vector<Sample> list = samplesSince(start);
+    std::map<Date, Acc, std::greater<>> accounts;
+    // Asking the calendar takes longer than all the rest, and most samples are of the same day as the one before.
+    Calendar::Day day{};
+    Date asked = Date::max();
+    for (std::size_t i = 0; i < list.size(); ++i) {
+        const Sample& sample = list[i];
+        if (const Date date = sample.date(); date < asked || date >= day.until) {
+            day = calendar_.day(date);
+            asked = date;
+        }
+        Acc& acc = accounts[day.start];
+        acc.lo = std::min(acc.lo, sample.p);
+        acc.hi = std::max(acc.hi, sample.p);
+        // The whole interval belongs to the day that it begins in.
+        const double interval = i + 1 < list.size() ? list[i + 1].t - sample.t : 0;
+        if (interval > 0 && interval <= longestInterval) {
+            acc.w += interval;
+            acc.sum += interval * static_cast<double>(sample.p);
+            if (sample.c)
+                acc.chg += interval;
+        }
+    }
+    std::vector<DaySummary> summaries;
+    for (const auto& [key, acc] : accounts)
+        summaries.push_back(summary(key, acc));
+    return summaries;
+}

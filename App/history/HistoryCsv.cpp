@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "history/HistoryCsv.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace {
+
+constexpr std::int64_t secondsOfDay = 86400;
+
+void append(std::string& text, std::int64_t number, std::size_t leastDigits = 1) {
+    std::array<char, 24> digits{};
+    const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), number < 0 ? -number : number);
+    const auto length = static_cast<std::size_t>(result.ptr - digits.data());
+    if (number < 0)
+        text += '-';
+    text.append(leastDigits - std::min(leastDigits, length), '0');
+    text.append(digits.data(), length);
+}
+
+/// The date in the proleptic Gregorian calendar. std::chrono's own stops at the year 32767, and a file can hold any
+/// time.
+void appendDate(std::string& text, std::int64_t daysSince1970) {
+    // Counted in eras of 400 years, and in years that begin in March, so that the leap day comes last.
+    // From Howard Hinnant's paper on chrono-compatible low-level date algorithms.
+    constexpr std::int64_t daysOfEra = 146097;
+    const std::int64_t days = daysSince1970 + 719468;
+    const std::int64_t era = (days >= 0 ? days : days - (daysOfEra - 1)) / daysOfEra;
+    const std::int64_t dayOfEra = days - era * daysOfEra;
+    const std::int64_t yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+    const std::int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+    const std::int64_t marchMonth = (5 * dayOfYear + 2) / 153;
+    const std::int64_t day = dayOfYear - (153 * marchMonth + 2) / 5 + 1;
+    const std::int64_t month = marchMonth < 10 ? marchMonth + 3 : marchMonth - 9;
+    append(text, yearOfEra + era * 400 + (month <= 2 ? 1 : 0), 4);
+    text += '-';
+    append(text, month, 2);
+    text += '-';
+    append(text, day, 2);
+}
+
+void appendTimestamp(std::string& text, double t) {
+    // Far beyond any time that means something, and well inside what the arithmetic can do.
+    constexpr double furthest = 1e15;
+    const auto seconds = static_cast<std::int64_t>(std::clamp(std::floor(t), -furthest, furthest));
+    const std::int64_t ofDay = ((seconds % secondsOfDay) + secondsOfDay) % secondsOfDay;
+    appendDate(text, (seconds - ofDay) / secondsOfDay);
+    text += 'T';
+    append(text, ofDay / 3600, 2);
+    text += ':';
+    append(text, ofDay / 60 % 60, 2);
+    text += ':';
+    append(text, ofDay % 60, 2);
+    text += 'Z';
+}
+
+std::string_view word(bool value) {
+    return value ? "true" : "false";
+}
+
+} // namespace
+
+std::string historyCsv(const std::deque<Sample>& samples) {
+    constexpr std::string_view header = "timestamp,percent,charging,plugged_in\n";
+    constexpr std::size_t usualLength = 36; // 2026-11-15T08:00:00Z,80,false,false
+    std::string text;
+    text.reserve(header.size() + samples.size() * usualLength);
+    text += header;
+    for (const Sample& sample : samples) {
+        appendTimestamp(text, sample.t);
+        text += ',';
+        append(text, sample.p);
+        text += ',';
+        text += word(sample.c);
+        text += ',';
+        text += word(sample.a);
+        text += '\n';
+    }
+    return text;
+}

@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "history/Sample.h"
+
+#include <deque>
+#include <string>
+
+/// The samples as comma-separated text: a header, then a line for each, "2026-11-15T08:00:00Z,80,true,true". Times are
+/// in UTC, the fraction of the second is cut off. Each line ends in a line feed.
+std::string historyCsv(const std::deque<Sample>& samples);

@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "history/HistoryFile.h"
+
+#include <simdjson.h>
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <string_view>
+#include <utility>
+
+namespace {
+
+namespace json = simdjson::ondemand;
+
+/// Nobody nests deeper by intention, and the stack has an end.
+constexpr int deepestNesting = 200;
+
+/// The parser looks only at what it is asked for. A value that nobody needs is asked for all the same, because a file
+/// that is broken anywhere may be broken everywhere.
+bool isSound(json::value value, int depth);
+
+bool isSoundArray(json::value value, int depth) {
+    json::array array;
+    if (value.get_array().get(array) != simdjson::SUCCESS)
+        return false;
+    for (auto element : array) {
+        json::value inner;
+        if (element.get(inner) != simdjson::SUCCESS || !isSound(inner, depth))
+            return false;
+    }
+    return true;
+}
+
+bool isSoundObject(json::value value, int depth) {
+    json::object object;
+    if (value.get_object().get(object) != simdjson::SUCCESS)
+        return false;
+    for (auto entry : object) {
+        json::field field;
+        std::string_view key;
+        if (std::move(entry).get(field) != simdjson::SUCCESS || field.unescaped_key().get(key) != simdjson::SUCCESS ||
+            !isSound(field.value(), depth))
+            return false;
+    }
+    return true;
+}
+
+bool isSound(json::value value, int depth) {
+    json::json_type type{};
+    if (depth > deepestNesting || value.type().get(type) != simdjson::SUCCESS)
+        return false;
+    switch (type) {
+    case json::json_type::array:
+        return isSoundArray(value, depth + 1);
+    case json::json_type::object:
+        return isSoundObject(value, depth + 1);
+    case json::json_type::number:
+        return value.get_double().error() == simdjson::SUCCESS;
+    case json::json_type::string:
+        return value.get_string().error() == simdjson::SUCCESS;
+    case json::json_type::boolean:
+        return value.get_bool().error() == simdjson::SUCCESS;
+    case json::json_type::null: {
+        bool isNull = false;
+        return value.is_null().get(isNull) == simdjson::SUCCESS && isNull;
+    }
+    }
+    return false;
+}
+
+/// 2 to the 63rd, the first number that is too large for a percentage. As a double it is exact.
+constexpr double tooLargeForPercent = 9223372036854775808.0;
+
+/// Reads a whole number, also one that is written with a decimal point or an exponent; any other number is no value.
+/// False when the text is no number at all.
+bool readWhole(json::value& value, std::optional<std::int64_t>& into) {
+    std::int64_t whole = 0;
+    double number = 0;
+    into.reset();
+    if (value.get_int64().get(whole) == simdjson::SUCCESS) {
+        into = whole;
+        return true;
+    }
+    if (value.get_double().get(number) != simdjson::SUCCESS)
+        return false;
+    if (std::trunc(number) == number && number >= -tooLargeForPercent && number < tooLargeForPercent)
+        into = static_cast<std::int64_t>(number);
+    return true;
+}
+
+/// What has been read of one object.
+struct Fields {
+    std::optional<double> t;
+    std::optional<std::int64_t> p;
+    std::optional<bool> c;
+    std::optional<bool> a;
+
+    /// Takes one key with its value. False when the text itself is broken; a value of another kind than the key's own
+    /// is no value.
+    bool take(std::string_view key, json::value value) {
+        json::json_type type{};
+        if (value.type().get(type) != simdjson::SUCCESS)
+            return false;
+        const bool isNumber = type == json::json_type::number;
+        const bool isBoolean = type == json::json_type::boolean;
+        if (key == "t" && isNumber)
+            return read(value.get_double(), t);
+        if (key == "p" && isNumber)
+            return readWhole(value, p);
+        if (key == "c" && isBoolean)
+            return read(value.get_bool(), c);
+        if (key == "a" && isBoolean)
+            return read(value.get_bool(), a);
+        if (key == "t")
+            t.reset();
+        else if (key == "p")
+            p.reset();
+        else if (key == "c")
+            c.reset();
+        else if (key == "a")
+            a.reset();
+        return isSound(value, 0);
+    }
+
+    std::optional<Sample> sample() const {
+        if (!t || !p || !c || !a)
+            return std::nullopt;
+        return Sample{.t = *t, .p = *p, .c = *c, .a = *a};
+    }
+
+private:
+    template <class Result, class Value>
+    static bool read(Result result, std::optional<Value>& into) {
+        Value value{};
+        if (std::move(result).get(value) != simdjson::SUCCESS)
+            return false;
+        into = value;
+        return true;
+    }
+};
+
+std::optional<Sample> decodeSample(json::value value) {
+    json::object object;
+    if (value.get_object().get(object) != simdjson::SUCCESS)
+        return std::nullopt;
+    Fields fields;
+    for (auto entry : object) {
+        json::field field;
+        std::string_view key;
+        if (std::move(entry).get(field) != simdjson::SUCCESS || field.unescaped_key().get(key) != simdjson::SUCCESS ||
+            !fields.take(key, field.value()))
+            return std::nullopt;
+    }
+    return fields.sample();
+}
+
+template <class Number, class... Format>
+void append(std::string& text, Number number, Format... format) {
+    std::array<char, 32> digits{};
+    const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), number, format...);
+    text.append(digits.data(), result.ptr);
+}
+
+/// As short as it can be, but times that people live in without an exponent.
+void appendTime(std::string& text, double t) {
+    if (std::abs(t) >= 1e-4 && std::abs(t) < 1e16)
+        append(text, t, std::chars_format::fixed);
+    else
+        append(text, t);
+}
+
+} // namespace
+
+std::optional<std::deque<Sample>> decodeHistory(std::string text) {
+    // Later versions of the parser step over a byte-order mark.
+    if (text.starts_with("\xEF\xBB\xBF"))
+        return std::nullopt;
+    const std::size_t length = text.size();
+    text.reserve(length + simdjson::SIMDJSON_PADDING);
+    json::parser parser;
+    json::document document;
+    json::array array;
+    if (parser.iterate(simdjson::padded_string_view(text.data(), length, text.capacity())).get(document) !=
+            simdjson::SUCCESS ||
+        document.get_array().get(array) != simdjson::SUCCESS)
+        return std::nullopt;
+    std::deque<Sample> samples;
+    for (auto element : array) {
+        json::value value;
+        if (element.get(value) != simdjson::SUCCESS)
+            return std::nullopt;
+        const std::optional<Sample> sample = decodeSample(value);
+        if (!sample)
+            return std::nullopt;
+        samples.push_back(*sample);
+    }
+    // There is no place to read on from when all of the text was used up.
+    if (document.current_location().error() != simdjson::OUT_OF_BOUNDS)
+        return std::nullopt;
+    return samples;
+}
+
+std::optional<std::string> encodeHistory(const std::deque<Sample>& samples) {
+    constexpr std::size_t usualLength = 56; // {"t":1731650000.123456,"p":80,"c":false,"a":false},
+    std::string text;
+    text.reserve(samples.size() * usualLength + 2);
+    text += '[';
+    for (const Sample& sample : samples) {
+        if (!std::isfinite(sample.t))
+            return std::nullopt;
+        text += text.size() == 1 ? R"({"t":)" : R"(,{"t":)";
+        appendTime(text, sample.t);
+        text += R"(,"p":)";
+        append(text, sample.p);
+        text += sample.c ? R"(,"c":true)" : R"(,"c":false)";
+        text += sample.a ? R"(,"a":true})" : R"(,"a":false})";
+    }
+    text += ']';
+    return text;
+}

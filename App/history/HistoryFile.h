@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "history/Sample.h"
+
+#include <deque>
+#include <optional>
+#include <string>
+
+/// The history file: one JSON array with an object for each sample,
+/// [{"t":1731650000.25,"p":80,"c":true,"a":true},…], times in seconds since 1970.
+
+/// The samples in the order of the text; empty when any part of it is not as it must be. White space, the order of the
+/// keys and keys of other names do not matter; of a key that comes twice the last one counts.
+std::optional<std::deque<Sample>> decodeHistory(std::string text);
+
+/// The text for the samples, without white space; numbers are as short as they can be and still read back the same.
+/// Empty when a time is not finite, which JSON cannot say.
+std::optional<std::string> encodeHistory(const std::deque<Sample>& samples);
