@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "support/RandomHistory.h"
+
+#include "support/FakeClock.h"
+#include "support/FakeFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <ostream>
+#include <random>
+#include <utility>
+
+// What GoogleTest shows when two differ.
+static void PrintTo(const Sample& sample, std::ostream* stream) {
+    *stream << "{t " << std::to_string(sample.t) << ", p " << sample.p << (sample.c ? ", c" : "")
+            << (sample.a ? ", a}" : "}");
+}
+
+static void PrintTo(const HistoryStore::DaySummary& day, std::ostream* stream) {
+    *stream << "{day " << std::to_string(day.day.time_since_epoch().count()) << ", average " << day.avgPercent << ", "
+            << day.minPercent << " to " << day.maxPercent << ", charging " << day.chargingMinutes << " min}";
+}
+
+namespace {
+
+constexpr double days = 86400;
+constexpr double leastStep = 0.125;
+
+/// The same throws on every machine, which the standard library's distributions do not promise.
+class Dice {
+public:
+    explicit Dice(std::uint64_t seed) : engine_(seed) {}
+    std::int64_t below(std::int64_t number) {
+        return static_cast<std::int64_t>(engine_() % static_cast<std::uint64_t>(number));
+    }
+    std::int64_t from(std::int64_t least, std::int64_t most) { return least + below(most - least + 1); }
+    bool oneIn(std::int64_t number) { return below(number) == 0; }
+    template <class List>
+    const auto& oneOf(const List& list) {
+        return list[static_cast<std::size_t>(below(static_cast<std::int64_t>(std::size(list))))];
+    }
+    /// That number, or the least step more or less.
+    double about(double number) { return number + static_cast<double>(from(-1, 1)) * leastStep; }
+
+private:
+    std::mt19937_64 engine_;
+};
+
+class Play {
+public:
+    Play(std::uint64_t seed, const Calendar& calendar, const PlainHistory::LocalClock& localClock,
+         const std::vector<std::int64_t>& places)
+        : dice_(seed)
+        , now_(static_cast<double>(dice_.oneOf(places)) + static_cast<double>(dice_.from(-3 * 86400, 3 * 86400)))
+        , isCalm_(dice_.oneIn(2))
+        , localClock_(localClock)
+        , plain_(localClock)
+        , store_(withFile(), clock_, calendar) {
+        plain_.load(list_, Date(Duration(now_)));
+        compareState();
+    }
+
+    void run() {
+        const std::int64_t steps = dice_.from(1, 120);
+        for (std::int64_t step = 0; step < steps && !testing::Test::HasFailure(); ++step) {
+            SCOPED_TRACE("step " + std::to_string(step) + ", now " + std::to_string(now_));
+            passTime();
+            act();
+            compareState();
+            compareAnswers();
+        }
+    }
+
+private:
+    Dice dice_;
+    double now_;
+    bool isCalm_; ///< a reading each minute most of the time, so that long runs come about
+    const PlainHistory::LocalClock& localClock_;
+    FakeClock clock_{Date(Duration(now_))};
+    FakeFiles files_;
+    BatteryState state_;
+    std::vector<Sample> list_; ///< what the file holds at the start
+    PlainHistory plain_;
+    HistoryStore store_;
+
+    Date now() const { return Date(Duration(now_)); }
+
+    /// The limits of all rules, one step below, and one above.
+    double gap() {
+        static constexpr std::array gaps{1.0, 60.0, 300.0, 600.0, 900.0, 3600.0, days, 5 * days, 30 * days};
+        return dice_.about(dice_.oneOf(gaps));
+    }
+
+    /// The least step more than the limit at most; smaller steps are likelier.
+    double smallGap() {
+        static constexpr std::array gaps{60.0, 60.0, 60.0, 60.0, 60.0, 60.0, 300.0, 600.0, 900.0};
+        return dice_.about(dice_.oneOf(gaps));
+    }
+
+    Sample sample(double t) {
+        return {t, dice_.oneIn(30) ? dice_.from(-250, 250) : dice_.from(0, 100), dice_.oneIn(2), !dice_.oneIn(3)};
+    }
+
+    /// Written by hand in any order, with several samples of one time.
+    FakeFiles& withFile() {
+        if (dice_.oneIn(3))
+            return files_;
+        double t = now_ - static_cast<double>(dice_.from(0, 31 * 86400));
+        for (std::int64_t i = dice_.below(60); i > 0; --i) {
+            list_.push_back(sample(t));
+            t += dice_.oneIn(4) ? 0 : dice_.oneIn(isCalm_ ? 20 : 3) ? gap() : smallGap();
+        }
+        if (!list_.empty()) // one at the very limit
+            list_.push_back(sample(dice_.about(now_ - 30 * days)));
+        if (dice_.oneIn(2)) {
+            for (std::size_t i = list_.size(); i > 1; --i)
+                std::swap(list_[i - 1], list_[static_cast<std::size_t>(dice_.below(static_cast<std::int64_t>(i)))]);
+        }
+        PlainHistory writer(nullptr);
+        writer.samples = list_;
+        writer.save(now());
+        plain_.file = writer.file;
+        files_.files[files_.support / "Velmora/history.json"] = writer.file;
+        return files_;
+    }
+
+    /// If the clock is not set until then.
+    double nextMidnight() const {
+        const double local = static_cast<double>(localClock_(static_cast<std::int64_t>(std::floor(now_))));
+        return std::floor(now_) + (std::floor(local / days) + 1) * days - local;
+    }
+
+    void passTime() {
+        if (!plain_.samples.empty() && dice_.oneIn(25))
+            now_ = dice_.about(dice_.oneOf(plain_.samples).t + 30 * days);
+        else if (dice_.oneIn(25))
+            now_ = dice_.about(nextMidnight());
+        else if (dice_.oneIn(isCalm_ ? 60 : 8))
+            now_ += dice_.oneIn(3) ? -gap() : gap();
+        else
+            now_ += dice_.oneIn(10) ? 0 : smallGap();
+    }
+
+    void act() {
+        if (dice_.oneIn(40)) {
+            files_.refusesWrites = plain_.isDiskFull = !files_.refusesWrites;
+        } else if (dice_.oneIn(40)) {
+            store_.save(now());
+            plain_.save(now());
+        } else if (dice_.oneIn(100)) {
+            store_.samples.clear();
+            plain_.samples.clear();
+        } else {
+            state_.hasBattery = !dice_.oneIn(20);
+            if (dice_.oneIn(2))
+                state_.percent = dice_.oneIn(30) ? dice_.from(-250, 250) : dice_.from(0, 100);
+            if (dice_.oneIn(isCalm_ ? 30 : 5))
+                state_.isCharging = !state_.isCharging;
+            if (dice_.oneIn(isCalm_ ? 30 : 5))
+                state_.pluggedIn = !state_.pluggedIn;
+            const bool force = dice_.oneIn(3);
+            store_.record(state_, now(), force);
+            plain_.record(state_, now(), force);
+        }
+    }
+
+    void compareState() {
+        ASSERT_EQ(std::vector(store_.samples.begin(), store_.samples.end()), plain_.samples);
+        ASSERT_EQ(files_.replacedPaths.size(), plain_.timesSaved);
+        ASSERT_EQ(files_.files[files_.support / "Velmora/history.json"], plain_.file);
+    }
+
+    void compareAnswers() {
+        const Date asked(Duration(now_ + (dice_.oneIn(2) ? 0 : dice_.oneIn(3) ? -gap() : gap())));
+        EXPECT_EQ(store_.pluggedSinceEstimate(asked), plain_.pluggedSince(asked));
+        const double since = plain_.samples.empty() ? now_ : dice_.about(dice_.oneOf(plain_.samples).t);
+        EXPECT_EQ(store_.samplesSince(Date(Duration(since))), plain_.since(Date(Duration(since))));
+        EXPECT_EQ(store_.csv(), plain_.csv());
+        const std::int64_t dayCount = dice_.oneIn(10) ? dice_.from(-3, 40) : dice_.from(1, 8);
+        EXPECT_EQ(store_.dailySummaries(dayCount, asked), plain_.dailySummaries(dayCount, asked)) << dayCount;
+    }
+};
+
+} // namespace
+
+void playRandomHistory(std::uint64_t seed, const Calendar& calendar, const PlainHistory::LocalClock& localClock,
+                       const std::vector<std::int64_t>& places) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    Play(seed, calendar, localClock, places).run();
+}
