@@ -14,8 +14,10 @@ namespace {
 constexpr std::int64_t secondsOfDay = 86400;
 
 void append(std::string& text, std::int64_t number, std::size_t leastDigits = 1) {
+    // Of the lowest number there is no positive counterpart, unless without a sign.
+    const auto bits = static_cast<std::uint64_t>(number);
     std::array<char, 24> digits{};
-    const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), number < 0 ? -number : number);
+    const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), number < 0 ? 0 - bits : bits);
     const auto length = static_cast<std::size_t>(result.ptr - digits.data());
     if (number < 0)
         text += '-';
