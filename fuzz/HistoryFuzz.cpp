@@ -1,0 +1,83 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "StrictHistory.h"
+#include "history/HistoryFile.h"
+#include "history/HistoryStore.h"
+#include "support/FakeCalendar.h"
+#include "support/FakeClock.h"
+#include "support/FakeFiles.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <iostream>
+#include <sstream>
+#include <string>
+
+namespace {
+
+void require(bool holds, const char* what) {
+    if (holds)
+        return;
+    std::cerr << "This does not hold: " << what << std::endl;
+    std::abort();
+}
+
+void checkThatItReadsBack(const std::deque<Sample>& samples) {
+    const std::optional<std::string> text = encodeHistory(samples);
+    require(text.has_value(), "what was read can be written");
+    require(decodeHistory(*text) == samples, "what was written reads back the same");
+    require(strictlyDecoded(*text) == samples, "another parser reads it the same");
+}
+
+/// The samples a program has that starts with the file, and what it makes of them.
+void checkStore(const std::string& text, const std::deque<Sample>& samples) {
+    FakeFiles files;
+    files.files[files.support / "Velmora/history.json"] = text;
+    const auto oldest = std::ranges::min_element(samples, {}, &Sample::t);
+    const FakeClock clock(oldest == samples.end() ? Date() : oldest->date());
+    const FakeCalendar calendar;
+    HistoryStore store(files, clock, calendar);
+    std::deque<Sample> sorted = samples;
+    std::ranges::stable_sort(sorted, {}, &Sample::t);
+    require(store.samples == sorted, "all samples are loaded, oldest first");
+
+    std::istringstream lines(store.csv());
+    std::string line;
+    std::getline(lines, line);
+    for (const Sample& sample : sorted) {
+        std::getline(lines, line);
+        const std::string rest =
+            "Z," + std::to_string(sample.p) + (sample.c ? ",true" : ",false") + (sample.a ? ",true" : ",false");
+        require(line.ends_with(rest), "each sample is a line of the exported text");
+    }
+    require(!std::getline(lines, line), "the exported text ends with the last sample");
+    if (sorted.empty())
+        return;
+    for (const Date now : {sorted.front().date(), sorted.back().date()}) {
+        (void)store.pluggedSinceEstimate(now);
+        for (const HistoryStore::DaySummary& day : store.dailySummaries(7, now)) {
+            require(day.minPercent <= 100 && day.maxPercent >= 0, "the limits of a day are themselves limited");
+            require(day.chargingMinutes >= 0, "nothing charges for less than no time");
+        }
+    }
+    BatteryState state;
+    state.hasBattery = true;
+    store.record(state, sorted.back().date(), true);
+    require(decodeHistory(files.files[files.support / "Velmora/history.json"]) == store.samples,
+            "the file holds what the store holds");
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string text(data, data + size);
+    const std::optional<std::deque<Sample>> samples = decodeHistory(text);
+    require(samples == strictlyDecoded(text), "another parser says the same");
+    checkStore(text, samples.value_or(std::deque<Sample>()));
+    if (samples)
+        checkThatItReadsBack(*samples);
+    return 0;
+}
