@@ -54,7 +54,8 @@ std::optional<std::string> PosixFiles::read(const fs::path& file, std::size_t li
         return std::nullopt;
     if (std::cmp_greater(status.st_size, limit))
         return std::nullopt;
-    return readDescriptor(descriptor.get(), limit);
+    constexpr std::size_t roomForParsers = 64; // they read beyond the end, and would have to copy all of it
+    return readDescriptor(descriptor.get(), limit, static_cast<std::size_t>(status.st_size) + roomForParsers);
 }
 
 fs::path PosixFiles::linkTarget(const fs::path& file) {

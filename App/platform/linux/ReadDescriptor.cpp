@@ -6,8 +6,9 @@
 #include <array>
 #include <cerrno>
 
-std::optional<std::string> readDescriptor(int descriptor, std::size_t limit) {
+std::optional<std::string> readDescriptor(int descriptor, std::size_t limit, std::size_t expected) {
     std::string content;
+    content.reserve(expected);
     std::array<char, 4096> block{};
     for (;;) {
         const ssize_t count = ::read(descriptor, block.data(), block.size());
