@@ -10,6 +10,7 @@ target_compile_definitions(velmora_desktop_test_support
 target_link_libraries(velmora_desktop_test_support PUBLIC velmora_test_support Qt6::Core PRIVATE velmora_options)
 
 add_executable(velmora_adapter_tests
+    history/HistoryDiskTest.cpp
     history/HistoryZonesTest.cpp
     platform/linux/FixturesTest.cpp
     platform/linux/JsonUserDefaultsTest.cpp
