@@ -11,6 +11,7 @@ target_link_libraries(velmora_desktop_test_support PUBLIC velmora_test_support Q
 
 add_executable(velmora_adapter_tests
     history/HistoryDiskTest.cpp
+    history/HistoryKillTest.cpp
     history/HistoryZonesTest.cpp
     platform/linux/FixturesTest.cpp
     platform/linux/JsonUserDefaultsTest.cpp
