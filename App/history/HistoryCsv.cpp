@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "history/HistoryCsv.h"
 
-#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -13,16 +12,25 @@ namespace {
 
 constexpr std::int64_t secondsOfDay = 86400;
 
-void append(std::string& text, std::int64_t number, std::size_t leastDigits = 1) {
-    // Of the lowest number there is no positive counterpart, unless without a sign.
-    const auto bits = static_cast<std::uint64_t>(number);
+void append(std::string& text, std::int64_t number) {
     std::array<char, 24> digits{};
-    const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), number < 0 ? 0 - bits : bits);
-    const auto length = static_cast<std::size_t>(result.ptr - digits.data());
-    if (number < 0)
-        text += '-';
-    text.append(leastDigits - std::min(leastDigits, length), '0');
-    text.append(digits.data(), length);
+    text.append(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr);
+}
+
+/// With leading zeros to two digits.
+void appendTwo(std::string& text, std::int64_t number) {
+    text += static_cast<char>('0' + number / 10);
+    text += static_cast<char>('0' + number % 10);
+}
+
+/// With leading zeros to four digits.
+void appendYear(std::string& text, std::int64_t year) {
+    if (year < 0 || year > 9999) {
+        append(text, year);
+        return;
+    }
+    appendTwo(text, year / 100);
+    appendTwo(text, year % 100);
 }
 
 /// The date in the proleptic Gregorian calendar. std::chrono's own stops at the year 32767, and a file can hold any
@@ -39,25 +47,25 @@ void appendDate(std::string& text, std::int64_t daysSince1970) {
     const std::int64_t marchMonth = (5 * dayOfYear + 2) / 153;
     const std::int64_t day = dayOfYear - (153 * marchMonth + 2) / 5 + 1;
     const std::int64_t month = marchMonth < 10 ? marchMonth + 3 : marchMonth - 9;
-    append(text, yearOfEra + era * 400 + (month <= 2 ? 1 : 0), 4);
+    appendYear(text, yearOfEra + era * 400 + (month <= 2 ? 1 : 0));
     text += '-';
-    append(text, month, 2);
+    appendTwo(text, month);
     text += '-';
-    append(text, day, 2);
+    appendTwo(text, day);
 }
 
 void appendTimestamp(std::string& text, double t) {
     // Far beyond any time that means something, and well inside what the arithmetic can do.
     constexpr double furthest = 1e15;
-    const auto seconds = static_cast<std::int64_t>(std::clamp(std::floor(t), -furthest, furthest));
+    const auto seconds = static_cast<std::int64_t>(std::fmin(std::fmax(std::floor(t), -furthest), furthest));
     const std::int64_t ofDay = ((seconds % secondsOfDay) + secondsOfDay) % secondsOfDay;
     appendDate(text, (seconds - ofDay) / secondsOfDay);
     text += 'T';
-    append(text, ofDay / 3600, 2);
+    appendTwo(text, ofDay / 3600);
     text += ':';
-    append(text, ofDay / 60 % 60, 2);
+    appendTwo(text, ofDay / 60 % 60);
     text += ':';
-    append(text, ofDay % 60, 2);
+    appendTwo(text, ofDay % 60);
     text += 'Z';
 }
 

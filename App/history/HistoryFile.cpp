@@ -90,7 +90,7 @@ bool isSound(json::value value, int depth) {
     return false;
 }
 
-/// 2 to the 63rd, the first number that is too large for a percentage. As a double it is exact.
+/// 2 to the 63rd. What is no integer by its writing must be smaller, for a double cannot tell the next larger integers.
 constexpr double tooLargeForPercent = 9223372036854775808.0;
 
 /// Reads a whole number, also one that is written with a decimal point or an exponent; any other number is no value.
@@ -105,7 +105,7 @@ bool readWhole(json::value& value, std::optional<std::int64_t>& into) {
     }
     if (!readNumber(value, number))
         return false;
-    if (std::trunc(number) == number && number >= -tooLargeForPercent && number < tooLargeForPercent)
+    if (std::trunc(number) == number && std::abs(number) < tooLargeForPercent)
         into = static_cast<std::int64_t>(number);
     return true;
 }
