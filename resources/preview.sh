@@ -1,15 +1,16 @@
 #!/bin/sh
 # SPDX-License-Identifier: GPL-3.0-or-later
 #
-# Draws contact sheets of all icons, to be judged by eye.
+# Draws contact sheets of all icon files, to be judged by eye. What panels get that cannot colour them, the test of
+# GlyphImages leaves in pictures/glyphs.png of the build folder.
 # Usage: preview.sh FOLDER [NUMBERS]
 # NUMBERS is the folder with the generated percentage glyphs: share/icons/hicolor/scalable/status in a build folder.
 # Needs rsvg-convert and ImageMagick (convert, montage).
 #
-# Glyph columns are in the order of $glyphs below, rows are the sizes of $sizes.
+# Glyph columns are in the order of $glyphs below, rows are 16 px, which has files of its own, and the sizes of $sizes.
 #   glyphs-light-on-dark.png, glyphs-dark-on-light.png   recoloured, as a panel would
 #   glyphs-plain-on-dark.png, glyphs-plain-on-light.png  as they are in the files
-#   glyphs-16-enlarged-*.png                             the 16 px ones, every pixel eight times as large
+#   glyphs-16-enlarged-*.png, glyphs-22-enlarged-*.png   those sizes, every pixel eight times as large
 #   application-on-dark.png, application-on-light.png    the application icon, 16 to 256 px
 # With NUMBERS: columns are the percentages of $numbers, rows the meanings of $meanings, for each of the sizes.
 #   numbers-light-on-dark.png, -dark-on-light.png, -plain-on-dark.png, -plain-on-light.png
@@ -36,7 +37,7 @@ own='#7f7f7f'
 light='#f2f2f2'
 dark='#1e1e1e'
 white='#ffffff'
-sizes='16 22 24 32 44 48 64'
+sizes='22 24 32 44 48 64'
 glyphs='battery-0 battery-25 battery-50 battery-75 battery-100 battery-100percent battery-100-bolt
         bolt-fill powerplug-fill powerplug'
 numbers='0 5 9 17 20 38 46 53 68 79 80 99 100'
@@ -97,14 +98,17 @@ enlarged() {
 glyph_sheet() {
     cd "$scratch"
     rm -f ./*
+    recolour "$icons/16x16/status" "$2" $glyphs
+    row row-16.png 16 "$3" $glyphs
+    enlarged "$out/glyphs-16-enlarged-$1.png" 16 5 "$3" $glyphs
     recolour "$icons/scalable/status" "$2" $glyphs
-    rows=
+    rows=row-16.png
     for size in $sizes; do
         row "row-$size.png" "$size" "$3" $glyphs
         rows="$rows row-$size.png"
     done
     append "$out/glyphs-$1.png" "$3" $rows
-    enlarged "$out/glyphs-16-enlarged-$1.png" 16 5 "$3" $glyphs
+    enlarged "$out/glyphs-22-enlarged-$1.png" 22 5 "$3" $glyphs
 }
 
 # number_sheet NAME FOREGROUND BACKGROUND

@@ -7,12 +7,12 @@ namespace {
 
 /// A lying battery with its contact.
 Shape battery() {
-    return {box(0, 0, 20, 6, 1.5), box(21, 2, 22, 4)};
+    return {box(0, 0, 18, 6, 1.5), box(19, 2, 20, 4)};
 }
 
 // Whole units keep the end of the level sharp at 22 px. Only 0 is empty and only 100 is without a gap.
 Shape level(int percent) {
-    constexpr int room = 18;
+    constexpr int room = 16;
     Shape shape = battery();
     if (percent >= 100)
         return shape;
@@ -23,29 +23,29 @@ Shape level(int percent) {
 
 // Lying down, it gets the whole width; upright it would be six pixels high and a speck.
 Shape bolt() {
-    return {{{1, 4}, {13, 0}, {13, 2}, {21, 2}, {9, 6}, {9, 4}}};
+    return {{{1, 4}, {12, 0}, {12, 2}, {19, 2}, {8, 6}, {8, 4}}};
 }
 
 /// A cable, a body and two pins.
 Shape plug() {
     return {{{0, 2},
-             {6, 2},
-             {6, 0, 2.5},
-             {21, 0, 0.8},
-             {21, 2, 0.8},
-             {15, 2},
-             {15, 4},
-             {21, 4, 0.8},
-             {21, 6, 0.8},
-             {6, 6, 2.5},
-             {6, 4},
+             {5, 2},
+             {5, 0, 2.5},
+             {19, 0, 0.8},
+             {19, 2, 0.8},
+             {14, 2},
+             {14, 4},
+             {19, 4, 0.8},
+             {19, 6, 0.8},
+             {5, 6, 2.5},
+             {5, 4},
              {0, 4}}};
 }
 
 // The tick tells it from a full level that is about to be used up.
 Shape full() {
     Shape shape = battery();
-    shape.push_back(hole({{7, 2.2}, {9.3, 4}, {13.2, 0.6}, {14.2, 1.7}, {9.4, 5.6}, {6, 3.2}}));
+    shape.push_back(hole({{6, 2.2}, {8.3, 4}, {12.2, 0.6}, {13.2, 1.7}, {8.4, 5.6}, {5, 3.2}}));
     return shape;
 }
 

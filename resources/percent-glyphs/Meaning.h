@@ -18,5 +18,5 @@ inline constexpr Meaning meanings[] = {Meaning::Level, Meaning::Bolt, Meaning::P
 /// The word for it in names of files.
 std::string_view meaningName(Meaning meaning);
 
-/// The sign for it, 22 wide and 6 high. The level is 0 to 100 percent.
+/// The sign for it, 20 wide and 6 high. The level is 0 to 100 percent.
 Shape meaningShape(Meaning meaning, int percent);

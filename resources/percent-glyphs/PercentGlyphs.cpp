@@ -14,23 +14,23 @@
 
 namespace {
 
-/// The number above, its meaning below, two units of air between them.
-Shape glyph(int percent, Meaning meaning) {
-    Shape shape = numberShape(percent);
-    append(shape, moved(meaningShape(meaning, percent), 0, numberHeight + 2));
-    return shape;
+// The colour stands where panels look for it when they draw the glyph in their own: the style sheet is for Plasma, the
+// attributes are for all others. The id is for those who draw pictures of it, on a ground of their own.
+std::string path(const std::string& id, const Shape& shape) {
+    return "  <path id=\"" + id +
+           R"(" class="ColorScheme-Text" style="fill:currentColor" fill="#7f7f7f" fill-rule="evenodd"
+        d=")" +
+           pathData(shape) + "\"/>\n";
 }
 
-// The colour stands where panels look for it when they draw the glyph in their own: the style sheet is for Plasma, the
-// attributes are for all others.
-std::string document(const Shape& shape) {
+/// The number above, its meaning below, a unit of air between them; and one around it, where an outline has room.
+std::string document(int percent, Meaning meaning) {
     return R"(<?xml version="1.0" encoding="UTF-8"?>
 <!-- SPDX-License-Identifier: GPL-3.0-or-later -->
 <svg xmlns="http://www.w3.org/2000/svg" width="22" height="22" viewBox="0 0 22 22" color="#7f7f7f">
   <style id="current-color-scheme" type="text/css">.ColorScheme-Text{color:#7f7f7f;}</style>
-  <path class="ColorScheme-Text" style="fill:currentColor" fill="#7f7f7f" fill-rule="evenodd"
-        d=")" +
-           pathData(shape) + "\"/>\n</svg>\n";
+)" + path("number", moved(numberShape(percent), 1, 1)) +
+           path("meaning", moved(meaningShape(meaning, percent), 1, numberHeight + 2)) + "</svg>\n";
 }
 
 void write(const std::filesystem::path& file, const std::string& text) {
@@ -47,7 +47,7 @@ void writeGlyphs(const std::filesystem::path& folder) {
         for (const Meaning meaning : meanings) {
             std::string name = "velmora-percent-" + std::to_string(percent) + '-';
             name += meaningName(meaning);
-            write(folder / (name + "-symbolic.svg"), document(glyph(percent, meaning)));
+            write(folder / (name + "-symbolic.svg"), document(percent, meaning));
         }
     }
 }
