@@ -2,11 +2,15 @@
 #include "platform/linux/GlyphImages.h"
 
 #include "platform/linux/GlyphName.h"
+#include "platform/linux/TwoTone.h"
 
 #include <QPainter>
 #include <QPixmap>
 #include <QSvgRenderer>
+#include <QTransform>
 
+#include <algorithm>
+#include <cmath>
 #include <system_error>
 #include <utility>
 
@@ -26,18 +30,24 @@ std::vector<QImage> GlyphImages::images(std::string_view symbol) const {
     QSvgRenderer glyph(QString::fromStdString(file(symbol).string()));
     if (!glyph.isValid())
         return images;
+    const QString id = QStringLiteral("number");
+    const QRectF number = glyph.elementExists(id) ? glyph.boundsOnElement(id) : QRectF();
     for (const int size : sizes) {
         QImage image(size, size, QImage::Format_ARGB32);
         image.fill(Qt::transparent);
         QPainter painter(&image);
-        // On whole pixels of the glyph's own grid where a small margin is enough for that.
+        // The glyphs leave a unit free on every side, which is where the outline goes.
         const int grid = glyph.defaultSize().width();
-        const int whole = size / grid * grid;
-        const int drawn = size - whole <= 4 * (size / grid) ? whole : size;
-        const qreal margin = (size - drawn) / 2.0;
-        glyph.render(&painter, QRectF(margin, margin, drawn, drawn));
+        const int outline = std::max(1, (size + grid / 2) / grid);
+        const double fitting = static_cast<double>(size - 2 * outline) / (grid - 2);
+        // Each unit on whole pixels where a small margin is enough for that.
+        const double whole = std::floor(fitting);
+        const double unit = fitting - whole <= whole / 5 ? whole : fitting;
+        const double margin = (size - unit * grid) / 2;
+        glyph.render(&painter, QRectF(margin, margin, unit * grid, unit * grid));
         painter.end();
-        images.push_back(std::move(image));
+        const QTransform toPixels = QTransform::fromTranslate(margin, margin).scale(unit, unit);
+        images.push_back(twoTone(image, outline, toPixels.mapRect(number).toRect()));
     }
     return images;
 }

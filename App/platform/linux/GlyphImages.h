@@ -8,12 +8,12 @@
 #include <string_view>
 #include <vector>
 
-/// Our glyphs as pictures, for panels that do not draw them by name. They keep the grey of the files, which is readable
-/// on light and on dark panels: 4 to 1 against white and against #1e1e1e, 3 to 1 against #dadada and #383838.
+/// Our glyphs as pictures, for panels that do not draw them by name in their own colour. Nobody tells us that colour,
+/// so the pictures are in two tones, one of which can be seen whatever it is.
 class GlyphImages {
 public:
     /// The sizes that panels ask for, at scale 1 and 2, in pixels.
-    static constexpr int sizes[] = {22, 24, 32, 44, 48, 64};
+    static constexpr int sizes[] = {16, 22, 24, 32, 44, 48, 64};
 
     /// `iconTheme` is the folder "…/icons" that holds the glyphs.
     explicit GlyphImages(std::filesystem::path iconTheme);

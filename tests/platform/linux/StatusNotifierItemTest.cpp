@@ -154,13 +154,13 @@ TEST_F(StatusNotifierItemTest, OffersPicturesToAPanelThatItDoesNotKnow) {
     item->show(content());
     EXPECT_EQ(item->property("IconName").toString(), QString());
     const auto pixmaps = item->property("IconPixmap").value<StatusNotifierPixmaps>();
-    ASSERT_EQ(pixmaps.size(), 6);
+    ASSERT_EQ(pixmaps.size(), 7);
     for (const StatusNotifierPixmap& pixmap : pixmaps) {
         EXPECT_EQ(pixmap.width, pixmap.height);
         ASSERT_EQ(pixmap.pixels.size(), 4 * pixmap.width * pixmap.height);
-        // Left end of the body, at half height: opaque, and the grey that is readable on light and dark.
+        // In the level, at half height: opaque, and light.
         const qsizetype pixel = 4 * (pixmap.width * (pixmap.height / 2) + pixmap.width * 5 / 16);
-        EXPECT_EQ(pixmap.pixels.mid(pixel, 4), QByteArray("\xFF\x7F\x7F\x7F", 4)) << pixmap.width;
+        EXPECT_EQ(pixmap.pixels.mid(pixel, 4), QByteArray("\xFF\xCC\xCC\xCC", 4)) << pixmap.width;
         EXPECT_EQ(pixmap.pixels.at(0), 0) << "the corner is transparent";
     }
 }
