@@ -28,6 +28,7 @@ add_executable(velmora_adapter_tests
     support/DiskFaults.cpp
     support/PrivateBus.cpp
     support/Umockdev.cpp
+    support/Watcher.h
 )
 target_link_libraries(velmora_adapter_tests PRIVATE
     velmora_desktop velmora_desktop_test_support velmora_options GTest::gtest PkgConfig::umockdev)

@@ -72,8 +72,10 @@ void StatusNotifierItem::findHost() {
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetConnectionUnixProcessID"));
     message << QString(watcherName);
     auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* call) {
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, owner = ++owner_](QDBusPendingCallWatcher* call) {
         call->deleteLater();
+        if (owner != owner_)
+            return;
         const QDBusPendingReply<uint> reply = *call;
         const bool isThere =
             !reply.isError() || reply.error().name() != QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner");
@@ -94,8 +96,10 @@ void StatusNotifierItem::askForHost() {
     message << QString(watcherName) << QStringLiteral("IsStatusNotifierHostRegistered");
     message.setAutoStartService(false);
     auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* call) {
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, owner = owner_](QDBusPendingCallWatcher* call) {
         call->deleteLater();
+        if (owner != owner_)
+            return; // a panel that has left must not be taken for one that is there
         const QDBusPendingReply<QDBusVariant> reply = *call;
         // A watcher may run with no panel behind it; one that does not tell is believed to have one.
         hostChanged_(reply.isError() || reply.value().variant().toBool());

@@ -91,6 +91,7 @@ private:
                     .recolours = true,
                     .premultiplied = false}; ///< until there is one: a name costs nothing to make
     std::string shownSymbol_;
+    unsigned long owner_ = 0; ///< of the watcher's name; answers end with the one that they are about
 
     void findHost();
     void registerWithWatcher();

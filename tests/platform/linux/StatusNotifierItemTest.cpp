@@ -3,9 +3,11 @@
 
 #include "support/PrivateBus.h"
 #include "support/WaitUntil.h"
+#include "support/Watcher.h"
 
-#include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusVariant>
+#include <QDBusVirtualObject>
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -13,46 +15,36 @@
 
 namespace {
 
-const QString watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
-
-/// A watcher that notes who registers. Its process is no panel that the program knows.
-class Watcher final : public QObject {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
-    Q_PROPERTY(bool IsStatusNotifierHostRegistered MEMBER hasHost)
-
+/// A watcher that does not say whether it has a panel before the test lets it.
+class SlowWatcher final : public QDBusVirtualObject {
 public:
-    Watcher(const PrivateBus& bus, const QString& name)
+    SlowWatcher(const PrivateBus& bus, const QString& name)
         : connection_(QDBusConnection::connectToBus(bus.address(), name)) {
-        connection_.registerObject(QStringLiteral("/StatusNotifierWatcher"), this, QDBusConnection::ExportAllContents);
+        connection_.registerVirtualObject(Watcher::path(), this);
+        connection_.registerService(Watcher::serviceName());
     }
-    ~Watcher() override { QDBusConnection::disconnectFromBus(connection_.name()); }
-    Watcher(const Watcher&) = delete;
-    Watcher& operator=(const Watcher&) = delete;
+    ~SlowWatcher() override { QDBusConnection::disconnectFromBus(connection_.name()); }
+    SlowWatcher(const SlowWatcher&) = delete;
+    SlowWatcher& operator=(const SlowWatcher&) = delete;
 
-    /// Takes the name from whoever has it, and waits for it when that one leaves.
-    void takeName() {
-        connection_.interface()->registerService(watcherName, QDBusConnectionInterface::ReplaceExistingService,
-                                                 QDBusConnectionInterface::AllowReplacement);
+    bool wasAsked() const { return question_.type() == QDBusMessage::MethodCallMessage; }
+    void leave() { connection_.unregisterService(Watcher::serviceName()); }
+    void answer(bool hasHost) { connection_.send(question_.createReply(QVariant::fromValue(QDBusVariant(hasHost)))); }
+
+    QString introspect(const QString& /*path*/) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+        if (message.member() == QLatin1String("Get")) {
+            message.setDelayedReply(true);
+            question_ = message;
+        } else {
+            connection.send(message.createReply());
+        }
+        return true;
     }
-    /// Takes the name, and queues for it when it is taken away.
-    void takeNameAndQueue() {
-        connection_.interface()->registerService(watcherName, QDBusConnectionInterface::QueueService,
-                                                 QDBusConnectionInterface::AllowReplacement);
-    }
-    void leave() { connection_.interface()->unregisterService(watcherName); }
-
-    QStringList items;
-    bool hasHost = true;
-
-Q_SIGNALS:
-    void StatusNotifierHostRegistered();
-
-public Q_SLOTS:
-    void RegisterStatusNotifierItem(const QString& item) { items.append(item); }
 
 private:
     QDBusConnection connection_;
+    QDBusMessage question_;
 };
 
 class StatusNotifierItemTest : public testing::Test {
@@ -128,10 +120,26 @@ TEST_F(StatusNotifierItemTest, TellsThatThereIsNoPanelAndRegistersWhenOneComes) 
     Watcher watcher(bus, QStringLiteral("a"));
     watcher.takeName();
     ASSERT_TRUE(registersWith(watcher, 1));
+    ASSERT_TRUE(waitUntil([&] { return hosts == std::vector{false, true}; }));
     watcher.leave();
     ASSERT_TRUE(waitUntil([&] { return hosts == std::vector{false, true, false}; }));
     watcher.takeName();
     ASSERT_TRUE(registersWith(watcher, 2));
+}
+
+TEST_F(StatusNotifierItemTest, DoesNotBelieveTheAnswerOfAWatcherThatHasLeft) {
+    SlowWatcher slow(bus, QStringLiteral("a"));
+    start();
+    ASSERT_TRUE(waitUntil([&] { return slow.wasAsked(); }));
+    slow.leave();
+    ASSERT_TRUE(waitUntil([&] { return hosts == std::vector{false}; }));
+    slow.answer(true);
+    Watcher next(bus, QStringLiteral("b"));
+    next.hasHost = false;
+    next.takeName();
+    ASSERT_TRUE(registersWith(next, 1));
+    ASSERT_TRUE(waitUntil([&] { return hosts.size() >= 2; }));
+    EXPECT_EQ(hosts, (std::vector{false, false}));
 }
 
 TEST_F(StatusNotifierItemTest, FollowsAWatcherThatTakesTheNameOverAndTheOneThatGetsItBack) {
@@ -200,5 +208,3 @@ TEST_F(StatusNotifierItemTest, TellsThePanelOnlyWhatItDoesNotHave) {
     EXPECT_EQ(told.icons, 1);
     EXPECT_EQ(told.icons + told.toolTips + told.labels, 3);
 }
-
-#include "StatusNotifierItemTest.moc"

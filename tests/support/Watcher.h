@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "support/PrivateBus.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QObject>
+#include <QStringList>
+
+/// A watcher of items on a private bus, which notes who registers. Its process is no panel that the program knows.
+class Watcher final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
+    Q_PROPERTY(bool IsStatusNotifierHostRegistered MEMBER hasHost)
+
+public:
+    static QString serviceName() { return QStringLiteral("org.kde.StatusNotifierWatcher"); }
+    static QString path() { return QStringLiteral("/StatusNotifierWatcher"); }
+
+    /// `name` is that of its connection, one for each watcher of a test.
+    Watcher(const PrivateBus& bus, const QString& name)
+        : connection_(QDBusConnection::connectToBus(bus.address(), name)) {
+        connection_.registerObject(path(), this, QDBusConnection::ExportAllContents);
+    }
+    ~Watcher() override { QDBusConnection::disconnectFromBus(connection_.name()); }
+    Watcher(const Watcher&) = delete;
+    Watcher& operator=(const Watcher&) = delete;
+
+    /// Takes the name from whoever has it, and waits for it when that one leaves.
+    void takeName() {
+        connection_.interface()->registerService(serviceName(), QDBusConnectionInterface::ReplaceExistingService,
+                                                 QDBusConnectionInterface::AllowReplacement);
+    }
+    /// Takes the name, and queues for it when it is taken away.
+    void takeNameAndQueue() {
+        connection_.interface()->registerService(serviceName(), QDBusConnectionInterface::QueueService,
+                                                 QDBusConnectionInterface::AllowReplacement);
+    }
+    void leave() { connection_.interface()->unregisterService(serviceName()); }
+
+    QStringList items;
+    bool hasHost = true; ///< whether there is a panel behind it
+
+Q_SIGNALS:
+    void StatusNotifierHostRegistered();
+
+public Q_SLOTS:
+    void RegisterStatusNotifierItem(const QString& item) { items.append(item); }
+
+private:
+    QDBusConnection connection_;
+};
