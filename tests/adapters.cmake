@@ -18,6 +18,7 @@ add_executable(velmora_adapter_tests
     platform/linux/JsonUserDefaultsTest.cpp
     platform/linux/LogindSleepTest.cpp
     platform/linux/Main.cpp
+    platform/linux/PanelBarTest.cpp
     platform/linux/PosixFilesTest.cpp
     platform/linux/PowerProfilesTest.cpp
     platform/linux/QtPanelsTest.cpp

@@ -14,6 +14,7 @@
 #include "platform/linux/SystemCalendar.h"
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/TerminationSignals.h"
+#include "platform/linux/XEmbedItem.h"
 #include "platform/linux/XdgFolders.h"
 #include "shell/AppDelegate.h"
 
@@ -22,6 +23,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <utility>
 
 namespace {
@@ -83,7 +85,10 @@ int main(int argc, char** argv) {
     SessionWorkspace workspace(sessionBus, signalEvents, sleep);
     // The glyphs stand beside the executable, wherever the bundle was put.
     const std::filesystem::path program(QCoreApplication::applicationDirPath().toStdString());
-    PanelBar statusBar(sessionBus, mainLoop, program.parent_path() / "share/icons");
+    MakeTrayItem makeTrayItem;
+    if (XEmbedItem::isPossible())
+        makeTrayItem = [](const GlyphImages& glyphs) { return std::make_unique<XEmbedItem>(glyphs); };
+    PanelBar statusBar(sessionBus, mainLoop, program.parent_path() / "share/icons", makeTrayItem);
     QtPanels panels;
 
     AppDelegate delegate(

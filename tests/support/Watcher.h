@@ -5,6 +5,8 @@
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusPendingCall>
 #include <QObject>
 #include <QStringList>
 
@@ -12,7 +14,7 @@
 class Watcher final : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
-    Q_PROPERTY(bool IsStatusNotifierHostRegistered MEMBER hasHost)
+    Q_PROPERTY(bool IsStatusNotifierHostRegistered READ isStatusNotifierHostRegistered)
 
 public:
     static QString serviceName() { return QStringLiteral("org.kde.StatusNotifierWatcher"); }
@@ -39,6 +41,22 @@ public:
     }
     void leave() { connection_.interface()->unregisterService(serviceName()); }
 
+    bool isStatusNotifierHostRegistered() const {
+        ++questions_;
+        return hasHost;
+    }
+    /// How often it was asked whether it has a panel.
+    int questions() const { return questions_; }
+
+    /// Asks the item that registered last for its title, as panels do.
+    QDBusPendingCall askForTitle() const {
+        auto message =
+            QDBusMessage::createMethodCall(items.value(items.size() - 1), QStringLiteral("/StatusNotifierItem"),
+                                           QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+        message << QStringLiteral("org.kde.StatusNotifierItem") << QStringLiteral("Title");
+        return connection_.asyncCall(message);
+    }
+
     QStringList items;
     bool hasHost = true; ///< whether there is a panel behind it
 
@@ -50,4 +68,5 @@ public Q_SLOTS:
 
 private:
     QDBusConnection connection_;
+    mutable int questions_ = 0;
 };

@@ -4,9 +4,6 @@
 #include "platform/Lifetime.h"
 #include "platform/MainLoop.h"
 #include "platform/linux/StatusNotifierItem.h"
-#include "platform/linux/XEmbedItem.h"
-
-#include <QGuiApplication>
 
 #include <utility>
 
@@ -17,9 +14,10 @@ constexpr Duration patience{10};
 
 class PanelItem final : public StatusItem {
 public:
-    PanelItem(QDBusConnection bus, MainLoop& loop, const GlyphImages& glyphs)
+    PanelItem(QDBusConnection bus, MainLoop& loop, const GlyphImages& glyphs, const MakeTrayItem& makeTrayItem)
         : loop_(loop)
         , glyphs_(glyphs)
+        , makeTrayItem_(makeTrayItem)
         , notifierItem_(std::move(bus), glyphs, [this](bool isThere) { hostChanged(isThere); }) {}
 
     bool knowsSymbol(std::string_view name) const override { return notifierItem_.knowsSymbol(name); }
@@ -46,11 +44,12 @@ public:
 private:
     MainLoop& loop_;
     const GlyphImages& glyphs_;
+    const MakeTrayItem& makeTrayItem_;
     Content content_;
     std::function<void(std::optional<ScreenPoint>)> action_;
     std::vector<MenuEntry> entries_;
     unsigned long change_ = 0; ///< of the host; the wait for one ends with the next
-    std::unique_ptr<XEmbedItem> trayItem_;
+    std::unique_ptr<StatusItem> trayItem_;
     StatusNotifierItem notifierItem_;
     Lifetime lifetime_;
 
@@ -58,7 +57,7 @@ private:
         ++change_;
         if (isThere)
             trayItem_.reset();
-        else if (QGuiApplication::platformName() == QLatin1String("xcb"))
+        else if (makeTrayItem_ && !trayItem_)
             loop_.after(patience, lifetime_.guard([this, change = change_] {
                 if (change == change_)
                     useTray();
@@ -66,7 +65,7 @@ private:
     }
 
     void useTray() {
-        trayItem_ = std::make_unique<XEmbedItem>(glyphs_);
+        trayItem_ = makeTrayItem_(glyphs_);
         trayItem_->setAction([this](std::optional<ScreenPoint> point) { action_(point); });
         trayItem_->setMenu(entries_);
         trayItem_->show(content_);
@@ -75,11 +74,12 @@ private:
 
 } // namespace
 
-PanelBar::PanelBar(QDBusConnection bus, MainLoop& loop, std::filesystem::path iconTheme)
+PanelBar::PanelBar(QDBusConnection bus, MainLoop& loop, std::filesystem::path iconTheme, MakeTrayItem makeTrayItem)
     : bus_(std::move(bus))
     , loop_(loop)
-    , glyphs_(std::move(iconTheme)) {}
+    , glyphs_(std::move(iconTheme))
+    , makeTrayItem_(std::move(makeTrayItem)) {}
 
 std::unique_ptr<StatusItem> PanelBar::createItem() {
-    return std::make_unique<PanelItem>(bus_, loop_, glyphs_);
+    return std::make_unique<PanelItem>(bus_, loop_, glyphs_, makeTrayItem_);
 }

@@ -7,15 +7,20 @@
 #include <QDBusConnection>
 
 #include <filesystem>
+#include <functional>
+#include <memory>
 
 class MainLoop;
 
-/// The panel of the session, whichever kind there is: items go to a StatusNotifier panel, and on X11 into the old
-/// system tray as long as no such panel has been there for a while.
+/// Makes an item in the old system tray.
+using MakeTrayItem = std::function<std::unique_ptr<StatusItem>(const GlyphImages&)>;
+
+/// The panel of the session, whichever kind there is: items go to a StatusNotifier panel, and into the old system tray
+/// as long as no such panel has been there for a while.
 class PanelBar final : public StatusBar {
 public:
-    /// `iconTheme` is the folder "…/icons" that holds our glyphs.
-    PanelBar(QDBusConnection bus, MainLoop& loop, std::filesystem::path iconTheme);
+    /// `iconTheme` is the folder "…/icons" that holds our glyphs. `makeTrayItem` is empty where there is no old tray.
+    PanelBar(QDBusConnection bus, MainLoop& loop, std::filesystem::path iconTheme, MakeTrayItem makeTrayItem);
 
     [[nodiscard]] std::unique_ptr<StatusItem> createItem() override;
 
@@ -23,4 +28,5 @@ private:
     QDBusConnection bus_;
     MainLoop& loop_;
     GlyphImages glyphs_;
+    MakeTrayItem makeTrayItem_;
 };

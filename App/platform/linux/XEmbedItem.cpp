@@ -3,7 +3,13 @@
 
 #include "platform/linux/PanelMenu.h"
 
+#include <QGuiApplication>
+
 #include <utility>
+
+bool XEmbedItem::isPossible() {
+    return QGuiApplication::platformName() == QLatin1String("xcb");
+}
 
 XEmbedItem::XEmbedItem(const GlyphImages& glyphs) : glyphs_(glyphs) {
     icon_.setContextMenu(&menu_);

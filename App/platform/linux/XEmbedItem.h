@@ -11,6 +11,9 @@
 /// number.
 class XEmbedItem final : public StatusItem {
 public:
+    /// Whether there can be such a tray: on X11.
+    static bool isPossible();
+
     explicit XEmbedItem(const GlyphImages& glyphs);
 
     bool knowsSymbol(std::string_view name) const override;

@@ -104,12 +104,12 @@ TEST_F(StatusNotifierItemTest, RegistersByItsUniqueName) {
 
 TEST_F(StatusNotifierItemTest, TellsWhetherAPanelIsBehindTheWatcher) {
     Watcher watcher(bus, QStringLiteral("a"));
-    watcher.setProperty("IsStatusNotifierHostRegistered", false);
+    watcher.hasHost = false;
     watcher.takeName();
     start();
     ASSERT_TRUE(registersWith(watcher, 1));
     ASSERT_TRUE(waitUntil([&] { return hosts == std::vector{false}; }));
-    watcher.setProperty("IsStatusNotifierHostRegistered", true);
+    watcher.hasHost = true;
     Q_EMIT watcher.StatusNotifierHostRegistered();
     ASSERT_TRUE(waitUntil([&] { return hosts == std::vector{false, true}; }));
 }
