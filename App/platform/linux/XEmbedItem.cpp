@@ -4,8 +4,22 @@
 #include "platform/linux/PanelMenu.h"
 
 #include <QGuiApplication>
+#include <QScreen>
 
 #include <utility>
+
+namespace {
+
+/// The place where a window that opens from the item does not cover it: a tray need not keep its space on the screen
+/// free.
+ScreenPoint besideIt(const QRect& item) {
+    const QPoint centre = item.center();
+    const QScreen* screen = QGuiApplication::screenAt(centre);
+    const bool isAbove = screen == nullptr || centre.y() < screen->geometry().center().y();
+    return {centre.x(), isAbove ? item.bottom() + 1 : item.top() - 1};
+}
+
+} // namespace
 
 bool XEmbedItem::isPossible() {
     return QGuiApplication::platformName() == QLatin1String("xcb");
@@ -18,8 +32,7 @@ XEmbedItem::XEmbedItem(const GlyphImages& glyphs) : glyphs_(glyphs) {
         const bool isClick = reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::MiddleClick;
         if (!isClick || !action_)
             return;
-        const QPoint centre = icon_.geometry().center();
-        action_(ScreenPoint{centre.x(), centre.y()});
+        action_(besideIt(icon_.geometry()));
     });
 }
 
