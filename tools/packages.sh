@@ -16,7 +16,7 @@ WINDOW_PACKAGES=(x11-apps xserver-xephyr)
 # What the tests and the checks need beyond that.
 # sway comes with a bar of its own; the toolkit shows windows in it by its Wayland plugin.
 TEST_PACKAGES=(clang-format desktop-file-utils libbenchmark-dev libgmock-dev libgtest-dev libumockdev-dev
-               nlohmann-json3-dev python3-dbusmock qt6-wayland sway trayer tzdata)
+               nlohmann-json3-dev power-profiles-daemon python3-dbusmock qt6-wayland sway trayer tzdata)
 
 # ensure_packages NAME...: installs those that are missing and says which; does nothing at all when none is.
 ensure_packages() {

@@ -64,22 +64,28 @@ QVariant PrivateBus::call(const QString& service, const QString& path, const QSt
     return reply.arguments().value(0);
 }
 
-StandIn::StandIn(const PrivateBus& bus, const QString& name, const QStringList& arguments) {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), bus.address());
-    environment.remove(QStringLiteral("LD_PRELOAD")); // the simulated devices are not its affair
-    process_.setProcessEnvironment(environment);
+BusService::BusService(const PrivateBus& bus, const QString& name, const QString& program, const QStringList& arguments,
+                       const QMap<QString, QString>& environment) {
+    QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
+    all.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), bus.address());
+    all.remove(QStringLiteral("LD_PRELOAD")); // the simulated devices are not its affair
+    for (auto entry = environment.begin(); entry != environment.end(); ++entry)
+        all.insert(entry.key(), entry.value());
+    process_.setProcessEnvironment(all);
     process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process_.start(QStringLiteral("/usr/bin/python3"),
-                   QStringList{QStringLiteral("-m"), QStringLiteral("dbusmock"), QStringLiteral("--system")} +
-                       arguments);
-    EXPECT_TRUE(waitUntil([&] { return bus.has(name); }));
+    process_.start(program, arguments);
+    EXPECT_TRUE(waitUntil([&] { return bus.has(name); })) << qPrintable(program);
 }
 
-StandIn::~StandIn() {
+BusService::~BusService() {
     stop();
 }
 
-void StandIn::stop() {
+void BusService::stop() {
     end(process_);
 }
+
+StandIn::StandIn(const PrivateBus& bus, const QString& name, const QStringList& arguments)
+    : BusService(bus, name, QStringLiteral("/usr/bin/python3"),
+                 QStringList{QStringLiteral("-m"), QStringLiteral("dbusmock"), QStringLiteral("--system")} +
+                     arguments) {}

@@ -4,6 +4,7 @@
 #include "support/TemporaryFolder.h"
 
 #include <QDBusConnection>
+#include <QMap>
 #include <QProcess>
 #include <QStringList>
 
@@ -38,15 +39,23 @@ private:
     int starts_ = 0;
 };
 
-/// One of python-dbusmock's stand-ins on a private bus, until it is stopped or goes out of scope.
-class StandIn {
+/// A program with a name on a private bus, which is its system bus, until it is stopped or goes out of scope.
+class BusService {
 public:
-    /// `arguments` as for `python3 -m dbusmock --system`; returns when `name` is on the bus.
-    StandIn(const PrivateBus& bus, const QString& name, const QStringList& arguments);
-    ~StandIn();
+    /// `environment` is what it has beyond our own; returns when `name` is on the bus.
+    BusService(const PrivateBus& bus, const QString& name, const QString& program, const QStringList& arguments,
+               const QMap<QString, QString>& environment = {});
+    ~BusService();
 
     void stop();
 
 private:
     QProcess process_;
+};
+
+/// One of python-dbusmock's stand-ins.
+class StandIn : public BusService {
+public:
+    /// `arguments` as for `python3 -m dbusmock --system`.
+    StandIn(const PrivateBus& bus, const QString& name, const QStringList& arguments);
 };

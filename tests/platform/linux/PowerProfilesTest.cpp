@@ -101,6 +101,36 @@ TEST_F(PowerProfilesTest, SurvivesABusThatAppearsLateAndIsStartedAgain) {
     }
 }
 
+// The daemon of the distribution, on a machine whose firmware is a folder. Its user may do everything.
+TEST_F(PowerProfilesTest, FollowsTheRealDaemon) {
+    TemporaryFolder machine;
+    const auto firmware = machine.path / "sys/firmware/acpi";
+    std::filesystem::create_directories(firmware);
+    write(firmware / "platform_profile", "balanced\n");
+    write(firmware / "platform_profile_choices", "low-power balanced performance\n");
+    const QString polkit = QStringLiteral("org.freedesktop.PolicyKit1");
+    const StandIn authority(bus, polkit, {QStringLiteral("--template"), QStringLiteral("polkitd")});
+    bus.call(polkit, QStringLiteral("/org/freedesktop/PolicyKit1/Authority"), mock, QStringLiteral("AllowUnknown"),
+             {true});
+    const BusService daemon(bus, oldName, QStringLiteral("/usr/libexec/power-profiles-daemon"), {},
+                            {{QStringLiteral("UMOCKDEV_DIR"), QString::fromStdString(machine.path.string())}});
+    const auto choose = [&](const char* profile) {
+        bus.call(oldName, oldPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Set"),
+                 {oldName, QStringLiteral("ActiveProfile"),
+                  QVariant::fromValue(QDBusVariant(QString::fromLatin1(profile)))});
+    };
+    start();
+    choose("power-saver");
+    EXPECT_TRUE(becomes(true));
+    EXPECT_EQ(contentOf(firmware / "platform_profile"), "low-power");
+    choose("balanced");
+    EXPECT_TRUE(becomes(false));
+    choose("performance");
+    // A key of the laptop, which its firmware obeys by itself.
+    write(firmware / "platform_profile", "low-power\n");
+    EXPECT_TRUE(becomes(true));
+}
+
 TEST_F(PowerProfilesTest, BelievesTheFirmwareWhereNoDaemonIs) {
     std::filesystem::create_directories(sysfs.path / "firmware/acpi");
     write(sysfs.path / "firmware/acpi/platform_profile", "low-power\n");
