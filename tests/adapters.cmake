@@ -13,6 +13,7 @@ add_executable(velmora_adapter_tests
     history/HistoryDiskTest.cpp
     history/HistoryKillTest.cpp
     history/HistoryZonesTest.cpp
+    platform/linux/CanberraSoundsTest.cpp
     platform/linux/FixturesTest.cpp
     platform/linux/GlyphImagesTest.cpp
     platform/linux/JsonUserDefaultsTest.cpp
@@ -41,3 +42,8 @@ set_target_properties(velmora_adapter_tests PROPERTIES AUTOMOC ON CROSSCOMPILING
 # umockdev shows its devices by preloading a library; where that is the sanitizer's place, it is told not to mind.
 gtest_discover_tests(velmora_adapter_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 60
     ENVIRONMENT "ASAN_OPTIONS=verify_asan_link_order=0")
+
+# The alert sounds as they are built, and what plays them.
+target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_SOUNDS="${CMAKE_BINARY_DIR}/share/sounds/velmora")
+target_link_libraries(velmora_adapter_tests PRIVATE PkgConfig::canberra)
+add_dependencies(velmora_adapter_tests sounds)

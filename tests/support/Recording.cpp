@@ -121,9 +121,10 @@ double Recording::pitch(double from, double to) const {
 
 std::vector<double> Recording::envelope(double step) const {
     std::vector<double> means;
-    for (double start = 0; start < seconds(); start += step) {
+    const std::size_t length = std::max<std::size_t>(1, index(step));
+    for (std::size_t from = 0; from < samples_.size(); from += length) {
         double sum = 0;
-        for (std::size_t i = index(start); i < index(start + step); ++i)
+        for (std::size_t i = from; i < std::min(samples_.size(), from + length); ++i)
             sum += samples_[i] * samples_[i];
         means.push_back(sum);
     }
