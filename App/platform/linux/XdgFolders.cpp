@@ -30,3 +30,7 @@ std::filesystem::path xdgDataHome() {
 std::filesystem::path xdgConfigHome() {
     return folder("XDG_CONFIG_HOME", ".config");
 }
+
+std::filesystem::path xdgStateHome() {
+    return folder("XDG_STATE_HOME", ".local/state");
+}

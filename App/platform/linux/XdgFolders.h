@@ -7,3 +7,4 @@
 /// asks.
 std::filesystem::path xdgDataHome();
 std::filesystem::path xdgConfigHome();
+std::filesystem::path xdgStateHome();
