@@ -14,6 +14,7 @@ add_executable(velmora_adapter_tests
     history/HistoryKillTest.cpp
     history/HistoryZonesTest.cpp
     platform/linux/CanberraSoundsTest.cpp
+    platform/linux/AppDirBundleTest.cpp
     platform/linux/FixturesTest.cpp
     platform/linux/GlyphImagesTest.cpp
     platform/linux/JsonUserDefaultsTest.cpp
