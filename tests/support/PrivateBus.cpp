@@ -10,6 +10,20 @@
 
 namespace {
 
+const char* const configuration = R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:path=SOCKET</listen>
+  <servicedir>SERVICES</servicedir>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+)";
+
 void end(QProcess& process) {
     if (process.state() == QProcess::NotRunning)
         return;
@@ -23,6 +37,11 @@ void end(QProcess& process) {
 } // namespace
 
 PrivateBus::PrivateBus() : connection_(QStringLiteral("none")) {
+    std::filesystem::create_directory(services());
+    QString content = QString::fromLatin1(configuration);
+    content.replace(QLatin1String("SOCKET"), QString::fromStdString(socket().string()));
+    content.replace(QLatin1String("SERVICES"), QString::fromStdString(services().string()));
+    write(folder_.path / "bus.conf", content.toStdString());
     start();
 }
 
@@ -37,8 +56,8 @@ QString PrivateBus::address() const {
 void PrivateBus::start() {
     daemon_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     daemon_.start(QStringLiteral("dbus-daemon"),
-                  {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address"),
-                   QStringLiteral("--address=") + address()});
+                  {QStringLiteral("--nofork"), QStringLiteral("--nopidfile"), QStringLiteral("--print-address"),
+                   QStringLiteral("--config-file=") + QString::fromStdString((folder_.path / "bus.conf").string())});
     // It prints its address once it listens.
     ASSERT_TRUE(waitUntil([this] { return daemon_.canReadLine(); }));
     connection_ = QDBusConnection::connectToBus(address(), QStringLiteral("test-%1").arg(++starts_));

@@ -10,7 +10,8 @@
 
 #include <memory>
 
-/// A message bus of a test's own, at a socket of its own. It can be stopped and started again at the same place.
+/// A message bus of a test's own, at a socket of its own. It can be stopped and started again at the same place. Of all
+/// services it starts only those that the test has put into `services`; what the machine has installed is not there.
 class PrivateBus {
 public:
     PrivateBus();
@@ -18,6 +19,9 @@ public:
 
     std::filesystem::path socket() const { return folder_.path / "bus"; }
     QString address() const;
+
+    /// Where the bus looks for services that it starts on demand.
+    std::filesystem::path services() const { return folder_.path / "services"; }
 
     void start();
     void stop();
