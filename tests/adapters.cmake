@@ -21,6 +21,9 @@ add_executable(velmora_adapter_tests
     platform/linux/LogindSleepTest.cpp
     platform/linux/Main.cpp
     platform/linux/PanelBarTest.cpp
+    platform/linux/FreedesktopNotificationsTest.cpp
+    platform/linux/NotificationDaemonTest.cpp
+    platform/linux/NotificationSoundTest.cpp
     platform/linux/PosixFilesTest.cpp
     platform/linux/PowerProfilesTest.cpp
     platform/linux/QtPanelsTest.cpp
@@ -29,6 +32,7 @@ add_executable(velmora_adapter_tests
     platform/linux/SystemCalendarTest.cpp
     shell/AppDelegateTest.cpp
     support/DiskFaults.cpp
+    support/FakeNotificationDaemon.cpp
     support/PrivateBus.cpp
     support/Umockdev.cpp
     support/Watcher.h

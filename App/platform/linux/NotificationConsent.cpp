@@ -5,7 +5,6 @@
 
 #include <string_view>
 #include <tuple>
-#include <utility>
 
 using Status = NotificationCenter::AuthorizationStatus;
 
@@ -15,9 +14,9 @@ constexpr std::string_view given = "authorized\n";
 
 } // namespace
 
-NotificationConsent::NotificationConsent(Files& files, std::filesystem::path folder)
+NotificationConsent::NotificationConsent(Files& files, const std::filesystem::path& folder)
     : files_(files)
-    , file_(std::move(folder) / "notifications") {}
+    , file_(folder / "notifications") {}
 
 Status NotificationConsent::status() const {
     if (!status_)

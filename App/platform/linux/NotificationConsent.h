@@ -13,7 +13,7 @@ class Files;
 class NotificationConsent {
 public:
     /// `folder` is where the file is kept; it is made when there is something to keep.
-    NotificationConsent(Files& files, std::filesystem::path folder);
+    NotificationConsent(Files& files, const std::filesystem::path& folder);
 
     /// The answer so far. A file that is damaged or cannot be read is none.
     NotificationCenter::AuthorizationStatus status() const;

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/SystemSounds.h"
+#include "platform/linux/FreedesktopNotifications.h"
+#include "platform/linux/QtMainLoop.h"
+#include "support/FakeFiles.h"
+#include "support/FakeNotificationDaemon.h"
+#include "support/WaitUntil.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+/// Notes what is played.
+class PlayedSounds final : public SystemSounds {
+public:
+    std::vector<std::string> played;
+    void play(std::string_view name) override { played.emplace_back(name); }
+    void playDefault() override { played.emplace_back("(default)"); }
+};
+
+/// Notes what the user pressed, and completes at once.
+class RecordingDelegate final : public NotificationCenter::Delegate {
+public:
+    std::vector<std::string> received;
+    std::vector<std::string> presented;
+    NotificationCenter::Options options{.alert = true, .sound = true, .badge = false, .list = false};
+    std::function<void()> onReceive;
+
+    NotificationCenter::Options willPresent(const NotificationCenter::Request& request) override {
+        presented.push_back(request.identifier);
+        return options;
+    }
+    void didReceive(const std::string& action, std::function<void()> completion) override {
+        received.push_back(action);
+        if (onReceive)
+            onReceive();
+        completion();
+    }
+};
+
+/// The adapter on a bus of its own, with a delegate and the snooze button.
+class NotificationsFixture : public testing::Test {
+protected:
+    using Manner = FakeNotificationDaemon::Manner;
+    using Request = NotificationCenter::Request;
+
+    PrivateBus bus;
+    QtMainLoop loop;
+    PlayedSounds sounds;
+    FakeFiles files;
+    RecordingDelegate delegate;
+    QDBusConnection connection = QDBusConnection::connectToBus(bus.address(), QStringLiteral("program"));
+    FakeNotificationDaemon daemon{bus, QStringLiteral("daemon")};
+    std::unique_ptr<FreedesktopNotifications> center;
+
+    ~NotificationsFixture() override {
+        center.reset();
+        connection = QDBusConnection(QStringLiteral("none"));
+        QDBusConnection::disconnectFromBus(QStringLiteral("program"));
+    }
+
+    /// An answer that comes at all comes long before this patience ends.
+    void start(NotificationDaemon::Patience patience = {.abilities = std::chrono::seconds(20),
+                                                        .doNotDisturb = std::chrono::seconds(20),
+                                                        .notify = std::chrono::seconds(20)}) {
+        const auto soundFile = [](std::string_view name) {
+            return std::optional(std::filesystem::path("/sounds") / name);
+        };
+        center = std::make_unique<FreedesktopNotifications>(
+            connection, loop, sounds, soundFile, NotificationConsent(files, "/state"), "/icon.svg", patience);
+        center->setNotificationCategories({{"OTHER", {}}, {"VL_ALERT", {{"SNOOZE", "Snooze 1 hour"}}}});
+        center->setDelegate(&delegate);
+        center->start();
+    }
+
+    static Request request(const std::string& identifier, const std::string& title = "Title",
+                           std::optional<std::string> sound = std::nullopt) {
+        return {.identifier = identifier,
+                .title = title,
+                .body = "Body",
+                .categoryIdentifier = "VL_ALERT",
+                .sound = std::move(sound)};
+    }
+
+    /// Lets everything arrive that is on its way between the adapter and the daemon, and what follows from it.
+    void settle() {
+        // What was sent before a round trip to the bus has been passed on after it, and what was received is handled by
+        // the next turn of the loop. To show one notification takes four questions and answers.
+        for (int round = 0; round < 8; ++round) {
+            roundTrip(connection);
+            daemon.roundTrip();
+            QCoreApplication::processEvents();
+        }
+    }
+
+    static void roundTrip(const QDBusConnection& one) {
+        one.call(QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+                                                QStringLiteral("/org/freedesktop/DBus"),
+                                                QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId")));
+    }
+
+    void add(const Request& asked) {
+        center->add(asked);
+        settle();
+    }
+};
