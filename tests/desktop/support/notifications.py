@@ -1,0 +1,190 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Real daemons that show notifications on a private desktop: started by us, asked or looked at to learn what they show."""
+
+import json
+import os
+import shutil
+import subprocess
+from pathlib import Path
+
+from gi.repository import GLib
+
+from .desktop import START_SECONDS
+from .program import TOP
+from .screen import Box
+from .waiting import wait_until
+
+NAME = "org.freedesktop.Notifications"
+PATH = "/org/freedesktop/Notifications"
+DUNST = "org.dunstproject.cmd0"
+LIBRARIES = Path("/usr/lib")
+ICON = TOP / "resources/icons/hicolor/scalable/apps/app.velmora.Velmora.svg"
+
+
+def driver():
+    """What shows notifications through the program's adapter."""
+    return Path(os.environ.get("VELMORA_NOTIFICATIONS", TOP / "build/default/bin/velmora_notifications_driver"))
+
+
+class Driver:
+    """One run of it on a desktop."""
+
+    def __init__(self, desktop, icon=ICON):
+        # The user of the desktop may not be allowed to see where we come from.
+        program = desktop.folder / "driver"
+        shutil.copy(driver(), program)
+        copied_icon = desktop.folder / "icon.svg"
+        shutil.copy(icon, copied_icon)
+        reading, writing = os.pipe()
+        self.process = desktop.start("driver", [program, reading, copied_icon], pass_fds=[reading])
+        os.close(reading)
+        self._commands = os.fdopen(writing, "w", encoding="utf-8", buffering=1)
+
+    def close(self):
+        """It ends by itself when it hears nothing more; gives its exit code."""
+        self._commands.close()
+        return self.process.wait_exit(START_SECONDS)
+
+    def show(self, identifier, title, sound="-"):
+        self._commands.write(f"show {identifier} {sound} {title}\n")
+
+    def withdraw(self, identifier):
+        self._commands.write(f"withdraw {identifier}\n")
+
+    @property
+    def lines(self):
+        """What came back so far: "pressed ACTION", "played SOUND"."""
+        return self.process.output.splitlines()
+
+
+class Daemon:
+    """A daemon that draws one window for each notification."""
+
+    name = ""  # what GetServerInformation says
+    window_class = ""
+    press_button = 1  # of the mouse
+
+    def __init__(self, desktop):
+        self.desktop = desktop
+        self.process = None
+
+    def command(self):
+        raise NotImplementedError
+
+    def start(self):
+        self.process = self.desktop.start(type(self).__name__.lower(), self.command())
+        is_there = lambda: self.desktop.bus.owner(NAME)
+        wait_until(is_there, START_SECONDS, lambda: f"{self.name} has its name; {self.process.errors}")
+
+    def kill(self):
+        """Ends it as a crash would."""
+        self.process.kill()
+        wait_until(lambda: self.desktop.bus.owner(NAME) is None, START_SECONDS, f"{self.name} is gone")
+
+    def call(self, method):
+        return self.desktop.bus.call(NAME, PATH, NAME, method)
+
+    def capabilities(self):
+        return self.call("GetCapabilities")[0]
+
+    def windows(self):
+        """The boxes of the windows that it shows."""
+        found = self._tool("search", "--onlyvisible", "--class", self.window_class).stdout.split()
+        boxes = []
+        for window in found:
+            answer = self._tool("getwindowgeometry", "--shell", window)
+            if answer.returncode == 0:  # it may have gone meanwhile
+                values = dict(line.split("=") for line in answer.stdout.split())
+                boxes.append(Box(*(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))))
+        return [box for box in boxes if box.width > 1 and box.height > 1]
+
+    def count(self):
+        """How many notifications are on the screen."""
+        return len(self.windows())
+
+    def press(self):
+        """Presses the only button of the only notification, as a user does who sees it."""
+        boxes = self.windows()
+        if len(boxes) != 1:
+            raise AssertionError(f"{len(boxes)} notifications")
+        self.desktop.click(*self.button(boxes[0]), self.press_button)
+
+    def button(self, box):
+        """Where it is: at the right below. Wide enough that it is hit with and without a countdown beside it."""
+        return box.x + box.width - 74, box.y + box.height - 29
+
+    def let_alone(self, on):
+        """Switches do-not-disturb."""
+        raise NotImplementedError
+
+    def _tool(self, *arguments):
+        command = ["xdotool", *map(str, arguments)]
+        environment = self.desktop.environment
+        return subprocess.run(
+            command, env=environment, capture_output=True, text=True, check=False, timeout=START_SECONDS
+        )
+
+
+class Dunst(Daemon):
+    name = "dunst"
+    window_class = "Dunst"
+    press_button = 2  # it draws no button, only a hint that there is one
+
+    def command(self):
+        return ["dunst"]
+
+    def button(self, box):
+        return box.centre
+
+    def let_alone(self, on):
+        arguments = GLib.Variant("(ssv)", (DUNST, "paused", GLib.Variant("b", on)))
+        self.desktop.bus.call(NAME, PATH, "org.freedesktop.DBus.Properties", "Set", arguments)
+
+    def count(self):
+        return self.desktop.bus.get(NAME, PATH, DUNST, "displayedLength")
+
+
+class Xfce(Daemon):
+    name = "Xfce Notify Daemon"
+    window_class = "xfce4-notifyd"
+
+    def command(self):
+        return [next(LIBRARIES.glob("*/xfce4/notifyd/xfce4-notifyd"))]
+
+    def let_alone(self, on):
+        arguments = GLib.Variant("(ssv)", ("xfce4-notifyd", "/do-not-disturb", GLib.Variant("b", on)))
+        self.desktop.bus.call("org.xfce.Xfconf", "/org/xfce/Xfconf", "org.xfce.Xfconf", "SetProperty", arguments)
+
+
+class Mate(Daemon):
+    name = "Notification Daemon"
+    window_class = "mate-notification-daemon"
+
+    def command(self):
+        return [LIBRARIES / "mate-notification-daemon/mate-notification-daemon"]
+
+
+class Mako(Daemon):
+    """On a desktop with a wlroots compositor."""
+
+    name = "mako"
+
+    def command(self):
+        return ["mako"]
+
+    def count(self):
+        answer = self._run("makoctl", "list")
+        return sum(len(group) for group in json.loads(answer)["data"])
+
+    def press(self):
+        """It draws nothing to press, so its tool does it, for the latest."""
+        self._run("makoctl", "invoke", "SNOOZE")
+
+    def let_alone(self, on):
+        self._run("makoctl", "mode", "-a" if on else "-r", "do-not-disturb")
+
+    def _run(self, *command):
+        environment = self.desktop.environment
+        return subprocess.run(
+            command, env=environment, capture_output=True, text=True, check=True, timeout=START_SECONDS
+        ).stdout
