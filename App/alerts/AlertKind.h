@@ -8,7 +8,7 @@
 /// What a reminder is about. The raw value names the notification request and, in the preferences, the sound.
 enum class AlertKind { chargeLimit, low, tooLong, health, lowPower };
 
-/// Every kind, in the order in which reminders are given.
+/// Every kind, in the order of the cases.
 inline constexpr std::array allAlertKinds{AlertKind::chargeLimit, AlertKind::low, AlertKind::tooLong, AlertKind::health,
                                           AlertKind::lowPower};
 

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+class Bundle;
 class Calendar;
 class Clock;
 class Files;
 class MainLoop;
+class NotificationCenter;
 class Panels;
 class PowerSources;
 class ProcessInfo;
@@ -25,4 +27,6 @@ struct Platform {
     Files& files;
     StatusBar& statusBar;
     Panels& panels;
+    NotificationCenter& notificationCenter;
+    Bundle& bundle;
 };

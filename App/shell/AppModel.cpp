@@ -25,7 +25,8 @@ AppModel::AppModel(const Platform& platform)
     , snoozeUntil(Prefs::snoozeUntil(platform.defaults, platform.clock))
     , platform_(platform)
     , reader(platform.powerSources, platform.processInfo)
-    , history(platform.files, platform.clock, platform.calendar) {}
+    , history(platform.files, platform.clock, platform.calendar)
+    , notifier(platform.notificationCenter, platform.bundle, platform.panels, platform.mainLoop) {}
 
 template <class Function>
 auto AppModel::trigger(Function function) {
@@ -59,22 +60,54 @@ void AppModel::refresh(Reason reason) {
     // An event may be one of many; what comes on a schedule is remembered even when nothing has changed.
     history.record(reading, now, reason != Reason::event);
     historyVersion.set(historyVersion.get() + 1);
+
+    const Prefs prefs = Prefs::current(platform_.defaults);
+    // What holds at launch or after waking is nothing that has just happened.
+    const bool prime = reason == Reason::launch || reason == Reason::wake;
+    const bool deliver = !prime && canDeliver(prefs, now);
+    for (const PendingAlert& alert :
+         engine.run(reading, pluggedSince.get(), now, prefs, deliver, prime, platform_.defaults))
+        if (!prime)
+            notifier.deliver(alert, prefs);
 }
 
 void AppModel::trackPluggedIn(const BatteryState& reading, Date now, Reason reason) {
     const bool pluggedIn = reading.hasBattery && reading.pluggedIn;
+    // Reminders that have been answered by what the user did do not stay on the screen. The engine is not told: the
+    // episode ends for it when its own condition does.
+    if (reading.lowPowerMode && !state.get().lowPowerMode)
+        notifier.withdraw({AlertKind::lowPower});
     if (pluggedIn == pluggedSince.get().has_value())
         return;
     if (!pluggedIn) {
+        notifier.withdraw({AlertKind::chargeLimit, AlertKind::tooLong});
         pluggedSince.set(std::nullopt);
         return;
     }
+    notifier.withdraw({AlertKind::low, AlertKind::lowPower});
     const bool pastIsUnknown = reason == Reason::launch || reason == Reason::wake;
     pluggedSince.set((pastIsUnknown ? history.pluggedSinceEstimate(now) : std::nullopt).value_or(now));
 }
 
+bool AppModel::canDeliver(const Prefs& prefs, Date now) {
+    if (const std::optional<Date> until = Prefs::snoozeUntil(platform_.defaults, platform_.clock); until > now)
+        return false;
+    if (snoozeUntil.get())
+        snoozeUntil.set(std::nullopt);
+    return !prefs.inQuietHours(now, platform_.calendar);
+}
+
 void AppModel::snooze() {
     Prefs::setSnoozeUntil(platform_.defaults, platform_.clock.now() + 1h);
+    publishStoredSnooze();
+}
+
+void AppModel::cancelSnooze() {
+    Prefs::setSnoozeUntil(platform_.defaults, std::nullopt);
+    publishStoredSnooze();
+}
+
+void AppModel::publishStoredSnooze() {
     // Read back, so that what is shown is exactly what is stored.
     snoozeUntil.set(Prefs::snoozeUntil(platform_.defaults, platform_.clock));
 }

@@ -17,6 +17,8 @@
 #include <optional>
 #include <vector>
 
+struct Prefs;
+
 /// Drives the program: reads the battery whenever something may have changed and publishes what follows from it.
 /// Everything runs on the main thread; a trigger that arrives on another one stops the program.
 class AppModel {
@@ -43,6 +45,9 @@ public:
     /// No reminders for an hour from now.
     void snooze();
 
+    /// Reminders come again.
+    void cancelSnooze();
+
     /// Lets the user choose a file and writes the history to it as comma-separated text; says so when that fails.
     void exportHistoryCSV();
 
@@ -56,14 +61,17 @@ private:
 public:
     HistoryStore history; ///< saved by the owner when the program ends
 
+    Notifier notifier; ///< asked for the permission when the user wants reminders
+
 private:
-    Notifier notifier;
     AlertEngine engine;
     std::unique_ptr<MainLoop::Timer> timer;
     std::vector<Subscription> observations_;
     Lifetime lifetime_;
 
     void trackPluggedIn(const BatteryState& reading, Date now, Reason reason);
+    bool canDeliver(const Prefs& prefs, Date now);
+    void publishStoredSnooze();
 
     /// A callback for a trigger: does nothing once the model is gone, and stops the program off the main thread.
     template <class Function>

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/AppDirBundle.h"
+#include "platform/linux/CanberraSounds.h"
 #include "platform/linux/DisplayCheck.h"
+#include "platform/linux/FreedesktopNotifications.h"
 #include "platform/linux/JsonUserDefaults.h"
 #include "platform/linux/LogindSleep.h"
+#include "platform/linux/NotificationConsent.h"
 #include "platform/linux/PanelBar.h"
 #include "platform/linux/PosixFiles.h"
 #include "platform/linux/PowerProfiles.h"
@@ -83,17 +87,24 @@ int main(int argc, char** argv) {
     PowerProfiles processInfo(systemBus, "/sys");
     LogindSleep sleep(systemBus);
     SessionWorkspace workspace(sessionBus, signalEvents, sleep);
-    // The glyphs stand beside the executable, wherever the bundle was put.
-    const std::filesystem::path program(QCoreApplication::applicationDirPath().toStdString());
+    // Glyphs and sounds stand beside the executable, wherever the bundle was put.
+    const std::filesystem::path executable = AppDirBundle::runningExecutable();
+    const std::filesystem::path share = executable.parent_path().parent_path() / "share";
+    AppDirBundle bundle(executable);
+    CanberraSounds sounds(share / "sounds/velmora");
+    FreedesktopNotifications notifications(
+        sessionBus, mainLoop, sounds, [&sounds](std::string_view name) { return sounds.file(name); },
+        NotificationConsent(files, xdgStateHome() / "Velmora"),
+        share / "icons/hicolor/scalable/apps" / (std::string(SessionApplication::name) + ".svg"));
     MakeTrayItem makeTrayItem;
     if (XEmbedItem::isPossible())
         makeTrayItem = [](const GlyphImages& glyphs) { return std::make_unique<XEmbedItem>(glyphs); };
-    PanelBar statusBar(sessionBus, mainLoop, program.parent_path() / "share/icons", makeTrayItem);
+    PanelBar statusBar(sessionBus, mainLoop, share / "icons", makeTrayItem);
     QtPanels panels;
 
-    AppDelegate delegate(
-        {powerSources, processInfo, workspace, mainLoop, clock, calendar, defaults, files, statusBar, panels},
-        [] { QCoreApplication::quit(); });
+    AppDelegate delegate({powerSources, processInfo, workspace, mainLoop, clock, calendar, defaults, files, statusBar,
+                          panels, notifications, bundle},
+                         [] { QCoreApplication::quit(); });
     session.setActivated([&delegate] { delegate.showDetails(); });
     delegate.applicationDidFinishLaunching();
     workspace.start();
@@ -101,6 +112,7 @@ int main(int argc, char** argv) {
     processInfo.start();
     sleep.start();
     systemBus.start();
+    notifications.start();
     for (const auto& file : {files.applicationSupportFolder() / "Velmora/history.json", defaultsFile})
         files.removeLeftovers(file);
     runningDelegate = &delegate;

@@ -8,7 +8,7 @@
 
 namespace {
 
-TEST(AlertKind, NamesItsCasesInTheOrderInWhichRemindersAreGiven) {
+TEST(AlertKind, NamesItsCasesInOrder) {
     std::vector<std::string_view> names;
     for (const AlertKind kind : allAlertKinds)
         names.push_back(rawValue(kind));

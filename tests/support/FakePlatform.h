@@ -2,11 +2,13 @@
 #pragma once
 
 #include "platform/Platform.h"
+#include "support/FakeBundle.h"
 #include "support/FakeCalendar.h"
 #include "support/FakeClock.h"
 #include "support/FakeFiles.h"
 #include "support/FakeJournal.h"
 #include "support/FakeMainLoop.h"
+#include "support/FakeNotificationCenter.h"
 #include "support/FakePanels.h"
 #include "support/FakePowerSources.h"
 #include "support/FakeProcessInfo.h"
@@ -27,6 +29,8 @@ struct FakePlatform {
     FakeFiles files;
     FakeStatusBar statusBar;
     FakePanels panels{&journal};
+    FakeNotificationCenter notificationCenter;
+    FakeBundle bundle;
 
     Platform platform() {
         return {.powerSources = powerSources,
@@ -38,6 +42,8 @@ struct FakePlatform {
                 .defaults = defaults,
                 .files = files,
                 .statusBar = statusBar,
-                .panels = panels};
+                .panels = panels,
+                .notificationCenter = notificationCenter,
+                .bundle = bundle};
     }
 };
