@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <random>
+#include <vector>
+
+/// Choices that depend on the seed alone, not on the standard library's distributions.
+class Dice {
+public:
+    explicit Dice(std::uint64_t seed) : engine_(seed) {}
+
+    /// 0 to `count` - 1.
+    std::uint64_t below(std::uint64_t count) { return engine_() % count; }
+
+    /// True `percent` times in a hundred.
+    bool chance(std::uint64_t percent) { return below(100) < percent; }
+
+    bool coin() { return chance(50); }
+
+    template <class T>
+    T of(const std::vector<T>& choices) {
+        return choices[below(choices.size())];
+    }
+
+private:
+    std::mt19937_64 engine_;
+};
