@@ -5,17 +5,21 @@
 
 #include <gtest/gtest.h>
 
-TEST(HistoryProperty, ThePlainRulesSayTheSameAtEveryDistanceFromUtc) {
+namespace {
+
+/// The parameter is how many minutes the local time is ahead of UTC.
+class HistoryProperty : public testing::TestWithParam<int> {};
+
+} // namespace
+
+TEST_P(HistoryProperty, ThePlainRulesSayTheSame) {
     constexpr int histories = 400;
-    for (const int minutes : {0, 60, 345, 840, -210, -720}) {
-        SCOPED_TRACE("minutes east of UTC: " + std::to_string(minutes));
-        FakeCalendar calendar;
-        calendar.minutesEastOfUtc = minutes;
-        const PlainHistory::LocalClock localClock = [minutes](std::int64_t instant) { return instant + 60 * minutes; };
-        for (std::uint64_t seed = 1; seed <= histories; ++seed) {
-            playRandomHistory(seed, calendar, localClock, {0, 1'709'164'800, 1'731'650'000});
-            if (HasFailure())
-                return;
-        }
-    }
+    const int minutes = GetParam();
+    FakeCalendar calendar;
+    calendar.minutesEastOfUtc = minutes;
+    const PlainHistory::LocalClock localClock = [minutes](std::int64_t instant) { return instant + 60 * minutes; };
+    for (std::uint64_t seed = 1; seed <= histories && !HasFailure(); ++seed)
+        playRandomHistory(seed, calendar, localClock, {0, 1'709'164'800, 1'731'650'000});
 }
+
+INSTANTIATE_TEST_SUITE_P(MinutesEastOfUtc, HistoryProperty, testing::Values(0, 60, 345, 840, -210, -720));

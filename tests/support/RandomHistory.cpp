@@ -179,7 +179,11 @@ private:
         EXPECT_EQ(store_.pluggedSinceEstimate(asked), plain_.pluggedSince(asked));
         const double since = plain_.samples.empty() ? now_ : dice_.about(dice_.oneOf(plain_.samples).t);
         EXPECT_EQ(store_.samplesSince(Date(Duration(since))), plain_.since(Date(Duration(since))));
-        EXPECT_EQ(store_.csv(), plain_.csv());
+        if (dice_.oneIn(10)) {
+            EXPECT_EQ(store_.csv(), plain_.csv());
+        }
+        if (dice_.oneIn(2))
+            return;
         const std::int64_t dayCount = dice_.oneIn(10) ? dice_.from(-3, 40) : dice_.from(1, 8);
         EXPECT_EQ(store_.dailySummaries(dayCount, asked), plain_.dailySummaries(dayCount, asked)) << dayCount;
     }
