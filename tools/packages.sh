@@ -3,7 +3,8 @@
 # The Debian packages that the scripts need, and how they get there. Sourced, not run.
 
 # To build the program and to run it in a session that is there already.
-BUILD_PACKAGES=(cmake g++ libcanberra-dev libsimdjson-dev libudev-dev ninja-build pkg-config qt6-base-dev qt6-svg-dev)
+BUILD_PACKAGES=(cmake g++ libcanberra-dev libsimdjson-dev libudev-dev ninja-build pkg-config
+                qt6-base-dev qt6-svg-dev)
 
 # A private desktop with a simulated laptop: X server, window manager, panel, notifications, and what draws their icons
 # and text; umockdev shows the devices. Python drives it, xdotool clicks.
@@ -16,7 +17,8 @@ WINDOW_PACKAGES=(x11-apps xserver-xephyr)
 # What the tests and the checks need beyond that.
 # sway comes with a bar of its own; the toolkit shows windows in it by its Wayland plugin.
 TEST_PACKAGES=(clang-format desktop-file-utils libbenchmark-dev libgmock-dev libgtest-dev libumockdev-dev
-               nlohmann-json3-dev power-profiles-daemon python3-dbusmock qt6-wayland sway trayer tzdata)
+               mate-notification-daemon nlohmann-json3-dev power-profiles-daemon python3-dbusmock qt6-wayland sway
+               trayer tzdata xfce4-notifyd)
 
 # ensure_packages NAME...: installs those that are missing and says which; does nothing at all when none is.
 ensure_packages() {
