@@ -2,6 +2,7 @@
 """A private desktop with a wlroots compositor, shown in the private X server: sway with its own bar or with another."""
 
 import json
+import os
 import shutil
 import stat
 from pathlib import Path
@@ -37,11 +38,12 @@ window#waybar {{ background: {background}; color: {text}; }}
 """
 
 
-def has_shared_memory():
-    """Whether everyone may make shared memory. The compositor draws in it, and without it ends those that connect; a
-    system that was unpacked, but never started, has a folder there that is root's."""
+def open_shared_memory():
+    """Lets everyone make shared memory, as on every system that was started: the compositor draws in it, and without it
+    ends those that connect. One that was unpacked but never started has a folder there that is root's."""
     folder = Path("/dev/shm")
-    return folder.is_dir() and bool(folder.stat().st_mode & stat.S_IWOTH)
+    if os.geteuid() == 0 and not folder.stat().st_mode & stat.S_IWOTH:
+        folder.chmod(0o1777)
 
 
 class WlrootsDesktop(PrivateDesktop):
@@ -49,6 +51,7 @@ class WlrootsDesktop(PrivateDesktop):
 
     def __init__(self, bar="swaybar", dark=True, scale=1, height=BAR_HEIGHT):
         """`bar` is "swaybar" or "waybar"; `height` None leaves it to the bar."""
+        open_shared_memory()
         super().__init__(panel=False, window_manager=False, ordinary_user=True)
         self.environment["XDG_CURRENT_DESKTOP"] = "sway"
         self.environment["XDG_SESSION_TYPE"] = "wayland"
