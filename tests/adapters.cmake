@@ -34,6 +34,7 @@ add_executable(velmora_adapter_tests
     support/DiskFaults.cpp
     support/FakeNotificationDaemon.cpp
     support/PrivateBus.cpp
+    views/TimeTextTest.cpp
     support/Umockdev.cpp
     support/Watcher.h
 )

@@ -7,8 +7,10 @@
 #include "platform/Workspace.h"
 #include "views/Popover.h"
 #include "views/StatusItemText.h"
+#include "views/TimeText.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 AppDelegate::AppDelegate(const Platform& platform, std::function<void()> terminate)
@@ -22,9 +24,11 @@ void AppDelegate::applicationDidFinishLaunching() {
     platform_.defaults.registerDefaults(Prefs::defaults());
     statusItem = platform_.statusBar.createItem();
     statusItem->setAction([this](std::optional<ScreenPoint> point) { togglePopover(point); });
-    statusItem->setMenu({{"Show details", [this] { showDetails(); }}, {"Quit", terminate_}});
+    updateMenu();
     bag.push_back(model.state.subscribe([this](const BatteryState&) { queueUpdate(); }));
     bag.push_back(platform_.defaults.onChange([this] { queueUpdate(); }));
+    bag.push_back(model.snoozeUntil.subscribe(
+        [this](std::optional<Date>) { platform_.mainLoop.async(lifetime_.guard([this] { updateMenu(); })); }));
     bag.push_back(platform_.workspace.onSessionEnd(terminate_));
     model.start();
     updateStatusItem();
@@ -58,6 +62,14 @@ void AppDelegate::updateStatusItem() {
     });
     if (popoverIsShown())
         popover->setText(QString::fromStdString(statusItemToolTip(state)));
+}
+
+void AppDelegate::updateMenu() {
+    // Many notification daemons draw no buttons, so that snoozing must be possible here too.
+    StatusItem::MenuEntry snooze{"Snooze alerts for 1 hour", [this] { model.snooze(); }};
+    if (const std::optional<Date> until = model.snoozeUntil.get())
+        snooze = {"Cancel snooze (until " + shortTime(*until).toStdString() + ")", [this] { model.cancelSnooze(); }};
+    statusItem->setMenu({{"Show details", [this] { showDetails(); }}, std::move(snooze), {"Quit", terminate_}});
 }
 
 bool AppDelegate::popoverIsShown() const {

@@ -48,6 +48,7 @@ private:
     Lifetime lifetime_;
 
     void queueUpdate();
+    void updateMenu();
     bool popoverIsShown() const;
     void openPopover(std::optional<ScreenPoint> point);
 };

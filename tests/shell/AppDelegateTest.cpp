@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/AppDelegate.h"
 
+#include "alerts/Prefs.h"
 #include "support/FakePlatform.h"
 #include "views/Popover.h"
+#include "views/TimeText.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -130,4 +132,32 @@ TEST_F(AppDelegateTest, EndsTheProgramFromTheMenuAndWithTheSession) {
     EXPECT_EQ(terminations, 1);
     fakes.workspace.endSession();
     EXPECT_EQ(terminations, 2);
+}
+
+TEST_F(AppDelegateTest, SnoozesFromTheMenuAndCancelsThere) {
+    delegate.applicationDidFinishLaunching();
+    const auto labels = [this] {
+        std::vector<std::string> all;
+        for (const auto& entry : item().menu)
+            all.push_back(entry.label);
+        return all;
+    };
+    EXPECT_EQ(labels(), (std::vector<std::string>{"Show details", "Snooze alerts for 1 hour", "Quit"}));
+    choose("Snooze alerts for 1 hour");
+    fakes.mainLoop.runDue();
+    const Date until = fakes.clock.now() + 1h;
+    const std::string cancel = "Cancel snooze (until " + shortTime(until).toStdString() + ")";
+    EXPECT_EQ(labels(), (std::vector<std::string>{"Show details", cancel, "Quit"}));
+    EXPECT_EQ(Prefs::snoozeUntil(fakes.defaults, fakes.clock), until);
+    choose(cancel);
+    fakes.mainLoop.runDue();
+    EXPECT_EQ(labels().at(1), "Snooze alerts for 1 hour");
+    EXPECT_EQ(Prefs::snoozeUntil(fakes.defaults, fakes.clock), std::nullopt);
+}
+
+TEST_F(AppDelegateTest, TheMenuFollowsASnoozeThatRunsOut) {
+    delegate.applicationDidFinishLaunching();
+    choose("Snooze alerts for 1 hour");
+    fakes.mainLoop.advance(1h + 1min);
+    EXPECT_EQ(item().menu.at(1).label, "Snooze alerts for 1 hour");
 }

@@ -5,6 +5,7 @@
 
 #include <QGuiApplication>
 
+#include <algorithm>
 #include <utility>
 
 DBusMenu::DBusMenu(QDBusConnection bus) {
@@ -14,8 +15,11 @@ DBusMenu::DBusMenu(QDBusConnection bus) {
 }
 
 void DBusMenu::setEntries(std::vector<StatusItem::MenuEntry> entries) {
+    const bool looksTheSame =
+        std::ranges::equal(entries_, entries, {}, &StatusItem::MenuEntry::label, &StatusItem::MenuEntry::label);
     entries_ = std::move(entries);
-    Q_EMIT LayoutUpdated(++revision_, 0);
+    if (!looksTheSame)
+        Q_EMIT LayoutUpdated(++revision_, 0);
 }
 
 QString DBusMenu::textDirection() {

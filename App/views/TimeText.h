@@ -1,0 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/Clock.h"
+
+#include <QLocale>
+#include <QString>
+
+/// The local time of day in hours and minutes, as people of the locale write it: "14:05", "2:05 PM".
+QString shortTime(Date date, const QLocale& locale = QLocale::system());
