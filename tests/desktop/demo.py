@@ -64,11 +64,6 @@ class Demo:
         self.expect(" 41%", "percent-41-level", "41% · On battery, 1 h 47 min left")
         self.take_pictures()
 
-        self.show("low", "The battery is low.")
-        self.change(level=18)
-        self.expect(" 18%", "percent-18-level", "18% · On battery, 46 min left")
-        self.take_pictures()
-
         self.show("tooltip", "The pointer rests on the item.")
         self.desktop.move_pointer(*self.desktop.find_item().centre)
         self.expect_drawn("the tooltip")
@@ -91,9 +86,16 @@ class Demo:
         self.expect_nothing_drawn("the menu")
         self.desktop.move_pointer(*SCREEN.centre)
 
-        self.show("plugged-in", "The adapter is plugged in.")
+        self.show("low", "The battery is low, and the user is reminded.")
+        self.change(level=18)
+        self.expect(" 18%", "percent-18-level", "18% · On battery, 46 min left")
+        self.expect_drawn("the reminder")
+        self.take_pictures()
+
+        self.show("plugged-in", "The adapter is plugged in, and the reminder goes.")
         self.change(online=1, status="Charging", power_now=30000000)
         self.expect(" 18%", "percent-18-bolt", "18% · Charging, estimating time to full…")
+        self.expect_nothing_drawn("the reminder")
         self.take_pictures()
 
         self.show("charging", "Some seconds later it knows how long charging takes.")
@@ -114,9 +116,10 @@ class Demo:
         self.expect(" 55% · 0:39", "percent-55-bolt", "55% · Charging, 39 min to full")
         self.take_pictures()
 
-        self.show("held", "The firmware stops charging at a threshold.")
+        self.show("held", "The firmware stops charging at a threshold; the user is reminded to unplug.")
         self.change(level=80, status="Not charging", power_now=0)
         self.expect(" 80%", "percent-80-plug", "80% · Plugged in, not charging")
+        self.expect_drawn("the reminder")
         self.take_pictures()
 
         self.show("full", "The battery is full.")
@@ -136,6 +139,7 @@ class Demo:
         self.show("unplugged", "The adapter is unplugged.")
         self.change(online=0, status="Discharging", power_now=12000000)
         self.expect("", "battery-100", "100% · On battery, estimating time left…")
+        self.expect_nothing_drawn("the reminder")
         self.take_pictures()
 
         self.show("quit", "Quit is chosen in the menu.")
