@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/QtPanels.h"
 
+#include "platform/linux/PosixFiles.h"
 #include "platform/linux/QtMainLoop.h"
+#include "shell/AppModel.h"
+#include "support/FakePlatform.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
 
@@ -429,4 +432,52 @@ TEST_F(QtPanelsTest, BringsOrdinaryWindowsToTheFront) {
     EXPECT_TRUE(waitUntil([&] { return window.isActiveWindow(); }));
     EXPECT_FALSE(hidden.isVisible());
     EXPECT_FALSE(embedded.isActiveWindow());
+}
+
+/// The model with real files and these panels, and everything else as a fake.
+class ExportTest : public QtPanelsTest {
+protected:
+    PosixFiles files{home.path / ".local/share"};
+    FakePlatform fake;
+    AppModel model{{fake.powerSources, fake.processInfo, fake.workspace, loop, fake.clock, fake.calendar, fake.defaults,
+                    files, fake.statusBar, panels, fake.notificationCenter, fake.bundle}};
+
+    ExportTest() {
+        fake.powerSources.setBattery(64, true);
+        model.refresh(AppModel::Reason::timer);
+    }
+};
+
+TEST_F(ExportTest, TheHistoryGoesToTheFileThatTheUserChoseWhileTheTimersGoOn) {
+    int ticks = 0;
+    const auto timer = loop.repeat(5ms, 0s, [&] { ++ticks; });
+    whenShown("savePanel", [&](QDialog& dialog) {
+        EXPECT_TRUE(waitUntil([&] { return ticks > 0; }));
+        save(dialog, "mine.csv");
+    });
+    model.exportHistoryCSV();
+    EXPECT_EQ(files.read(home.path / "mine.csv", 1000),
+              "timestamp,percent,charging,plugged_in\n2023-11-14T22:13:20Z,64,false,true\n");
+}
+
+TEST_F(ExportTest, NothingIsWrittenWhenTheUserCancels) {
+    whenShown("savePanel", [](QDialog& dialog) { dialog.reject(); });
+    model.exportHistoryCSV();
+    EXPECT_FALSE(fs::exists(home.path / "Velmora-history.csv"));
+}
+
+TEST_F(ExportTest, TheUserIsToldWhyNothingCouldBeWritten) {
+    // A folder can be in the place of the file by the time that it is written.
+    whenShown("savePanel", [&](QDialog& dialog) {
+        save(dialog, "taken.csv");
+        fs::create_directories(home.path / "taken.csv/inside");
+    });
+    QString told;
+    whenShown<QMessageBox>("errorAlert", [&](QMessageBox& box) {
+        told = box.text() + QLatin1Char('\n') + box.informativeText();
+        box.accept();
+    });
+    model.exportHistoryCSV();
+    EXPECT_TRUE(told.contains(QStringLiteral("taken.csv"))) << told.toStdString();
+    EXPECT_TRUE(told.contains(QString::fromStdString(std::generic_category().message(EISDIR)))) << told.toStdString();
 }
