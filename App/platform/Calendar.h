@@ -29,6 +29,10 @@ public:
     /// its day: `start` and `until` are both that instant.
     virtual Day day(Date date) const = 0;
 
+    /// When the clock shows that time on the local day that contains the instant; where the clock skips it, the first
+    /// instant after the gap; where it comes twice, the first. Empty when the instant cannot be told as a local time.
+    virtual std::optional<Date> at(Date date, TimeOfDay time) const = 0;
+
     /// The instant `days` days later (earlier, when negative) at the same local time of day; where the clock skips that
     /// time, the first instant after the gap; where it comes twice, the first. Empty when there is no such date.
     virtual std::optional<Date> addingDays(Date date, std::int64_t days) const = 0;

@@ -28,6 +28,12 @@ public:
         return {.start = start, .until = start + Duration(secondsOfDay)};
     }
 
+    std::optional<Date> at(Date date, TimeOfDay time) const override {
+        if (knowsNoTime)
+            return std::nullopt;
+        return day(date).start + Duration(time.hour * 3600.0 + time.minute * 60.0);
+    }
+
     std::optional<Date> addingDays(Date date, std::int64_t days) const override {
         const Date later = date + Duration(static_cast<double>(days) * secondsOfDay);
         return knows(date) && knows(later) ? std::optional(later) : std::nullopt;

@@ -91,6 +91,11 @@ Seconds firstInstant(Seconds from, Seconds to, Seconds lower, Seconds upper) {
     return to;
 }
 
+/// The first instant at which the clock shows that time or, where it skips it, a later one.
+Seconds firstInstantOf(Seconds local) {
+    return firstInstant(local - furthestOffset, local + furthestOffset, local, std::numeric_limits<Seconds>::max());
+}
+
 } // namespace
 
 Calendar::TimeOfDay SystemCalendar::timeOfDay(Date date) const {
@@ -116,6 +121,15 @@ Calendar::Day SystemCalendar::day(Date date) const {
     return {.start = dateOf(start), .until = dateOf(until)};
 }
 
+std::optional<Date> SystemCalendar::at(Date date, TimeOfDay time) const {
+    const auto instant = wholeSeconds(date);
+    if (!instant)
+        return std::nullopt;
+    tzset();
+    const Seconds midnight = floorDivide(localTime(*instant), secondsOfDay) * secondsOfDay;
+    return dateOf(firstInstantOf(midnight + time.hour * 3600 + time.minute * 60));
+}
+
 std::optional<Date> SystemCalendar::addingDays(Date date, std::int64_t days) const {
     const auto instant = wholeSeconds(date);
     constexpr auto mostDays = static_cast<std::int64_t>(2 * limit) / secondsOfDay;
@@ -127,8 +141,7 @@ std::optional<Date> SystemCalendar::addingDays(Date date, std::int64_t days) con
     const Seconds local = localTime(*instant) + days * secondsOfDay;
     if (!wholeSeconds(dateOf(local)))
         return std::nullopt;
-    const Seconds found =
-        firstInstant(local - furthestOffset, local + furthestOffset, local, std::numeric_limits<Seconds>::max());
+    const Seconds found = firstInstantOf(local);
     const bool isSkipped = localTime(found) != local;
     return dateOf(found) + (isSkipped ? Duration(0) : date - dateOf(*instant));
 }

@@ -9,5 +9,6 @@ class SystemCalendar final : public Calendar {
 public:
     TimeOfDay timeOfDay(Date date) const override;
     Day day(Date date) const override;
+    std::optional<Date> at(Date date, TimeOfDay time) const override;
     std::optional<Date> addingDays(Date date, std::int64_t days) const override;
 };
