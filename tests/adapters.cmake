@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # The adapters against the real thing: sysfs and udev as umockdev shows them, files in a temporary folder.
 
+find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
 pkg_check_modules(umockdev REQUIRED IMPORTED_TARGET umockdev-1.0)
 
 add_library(velmora_desktop_test_support STATIC support/Fixture.cpp)
@@ -13,17 +14,17 @@ add_executable(velmora_adapter_tests
     history/HistoryDiskTest.cpp
     history/HistoryKillTest.cpp
     history/HistoryZonesTest.cpp
-    platform/linux/CanberraSoundsTest.cpp
     platform/linux/AppDirBundleTest.cpp
+    platform/linux/CanberraSoundsTest.cpp
     platform/linux/FixturesTest.cpp
+    platform/linux/FreedesktopNotificationsTest.cpp
     platform/linux/GlyphImagesTest.cpp
     platform/linux/JsonUserDefaultsTest.cpp
     platform/linux/LogindSleepTest.cpp
     platform/linux/Main.cpp
-    platform/linux/PanelBarTest.cpp
-    platform/linux/FreedesktopNotificationsTest.cpp
     platform/linux/NotificationDaemonTest.cpp
     platform/linux/NotificationSoundTest.cpp
+    platform/linux/PanelBarTest.cpp
     platform/linux/PosixFilesTest.cpp
     platform/linux/PowerProfilesTest.cpp
     platform/linux/QtPanelsTest.cpp
@@ -34,16 +35,18 @@ add_executable(velmora_adapter_tests
     support/DiskFaults.cpp
     support/FakeNotificationDaemon.cpp
     support/PrivateBus.cpp
-    views/TimeTextTest.cpp
     support/Umockdev.cpp
     support/Watcher.h
+    views/PopoverViewTest.cpp
+    views/TimeTextTest.cpp
 )
-target_link_libraries(velmora_adapter_tests PRIVATE
-    velmora_desktop velmora_desktop_test_support velmora_options GTest::gtest PkgConfig::umockdev)
+target_link_libraries(velmora_adapter_tests PRIVATE velmora_desktop velmora_desktop_test_support velmora_options
+    GTest::gtest PkgConfig::umockdev Qt6::Test QCustomPlotQt6::QCustomPlotQt6)
 # The glyphs as they are built: the drawn ones and those with numbers. And where pictures go for a person to look at.
 target_compile_definitions(velmora_adapter_tests PRIVATE
     VELMORA_ICONS="${CMAKE_BINARY_DIR}/share/icons" VELMORA_PICTURES="${CMAKE_BINARY_DIR}/pictures")
 add_dependencies(velmora_adapter_tests icons percent_glyphs)
+set_source_files_properties(views/PopoverViewTest.cpp PROPERTIES COMPILE_OPTIONS -UQT_NO_KEYWORDS)
 set_target_properties(velmora_adapter_tests PROPERTIES AUTOMOC ON CROSSCOMPILING_EMULATOR umockdev-wrapper)
 # umockdev shows its devices by preloading a library; where that is the sanitizer's place, it is told not to mind.
 gtest_discover_tests(velmora_adapter_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 60
@@ -53,3 +56,8 @@ gtest_discover_tests(velmora_adapter_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEO
 target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_SOUNDS="${CMAKE_BINARY_DIR}/share/sounds/velmora")
 target_link_libraries(velmora_adapter_tests PRIVATE PkgConfig::canberra)
 add_dependencies(velmora_adapter_tests sounds)
+# The popover in every state, as pictures to look at.
+add_executable(velmora_gallery gallery/Gallery.cpp)
+target_link_libraries(velmora_gallery PRIVATE velmora_desktop velmora_test_support velmora_options)
+target_compile_definitions(velmora_gallery PRIVATE VELMORA_ICONS="${CMAKE_BINARY_DIR}/share/icons")
+add_dependencies(velmora_gallery icons percent_glyphs)

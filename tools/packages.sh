@@ -3,7 +3,7 @@
 # The Debian packages that the scripts need, and how they get there. Sourced, not run.
 
 # To build the program and to run it in a session that is there already.
-BUILD_PACKAGES=(cmake g++ libcanberra-dev libsimdjson-dev libudev-dev ninja-build pkg-config
+BUILD_PACKAGES=(cmake g++ libcanberra-dev libqcustomplot-dev libsimdjson-dev libudev-dev ninja-build pkg-config
                 qt6-base-dev qt6-svg-dev)
 
 # A private desktop with a simulated laptop: X server, window manager, panel, notifications, and what draws their icons

@@ -6,6 +6,7 @@
 #include "platform/UserDefaults.h"
 #include "platform/Workspace.h"
 #include "views/Popover.h"
+#include "views/PopoverView.h"
 #include "views/StatusItemText.h"
 #include "views/TimeText.h"
 
@@ -25,6 +26,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     statusItem = platform_.statusBar.createItem();
     statusItem->setAction([this](std::optional<ScreenPoint> point) { togglePopover(point); });
     updateMenu();
+    popover = std::make_unique<Popover>();
     bag.push_back(model.state.subscribe([this](const BatteryState&) { queueUpdate(); }));
     bag.push_back(platform_.defaults.onChange([this] { queueUpdate(); }));
     bag.push_back(model.snoozeUntil.subscribe(
@@ -60,8 +62,6 @@ void AppDelegate::updateStatusItem() {
         .widestTitle = widestStatusItemTitle(prefs),
         .toolTip = statusItemToolTip(state),
     });
-    if (popoverIsShown())
-        popover->setText(QString::fromStdString(statusItemToolTip(state)));
 }
 
 void AppDelegate::updateMenu() {
@@ -79,8 +79,7 @@ bool AppDelegate::popoverIsShown() const {
 void AppDelegate::togglePopover(std::optional<ScreenPoint> point) {
     if (popoverIsShown())
         popover->hide();
-    else if (!popover ||
-             !popover->wasJustClosed()) // with some panels the click that closed it is also the one that asks
+    else if (!popover->wasJustClosed()) // with some panels the click that closed it is also the one that asks
         openPopover(point);
 }
 
@@ -92,8 +91,11 @@ void AppDelegate::openPopover(std::optional<ScreenPoint> point) {
     if (!statusItem)
         return;
     model.refresh(AppModel::Reason::event);
-    if (!popover)
-        popover = std::make_unique<Popover>();
-    popover->setText(QString::fromStdString(statusItemToolTip(model.state.get())));
+    if (popoverView == nullptr) {
+        popoverView = new PopoverView(model, platform_, nullptr, terminate_);
+        popover->setContent(popoverView);
+        QObject::connect(popoverView, &PopoverView::resized, popover.get(), &Popover::place);
+    }
+    popoverView->rebuild();
     popover->showAt(point);
 }

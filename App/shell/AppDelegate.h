@@ -13,6 +13,7 @@
 #include <vector>
 
 class Popover;
+class PopoverView;
 
 /// The program's presence on the screen: the status item, and the popover that opens from it.
 class AppDelegate {
@@ -44,6 +45,7 @@ private:
     AppModel model;
     std::unique_ptr<StatusItem> statusItem;
     std::unique_ptr<Popover> popover;
+    PopoverView* popoverView = nullptr; ///< the content of the popover, made when it first opens
     std::vector<Subscription> bag;
     Lifetime lifetime_;
 

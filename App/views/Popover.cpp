@@ -2,13 +2,18 @@
 #include "views/Popover.h"
 
 #include "views/PopoverPlacement.h"
+#include "views/ViewStyle.h"
 
 #include <QEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
-#include <QLabel>
+#include <QLayout>
+#include <QPainter>
 #include <QScreen>
-#include <QVBoxLayout>
+#include <QScrollArea>
+#include <QScrollBar>
+
+#include <algorithm>
 
 namespace {
 
@@ -30,22 +35,26 @@ QScreen* screenAt(std::optional<ScreenPoint> point) {
     return screen != nullptr ? screen : QGuiApplication::primaryScreen();
 }
 
+constexpr int border = 1;
+
 } // namespace
 
-Popover::Popover() : QWidget(nullptr, popoverFlags()), text_(new QLabel(this)) {
+Popover::Popover() : QWidget(nullptr, popoverFlags()), area_(new QScrollArea(this)) {
     setObjectName(QStringLiteral("popover"));
     setWindowTitle(QStringLiteral("Velmora"));
-    text_->setObjectName(QStringLiteral("popoverText"));
-    text_->setTextFormat(Qt::PlainText);
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(16, 14, 16, 14);
-    layout->setSizeConstraint(QLayout::SetFixedSize); // also what makes tiling compositors let it float
-    layout->addWidget(text_);
+    area_->setFrameShape(QFrame::NoFrame);
+    area_->setWidgetResizable(true);
+    area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area_->setFocusPolicy(Qt::NoFocus);
 }
 
-void Popover::setText(const QString& text) {
-    text_->setText(text);
-    place();
+void Popover::setContent(QWidget* content) {
+    area_->setWidget(content);
+    content->setFocusPolicy(Qt::ClickFocus);
+}
+
+bool Popover::hasContent() const {
+    return area_->widget() != nullptr;
 }
 
 void Popover::showAt(std::optional<ScreenPoint> point) {
@@ -55,16 +64,34 @@ void Popover::showAt(std::optional<ScreenPoint> point) {
     show();
     raise();
     activateWindow();
+    // Nothing is chosen until the user takes the keyboard.
+    if (QWidget* content = area_->widget())
+        content->setFocus();
 }
 
 void Popover::place() {
-    adjustSize();
-    if (const QScreen* screen = screenAt(point_)) {
-        const QRect available = screen->availableGeometry();
-        const ScreenPoint corner = placePopover(
-            point_, {available.x(), available.y(), available.width(), available.height()}, width(), height());
-        move(corner.x, corner.y);
-    }
+    const QScreen* screen = screenAt(point_);
+    QWidget* content = area_->widget();
+    if (screen == nullptr || content == nullptr)
+        return;
+    const QRect available = screen->availableGeometry();
+    content->layout()->activate();
+    const int wanted = content->layout()->hasHeightForWidth() ? content->layout()->totalHeightForWidth(popoverWidth)
+                                                              : content->sizeHint().height();
+    const int height = std::min(wanted + 2 * border, available.height());
+    setFixedSize(popoverWidth + 2 * border, height); // also what makes tiling compositors let it float
+    area_->setGeometry(rect().marginsRemoved({border, border, border, border}));
+    const ScreenPoint corner = placePopover(
+        point_, {available.x(), available.y(), available.width(), available.height()}, width(), this->height());
+    move(corner.x, corner.y);
+}
+
+void Popover::paintEvent(QPaintEvent* /*event*/) {
+    QColor line = palette().color(QPalette::WindowText);
+    line.setAlpha(60);
+    QPainter painter(this);
+    painter.setPen(line);
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 
 bool Popover::wasJustClosed() const {

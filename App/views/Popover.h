@@ -8,21 +8,25 @@
 
 #include <optional>
 
-class QLabel;
+class QScrollArea;
 
-/// The window that opens from the status item and closes by itself when the user turns elsewhere. For now it shows the
-/// lines of the tooltip.
+/// The window that opens from the status item and closes by itself when the user turns elsewhere.
 class Popover final : public QWidget {
     Q_OBJECT
 
 public:
     Popover();
 
-    /// What it says, one or more lines.
-    void setText(const QString& text);
+    /// What is in it; it is as wide as the popover and as high as it wants to be, and scrolls where the screen is too
+    /// low for that. Taken over.
+    void setContent(QWidget* content);
+    bool hasContent() const;
 
     /// Shows it beside the point, or where it was last, or in the top right corner, and takes the keyboard.
     void showAt(std::optional<ScreenPoint> point);
+
+    /// Fits it to its content, which has become higher or lower.
+    void place();
 
     /// Whether it was closed so lately that the click which closed it may be the one that now asks for it.
     bool wasJustClosed() const;
@@ -31,11 +35,10 @@ protected:
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
-    QLabel* text_;
+    QScrollArea* area_;
     std::optional<ScreenPoint> point_;
     QElapsedTimer sinceClosed_;
-
-    void place();
 };

@@ -8,3 +8,9 @@
 
 /// The local time of day in hours and minutes, as people of the locale write it: "14:05", "2:05 PM".
 QString shortTime(Date date, const QLocale& locale = QLocale::system());
+
+/// The local day as people of the locale write it, with its weekday and number: "Mon 3".
+QString dayText(Date date, const QLocale& locale = QLocale::system());
+
+/// The local weekday, abbreviated: "Mon".
+QString weekdayText(Date date, const QLocale& locale = QLocale::system());

@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Draws the popover in every state to look at: velmora_gallery FOLDER. The toolkit's own QT_SCALE_FACTOR sets the
+// scale.
+#include "alerts/Prefs.h"
+#include "support/PopoverScene.h"
+#include "views/Popover.h"
+#include "views/PopoverView.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QIcon>
+#include <QPixmap>
+#include <QStyle>
+#include <QTemporaryDir>
+
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <vector>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+struct Scene : PopoverScene {
+    bool isUnfolded = false;
+    bool isWeek = false;
+    bool isDay = false; ///< there is no more history than that
+};
+
+struct State {
+    const char* name;
+    std::function<void(Scene&)> arrange;
+};
+
+const std::vector<State> states{
+    {"no-battery", [](Scene& s) { s.fake.powerSources.sources = std::vector<std::optional<Value>>(); }},
+    {"20-percent-on-battery",
+     [](Scene& s) {
+         s.battery(20, false, false, 47);
+         s.registry(312, 4600, -910);
+     }},
+    {"charging",
+     [](Scene& s) {
+         s.battery(64, true, true, 45);
+         s.registry(312, 4600, 2900);
+     }},
+    {"held-at-the-limit", [](Scene& s) { s.registry(312, 4600, 0); }},
+    {"full",
+     [](Scene& s) {
+         s.battery(100, true, false);
+         s.registry(312, 4600, 0);
+     }},
+    {"snoozed", [](Scene& s) { Prefs::setSnoozeUntil(s.fake.defaults, s.fake.clock.now() + 43min); }},
+    {"health-good-650-cycles", [](Scene& s) { s.registry(650, 4700); }},
+    {"health-fair-750-cycles", [](Scene& s) { s.registry(750, 4300); }},
+    {"health-worn-1200-cycles", [](Scene& s) { s.registry(1200, 3600); }},
+    {"empty-history", [](Scene& s) { s.fake.files.files.clear(); }},
+    {"one-day",
+     [](Scene& s) {
+         s.past(1);
+         s.isDay = true;
+         s.isUnfolded = true;
+     }},
+    {"seven-days-with-gaps", [](Scene& s) { s.isUnfolded = s.isWeek = true; }},
+    {"limit-off", [](Scene& s) { s.fake.defaults.setObject("limitEnabled", Value(false)); }},
+    {"limit-100", [](Scene& s) { s.fake.defaults.setObject("limit", Value(100)); }},
+};
+
+QPalette darkPalette() {
+    QPalette palette(QColor(0x2d, 0x2d, 0x30), QColor(0x2a, 0x2a, 0x2c));
+    palette.setColor(QPalette::Base, QColor(0x1e, 0x1e, 0x20));
+    palette.setColor(QPalette::WindowText, QColor(0xf2, 0xf2, 0xf2));
+    palette.setColor(QPalette::Text, QColor(0xf2, 0xf2, 0xf2));
+    palette.setColor(QPalette::ButtonText, QColor(0xf2, 0xf2, 0xf2));
+    palette.setColor(QPalette::Highlight, QColor(0x3d, 0x8e, 0xe6));
+    return palette;
+}
+
+void draw(const State& state, const QString& file) {
+    Scene scene;
+    state.arrange(scene);
+    if (!scene.fake.files.files.empty() && !scene.isDay)
+        scene.past(7);
+    Popover popover;
+    auto* view = new PopoverView(
+        scene.started(), scene.fake.platform(), [] {}, [] {});
+    popover.setContent(view);
+    QObject::connect(view, &PopoverView::resized, &popover, &Popover::place);
+    if (scene.isWeek)
+        view->findChild<QWidget*>(QStringLiteral("rangePicker"))->findChildren<QAbstractButton*>().at(1)->click();
+    view->rebuild();
+    popover.showAt(std::nullopt);
+    if (scene.isUnfolded)
+        view->findChild<QAbstractButton*>(QStringLiteral("dailySummaryDisclosure"))->click();
+    QCoreApplication::processEvents();
+    if (!popover.grab().save(file)) {
+        std::fprintf(stderr, "velmora_gallery: cannot write %s\n", qPrintable(file));
+        std::exit(EXIT_FAILURE);
+    }
+}
+
+/// A screen that is high enough for everything, at any scale.
+void makeScreen(const QTemporaryDir& folder) {
+    const QString path = folder.filePath(QStringLiteral("screens.json"));
+    QFile file(path);
+    file.open(QIODevice::WriteOnly);
+    file.write(R"({"screens":[{"name":"high","x":0,"y":0,"width":4000,"height":4000,"logicalDpi":96,"dpr":1}]})");
+    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + QFile::encodeName(path));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const QTemporaryDir temporary;
+    makeScreen(temporary);
+    QApplication application(argc, argv);
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: velmora_gallery FOLDER\n");
+        return EXIT_FAILURE;
+    }
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    QIcon::setThemeSearchPaths(QIcon::themeSearchPaths() << QStringLiteral(VELMORA_ICONS));
+    QIcon::setFallbackThemeName(QStringLiteral("hicolor"));
+    const QDir folder(QString::fromLocal8Bit(argv[1]));
+    folder.mkpath(QStringLiteral("."));
+    const QString scale = QString::number(qRound(application.devicePixelRatio() * 100));
+    const QPalette light = QApplication::style()->standardPalette();
+    for (const State& state : states) {
+        for (const bool dark : {false, true}) {
+            QApplication::setPalette(dark ? darkPalette() : light);
+            draw(state, folder.filePath(QStringLiteral("%1-%2-%3.png")
+                                            .arg(QLatin1String(state.name),
+                                                 dark ? QStringLiteral("dark") : QStringLiteral("light"), scale)));
+        }
+    }
+    return EXIT_SUCCESS;
+}

@@ -1,0 +1,366 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/PopoverView.h"
+
+#include "alerts/Prefs.h"
+#include "support/PopoverScene.h"
+#include "views/ChartPoints.h"
+#include "views/Popover.h"
+#include "views/ViewStyle.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QLabel>
+#include <QProgressBar>
+#include <QScreen>
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+#include <qcustomplot.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct PopoverViewTest : ::testing::Test {
+    PopoverScene scene;
+    int quits = 0;
+    int settings = 0;
+    std::unique_ptr<PopoverView> view;
+
+    PopoverView& shown() {
+        if (!view) {
+            view = std::make_unique<PopoverView>(
+                scene.started(), scene.fake.platform(), [this] { ++settings; }, [this] { ++quits; });
+            view->setFixedWidth(340);
+            view->rebuild();
+            view->show();
+        }
+        return *view;
+    }
+    template <class Widget = QWidget>
+    Widget* find(const char* name) {
+        return shown().findChild<Widget*>(QLatin1String(name));
+    }
+    /// Whether the user sees it.
+    bool sees(const char* name) {
+        const auto* widget = find(name);
+        return widget != nullptr && widget->isVisible();
+    }
+    /// The text of a label that is seen.
+    std::optional<std::string> text(const char* name) {
+        if (!sees(name))
+            return std::nullopt;
+        return find<QLabel>(name)->text().toStdString();
+    }
+    QColor colorOf(const char* name) { return find(name)->palette().color(QPalette::WindowText); }
+    QColor tint(Tint tint) { return tintColor(tint, shown().palette()); }
+
+    /// Labels with values, from the top, as they are seen.
+    std::vector<std::string> details() {
+        std::vector<std::string> rows;
+        for (const auto* value : shown().findChildren<QLabel*>(QStringLiteral("detailValue"))) {
+            if (value->isVisible())
+                rows.push_back(value->accessibleName().toStdString());
+        }
+        return rows;
+    }
+    void settle() {
+        QCoreApplication::processEvents();
+        scene.fake.mainLoop.runDue();
+        QCoreApplication::processEvents();
+    }
+    QCustomPlot* plot() { return find<QCustomPlot>("historyChartPlot"); }
+    QCPItemStraightLine* rule() { return qobject_cast<QCPItemStraightLine*>(plot()->item(1)); }
+    QCPItemText* annotation() { return qobject_cast<QCPItemText*>(plot()->item(0)); }
+};
+
+} // namespace
+
+TEST_F(PopoverViewTest, ShowsThreeLinesWithoutABattery) {
+    scene.fake.powerSources.sources = std::vector<std::optional<Value>>();
+    EXPECT_EQ(text("noBatteryTitle"), "No battery found");
+    EXPECT_EQ(text("noBatteryNote"), "This Mac does not report a battery, so Velmora stays quiet.");
+    EXPECT_TRUE(sees("noBatterySymbol"));
+    for (const char* name : {"ring", "cycles", "rangePicker", "historyChart", "dailySummary", "detailRow"})
+        EXPECT_FALSE(sees(name)) << name;
+    EXPECT_EQ(text("note"), "Velmora can only remind you. A Mac app cannot stop the charger.");
+    EXPECT_TRUE(sees("settingsButton"));
+    EXPECT_TRUE(sees("quitButton"));
+}
+
+TEST_F(PopoverViewTest, ShowsWhatTheBatteryDoes) {
+    scene.battery(64, true, true, 45);
+    EXPECT_EQ(text("stateText"), "Charging, 45 min to full");
+    EXPECT_EQ(find("ring")->accessibleName(), QStringLiteral("64 %, charging"));
+    EXPECT_FALSE(sees("noBattery"));
+    EXPECT_EQ(find("ring")->size(), QSize(104, 104));
+}
+
+TEST_F(PopoverViewTest, TellsHowLongItHasBeenPluggedIn) {
+    scene.fake.files.files.clear();
+    shown();
+    scene.fake.mainLoop.advance(2h + 5min);
+    EXPECT_EQ(text("pluggedInText"), "Plugged in for 2 h 5 min");
+    scene.battery(64, false, false);
+    scene.fake.mainLoop.advance(1min);
+    EXPECT_EQ(text("pluggedInText"), std::nullopt);
+}
+
+TEST_F(PopoverViewTest, TellsTheSnoozeAndCancelsItAtOnce) {
+    EXPECT_FALSE((shown(), sees("snooze")));
+    scene.started().snooze();
+    settle();
+    EXPECT_TRUE(text("snoozeText")->starts_with("Alerts snoozed until "));
+    find<QAbstractButton>("cancelSnooze")->click();
+    settle();
+    EXPECT_FALSE(sees("snooze"));
+    EXPECT_EQ(Prefs::snoozeUntil(scene.fake.defaults, scene.fake.clock), std::nullopt);
+}
+
+TEST_F(PopoverViewTest, ShowsTheCycleCountAsAGauge) {
+    for (const auto& [cycles, value, words, tinted] :
+         std::vector<std::tuple<int, int, const char*, Tint>>{{650, 650, "650 of 1000", Tint::accent},
+                                                              {750, 750, "750 of 1000", Tint::orange},
+                                                              {1200, 1000, "1200 of 1000", Tint::red}}) {
+        scene.registry(cycles, 4600);
+        shown();
+        scene.started().refresh(AppModel::Reason::event);
+        settle();
+        EXPECT_EQ(text("cycleLabel"), "Cycle count");
+        EXPECT_EQ(text("cycleValue"), words);
+        EXPECT_EQ(find<QProgressBar>("cycleBar")->value(), value);
+        EXPECT_EQ(find<QProgressBar>("cycleBar")->maximum(), 1000);
+        const QImage bar = find("cycleBar")->grab().toImage();
+        EXPECT_EQ(bar.pixelColor(bar.width() / 4, bar.height() / 2), tint(tinted)) << cycles;
+    }
+}
+
+TEST_F(PopoverViewTest, ShowsNoGaugeWhereCyclesAreNotCounted) {
+    scene.fake.powerSources.registry = Value(Dictionary{});
+    EXPECT_FALSE((shown(), sees("cycles")));
+    EXPECT_TRUE(details().empty());
+}
+
+TEST_F(PopoverViewTest, ShowsTheDetailsInOrderEachReadAsOne) {
+    EXPECT_EQ((shown(), details()), (std::vector<std::string>{"Battery health: 92% · Good", "Temperature: 31.2 °C",
+                                                              "Power out: 7.6 W", "Adapter: 65 W"}));
+    scene.battery(80, false, false);
+    scene.registry(312, 4600, 0);
+    scene.started().refresh(AppModel::Reason::event);
+    settle();
+    EXPECT_EQ(details(), (std::vector<std::string>{"Battery health: 92% · Good", "Temperature: 31.2 °C"}));
+}
+
+TEST_F(PopoverViewTest, ColoursTheHealth) {
+    for (const auto& [full, tinted] : std::vector<std::pair<int, Tint>>{
+             {4600, Tint::green}, {4500, Tint::orange}, {4000, Tint::orange}, {3995, Tint::red}}) {
+        scene.registry(312, full);
+        shown();
+        scene.started().refresh(AppModel::Reason::event);
+        settle();
+        EXPECT_EQ(colorOf("detailValue"), tint(tinted)) << full;
+    }
+    EXPECT_EQ(colorOf("detailLabel"), tint(Tint::primary));
+}
+
+TEST_F(PopoverViewTest, ColoursTheRing) {
+    const auto arc = [this] {
+        const QImage ring = find("ring")->grab().toImage();
+        return ring.pixelColor(ring.width() / 2 + 4, 6); // just right of the top, where the arc begins
+    };
+    scene.battery(20, false, false);
+    EXPECT_EQ((shown(), arc()), tint(Tint::red));
+    for (const auto& [percent, plugged, charging, tinted] :
+         std::vector<std::tuple<int, bool, bool, Tint>>{{21, false, false, Tint::accent},
+                                                        {50, true, true, Tint::green},
+                                                        {100, true, false, Tint::green},
+                                                        {50, true, false, Tint::accent}}) {
+        scene.battery(percent, plugged, charging);
+        scene.started().refresh(AppModel::Reason::event);
+        settle();
+        EXPECT_EQ(arc(), tint(tinted)) << percent;
+    }
+}
+
+TEST_F(PopoverViewTest, SaysThatTheHistoryIsBeingCollected) {
+    scene.fake.files.files.clear();
+    EXPECT_EQ((shown(), text("historyChartEmpty")), "Collecting history… a graph appears after a few minutes.");
+    EXPECT_EQ(plot(), nullptr);
+    EXPECT_TRUE(sees("dailySummary")) << "one sample is a day already";
+    scene.fake.mainLoop.advance(1min);
+    settle();
+    EXPECT_FALSE(sees("historyChartEmpty"));
+    EXPECT_TRUE(plot()->isVisible());
+}
+
+TEST_F(PopoverViewTest, TheChartShowsExactlyTheWindowThatIsPicked) {
+    shown();
+    const double now = scene.fake.clock.now().time_since_epoch().count();
+    EXPECT_EQ(plot()->xAxis->range().lower, now - 86400);
+    EXPECT_EQ(plot()->xAxis->range().upper, now);
+    EXPECT_EQ(plot()->yAxis2->range(), QCPRange(0, 100));
+    EXPECT_EQ(find("historyChart")->height(), 110);
+    find("rangePicker")->findChildren<QAbstractButton*>().at(1)->click();
+    EXPECT_EQ(plot()->xAxis->range().lower, now - 7 * 86400);
+    EXPECT_TRUE(
+        find("historyChart")->accessibleName().startsWith(QStringLiteral("Charge of the last 7 days, lowest ")));
+}
+
+TEST_F(PopoverViewTest, TheChartDrawsThePointsAndNoLineOverAGap) {
+    shown();
+    const auto data = plot()->graph(0)->data();
+    const std::vector<Point> expected = points(scene.started().history, scene.fake.clock.now() - 24h);
+    ASSERT_EQ(data->size(), static_cast<int>(expected.size()) + 1) << "the night is one gap";
+    int gaps = 0;
+    for (const QCPGraphData& each : *data)
+        gaps += std::isnan(each.value) ? 1 : 0;
+    EXPECT_EQ(gaps, 1);
+    EXPECT_EQ(plot()->graph(0)->pen().color(), tint(Tint::accent));
+}
+
+TEST_F(PopoverViewTest, TheChartMarksTheLimitAndFollowsThePreference) {
+    shown();
+    EXPECT_TRUE(rule()->visible());
+    EXPECT_EQ(rule()->point1->coords().y(), 80);
+    EXPECT_EQ(rule()->pen().color(), tint(Tint::yellow));
+    EXPECT_EQ(rule()->pen().widthF(), 1.5);
+    EXPECT_EQ(rule()->pen().capStyle(), Qt::FlatCap);
+    EXPECT_EQ(annotation()->text(), QStringLiteral("Limit 80%"));
+    EXPECT_EQ(annotation()->font().pixelSize(), 9);
+    scene.fake.defaults.setObject("limit", Value(100));
+    settle();
+    EXPECT_EQ(annotation()->text(), QStringLiteral("Limit 100%"));
+    plot()->replot();
+    EXPECT_GE(annotation()->topLeft->pixelPosition().y(), 0) << "whole above the plot";
+    const int points = plot()->graph(0)->data()->size();
+    scene.fake.defaults.setObject("limitEnabled", Value(false));
+    settle();
+    EXPECT_FALSE(rule()->visible());
+    EXPECT_FALSE(annotation()->visible());
+    EXPECT_EQ(plot()->graph(0)->data()->size(), points);
+}
+
+TEST_F(PopoverViewTest, TheDailySummaryUnfolds) {
+    shown();
+    EXPECT_TRUE(sees("dailySummary"));
+    EXPECT_FALSE(sees("dailySummaryTable"));
+    QSignalSpy resized(&shown(), &PopoverView::resized);
+    find<QAbstractButton>("dailySummaryDisclosure")->click();
+    EXPECT_EQ(resized.size(), 1);
+    EXPECT_EQ(text("dailySummary.0.Day"), "Day");
+    EXPECT_EQ(text("dailySummary.0.Charging"), "Charging");
+    const auto rows = scene.started().history.dailySummaries(7, scene.fake.clock.now());
+    ASSERT_EQ(rows.size(), 7U);
+    EXPECT_EQ(text("dailySummary.1.Avg"), std::to_string(rows[0].avgPercent) + "%");
+    EXPECT_EQ(text("dailySummary.7.Range"), summaryCells(rows[6]).range);
+    EXPECT_EQ(text("dailySummary.7.Charging"), summaryCells(rows[6]).charging);
+    EXPECT_EQ(find("dailySummary.8.Day"), nullptr);
+}
+
+TEST_F(PopoverViewTest, TheDailySummaryLosesItsRowsWithTheHistory) {
+    shown();
+    find<QAbstractButton>("dailySummaryDisclosure")->click();
+    scene.started().resetHistory();
+    settle();
+    EXPECT_FALSE(sees("dailySummary"));
+    EXPECT_TRUE(sees("historyChartEmpty"));
+    scene.fake.mainLoop.advance(1min);
+    settle();
+    EXPECT_EQ(text("dailySummary.1.Charging"), "–");
+    EXPECT_FALSE(sees("dailySummary.2.Day"));
+}
+
+TEST_F(PopoverViewTest, HasButtonsThatDoWhatTheySay) {
+    shown();
+    find<QAbstractButton>("settingsButton")->click();
+    find<QAbstractButton>("quitButton")->click();
+    EXPECT_EQ(settings, 1);
+    EXPECT_EQ(quits, 1);
+    const PopoverView without(scene.started(), scene.fake.platform(), nullptr, [] {});
+    EXPECT_EQ(without.findChild<QWidget*>(QStringLiteral("settingsButton")), nullptr);
+}
+
+TEST_F(PopoverViewTest, FollowsTheModelOnceARefreshWhileItIsShownAndNotAtAllWhileItIsHidden) {
+    shown();
+    settle();
+    int before = shown().rebuilds();
+    scene.battery(30, false, false);
+    scene.started().refresh(AppModel::Reason::event);
+    settle();
+    EXPECT_EQ(shown().rebuilds(), before + 1);
+    EXPECT_EQ(text("stateText"), "On battery, estimating time left…");
+    shown().hide();
+    before = shown().rebuilds();
+    scene.fake.mainLoop.advance(2h);
+    scene.started().snooze();
+    scene.fake.defaults.setObject("limit", Value(60));
+    settle();
+    EXPECT_EQ(shown().rebuilds(), before);
+}
+
+TEST_F(PopoverViewTest, FollowsThePaletteWhileItIsShown) {
+    shown();
+    const QPalette light = QApplication::palette();
+    QPalette dark(QColor(45, 45, 48), QColor(42, 42, 44));
+    QApplication::setPalette(dark);
+    settle();
+    EXPECT_EQ(colorOf("detailValue"), tintColor(Tint::green, dark));
+    EXPECT_GE(contrast(colorOf("detailValue"), dark.color(QPalette::Window)), 4.5);
+    QApplication::setPalette(light);
+}
+
+TEST_F(PopoverViewTest, NamesEverythingThatCanBeOperated) {
+    for (const auto* button : shown().findChildren<QAbstractButton*>()) {
+        EXPECT_FALSE(button->text().isEmpty() && button->accessibleName().isEmpty());
+        EXPECT_NE(button->focusPolicy() & Qt::TabFocus, 0) << button->text().toStdString();
+    }
+}
+
+TEST_F(PopoverViewTest, NothingIsCutOffWithTextTwiceAsLarge) {
+    const QFont usual = QApplication::font();
+    QFont large = usual;
+    large.setPointSizeF(usual.pointSizeF() * 2);
+    QApplication::setFont(large);
+    scene.battery(64, true, true, 605);
+    Prefs::setSnoozeUntil(scene.fake.defaults, scene.fake.clock.now() + 1h);
+    Popover popover;
+    popover.setContent(&shown());
+    PopoverView* content = view.release(); // the popover's own by now
+    QObject::connect(content, &PopoverView::resized, &popover, &Popover::place);
+    popover.showAt(std::nullopt);
+    content->findChild<QAbstractButton*>(QStringLiteral("dailySummaryDisclosure"))->click();
+    settle();
+    EXPECT_EQ(popover.width(), 342) << "with its border";
+    for (const auto* label : content->findChildren<QLabel*>()) {
+        if (!label->isVisible())
+            continue;
+        const int needed = label->wordWrap() ? label->heightForWidth(label->width()) : label->sizeHint().height();
+        EXPECT_GE(label->height(), needed) << label->text().toStdString();
+        EXPECT_GE(label->width(), label->minimumSizeHint().width()) << label->text().toStdString();
+    }
+    popover.grab().save(QStringLiteral(VELMORA_PICTURES "/popover-large-text.png"));
+    QApplication::setFont(usual);
+}
+
+TEST_F(PopoverViewTest, ScrollsWhereTheScreenIsTooLow) {
+    Popover popover;
+    popover.setContent(&shown());
+    PopoverView* content = view.release();
+    QObject::connect(content, &PopoverView::resized, &popover, &Popover::place);
+    popover.showAt(std::nullopt);
+    const int usual = popover.height();
+    content->findChild<QAbstractButton*>(QStringLiteral("dailySummaryDisclosure"))->click();
+    EXPECT_GT(popover.height(), usual);
+    EXPECT_LE(popover.height(), popover.screen()->availableGeometry().height());
+}
+
+TEST(ViewStyle, ReadsInEveryColourOnLightAndDark) {
+    for (const QColor& window : {QColor(Qt::white), QColor(0xef, 0xef, 0xef), QColor(0x2d, 0x2d, 0x30),
+                                 QColor(Qt::black), QColor(0xd0, 0xc8, 0xb0)}) {
+        QPalette palette(window);
+        for (const Tint tint : {Tint::accent, Tint::green, Tint::orange, Tint::red, Tint::yellow})
+            EXPECT_GE(contrast(tintColor(tint, palette), window), 4.5);
+    }
+}
