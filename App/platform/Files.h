@@ -26,4 +26,8 @@ public:
     /// Puts `content` in the place of a file, whole or not at all, on the disk when it returns no error; a link is
     /// followed and stays. The file is open to the owner only. Missing folders are made.
     [[nodiscard]] virtual std::error_code replace(const std::filesystem::path& file, std::string_view content) = 0;
+
+    /// The same for a document of the user's: the permissions of the file stay as they are, a new one has those that
+    /// the user's files usually have, and the folder must be there.
+    [[nodiscard]] virtual std::error_code saveDocument(const std::filesystem::path& file, std::string_view content) = 0;
 };

@@ -118,7 +118,7 @@ void AppModel::exportHistoryCSV() {
         platform_.panels.runSavePanel({.contentType = "text/csv", .suggestedName = "Velmora-history.csv"});
     if (!file)
         return;
-    if (const std::error_code error = platform_.files.replace(*file, history.csv()))
+    if (const std::error_code error = platform_.files.saveDocument(*file, history.csv()))
         platform_.panels.runErrorAlert(*file, error);
 }
 

@@ -155,6 +155,7 @@ TEST_F(AppModelHistoryTest, ExportsToTheFileThatTheUserChose) {
     EXPECT_EQ(fake.files.files["/home/user/Documents/mine.csv"],
               "timestamp,percent,charging,plugged_in\n2023-11-14T22:13:20Z,64,false,true\n");
     EXPECT_TRUE(fake.panels.errorAlerts.empty());
+    EXPECT_EQ(fake.files.documents.size(), 1U) << "it is the user's, not the program's";
 }
 
 TEST_F(AppModelHistoryTest, ExportsNothingWhenTheUserCancels) {

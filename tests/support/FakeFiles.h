@@ -14,6 +14,7 @@ public:
     std::filesystem::path support = "/home/user/.local/share";
     std::map<std::filesystem::path, std::string> files;
     std::set<std::filesystem::path> folders;
+    std::vector<std::filesystem::path> documents; ///< what was saved as one
     bool refusesReads = false;
     bool refusesWrites = false;
     mutable std::vector<std::filesystem::path> readPaths; ///< what was asked for, in order
@@ -43,5 +44,10 @@ public:
         folders.insert(file.parent_path());
         files.insert_or_assign(file, std::string(content));
         return {};
+    }
+
+    std::error_code saveDocument(const std::filesystem::path& file, std::string_view content) override {
+        documents.push_back(file);
+        return replace(file, content);
     }
 };

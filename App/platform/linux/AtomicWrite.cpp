@@ -99,6 +99,16 @@ std::error_code syncFolder(const fs::path& folder, int file) {
     return {};
 }
 
+/// Of a file that is there, or that the user's programs would make now.
+mode_t usualMode(const fs::path& file) {
+    struct stat status {};
+    if (::stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode))
+        return status.st_mode & 07777;
+    const mode_t mask = ::umask(0); // there is no way to ask for it alone
+    ::umask(mask);
+    return 0666 & ~mask;
+}
+
 void removeIfLeftOver(const fs::path& file) {
     // Neither through a link nor waiting for a pipe. Writing, because some network file systems want that for a lock.
     const FileDescriptor descriptor(::open(file.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
@@ -112,11 +122,13 @@ void removeIfLeftOver(const fs::path& file) {
 
 } // namespace
 
-std::error_code writeAtomically(const fs::path& target, std::string_view content) {
+std::error_code writeAtomically(const fs::path& target, std::string_view content, Access access) {
     const TemporaryFile temporary = makeTemporaryFile(target);
     if (!temporary.descriptor)
         return lastError();
     std::error_code error = writeAll(temporary.descriptor.get(), content);
+    if (!error && access == Access::asUsual)
+        ::fchmod(temporary.descriptor.get(), usualMode(target)); // some file systems know no modes
     if (!error && ::rename(temporary.path.c_str(), target.c_str()) != 0)
         error = lastError();
     if (error) {

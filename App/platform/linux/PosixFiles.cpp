@@ -80,7 +80,11 @@ std::error_code PosixFiles::replace(const fs::path& file, std::string_view conte
         if (const std::error_code error = makeFolder(target.parent_path()))
             return error;
     }
-    return writeAtomically(target, content);
+    return writeAtomically(target, content, Access::owner);
+}
+
+std::error_code PosixFiles::saveDocument(const fs::path& file, std::string_view content) {
+    return writeAtomically(linkTarget(file), content, Access::asUsual);
 }
 
 void PosixFiles::removeLeftovers(const fs::path& file) const {

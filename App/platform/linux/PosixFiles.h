@@ -13,6 +13,7 @@ public:
     bool createFolder(const std::filesystem::path& folder) override;
     std::optional<std::string> read(const std::filesystem::path& file, std::size_t limit) const override;
     [[nodiscard]] std::error_code replace(const std::filesystem::path& file, std::string_view content) override;
+    [[nodiscard]] std::error_code saveDocument(const std::filesystem::path& file, std::string_view content) override;
 
     /// Removes what a crash in the midst of `replace` has left beside the file, or beside what it is a link to. Leaves
     /// alone what another process is writing at this moment.

@@ -92,6 +92,8 @@ QString withSuffix(const QString& file, const QString& suffix) {
 QString chosenFile(QFileDialog& dialog, const QString& suffix) {
     while (run(dialog)) {
         const QString selected = dialog.selectedFiles().value(0);
+        if (selected.isEmpty()) // a place that is no folder of this machine
+            return {};
         const QString file = withSuffix(selected, suffix);
         // The dialog has asked about the name as it was typed. It could add the suffix itself, but then those of some
         // desktops do so only after they have asked.

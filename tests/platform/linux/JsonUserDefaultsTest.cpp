@@ -289,6 +289,9 @@ public:
     std::error_code replace(const fs::path& file, std::string_view content) override {
         return refuses ? std::make_error_code(std::errc::no_space_on_device) : files_.replace(file, content);
     }
+    std::error_code saveDocument(const std::filesystem::path& file, std::string_view content) override {
+        return replace(file, content);
+    }
 
 private:
     PosixFiles files_;

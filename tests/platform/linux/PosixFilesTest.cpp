@@ -135,6 +135,36 @@ TEST_F(PosixFilesTest, TakesPermissionsFromOthersThatTheyHad) {
     EXPECT_EQ(permissions(home.path / "file"), 0600U);
 }
 
+TEST_F(PosixFilesTest, LeavesADocumentOpenToWhomItWas) {
+    write(home.path / "file", "old");
+    for (const unsigned mode : {0644U, 0640U, 0604U}) {
+        fs::permissions(home.path / "file", fs::perms(mode));
+        EXPECT_FALSE(files.saveDocument(home.path / "file", "new"));
+        EXPECT_EQ(permissions(home.path / "file"), mode);
+    }
+    EXPECT_EQ(contentOf(home.path / "file"), "new");
+}
+
+TEST_F(PosixFilesTest, MakesANewDocumentAsTheUsersProgramsDo) {
+    const mode_t before = ::umask(027);
+    EXPECT_FALSE(files.saveDocument(home.path / "file", "new"));
+    EXPECT_EQ(::umask(before), 027U);
+    EXPECT_EQ(permissions(home.path / "file"), 0640U);
+}
+
+TEST_F(PosixFilesTest, MakesNoFolderForADocument) {
+    EXPECT_EQ(files.saveDocument(home.path / "mistyped/file", "new"), std::errc::no_such_file_or_directory);
+    EXPECT_FALSE(fs::exists(home.path / "mistyped"));
+}
+
+TEST_F(PosixFilesTest, FollowsALinkToADocument) {
+    write(home.path / "there", "old");
+    fs::create_symlink(home.path / "there", home.path / "link");
+    EXPECT_FALSE(files.saveDocument(home.path / "link", "new"));
+    EXPECT_TRUE(fs::is_symlink(home.path / "link"));
+    EXPECT_EQ(contentOf(home.path / "there"), "new");
+}
+
 TEST_F(PosixFilesTest, MakesAFolderAnewThatWasDeleted) {
     const fs::path file = home.path / "data/Velmora/file";
     EXPECT_FALSE(files.replace(file, "one"));
