@@ -35,7 +35,7 @@ public:
             text.size() - text.find_first_of("0123456789", exponent) > mostExponentDigits)
             return false;
         Value read{.real = number};
-        if (std::floor(number) == number && number >= -0x1p63 && number < 0x1p63)
+        if (std::floor(number) == number && std::abs(number) < 0x1p63)
             read.whole = static_cast<std::int64_t>(number);
         return value(read);
     }

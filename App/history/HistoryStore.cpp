@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <tuple>
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -27,10 +28,14 @@ auto firstNotBefore(const std::deque<Sample>& samples, Date date) {
 
 } // namespace
 
+std::filesystem::path HistoryStore::file(const Files& files) {
+    return files.applicationSupportFolder() / "Velmora" / "history.json";
+}
+
 HistoryStore::HistoryStore(Files& files, const Clock& clock, const Calendar& calendar)
     : files_(files)
     , calendar_(calendar)
-    , url(files.applicationSupportFolder() / "Velmora" / "history.json") {
+    , url(file(files)) {
     files_.createFolder(url.parent_path());
     if (std::optional<std::string> text = files_.read(url, largestFile))
         if (std::optional<std::deque<Sample>> loaded = decodeHistory(std::move(*text)))
@@ -77,7 +82,7 @@ void HistoryStore::save(Date now) {
     // Also when writing fails: a full disk is not asked again every minute.
     lastSave = now;
     if (const std::optional<std::string> text = encodeHistory(samples))
-        (void)files_.replace(url, *text);
+        std::ignore = files_.replace(url, *text);
 }
 
 void HistoryStore::prune(Date now) {

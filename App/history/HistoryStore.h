@@ -28,6 +28,9 @@ public:
         bool operator==(const DaySummary&) const = default;
     };
 
+    /// Where the history is kept.
+    static std::filesystem::path file(const Files& files);
+
     /// Loads what the file holds.
     HistoryStore(Files& files, const Clock& clock, const Calendar& calendar);
     HistoryStore(const HistoryStore&) = delete;

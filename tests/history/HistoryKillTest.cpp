@@ -78,7 +78,7 @@ protected:
     /// False when it does not happen.
     template <class Condition>
     static bool spinUntil(Condition condition) {
-        const auto deadline = SteadyClock::now() + 20s;
+        const auto deadline = SteadyClock::now() + 40s;
         while (!condition() && SteadyClock::now() < deadline)
             ::sched_yield();
         return condition();
