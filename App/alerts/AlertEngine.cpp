@@ -5,7 +5,6 @@
 #include "battery/BatteryState.h"
 #include "platform/UserDefaults.h"
 
-#include <array>
 #include <chrono>
 #include <cmath>
 #include <string>

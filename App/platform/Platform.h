@@ -11,6 +11,7 @@ class Panels;
 class PowerSources;
 class ProcessInfo;
 class StatusBar;
+class SystemSounds;
 class UserDefaults;
 class Workspace;
 
@@ -29,4 +30,5 @@ struct Platform {
     Panels& panels;
     NotificationCenter& notificationCenter;
     Bundle& bundle;
+    SystemSounds& sounds;
 };

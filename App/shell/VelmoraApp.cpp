@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "history/HistoryStore.h"
 #include "platform/linux/AppDirBundle.h"
 #include "platform/linux/CanberraSounds.h"
 #include "platform/linux/DisplayCheck.h"
@@ -91,10 +92,11 @@ int main(int argc, char** argv) {
     const std::filesystem::path executable = AppDirBundle::runningExecutable();
     const std::filesystem::path share = executable.parent_path().parent_path() / "share";
     AppDirBundle bundle(executable);
+    const std::filesystem::path stateFolder = xdgStateHome() / "Velmora";
     CanberraSounds sounds(share / "sounds/velmora");
     FreedesktopNotifications notifications(
         sessionBus, mainLoop, sounds, [&sounds](std::string_view name) { return sounds.file(name); },
-        NotificationConsent(files, xdgStateHome() / "Velmora"),
+        NotificationConsent(files, stateFolder),
         share / "icons/hicolor/scalable/apps" / (std::string(SessionApplication::name) + ".svg"));
     MakeTrayItem makeTrayItem;
     if (XEmbedItem::isPossible())
@@ -103,7 +105,7 @@ int main(int argc, char** argv) {
     QtPanels panels;
 
     AppDelegate delegate({powerSources, processInfo, workspace, mainLoop, clock, calendar, defaults, files, statusBar,
-                          panels, notifications, bundle},
+                          panels, notifications, bundle, sounds},
                          [] { QCoreApplication::quit(); });
     session.setActivated([&delegate] { delegate.showDetails(); });
     delegate.applicationDidFinishLaunching();
@@ -113,7 +115,7 @@ int main(int argc, char** argv) {
     sleep.start();
     systemBus.start();
     notifications.start();
-    for (const auto& file : {files.applicationSupportFolder() / "Velmora/history.json", defaultsFile})
+    for (const auto& file : {HistoryStore::file(files), defaultsFile, NotificationConsent::file(stateFolder)})
         files.removeLeftovers(file);
     runningDelegate = &delegate;
     std::atexit(terminateRunning);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "alerts/SoundNames.h"
 #include "support/Recording.h"
 
 #include <gmock/gmock.h>
@@ -10,15 +11,13 @@
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 
 namespace fs = std::filesystem;
 
 namespace {
 
 const fs::path folder = VELMORA_SOUNDS;
-
-constexpr const char* names[] = {"Glass",  "Ping", "Hero",  "Submarine", "Funk", "Basso",  "Blow",
-                                 "Bottle", "Frog", "Morse", "Pop",       "Purr", "Sosumi", "Tink"};
 
 WavFile wavFile(const std::string& name) {
     const std::optional<WavFile> file = WavFile::read(folder / (name + ".wav"));
@@ -30,14 +29,14 @@ Recording recording(const std::string& name) {
     return Recording(wavFile(name));
 }
 
-class EachSound : public testing::TestWithParam<const char*> {};
+class EachSound : public testing::TestWithParam<std::string_view> {};
 
 } // namespace
 
 TEST(Sounds, AreTheseAndNoOthers) {
     std::set<std::string> expected;
-    for (const std::string name : names)
-        expected.insert(name + ".wav");
+    for (const std::string_view name : soundNames)
+        expected.insert(std::string(name) + ".wav");
     std::set<std::string> found;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder))
         found.insert(entry.path().filename());
@@ -45,7 +44,7 @@ TEST(Sounds, AreTheseAndNoOthers) {
 }
 
 TEST_P(EachSound, IsPcmThatEveryPlayerKnows) {
-    const WavFile file = wavFile(GetParam());
+    const WavFile file = wavFile(std::string(GetParam()));
     EXPECT_EQ(file.format, 1U);
     EXPECT_EQ(file.channels, 1U);
     EXPECT_EQ(file.rate, 48000U);
@@ -55,18 +54,18 @@ TEST_P(EachSound, IsPcmThatEveryPlayerKnows) {
 }
 
 TEST_P(EachSound, IsShort) {
-    const Recording sound = recording(GetParam());
+    const Recording sound = recording(std::string(GetParam()));
     EXPECT_GE(sound.seconds(), 0.2);
     EXPECT_LE(sound.seconds(), 1.5);
 }
 
 TEST_P(EachSound, PeaksAtMinusThreeDecibels) {
-    const Recording sound = recording(GetParam());
+    const Recording sound = recording(std::string(GetParam()));
     EXPECT_NEAR(20 * std::log10(sound.peak(0, sound.seconds())), -3, 0.01);
 }
 
 TEST_P(EachSound, HasNoConstantPart) {
-    const WavFile file = wavFile(GetParam());
+    const WavFile file = wavFile(std::string(GetParam()));
     double sum = 0;
     for (const double sample : file.samples)
         sum += sample;
@@ -74,7 +73,7 @@ TEST_P(EachSound, HasNoConstantPart) {
 }
 
 TEST_P(EachSound, BeginsAndEndsWithoutAClick) {
-    const WavFile file = wavFile(GetParam());
+    const WavFile file = wavFile(std::string(GetParam()));
     EXPECT_EQ(file.samples.front(), 0);
     EXPECT_EQ(file.samples.back(), 0);
     const Recording sound(file);
@@ -83,20 +82,21 @@ TEST_P(EachSound, BeginsAndEndsWithoutAClick) {
 }
 
 TEST_P(EachSound, IsHeardForMoreThanAnInstantAndFadesAway) {
-    const Recording sound = recording(GetParam());
+    const Recording sound = recording(std::string(GetParam()));
     const std::vector<double> envelope = sound.envelope(0.01);
     EXPECT_GE(std::count_if(envelope.begin(), envelope.end(), [](double loudness) { return loudness > -30; }), 5);
     EXPECT_LT(envelope.back(), -20);
 }
 
-INSTANTIATE_TEST_SUITE_P(Sounds, EachSound, testing::ValuesIn(names), [](const auto& sound) { return sound.param; });
+INSTANTIATE_TEST_SUITE_P(Sounds, EachSound, testing::ValuesIn(soundNames),
+                         [](const auto& sound) { return std::string(sound.param); });
 
 TEST(Sounds, AreAllToldApart) {
     // The two nearest, Bottle and Sosumi, are 10.8 dB apart; a Ping a third lower and a little shorter is 9.2 from it.
     constexpr double least = 10;
     std::map<std::string, Recording::Character> characters;
-    for (const std::string name : names)
-        characters[name] = recording(name).character();
+    for (const std::string_view name : soundNames)
+        characters[std::string(name)] = recording(std::string(name)).character();
     for (auto one = characters.begin(); one != characters.end(); ++one) {
         for (auto other = std::next(one); other != characters.end(); ++other)
             EXPECT_GT(distance(one->second, other->second), least) << one->first << " and " << other->first;

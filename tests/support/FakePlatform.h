@@ -13,6 +13,7 @@
 #include "support/FakePowerSources.h"
 #include "support/FakeProcessInfo.h"
 #include "support/FakeStatusBar.h"
+#include "support/FakeSystemSounds.h"
 #include "support/FakeUserDefaults.h"
 #include "support/FakeWorkspace.h"
 
@@ -31,6 +32,7 @@ struct FakePlatform {
     FakePanels panels{&journal};
     FakeNotificationCenter notificationCenter;
     FakeBundle bundle;
+    FakeSystemSounds sounds;
 
     Platform platform() {
         return {.powerSources = powerSources,
@@ -44,6 +46,7 @@ struct FakePlatform {
                 .statusBar = statusBar,
                 .panels = panels,
                 .notificationCenter = notificationCenter,
-                .bundle = bundle};
+                .bundle = bundle,
+                .sounds = sounds};
     }
 };

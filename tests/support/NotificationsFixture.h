@@ -6,6 +6,7 @@
 #include "platform/linux/QtMainLoop.h"
 #include "support/FakeFiles.h"
 #include "support/FakeNotificationDaemon.h"
+#include "support/FakeSystemSounds.h"
 #include "support/WaitUntil.h"
 
 #include <gtest/gtest.h>
@@ -13,14 +14,6 @@
 #include <memory>
 #include <string>
 #include <vector>
-
-/// Notes what is played.
-class PlayedSounds final : public SystemSounds {
-public:
-    std::vector<std::string> played;
-    void play(std::string_view name) override { played.emplace_back(name); }
-    void playDefault() override { played.emplace_back("(default)"); }
-};
 
 /// Notes what the user pressed, and completes at once.
 class RecordingDelegate final : public NotificationCenter::Delegate {
@@ -50,7 +43,7 @@ protected:
 
     PrivateBus bus;
     QtMainLoop loop;
-    PlayedSounds sounds;
+    FakeSystemSounds sounds;
     FakeFiles files;
     RecordingDelegate delegate;
     QDBusConnection connection = QDBusConnection::connectToBus(bus.address(), QStringLiteral("program"));

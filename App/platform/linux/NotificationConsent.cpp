@@ -16,7 +16,7 @@ constexpr std::string_view given = "authorized\n";
 
 NotificationConsent::NotificationConsent(Files& files, const std::filesystem::path& folder)
     : files_(files)
-    , file_(folder / "notifications") {}
+    , file_(file(folder)) {}
 
 Status NotificationConsent::status() const {
     if (!status_)

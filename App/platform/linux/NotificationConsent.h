@@ -12,6 +12,9 @@ class Files;
 /// application but do not ask, and tell no one. It never becomes "denied" here, since that is the desktop's to say.
 class NotificationConsent {
 public:
+    /// Where in the folder it is kept.
+    static std::filesystem::path file(const std::filesystem::path& folder) { return folder / "notifications"; }
+
     /// `folder` is where the file is kept; it is made when there is something to keep.
     NotificationConsent(Files& files, const std::filesystem::path& folder);
 

@@ -42,7 +42,7 @@ TEST_F(NotificationSoundTest, IsOursElsewhere) {
         EXPECT_FALSE(hint("sound-name").isValid() || hint("sound-file").isValid()) << name;
         add(request("low", "A", "default"));
         add(request("low", "A"));
-        expected.insert(expected.end(), {"Glass", "(default)"});
+        expected.insert(expected.end(), {"Glass", "default"});
         EXPECT_EQ(sounds.played, expected) << name;
         daemon.leave();
     }
