@@ -96,6 +96,7 @@ void AppDelegate::openPopover(std::optional<ScreenPoint> point) {
         popover->setContent(popoverView);
         QObject::connect(popoverView, &PopoverView::resized, popover.get(), &Popover::place);
     }
-    popoverView->rebuild();
+    if (!popoverIsShown()) // else it follows the refresh by itself
+        popoverView->rebuild();
     popover->showAt(point);
 }

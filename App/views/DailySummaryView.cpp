@@ -123,7 +123,8 @@ void DailySummaryView::setExpanded(bool expanded) {
     table_->setVisible(expanded);
 }
 
-void DailySummaryView::setCell(int row, int column, const QString& text, const QPalette& palette) {
+void DailySummaryView::setCell(int row, int column, const QString& text, const QString& spoken,
+                               const QPalette& palette) {
     const QString name = QStringLiteral("dailySummary.%1.%2").arg(row).arg(QLatin1String(columns[column].title));
     QLayoutItem* item = grid_->itemAtPosition(row, column);
     auto* label = item != nullptr ? qobject_cast<QLabel*>(item->widget()) : nullptr;
@@ -137,10 +138,11 @@ void DailySummaryView::setCell(int row, int column, const QString& text, const Q
     label->setFont(table_->font());
     label->setPalette(palette);
     label->setText(text);
+    label->setAccessibleName(spoken);
     label->setVisible(true);
 }
 
-void DailySummaryView::show(const std::vector<HistoryStore::DaySummary>& rows, const QColor& secondary) {
+void DailySummaryView::setContent(const std::vector<HistoryStore::DaySummary>& rows, const QColor& secondary) {
     setVisible(!rows.empty());
     disclosure_->setFont(textFont(TextStyle::callout));
     table_->setFont(tableFont());
@@ -150,16 +152,22 @@ void DailySummaryView::show(const std::vector<HistoryStore::DaySummary>& rows, c
     for (int column = 0; column < static_cast<int>(columns.size()); ++column) {
         const Column& each = columns[static_cast<std::size_t>(column)];
         grid_->setColumnMinimumWidth(column, columnWidth(each, metrics));
-        setCell(0, column, QLatin1String(each.title), header);
+        setCell(0, column, QLatin1String(each.title), QLatin1String(each.title), header);
     }
     const int count = static_cast<int>(rows.size());
     for (int i = 0; i < count; ++i) {
         const HistoryStore::DaySummary& row = rows[static_cast<std::size_t>(i)];
         const SummaryCells cells = summaryCells(row);
-        setCell(i + 1, 0, dayText(row.day), palette());
-        setCell(i + 1, 1, QString::fromStdString(cells.average), palette());
-        setCell(i + 1, 2, QString::fromStdString(cells.range), palette());
-        setCell(i + 1, 3, QString::fromStdString(cells.charging), palette());
+        const QString day = dayText(row.day);
+        const std::array texts{day, QString::fromStdString(cells.average), QString::fromStdString(cells.range),
+                               QString::fromStdString(cells.charging)};
+        for (int column = 0; column < static_cast<int>(columns.size()); ++column) {
+            // Read as one: a number alone says little.
+            const QString& text = texts[static_cast<std::size_t>(column)];
+            const QString title = QLatin1String(columns[static_cast<std::size_t>(column)].title);
+            setCell(i + 1, column, text,
+                    column == 0 ? day : day + QLatin1String(", ") + title + QLatin1String(": ") + text, palette());
+        }
     }
     for (int row = count + 1; row < grid_->rowCount(); ++row) {
         for (int column = 0; column < static_cast<int>(columns.size()); ++column)

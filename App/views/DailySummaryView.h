@@ -19,7 +19,7 @@ public:
     explicit DailySummaryView(QWidget* parent = nullptr);
 
     /// The rows from the top, and the colour of the header.
-    void show(const std::vector<HistoryStore::DaySummary>& rows, const QColor& secondary);
+    void setContent(const std::vector<HistoryStore::DaySummary>& rows, const QColor& secondary);
 
 Q_SIGNALS:
     /// It has become higher or lower.
@@ -30,6 +30,6 @@ private:
     QWidget* table_;
     QGridLayout* grid_;
 
-    void setCell(int row, int column, const QString& text, const QPalette& palette);
+    void setCell(int row, int column, const QString& text, const QString& spoken, const QPalette& palette);
     void setExpanded(bool expanded);
 };

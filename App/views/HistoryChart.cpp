@@ -8,7 +8,6 @@
 #include <QStackedLayout>
 #include <qcustomplot.h>
 
-#include <cmath>
 #include <limits>
 
 namespace {
@@ -71,7 +70,6 @@ void HistoryChart::makePlot() {
     plot_->setFocusPolicy(Qt::NoFocus);
     plot_->setAttribute(Qt::WA_TransparentForMouseEvents);
     plot_->setNoAntialiasingOnDrag(false);
-    plot_->xAxis->setTicker(QSharedPointer<QCPAxisTickerText>::create());
     auto percents = QSharedPointer<QCPAxisTickerText>::create();
     for (const int percent : {0, 50, 100})
         percents->addTick(percent, QString::number(percent) + QLatin1Char('%'));
@@ -112,7 +110,7 @@ void HistoryChart::makePlot() {
     layers_->addWidget(plot_);
 }
 
-void HistoryChart::show(const Content& content) {
+void HistoryChart::setContent(const Content& content) {
     QPalette colors = palette();
     colors.setColor(QPalette::WindowText, content.secondary);
     empty_->setPalette(colors);
@@ -151,9 +149,10 @@ void HistoryChart::styleAxes(const Content& content) {
 }
 
 void HistoryChart::showRule(const Content& content) {
-    rule_->setVisible(content.limit.has_value());
-    ruleText_->setVisible(content.limit.has_value());
-    if (!content.limit)
+    const bool isInside = content.limit && *content.limit >= 0 && *content.limit <= 100;
+    rule_->setVisible(isInside);
+    ruleText_->setVisible(isInside);
+    if (!isInside)
         return;
     const auto limit = static_cast<double>(*content.limit);
     rule_->setPen(rulePen(content.rule));
@@ -161,11 +160,8 @@ void HistoryChart::showRule(const Content& content) {
     rule_->point2->setCoords(1, limit);
     ruleText_->setText(QString::fromStdString(limitText(*content.limit)));
     ruleText_->setFont(annotationFont());
-    ruleText_->setColor(content.rule);
+    ruleText_->setColor(content.ruleText);
     ruleText_->position->setCoords(1, limit);
-    const bool isInside = limit >= 0 && limit <= 100;
-    ruleText_->setVisible(isInside);
-    rule_->setVisible(isInside);
 }
 
 void HistoryChart::showPoints(const Content& content) {

@@ -32,12 +32,13 @@ public:
         std::optional<std::int64_t> limit; ///< percent; empty for no rule
         QColor line;                       ///< of the charge
         QColor rule;                       ///< of the limit
+        QColor ruleText;                   ///< of what stands at it
         QColor secondary;                  ///< of the marks and of the sentence
     };
 
     explicit HistoryChart(QWidget* parent = nullptr);
 
-    void show(const Content& content);
+    void setContent(const Content& content);
 
 private:
     QStackedLayout* layers_;

@@ -11,7 +11,6 @@
 #include <QPainter>
 #include <QScreen>
 #include <QScrollArea>
-#include <QScrollBar>
 
 #include <algorithm>
 
@@ -51,10 +50,6 @@ Popover::Popover() : QWidget(nullptr, popoverFlags()), area_(new QScrollArea(thi
 void Popover::setContent(QWidget* content) {
     area_->setWidget(content);
     content->setFocusPolicy(Qt::ClickFocus);
-}
-
-bool Popover::hasContent() const {
-    return area_->widget() != nullptr;
 }
 
 void Popover::showAt(std::optional<ScreenPoint> point) {

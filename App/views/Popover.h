@@ -20,7 +20,6 @@ public:
     /// What is in it; it is as wide as the popover and as high as it wants to be, and scrolls where the screen is too
     /// low for that. Taken over.
     void setContent(QWidget* content);
-    bool hasContent() const;
 
     /// Shows it beside the point, or where it was last, or in the top right corner, and takes the keyboard.
     void showAt(std::optional<ScreenPoint> point);

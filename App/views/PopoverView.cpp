@@ -246,7 +246,7 @@ void PopoverView::rebuild() {
     showCycles(state);
     showDetails(state);
     showChart(now);
-    summary_->show(model.history.dailySummaries(7, now), color(Tint::secondary));
+    summary_->setContent(model.history.dailySummaries(7, now), color(Tint::secondary));
 }
 
 void PopoverView::showNoBattery() {
@@ -257,9 +257,7 @@ void PopoverView::showNoBattery() {
 }
 
 void PopoverView::showHeader(const BatteryState& state, Date now) {
-    QColor track = color(Tint::secondary);
-    track.setAlphaF(0.2F);
-    ring_->show(state.percent, color(ringTint(state)), track);
+    ring_->setContent(state.percent, color(ringTint(state), Use::graphics), trackColor());
     ring_->setAccessibleName(QString::fromStdString(ringDescription(state)));
     setText(state_, QString::fromStdString(state.stateText()), TextStyle::headline, Tint::primary);
     const std::optional<std::string> pluggedIn = pluggedInText(model.pluggedSince.get(), now);
@@ -279,9 +277,7 @@ void PopoverView::showCycles(const BatteryState& state) {
     if (!gauge)
         return;
     setRow(cycleRow_, QStringLiteral("Cycle count"), QString::fromStdString(gauge->value), Tint::secondary);
-    QColor track = color(Tint::secondary);
-    track.setAlphaF(0.2F);
-    cycleBar_->setColors(color(gauge->tint), track);
+    cycleBar_->setColors(color(gauge->tint, Use::graphics), trackColor());
     cycleBar_->setValue(static_cast<int>(gauge->filled));
 }
 
@@ -299,19 +295,26 @@ void PopoverView::showDetails(const BatteryState& state) {
 void PopoverView::showChart(Date now) {
     const Prefs prefs = Prefs::current(platform_.defaults);
     const Date since = now - Duration(range * 86400.0);
-    chart_->show({.points = points(model.history, since),
-                  .marks = timeMarks(since, now, platform_.calendar),
-                  .since = since,
-                  .now = now,
-                  .days = range,
-                  .limit = prefs.limitEnabled ? std::optional(prefs.limit) : std::nullopt,
-                  .line = color(Tint::accent),
-                  .rule = color(Tint::yellow),
-                  .secondary = color(Tint::secondary)});
+    chart_->setContent({.points = points(model.history, since),
+                        .marks = timeMarks(since, now, platform_.calendar),
+                        .since = since,
+                        .now = now,
+                        .days = range,
+                        .limit = prefs.limitEnabled ? std::optional(prefs.limit) : std::nullopt,
+                        .line = color(Tint::accent, Use::graphics),
+                        .rule = color(Tint::yellow, Use::graphics),
+                        .ruleText = color(Tint::yellow),
+                        .secondary = color(Tint::secondary)});
 }
 
-QColor PopoverView::color(Tint tint) const {
-    return tintColor(tint, palette());
+QColor PopoverView::color(Tint tint, Use use) const {
+    return tintColor(tint, palette(), use);
+}
+
+QColor PopoverView::trackColor() const {
+    QColor track = color(Tint::secondary);
+    track.setAlphaF(0.2F);
+    return track;
 }
 
 void PopoverView::setText(QLabel* label, const QString& text, TextStyle style, Tint tint) {
@@ -331,6 +334,7 @@ void PopoverView::setRow(const Row& row, const QString& label, const QString& va
 
 void PopoverView::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ApplicationFontChange)
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange ||
+        event->type() == QEvent::StyleChange)
         queueRebuild();
 }

@@ -95,7 +95,8 @@ private:
     void showCycles(const BatteryState& state);
     void showDetails(const BatteryState& state);
     void showChart(Date now);
-    QColor color(Tint tint) const;
+    QColor color(Tint tint, Use use = Use::text) const;
+    QColor trackColor() const;
     void setText(QLabel* label, const QString& text, TextStyle style, Tint tint);
     void setRow(const Row& row, const QString& label, const QString& value, Tint tint);
 };

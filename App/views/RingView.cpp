@@ -30,7 +30,7 @@ RingView::RingView(QWidget* parent) : QWidget(parent) {
     setFixedSize(frame, frame);
 }
 
-void RingView::show(std::int64_t newPercent, const QColor& newColor, const QColor& track) {
+void RingView::setContent(std::int64_t newPercent, const QColor& newColor, const QColor& track) {
     if (newPercent == percent && newColor == color && track == track_)
         return;
     percent = newPercent;

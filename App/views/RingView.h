@@ -14,7 +14,7 @@ public:
     explicit RingView(QWidget* parent = nullptr);
 
     /// Whole percent, and the colours of the arc and of the rest of the ring.
-    void show(std::int64_t percent, const QColor& color, const QColor& track);
+    void setContent(std::int64_t percent, const QColor& color, const QColor& track);
 
     QSize sizeHint() const override;
 

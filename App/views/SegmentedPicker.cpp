@@ -62,27 +62,14 @@ SegmentedPicker::SegmentedPicker(const QStringList& choices, QWidget* parent) : 
     auto* group = new QButtonGroup(this); // exclusive, with arrow keys
     for (const QString& choice : choices) {
         auto* segment = new Segment(choice, this);
-        group->addButton(segment, static_cast<int>(segments_.size()));
+        segment->setChecked(group->buttons().isEmpty());
+        group->addButton(segment, static_cast<int>(group->buttons().size()));
         layout->addWidget(segment);
-        segments_.push_back(segment);
     }
-    setCurrent(0);
     connect(group, &QButtonGroup::idToggled, this, [this](int index, bool taken) {
         if (taken)
             Q_EMIT chosen(index);
     });
-}
-
-int SegmentedPicker::current() const {
-    for (std::size_t i = 0; i < segments_.size(); ++i) {
-        if (segments_[i]->isChecked())
-            return static_cast<int>(i);
-    }
-    return 0;
-}
-
-void SegmentedPicker::setCurrent(int index) {
-    segments_.at(static_cast<std::size_t>(index))->setChecked(true);
 }
 
 void SegmentedPicker::paintEvent(QPaintEvent* /*event*/) {

@@ -4,11 +4,6 @@
 #include <QStringList>
 #include <QWidget>
 
-#include <functional>
-#include <vector>
-
-class QAbstractButton;
-
 /// A row of choices of which one is taken. The arrow keys move the choice.
 class SegmentedPicker final : public QWidget {
     Q_OBJECT
@@ -17,16 +12,10 @@ public:
     /// The choices from the left; the first is taken.
     explicit SegmentedPicker(const QStringList& choices, QWidget* parent = nullptr);
 
-    int current() const;
-    void setCurrent(int index);
-
 Q_SIGNALS:
     /// The user took another choice.
     void chosen(int index);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
-
-private:
-    std::vector<QAbstractButton*> segments_;
 };

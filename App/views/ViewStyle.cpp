@@ -39,11 +39,11 @@ QColor mixed(const QColor& one, const QColor& other, double share) {
 }
 
 /// The colour itself, or as near to it as can be read on the background.
-QColor readable(const QColor& color, const QColor& background) {
-    constexpr double leastContrast = 4.5;
+QColor readable(const QColor& color, const QColor& background, Use use) {
+    const double leastContrast = use == Use::text ? 4.5 : 3;
     const QColor away = luminance(background) > 0.18 ? Qt::black : Qt::white;
     QColor found = color;
-    for (double share = 0.95; contrast(found, background) < leastContrast && share >= 0; share -= 0.05)
+    for (double share = 0.97; contrast(found, background) < leastContrast && share >= 0; share -= 0.03)
         found = mixed(color, away, share);
     return QColor(found.rgb());
 }
@@ -82,8 +82,8 @@ QFont textFont(TextStyle style) {
     return font;
 }
 
-QColor tintColor(Tint tint, const QPalette& palette, std::optional<QColor> accent) {
-    return readable(wanted(tint, palette, accent), palette.color(QPalette::Window));
+QColor tintColor(Tint tint, const QPalette& palette, Use use, std::optional<QColor> accent) {
+    return readable(wanted(tint, palette, accent), palette.color(QPalette::Window), use);
 }
 
 double contrast(const QColor& one, const QColor& other) {

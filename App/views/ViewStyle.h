@@ -18,10 +18,13 @@ enum class TextStyle { body, headline, callout, caption, caption2 };
 
 QFont textFont(TextStyle style);
 
-/// The colours of the views on the window colour of a palette, so that text in them can be read on it: 4.5 : 1, the
-/// least contrast for text by the Web Content Accessibility Guidelines. The accent colour is the desktop's where it
-/// tells one, else that of selections.
-QColor tintColor(Tint tint, const QPalette& palette, std::optional<QColor> accent = std::nullopt);
+/// What a colour is for. By the Web Content Accessibility Guidelines text needs a contrast of 4.5 : 1 at least, and
+/// what is no text 3 : 1.
+enum class Use { text, graphics };
+
+/// The colours of the views, with enough contrast to the window colour of the palette for their use. The accent colour
+/// is the desktop's where it tells one, else that of selections.
+QColor tintColor(Tint tint, const QPalette& palette, Use use = Use::text, std::optional<QColor> accent = std::nullopt);
 
 /// The contrast of two colours by those guidelines, from 1 to 21.
 double contrast(const QColor& one, const QColor& other);

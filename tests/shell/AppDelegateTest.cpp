@@ -114,6 +114,7 @@ TEST_F(AppDelegateTest, ShowDetailsOpensThePopoverAndKeepsItOpen) {
     setBattery(42);
     delegate.showDetails();
     ASSERT_NE(popover(), nullptr);
+    fakes.mainLoop.runDue();
     EXPECT_EQ(popoverText(), "42 %, on battery");
 }
 

@@ -5,6 +5,7 @@
 #include "support/PopoverScene.h"
 #include "views/ChartPoints.h"
 #include "views/Popover.h"
+#include "views/TimeText.h"
 #include "views/ViewStyle.h"
 
 #include <QAbstractButton>
@@ -12,6 +13,8 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <gtest/gtest.h>
 #include <qcustomplot.h>
@@ -55,7 +58,7 @@ struct PopoverViewTest : ::testing::Test {
         return find<QLabel>(name)->text().toStdString();
     }
     QColor colorOf(const char* name) { return find(name)->palette().color(QPalette::WindowText); }
-    QColor tint(Tint tint) { return tintColor(tint, shown().palette()); }
+    QColor tint(Tint tint, Use use = Use::text) { return tintColor(tint, shown().palette(), use); }
 
     /// Labels with values, from the top, as they are seen.
     std::vector<std::string> details() {
@@ -133,7 +136,7 @@ TEST_F(PopoverViewTest, ShowsTheCycleCountAsAGauge) {
         EXPECT_EQ(find<QProgressBar>("cycleBar")->value(), value);
         EXPECT_EQ(find<QProgressBar>("cycleBar")->maximum(), 1000);
         const QImage bar = find("cycleBar")->grab().toImage();
-        EXPECT_EQ(bar.pixelColor(bar.width() / 4, bar.height() / 2), tint(tinted)) << cycles;
+        EXPECT_EQ(bar.pixelColor(bar.width() / 4, bar.height() / 2), tint(tinted, Use::graphics)) << cycles;
     }
 }
 
@@ -171,7 +174,7 @@ TEST_F(PopoverViewTest, ColoursTheRing) {
         return ring.pixelColor(ring.width() / 2 + 4, 6); // just right of the top, where the arc begins
     };
     scene.battery(20, false, false);
-    EXPECT_EQ((shown(), arc()), tint(Tint::red));
+    EXPECT_EQ((shown(), arc()), tint(Tint::red, Use::graphics));
     for (const auto& [percent, plugged, charging, tinted] :
          std::vector<std::tuple<int, bool, bool, Tint>>{{21, false, false, Tint::accent},
                                                         {50, true, true, Tint::green},
@@ -180,7 +183,7 @@ TEST_F(PopoverViewTest, ColoursTheRing) {
         scene.battery(percent, plugged, charging);
         scene.started().refresh(AppModel::Reason::event);
         settle();
-        EXPECT_EQ(arc(), tint(tinted)) << percent;
+        EXPECT_EQ(arc(), tint(tinted, Use::graphics)) << percent;
     }
 }
 
@@ -217,14 +220,15 @@ TEST_F(PopoverViewTest, TheChartDrawsThePointsAndNoLineOverAGap) {
     for (const QCPGraphData& each : *data)
         gaps += std::isnan(each.value) ? 1 : 0;
     EXPECT_EQ(gaps, 1);
-    EXPECT_EQ(plot()->graph(0)->pen().color(), tint(Tint::accent));
+    EXPECT_EQ(plot()->graph(0)->pen().color(), tint(Tint::accent, Use::graphics));
 }
 
 TEST_F(PopoverViewTest, TheChartMarksTheLimitAndFollowsThePreference) {
     shown();
     EXPECT_TRUE(rule()->visible());
     EXPECT_EQ(rule()->point1->coords().y(), 80);
-    EXPECT_EQ(rule()->pen().color(), tint(Tint::yellow));
+    EXPECT_EQ(rule()->pen().color(), tint(Tint::yellow, Use::graphics));
+    EXPECT_EQ(annotation()->color(), tint(Tint::yellow));
     EXPECT_EQ(rule()->pen().widthF(), 1.5);
     EXPECT_EQ(rule()->pen().capStyle(), Qt::FlatCap);
     EXPECT_EQ(annotation()->text(), QStringLiteral("Limit 80%"));
@@ -255,6 +259,8 @@ TEST_F(PopoverViewTest, TheDailySummaryUnfolds) {
     ASSERT_EQ(rows.size(), 7U);
     EXPECT_EQ(text("dailySummary.1.Avg"), std::to_string(rows[0].avgPercent) + "%");
     EXPECT_EQ(text("dailySummary.7.Range"), summaryCells(rows[6]).range);
+    EXPECT_EQ(find("dailySummary.1.Avg")->accessibleName(),
+              dayText(rows[0].day) + QStringLiteral(", Avg: %1%").arg(rows[0].avgPercent));
     EXPECT_EQ(text("dailySummary.7.Charging"), summaryCells(rows[6]).charging);
     EXPECT_EQ(find("dailySummary.8.Day"), nullptr);
 }
@@ -322,7 +328,6 @@ TEST_F(PopoverViewTest, NothingIsCutOffWithTextTwiceAsLarge) {
     const QFont usual = QApplication::font();
     QFont large = usual;
     large.setPointSizeF(usual.pointSizeF() * 2);
-    QApplication::setFont(large);
     scene.battery(64, true, true, 605);
     Prefs::setSnoozeUntil(scene.fake.defaults, scene.fake.clock.now() + 1h);
     Popover popover;
@@ -331,6 +336,7 @@ TEST_F(PopoverViewTest, NothingIsCutOffWithTextTwiceAsLarge) {
     QObject::connect(content, &PopoverView::resized, &popover, &Popover::place);
     popover.showAt(std::nullopt);
     content->findChild<QAbstractButton*>(QStringLiteral("dailySummaryDisclosure"))->click();
+    QApplication::setFont(large); // while it is open
     settle();
     EXPECT_EQ(popover.width(), 342) << "with its border";
     for (const auto* label : content->findChildren<QLabel*>()) {
@@ -353,14 +359,29 @@ TEST_F(PopoverViewTest, ScrollsWhereTheScreenIsTooLow) {
     const int usual = popover.height();
     content->findChild<QAbstractButton*>(QStringLiteral("dailySummaryDisclosure"))->click();
     EXPECT_GT(popover.height(), usual);
-    EXPECT_LE(popover.height(), popover.screen()->availableGeometry().height());
+    QFont large = QApplication::font();
+    const QFont usualFont = large;
+    large.setPointSizeF(large.pointSizeF() * 3);
+    QApplication::setFont(large);
+    settle();
+    EXPECT_EQ(popover.height(), popover.screen()->availableGeometry().height());
+    auto* quit = content->findChild<QWidget*>(QStringLiteral("quitButton"));
+    quit->setFocus();
+    auto* area = popover.findChild<QScrollArea*>();
+    EXPECT_TRUE(area->verticalScrollBar()->isVisible());
+    area->ensureWidgetVisible(quit);
+    EXPECT_TRUE(area->viewport()->rect().contains(quit->mapTo(area->viewport(), quit->rect().center())));
+    QApplication::setFont(usualFont);
 }
 
 TEST(ViewStyle, ReadsInEveryColourOnLightAndDark) {
     for (const QColor& window : {QColor(Qt::white), QColor(0xef, 0xef, 0xef), QColor(0x2d, 0x2d, 0x30),
                                  QColor(Qt::black), QColor(0xd0, 0xc8, 0xb0)}) {
         QPalette palette(window);
-        for (const Tint tint : {Tint::accent, Tint::green, Tint::orange, Tint::red, Tint::yellow})
+        for (const Tint tint :
+             {Tint::primary, Tint::secondary, Tint::accent, Tint::green, Tint::orange, Tint::red, Tint::yellow}) {
             EXPECT_GE(contrast(tintColor(tint, palette), window), 4.5);
+            EXPECT_GE(contrast(tintColor(tint, palette, Use::graphics), window), 3);
+        }
     }
 }

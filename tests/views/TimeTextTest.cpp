@@ -42,3 +42,11 @@ TEST_F(TimeText, IsNothingForATimeThatNoClockShows) {
     EXPECT_EQ(at(1e300, "C"), "");
     EXPECT_EQ(at(std::numeric_limits<double>::quiet_NaN(), "C"), "");
 }
+
+TEST_F(TimeText, NamesTheDay) {
+    const Date date{Duration(afternoon)};
+    EXPECT_EQ(dayText(date, QLocale(QStringLiteral("en_US"))), QStringLiteral("Sat 15"));
+    EXPECT_EQ(weekdayText(date, QLocale(QStringLiteral("fr_FR"))), QStringLiteral("sam."));
+    setZone("Pacific/Kiritimati");
+    EXPECT_EQ(dayText(date, QLocale::c()), QStringLiteral("Sun 16"));
+}
