@@ -5,12 +5,13 @@ import unittest
 
 from .desktop import PrivateDesktop
 from .laptop import SimulatedLaptop
-from .program import Program
+from .program import Program, bundle
 from .reads import ReadCounter
 from .waiting import wait_until
 
 START_SECONDS = 10
 END_SECONDS = 5
+STILL_SECONDS = 5
 
 ESTIMATING = "64% · On battery, estimating time left…"
 HEALTH_AND_CYCLES = ["Health: 87% (Fair)", "Cycles: 312"]
@@ -63,6 +64,20 @@ class DesktopCase(unittest.TestCase):
     def soon_equal(self, observe, expected, limit):
         """What `observe` gives becomes `expected` within so many seconds."""
         wait_until(lambda: observe() == expected, limit, lambda: f"{expected!r}; it is {observe()!r}")
+
+    def keep_picture(self, desktop, name):
+        """Leaves what is on the screen, as soon as it stands still, in the build's pictures for a person to look at."""
+        last = desktop.picture()
+
+        def still():
+            nonlocal last
+            previous, last = last, desktop.picture()
+            return last.changed_box(previous) is None
+
+        wait_until(still, STILL_SECONDS, "the picture stands still")
+        folder = bundle().parent / "pictures"
+        folder.mkdir(exist_ok=True)
+        last.save(folder / f"{name}.png")
 
     def ends_cleanly(self, program, limit=END_SECONDS):
         """It ends by itself within so many seconds, with exit code 0 and without a word."""

@@ -118,6 +118,9 @@ class PrivateDesktop:
             "GIO_USE_VFS": "local",
             "GSETTINGS_BACKEND": "memory",
         }
+        # Where the program keeps what it remembers.
+        self.history_file = self.home / ".local/share/Velmora/history.json"
+        self.defaults_file = self.config / "Velmora/defaults.json"
         self._processes = []
         self._panel = None
         self.bus = None

@@ -7,7 +7,7 @@ import shutil
 import subprocess
 from pathlib import Path
 
-from gi.repository import GLib
+from gi.repository import Gio, GLib
 
 from .desktop import START_SECONDS
 from .program import TOP
@@ -19,6 +19,53 @@ PATH = "/org/freedesktop/Notifications"
 DUNST = "org.dunstproject.cmd0"
 LIBRARIES = Path("/usr/lib")
 ICON = TOP / "resources/icons/hicolor/scalable/apps/app.velmora.Velmora.svg"
+
+
+class Asked:
+    """One notification that somebody asked a daemon for."""
+
+    def __init__(self, message):
+        _, self.replaced, _, self.title, self.body, *_ = message.get_body().unpack()
+        self.call = message.get_sender(), message.get_serial()
+        self.id = None  # of the one that is shown, once the daemon has said it
+
+
+class Listener:
+    """Hears what the daemon on a desktop's bus is asked for, by whomever."""
+
+    def __init__(self, desktop):
+        self.methods = []  # the names of all calls
+        self.asked = []
+        self._listens = False
+        address = desktop.environment["DBUS_SESSION_BUS_ADDRESS"]
+        flags = Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
+        self._connection = Gio.DBusConnection.new_for_address_sync(address, flags, None, None)
+        self._connection.add_filter(self._hear)
+        rules = [f"type='method_call',interface='{NAME}'", "type='method_return'"]
+        bus = "org.freedesktop.DBus"
+        self._connection.call_sync(
+            bus, "/org/freedesktop/DBus", f"{bus}.Monitoring", "BecomeMonitor", GLib.Variant("(asu)", (rules, 0)),
+            None, Gio.DBusCallFlags.NONE, -1, None,
+        )
+        self._listens = True
+
+    def close(self):
+        if not self._connection.is_closed():
+            self._connection.close_sync(None)
+
+    def _hear(self, _, message, incoming):
+        """Called on a thread of the library's. What is heard is not for us to answer, so it ends here."""
+        if not incoming or not self._listens:
+            return message
+        if message.get_message_type() == Gio.DBusMessageType.METHOD_CALL:
+            self.methods.append(message.get_member())
+            if message.get_member() == "Notify":
+                self.asked.append(Asked(message))
+        elif message.get_message_type() == Gio.DBusMessageType.METHOD_RETURN:
+            for asked in self.asked:
+                if asked.call == (message.get_destination(), message.get_reply_serial()):
+                    asked.id = message.get_body().unpack()[0]
+        return None
 
 
 def driver():
@@ -97,6 +144,11 @@ class Daemon:
                 values = dict(line.split("=") for line in answer.stdout.split())
                 boxes.append(Box(*(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))))
         return [box for box in boxes if box.width > 1 and box.height > 1]
+
+    def show(self, title):
+        """Shows a notification of another program's; gives its id."""
+        arguments = GLib.Variant("(susssasa{sv}i)", ("stranger", 0, "", title, "", [], {}, 0))
+        return self.desktop.bus.call(NAME, PATH, NAME, "Notify", arguments)[0]
 
     def count(self):
         """How many notifications are on the screen."""

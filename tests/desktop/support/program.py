@@ -17,14 +17,20 @@ def bundle():
     return Path(os.environ.get("VELMORA_BUNDLE", TOP / "build/Velmora.app")).absolute()
 
 
+def bare_executable():
+    """The program as it is linked, outside any bundle: the one that the environment names, or the usual build's."""
+    return Path(os.environ.get("VELMORA_EXECUTABLE", TOP / "build/default/bin/velmora")).absolute()
+
+
 class Program:
     """One start of the program."""
 
     def __init__(self, desktop, laptop=None, changes=None, app=None):
         """`laptop` is what it sees below /sys (None: the machine itself); `changes` are variables of the desktop's
         environment with another value, or None for those that are to be missing; `app` another bundle than the one
-        under test."""
+        under test, or an executable without one."""
         environment = desktop.environment | (laptop.environment if laptop else {}) | SANITIZERS | (changes or {})
         environment = {key: value for key, value in environment.items() if value is not None}
         self.item = StatusItem(desktop.bus)
-        self.process = desktop.start("velmora", [(app or bundle()) / "AppRun"], environment)
+        app = app or bundle()
+        self.process = desktop.start("velmora", [app / "AppRun" if app.is_dir() else app], environment)
