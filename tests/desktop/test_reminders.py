@@ -1,13 +1,20 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """The reminders on the screen, by the daemons that people have."""
 
+import signal
 import unittest
 
 from support.case import DesktopCase
 from support.notifications import Dunst, Listener, Mate, Xfce
 from support.program import bare_executable
+from support.reads import wait_for_quiet
 from support.reminders import QUIET_SECONDS, SHOWN_SECONDS, RemindersOnADaemon
 from support.waiting import watch
+
+AT_ONCE_SECONDS = 1
+REST_SECONDS = 1.1
+SETTLED_SECONDS = 15
+
 
 class OnDunst(RemindersOnADaemon, DesktopCase):
     daemon = Dunst
@@ -19,6 +26,26 @@ class OnXfce(RemindersOnADaemon, DesktopCase):
 
 class OnMate(RemindersOnADaemon, DesktopCase):
     daemon = Mate
+
+
+class HangingDaemon(DesktopCase):
+    def test_the_item_follows_the_adapter_and_the_last_reminder_comes_late(self):
+        screen = self.desktop(panel=False)
+        shown = Dunst(screen)
+        shown.start()
+        laptop = self.laptop()
+        laptop.set_level(85)
+        item = self.start_and_wait(screen, laptop).item
+        counter = self.count_reads(laptop)
+        shown.process.send(signal.SIGSTOP)
+        for change, status in ((laptop.plug, "Charging"), (laptop.unplug, "On battery"), (laptop.plug, "Charging")):
+            # What comes within a second of the change before waits for that second to pass.
+            wait_for_quiet(counter, REST_SECONDS, SETTLED_SECONDS)
+            change()
+            self.soon(lambda: f"· {status}" in str(item.tooltip), AT_ONCE_SECONDS, f"the item says {status}")
+        shown.process.send(signal.SIGCONT)
+        self.soon_equal(shown.count, 1, SHOWN_SECONDS)
+        self.assertEqual([count for _, count in watch(shown.count, QUIET_SECONDS)], [1])
 
 
 class OutsideTheBundle(DesktopCase):
