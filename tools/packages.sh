@@ -17,8 +17,8 @@ WINDOW_PACKAGES=(x11-apps xserver-xephyr)
 # What the tests and the checks need beyond that.
 # sway comes with a bar of its own; the toolkit shows windows in it by its Wayland plugin.
 TEST_PACKAGES=(clang-format desktop-file-utils libbenchmark-dev libgmock-dev libgtest-dev libumockdev-dev
-               mate-notification-daemon nlohmann-json3-dev power-profiles-daemon python3-dbusmock qt6-wayland sway
-               trayer tzdata xfce4-notifyd)
+               mako-notifier mate-notification-daemon nlohmann-json3-dev power-profiles-daemon python3-dbusmock
+               qt6-wayland sway trayer tzdata xfce4-notifyd)
 
 # ensure_packages NAME...: installs those that are missing and says which; does nothing at all when none is.
 ensure_packages() {
