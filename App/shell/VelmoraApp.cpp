@@ -3,6 +3,7 @@
 #include "platform/linux/AppDirBundle.h"
 #include "platform/linux/CanberraSounds.h"
 #include "platform/linux/DisplayCheck.h"
+#include "platform/linux/DisplayLoss.h"
 #include "platform/linux/FreedesktopNotifications.h"
 #include "platform/linux/JsonUserDefaults.h"
 #include "platform/linux/LogindSleep.h"
@@ -119,6 +120,7 @@ int main(int argc, char** argv) {
         files.removeLeftovers(file);
     runningDelegate = &delegate;
     std::atexit(terminateRunning);
+    beforeDisplayLoss(terminateRunning);
     const int code = QApplication::exec();
     terminateRunning();
     return code;
