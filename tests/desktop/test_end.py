@@ -1,10 +1,16 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """The ways in which the program ends."""
 
+import os
 import signal
+import time
 import unittest
 
+from support import history
 from support.case import END_SECONDS, DesktopCase
+
+SHOW_SECONDS = 2
+KILLS = 3
 
 
 class End(DesktopCase):
@@ -42,6 +48,88 @@ class End(DesktopCase):
     def test_the_name_is_free_for_the_next_start(self):
         self.end_by(signal.SIGTERM)
         self.start_and_wait(self.screen, self.laptop())
+
+
+class HistoryAtTheEnd(DesktopCase):
+    """What was read last is on the disk afterwards, also when it was not there before."""
+
+    def begin(self, changes=None):
+        self.screen = self.desktop(panel=False)
+        machine = self.laptop()
+        self.program = self.start_and_wait(self.screen, machine, changes)
+        machine.set_level(61)
+        machine.event("BAT0")
+        self.soon_equal(lambda: self.program.item.label, " 61%", SHOW_SECONDS)
+        self.assertEqual(self.levels(), [64])
+
+    def levels(self):
+        return history.levels(history.read(self.screen)[1])
+
+    def check(self):
+        self.program.process.wait_exit(END_SECONDS)
+        self.assertEqual(self.levels(), [64, 61])
+
+    def test_when_asked_to_terminate(self):
+        self.begin()
+        self.program.process.send(signal.SIGTERM)
+        self.check()
+
+    def test_when_the_terminal_is_closed(self):
+        self.begin()
+        self.program.process.send(signal.SIGHUP)
+        self.check()
+
+    def test_when_quit_is_chosen(self):
+        self.begin()
+        self.program.item.menu.choose("Quit")
+        self.check()
+
+    def test_when_the_session_bus_goes(self):
+        self.begin()
+        self.screen.kill_session_bus()
+        self.check()
+
+    def test_when_the_x_server_goes(self):
+        # The toolkit takes its looks from GTK here, which has a connection of its own and is the first to notice.
+        self.begin()
+        self.screen.kill_x_server()
+        self.check()
+
+    def test_when_the_x_server_goes_and_the_toolkit_notices(self):
+        self.begin({"XDG_CURRENT_DESKTOP": "KDE"})
+        self.screen.kill_x_server()
+        self.check()
+
+
+class Killed(DesktopCase):
+    def test_while_it_writes_the_history_which_is_whole(self):
+        screen = self.desktop(panel=False)
+        history.write_old(screen)
+        interrupted = 0
+        for _ in range(KILLS):
+            machine = self.laptop()
+            process = self.start_and_wait(screen, machine).process
+            before = history.levels(history.read(screen)[1])
+            self.assertGreater(len(before), history.OLD_SAMPLES)
+            machine.plug()
+            half = self.wait_for_half_written(screen)
+            process.kill()
+            after = history.levels(history.read(screen)[1])
+            self.assertIn(after, (before, [*before, 64]))
+            interrupted += half is not None and half.exists()
+        self.assertGreater(interrupted, 0, "it was never killed in the middle")
+
+    @staticmethod
+    def wait_for_half_written(screen):
+        """What is to become the history; None when it was not seen. It is not there for long, so there is no pause
+        between two looks."""
+        folder = screen.history_file.parent
+        deadline = time.monotonic() + SHOW_SECONDS
+        while time.monotonic() < deadline:
+            for name in os.listdir(folder):
+                if name.startswith(".history.json"):
+                    return folder / name
+        return None
 
 
 class EndInThePanel(DesktopCase):
