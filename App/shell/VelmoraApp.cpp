@@ -23,9 +23,11 @@
 #include "platform/linux/XEmbedItem.h"
 #include "platform/linux/XdgFolders.h"
 #include "shell/AppDelegate.h"
+#include "views/ViewStyle.h"
 
 #include <QApplication>
 #include <QDBusConnection>
+#include <QDir>
 
 #include <cstdio>
 #include <cstdlib>
@@ -94,6 +96,8 @@ int main(int argc, char** argv) {
     const std::filesystem::path share = executable.parent_path().parent_path() / "share";
     AppDirBundle bundle(executable);
     const std::filesystem::path stateFolder = xdgStateHome() / "Velmora";
+    QDir::setSearchPaths(QLatin1String(glyphFolder),
+                         {QString::fromStdString((share / "icons/hicolor/scalable/status").string())});
     CanberraSounds sounds(share / "sounds/velmora");
     FreedesktopNotifications notifications(
         sessionBus, mainLoop, sounds, [&sounds](std::string_view name) { return sounds.file(name); },

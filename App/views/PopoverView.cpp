@@ -18,10 +18,10 @@
 
 #include <QEvent>
 #include <QFrame>
-#include <QIcon>
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
+#include <QSvgRenderer>
 #include <QVBoxLayout>
 
 #include <optional>
@@ -55,15 +55,20 @@ Layout* makeLayout(QWidget* widget, int gap) {
     return layout;
 }
 
-/// The glyph in one colour.
+/// The glyph in one colour; null when there is none.
 QPixmap glyph(const char* symbol, int size, const QColor& color, qreal scale) {
-    const QIcon icon = QIcon::fromTheme(QString::fromStdString(glyphIconName(symbol)));
-    QPixmap pixmap = icon.pixmap(QSize(size, size), scale);
-    if (pixmap.isNull())
-        return pixmap;
+    QSvgRenderer drawing(QLatin1String(glyphFolder) + QLatin1Char(':') + QString::fromStdString(glyphIconName(symbol)) +
+                         QLatin1String(".svg"));
+    if (!drawing.isValid())
+        return {};
+    QPixmap pixmap((QSizeF(size, size) * scale).toSize());
+    pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
+    drawing.render(&painter);
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-    painter.fillRect(QRectF(QPointF(), pixmap.deviceIndependentSize()), color);
+    painter.fillRect(pixmap.rect(), color);
+    painter.end();
+    pixmap.setDevicePixelRatio(scale);
     return pixmap;
 }
 

@@ -5,12 +5,12 @@
 #include "support/PopoverScene.h"
 #include "views/Popover.h"
 #include "views/PopoverView.h"
+#include "views/ViewStyle.h"
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
 #include <QFile>
-#include <QIcon>
 #include <QPixmap>
 #include <QStyle>
 #include <QTemporaryDir>
@@ -123,8 +123,7 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     QApplication::setStyle(QStringLiteral("Fusion"));
-    QIcon::setThemeSearchPaths(QIcon::themeSearchPaths() << QStringLiteral(VELMORA_ICONS));
-    QIcon::setFallbackThemeName(QStringLiteral("hicolor"));
+    QDir::setSearchPaths(QLatin1String(glyphFolder), {QStringLiteral(VELMORA_ICONS "/hicolor/scalable/status")});
     const QDir folder(QString::fromLocal8Bit(argv[1]));
     folder.mkpath(QStringLiteral("."));
     const QString scale = QString::number(qRound(application.devicePixelRatio() * 100));

@@ -19,8 +19,10 @@
 #include <gtest/gtest.h>
 #include <qcustomplot.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
+#include <ranges>
 #include <string>
 #include <vector>
 
@@ -86,6 +88,12 @@ TEST_F(PopoverViewTest, ShowsThreeLinesWithoutABattery) {
     EXPECT_EQ(text("noBatteryTitle"), "No battery found");
     EXPECT_EQ(text("noBatteryNote"), "This Mac does not report a battery, so Velmora stays quiet.");
     EXPECT_TRUE(sees("noBatterySymbol"));
+    const QImage symbol = find<QLabel>("noBatterySymbol")->pixmap().toImage();
+    EXPECT_EQ(symbol.size(), QSize(36, 36));
+    EXPECT_GT(std::ranges::count_if(std::views::iota(0, symbol.width()),
+                                    [&](int x) { return symbol.pixelColor(x, 18) == tint(Tint::secondary); }),
+              1)
+        << "it is drawn, from the bundle's own glyphs";
     for (const char* name : {"ring", "cycles", "rangePicker", "historyChart", "dailySummary", "detailRow"})
         EXPECT_FALSE(sees(name)) << name;
     EXPECT_EQ(text("note"), "Velmora can only remind you. A Mac app cannot stop the charger.");
