@@ -25,6 +25,7 @@ add_executable(velmora_adapter_tests
     platform/linux/NotificationDaemonTest.cpp
     platform/linux/NotificationSoundTest.cpp
     platform/linux/PanelBarTest.cpp
+    platform/linux/PortalSettingsTest.cpp
     platform/linux/PosixFilesTest.cpp
     platform/linux/PowerProfilesTest.cpp
     platform/linux/QtPanelsTest.cpp
@@ -37,6 +38,7 @@ add_executable(velmora_adapter_tests
     support/PrivateBus.cpp
     support/Umockdev.cpp
     support/Watcher.h
+    views/DesktopPaletteTest.cpp
     views/PopoverViewTest.cpp
     views/TimeTextTest.cpp
 )

@@ -2,6 +2,7 @@
 #include "history/HistoryStore.h"
 #include "platform/linux/AppDirBundle.h"
 #include "platform/linux/CanberraSounds.h"
+#include "platform/linux/DesktopLook.h"
 #include "platform/linux/DisplayCheck.h"
 #include "platform/linux/DisplayLoss.h"
 #include "platform/linux/FreedesktopNotifications.h"
@@ -9,6 +10,7 @@
 #include "platform/linux/LogindSleep.h"
 #include "platform/linux/NotificationConsent.h"
 #include "platform/linux/PanelBar.h"
+#include "platform/linux/PortalSettings.h"
 #include "platform/linux/PosixFiles.h"
 #include "platform/linux/PowerProfiles.h"
 #include "platform/linux/QtMainLoop.h"
@@ -23,6 +25,7 @@
 #include "platform/linux/XEmbedItem.h"
 #include "platform/linux/XdgFolders.h"
 #include "shell/AppDelegate.h"
+#include "views/DesktopPalette.h"
 #include "views/ViewStyle.h"
 
 #include <QApplication>
@@ -69,6 +72,10 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setDesktopFileName(QLatin1String(SessionApplication::name));
     QApplication::setApplicationName(QStringLiteral("Velmora"));
+    const QByteArray desktops = qgetenv("XDG_CURRENT_DESKTOP");
+    const QByteArray themeChoice = qgetenv("QT_QPA_PLATFORMTHEME");
+    if (refusesToolkitTheme(desktops.toStdString(), themeChoice.toStdString()))
+        QApplication::setDesktopSettingsAware(false);
     QApplication application(argc, argv);
 
     const QDBusConnection sessionBus = QDBusConnection::sessionBus();
@@ -120,6 +127,13 @@ int main(int argc, char** argv) {
     sleep.start();
     systemBus.start();
     notifications.start();
+    PortalSettings portal(sessionBus,
+                          [palette = QApplication::palette(), font = QApplication::font()](const auto& look) {
+                              QApplication::setPalette(desktopPalette(palette, look));
+                              QApplication::setFont(desktopFont(font, look));
+                          });
+    if (followsPortal(desktops.toStdString(), themeChoice.toStdString()))
+        portal.start();
     for (const auto& file : {HistoryStore::file(files), defaultsFile, NotificationConsent::file(stateFolder)})
         files.removeLeftovers(file);
     runningDelegate = &delegate;

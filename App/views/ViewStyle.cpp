@@ -48,14 +48,14 @@ QColor readable(const QColor& color, const QColor& background, Use use) {
     return QColor(found.rgb());
 }
 
-QColor wanted(Tint tint, const QPalette& palette, std::optional<QColor> accent) {
+QColor wanted(Tint tint, const QPalette& palette) {
     switch (tint) {
     case Tint::primary:
         return palette.color(QPalette::WindowText);
     case Tint::secondary:
         return mixed(palette.color(QPalette::WindowText), palette.color(QPalette::Window), 0.65);
     case Tint::accent:
-        return accent.value_or(palette.color(QPalette::Highlight));
+        return palette.color(QPalette::Highlight);
     case Tint::green:
         return {0x2e, 0xb8, 0x50};
     case Tint::orange:
@@ -82,8 +82,8 @@ QFont textFont(TextStyle style) {
     return font;
 }
 
-QColor tintColor(Tint tint, const QPalette& palette, Use use, std::optional<QColor> accent) {
-    return readable(wanted(tint, palette, accent), palette.color(QPalette::Window), use);
+QColor tintColor(Tint tint, const QPalette& palette, Use use) {
+    return readable(wanted(tint, palette), palette.color(QPalette::Window), use);
 }
 
 double contrast(const QColor& one, const QColor& other) {

@@ -7,8 +7,6 @@
 #include <QFont>
 #include <QPalette>
 
-#include <optional>
-
 /// How wide the popover's content is, and how much of that is left free on each side.
 inline constexpr int popoverWidth = 340;
 inline constexpr int popoverPadding = 16;
@@ -26,8 +24,8 @@ QFont textFont(TextStyle style);
 enum class Use { text, graphics };
 
 /// The colours of the views, with enough contrast to the window colour of the palette for their use. The accent colour
-/// is the desktop's where it tells one, else that of selections.
-QColor tintColor(Tint tint, const QPalette& palette, Use use = Use::text, std::optional<QColor> accent = std::nullopt);
+/// is that of what is selected.
+QColor tintColor(Tint tint, const QPalette& palette, Use use = Use::text);
 
 /// The contrast of two colours by those guidelines, from 1 to 21.
 double contrast(const QColor& one, const QColor& other);

@@ -3,6 +3,7 @@
 // scale.
 #include "alerts/Prefs.h"
 #include "support/PopoverScene.h"
+#include "views/DesktopPalette.h"
 #include "views/Popover.h"
 #include "views/PopoverView.h"
 #include "views/ViewStyle.h"
@@ -70,16 +71,6 @@ const std::vector<State> states{
     {"limit-100", [](Scene& s) { s.fake.defaults.setObject("limit", Value(100)); }},
 };
 
-QPalette darkPalette() {
-    QPalette palette(QColor(0x2d, 0x2d, 0x30), QColor(0x2a, 0x2a, 0x2c));
-    palette.setColor(QPalette::Base, QColor(0x1e, 0x1e, 0x20));
-    palette.setColor(QPalette::WindowText, QColor(0xf2, 0xf2, 0xf2));
-    palette.setColor(QPalette::Text, QColor(0xf2, 0xf2, 0xf2));
-    palette.setColor(QPalette::ButtonText, QColor(0xf2, 0xf2, 0xf2));
-    palette.setColor(QPalette::Highlight, QColor(0x3d, 0x8e, 0xe6));
-    return palette;
-}
-
 void draw(const State& state, const QString& file) {
     Scene scene;
     state.arrange(scene);
@@ -130,7 +121,7 @@ int main(int argc, char** argv) {
     const QPalette light = QApplication::style()->standardPalette();
     for (const State& state : states) {
         for (const bool dark : {false, true}) {
-            QApplication::setPalette(dark ? darkPalette() : light);
+            QApplication::setPalette(desktopPalette(light, {.isDark = dark, .accent = {}, .font = {}}));
             draw(state, folder.filePath(QStringLiteral("%1-%2-%3.png")
                                             .arg(QLatin1String(state.name),
                                                  dark ? QStringLiteral("dark") : QStringLiteral("light"), scale)));

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/DesktopLook.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+std::string lowered(std::string_view text) {
+    std::string result(text);
+    std::transform(result.begin(), result.end(), result.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return result;
+}
+
+void trimEnd(std::string_view& text) {
+    while (!text.empty() && (text.back() == ' ' || text.back() == ','))
+        text.remove_suffix(1);
+}
+
+/// Takes the last word off a text.
+std::string_view takeLastWord(std::string_view& text) {
+    const std::size_t space = text.find_last_of(' ');
+    const std::size_t start = space == std::string_view::npos ? 0 : space + 1;
+    const std::string_view word = text.substr(start);
+    text = text.substr(0, start);
+    trimEnd(text);
+    return word;
+}
+
+bool isStyle(std::string_view word) {
+    // The words of the font descriptions of Pango, which are what the desktops write.
+    constexpr std::array styles{"thin",       "ultra-light", "light",    "semi-light",     "book",
+                                "regular",    "normal",      "medium",   "semi-bold",      "bold",
+                                "ultra-bold", "heavy",       "black",    "italic",         "oblique",
+                                "roman",      "condensed",   "expanded", "semi-condensed", "semi-expanded"};
+    const std::string lower = lowered(word);
+    return std::find(styles.begin(), styles.end(), lower) != styles.end();
+}
+
+std::optional<DesktopLook::Font> fontOf(std::string_view description, double scale) {
+    constexpr double smallest = 4; // points; beyond these somebody has mistyped
+    constexpr double largest = 72;
+    trimEnd(description);
+    DesktopLook::Font font;
+    std::string_view rest = description;
+    const std::string_view last = takeLastWord(rest);
+    double points = 0;
+    const auto [end, error] = std::from_chars(last.data(), last.data() + last.size(), points);
+    if (error == std::errc() && end == last.data() + last.size() && !rest.empty()) {
+        if (points * scale >= smallest && points * scale <= largest)
+            font.points = points * scale;
+        description = rest;
+    }
+    for (rest = description; !rest.empty();) {
+        if (!isStyle(takeLastWord(rest)) || rest.empty())
+            break;
+        description = rest;
+    }
+    if (description.empty())
+        return std::nullopt;
+    font.family = description;
+    return font;
+}
+
+bool names(std::string_view desktops, std::string_view wanted) {
+    const std::string all = ':' + lowered(desktops) + ':';
+    return all.find(':' + std::string(wanted) + ':') != std::string::npos;
+}
+
+} // namespace
+
+DesktopLook lookOf(const DesktopSettings& settings) {
+    DesktopLook look;
+    const std::uint32_t scheme = settings.colorScheme.value_or(0);
+    if (scheme == 1 || scheme == 2)
+        look.isDark = scheme == 1;
+    else if (settings.themeName)
+        look.isDark = lowered(*settings.themeName).find("dark") != std::string::npos;
+    if (const auto& accent = settings.accentColor;
+        accent && std::all_of(accent->begin(), accent->end(), [](double part) { return part >= 0 && part <= 1; }))
+        look.accent = accent;
+    if (settings.fontName) {
+        const double scale = settings.textScale.value_or(1);
+        look.font = fontOf(*settings.fontName, scale >= 0.5 && scale <= 3 ? scale : 1);
+    }
+    return look;
+}
+
+bool refusesToolkitTheme(std::string_view desktops, std::string_view userChoice) {
+    constexpr std::array gtk{"gnome", "x-cinnamon", "pantheon", "unity", "mate", "xfce", "lxde"};
+    return userChoice.empty() &&
+           std::any_of(gtk.begin(), gtk.end(), [&](const char* name) { return names(desktops, name); });
+}
+
+bool followsPortal(std::string_view desktops, std::string_view userChoice) {
+    return userChoice.empty() && !names(desktops, "kde") && !names(desktops, "lxqt");
+}

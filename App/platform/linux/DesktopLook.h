@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// How a desktop says that its windows look, as it sends it; empty for what it does not say.
+struct DesktopSettings {
+    std::optional<std::uint32_t> colorScheme;         ///< 1 dark, 2 light, anything else no preference
+    std::optional<std::array<double, 3>> accentColor; ///< red, green, blue from 0 to 1; outside of that, none
+    std::optional<std::string> fontName;              ///< "Cantarell Bold 11"
+    std::optional<double> textScale;                  ///< 1 for the font as it is
+    std::optional<std::string> themeName;             ///< of the older desktops: "Adwaita-dark"
+};
+
+/// What that means; empty for what is to be as the toolkit has it.
+struct DesktopLook {
+    /// A font, without its style: what is bold is for the views to say.
+    struct Font {
+        std::string family;
+        double points = 0; ///< 0 for the toolkit's own size
+        bool operator==(const Font&) const = default;
+    };
+
+    std::optional<bool> isDark;
+    std::optional<std::array<double, 3>> accent; ///< red, green, blue from 0 to 1
+    std::optional<Font> font;
+    bool operator==(const DesktopLook&) const = default;
+};
+
+DesktopLook lookOf(const DesktopSettings& settings);
+
+/// Whether the toolkit is kept from looking for a plugin for this desktop (the names in XDG_CURRENT_DESKTOP, separated
+/// by colons): on these it would find the one that brings the whole GTK into the process. What the user has chosen by
+/// QT_QPA_PLATFORMTHEME comes first.
+bool refusesToolkitTheme(std::string_view desktops, std::string_view userChoice);
+
+/// Whether the look comes from the desktop's portal: where the toolkit does not know it by itself, and the user has not
+/// chosen another.
+bool followsPortal(std::string_view desktops, std::string_view userChoice);
