@@ -58,8 +58,13 @@ gtest_discover_tests(velmora_adapter_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEO
 target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_SOUNDS="${CMAKE_BINARY_DIR}/share/sounds/velmora")
 target_link_libraries(velmora_adapter_tests PRIVATE PkgConfig::canberra)
 add_dependencies(velmora_adapter_tests sounds)
+
 # The popover in every state, as pictures to look at.
 add_executable(velmora_gallery gallery/Gallery.cpp)
 target_link_libraries(velmora_gallery PRIVATE velmora_desktop velmora_test_support velmora_options)
 target_compile_definitions(velmora_gallery PRIVATE VELMORA_ICONS="${CMAKE_BINARY_DIR}/share/icons")
 add_dependencies(velmora_gallery icons percent_glyphs)
+foreach(scale 1 2)
+    add_test(NAME gallery.scale${scale} COMMAND velmora_gallery ${CMAKE_BINARY_DIR}/gallery)
+    set_tests_properties(gallery.scale${scale} PROPERTIES ENVIRONMENT "QT_SCALE_FACTOR=${scale}" TIMEOUT 60)
+endforeach()

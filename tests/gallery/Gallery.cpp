@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Draws the popover in every state to look at: velmora_gallery FOLDER. The toolkit's own QT_SCALE_FACTOR sets the
-// scale.
+// scale. It fails when there is nothing to see in one of the pictures.
 #include "alerts/Prefs.h"
 #include "support/PopoverScene.h"
 #include "views/DesktopPalette.h"
@@ -12,7 +12,9 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QImage>
 #include <QPixmap>
+#include <QSet>
 #include <QStyle>
 #include <QTemporaryDir>
 
@@ -71,6 +73,26 @@ const std::vector<State> states{
     {"limit-100", [](Scene& s) { s.fake.defaults.setObject("limit", Value(100)); }},
 };
 
+[[noreturn]] void fail(const char* why, const QString& file) {
+    std::fprintf(stderr, "velmora_gallery: %s: %s\n", why, qPrintable(file));
+    std::exit(EXIT_FAILURE);
+}
+
+/// Whether there is something to see: text and lines have more than a few colours, and all sides of them are free.
+bool showsSomething(const QImage& picture, const QColor& background) {
+    QSet<QRgb> colors;
+    qsizetype drawn = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const QRgb color = picture.pixel(x, y);
+            colors.insert(color);
+            drawn += color != background.rgb() ? 1 : 0;
+        }
+    }
+    const double share = static_cast<double>(drawn) / (static_cast<double>(picture.width()) * picture.height());
+    return colors.size() > 30 && share > 0.03 && share < 0.5;
+}
+
 void draw(const State& state, const QString& file) {
     Scene scene;
     state.arrange(scene);
@@ -88,10 +110,10 @@ void draw(const State& state, const QString& file) {
     if (scene.isUnfolded)
         view->findChild<QAbstractButton*>(QStringLiteral("dailySummaryDisclosure"))->click();
     QCoreApplication::processEvents();
-    if (!popover.grab().save(file)) {
-        std::fprintf(stderr, "velmora_gallery: cannot write %s\n", qPrintable(file));
-        std::exit(EXIT_FAILURE);
-    }
+    if (!popover.grab().save(file))
+        fail("cannot write", file);
+    if (!showsSomething(QImage(file), popover.palette().color(QPalette::Window)))
+        fail("there is nothing to see", file);
 }
 
 /// A screen that is high enough for everything, at any scale.
