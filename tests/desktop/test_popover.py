@@ -1,14 +1,25 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """The ways to the popover, its place, and the ways out."""
 
+import json
 import unittest
 
+from gi.repository import GLib
+
 from support.case import DesktopCase
-from support.desktop import BELOW_PANEL, SCREEN
+from support.desktop import BELOW_PANEL, PANEL, SCREEN
+from support.screen import luminance
 
 TITLE = "Velmora"
 SHOW_SECONDS = 2
 NEAR_PIXELS = 48
+
+PORTAL = "org.freedesktop.portal.Desktop"
+PORTAL_PATH = "/org/freedesktop/portal/desktop"
+SETTINGS = "org.freedesktop.portal.Settings"
+APPEARANCE = "org.freedesktop.appearance"
+MOCK = "org.freedesktop.DBus.Mock"
+DARK, LIGHT = 1, 2
 
 
 class PopoverCase(DesktopCase):
@@ -36,6 +47,19 @@ class Popover(PopoverCase):
         self.assertTrue(SCREEN.contains(window), window)
         self.screen.click(*box.centre)
         self.gone(self.screen)
+        # The click that closed it has not opened it again; the next one does.
+        self.never(lambda: self.screen.windows(TITLE), 0.5)
+        self.screen.click(*box.centre)
+        self.shown(self.screen)
+
+    def test_opens_below_the_item_in_the_panel(self):
+        _, box = self.start_and_find(self.screen, self.machine)
+        self.screen.click(*box.centre)
+        window = self.shown(self.screen)
+        self.assertGreaterEqual(window.y, PANEL.height - 1, "it leaves the panel free")
+        self.assertLessEqual(window.y, PANEL.height + NEAR_PIXELS)
+        self.assertLessEqual(window.x, box.centre[0])
+        self.assertGreaterEqual(window.x + window.width, box.centre[0])
 
     def test_a_click_elsewhere_closes_it(self):
         _, box = self.start_and_find(self.screen, self.machine)
@@ -94,6 +118,69 @@ class Popover(PopoverCase):
         self.soon_equal(lambda: item.label, " 33%", SHOW_SECONDS)
 
 
+class PopoverButtons(PopoverCase):
+    def setUp(self):
+        self.screen = self.desktop(panel=False)
+        self.program = self.start_and_wait(self.screen, self.laptop())
+
+    def open(self):
+        self.program.item.menu.choose("Show details")
+        return self.shown(self.screen)
+
+    def entries(self):
+        return [entry.label for entry in self.program.item.menu.entries()]
+
+    def test_quit_ends_the_program_and_saves_the_history(self):
+        history = self.screen.home / ".local/share/Velmora/history.json"
+        window = self.open()
+        history.unlink(missing_ok=True)
+        self.screen.click(window.x + window.width - 40, window.y + window.height - 28)
+        self.ends_cleanly(self.program)
+        self.assertEqual([record["p"] for record in json.loads(history.read_text(encoding="utf-8"))], [64])
+
+    def test_cancel_ends_the_snooze(self):
+        self.program.item.menu.choose("Snooze alerts for 1 hour")
+        self.soon(lambda: "Snooze alerts for 1 hour" not in self.entries(), SHOW_SECONDS, "it is snoozed")
+        window = self.open()
+        before = self.screen.picture().crop(window)
+        # "Cancel" is what the keyboard comes to first.
+        self.screen.press("Tab")
+        focused = lambda: self.screen.picture().crop(window).changed_box(before)
+        self.soon(focused, SHOW_SECONDS, "the focus is seen")
+        self.screen.press("space")
+        self.soon(lambda: "Snooze alerts for 1 hour" in self.entries(), SHOW_SECONDS, "nothing is snoozed any more")
+        self.assertTrue(self.screen.windows(TITLE), "the popover stays")
+
+
+class PopoverLook(PopoverCase):
+    def setUp(self):
+        self.screen = self.desktop(panel=False)
+        command = ["python3", "-m", "dbusmock", "--session", PORTAL, PORTAL_PATH, SETTINGS]
+        self.screen.start("portal", command)
+        self.soon(lambda: self.screen.bus.owner(PORTAL), SHOW_SECONDS + 8, "the portal is there")
+        self.tell("AddMethod", "(sssss)", SETTINGS, "ReadAll", "as", "a{sa{sv}}", self.answer(DARK))
+        program = self.start_and_wait(self.screen, self.laptop())
+        program.item.menu.choose("Show details")
+        self.window = self.shown(self.screen)
+
+    @staticmethod
+    def answer(scheme):
+        return f"ret = {{'{APPEARANCE}': {{'color-scheme': dbus.UInt32({scheme})}}}}"
+
+    def tell(self, method, signature, *arguments):
+        self.screen.bus.call(PORTAL, PORTAL_PATH, MOCK, method, GLib.Variant(signature, arguments))
+
+    def background(self):
+        colours = self.screen.picture().crop(self.window).colours()
+        return luminance(max(colours, key=colours.get))
+
+    def test_is_the_desktops_and_changes_with_it(self):
+        self.soon(lambda: 0 < self.background() < 0.1, SHOW_SECONDS, "it is dark")
+        values = [GLib.Variant("s", APPEARANCE), GLib.Variant("s", "color-scheme"), GLib.Variant("u", LIGHT)]
+        self.tell("EmitSignal", "(sssav)", SETTINGS, "SettingChanged", "ssv", values)
+        self.soon(lambda: self.background() > 0.7, SHOW_SECONDS, "it is light")
+
+
 class PopoverPlace(PopoverCase):
     def check(self, x, y):
         """It opens near the point, and all of it can be seen."""
@@ -105,6 +192,8 @@ class PopoverPlace(PopoverCase):
         away_x = max(window.x - x, x - (window.x + window.width), 0)
         away_y = max(window.y - y, y - (window.y + window.height), 0)
         self.assertLessEqual(max(away_x, away_y), NEAR_PIXELS, window)
+        inside = window.x < x < window.x + window.width - 1 and window.y < y < window.y + window.height - 1
+        self.assertFalse(inside, f"it covers what was clicked: {window}")
 
     def test_below_a_panel_at_the_top(self):
         self.check(900, 14)
@@ -117,6 +206,12 @@ class PopoverPlace(PopoverCase):
 
     def test_in_the_lower_right_corner(self):
         self.check(1279, 799)
+
+    def test_beside_a_panel_at_the_left(self):
+        self.check(12, 400)
+
+    def test_beside_a_panel_at_the_right(self):
+        self.check(1268, 400)
 
     def test_a_place_that_is_not_on_the_screen_is_not_believed(self):
         desktop = self.desktop(panel=False)

@@ -4,6 +4,7 @@
 import unittest
 
 from support.case import START_SECONDS, DesktopCase
+from support.desktop import SCREEN
 from support.screen import contrast
 from support.wlroots import BAR_HEIGHT, WlrootsDesktop
 
@@ -47,6 +48,23 @@ class ItemInAWlrootsBar(DesktopCase):
 
     def test_is_readable_on_a_light_bar(self):
         self.check_contrast(dark=False)
+
+    def test_the_popover_floats_and_another_click_closes_it(self):
+        desktop, laptop, program, _ = self.bar()
+        opened = lambda: desktop.windows("Velmora")
+        # As swaybar tells it: the place inside the item, which is none on the screen.
+        program.item.activate(5, 5)
+        window = self.soon(opened, CHANGE_SECONDS, "the popover is there")[0]
+        self.assertTrue(SCREEN.contains(window), window)
+        # It follows the battery, also here.
+        self.soon(lambda: len(desktop.picture().crop(window).colours()) > 2, CHANGE_SECONDS, "text is drawn")
+        before = desktop.picture().crop(window)
+        laptop.set_level(33)
+        laptop.event("BAT0")
+        follows = lambda: desktop.picture().crop(window).changed_box(before)
+        self.soon(follows, CHANGE_SECONDS, "it shows the new level")
+        program.item.activate(5, 5)
+        self.soon(lambda: not opened(), CHANGE_SECONDS, "the popover is gone")
 
     def check_contrast(self, dark):
         desktop, _, _, box = self.bar(dark=dark)

@@ -7,7 +7,7 @@ from .desktop import PrivateDesktop
 from .laptop import SimulatedLaptop
 from .program import Program, bundle
 from .reads import ReadCounter
-from .waiting import wait_until
+from .waiting import wait_until, watch
 
 START_SECONDS = 10
 END_SECONDS = 5
@@ -60,6 +60,10 @@ class DesktopCase(unittest.TestCase):
     def soon(self, condition, limit, what):
         """The condition comes true within so many seconds."""
         return wait_until(condition, limit, what)
+
+    def never(self, condition, seconds):
+        """The condition stays false for so many seconds."""
+        self.assertEqual([value for _, value in watch(lambda: bool(condition()), seconds)], [False])
 
     def soon_equal(self, observe, expected, limit):
         """What `observe` gives becomes `expected` within so many seconds."""

@@ -5,6 +5,7 @@ import json
 import os
 import shutil
 import stat
+import subprocess
 from pathlib import Path
 
 from .desktop import SCREEN, START_SECONDS, PrivateDesktop
@@ -86,6 +87,27 @@ class WlrootsDesktop(PrivateDesktop):
         tray = self.picture().crop(TRAY)
         drawn = tray.changed_box(tray.blank())
         return drawn and drawn._replace(x=drawn.x + TRAY.x, y=drawn.y + TRAY.y)
+
+    def windows(self, title):
+        """The boxes of the visible windows of that title that float above the others."""
+        tree = json.loads(self._sway_message("-t", "get_tree"))
+        boxes = []
+
+        def look(node):
+            if node["name"] == title and node["type"] == "floating_con" and node["visible"]:
+                boxes.append(Box(*(node["rect"][key] for key in ("x", "y", "width", "height"))))
+            for child in node["nodes"] + node["floating_nodes"]:
+                look(child)
+
+        look(tree)
+        return boxes
+
+    def _sway_message(self, *arguments):
+        command = ["swaymsg", *arguments]
+        run = subprocess.run(
+            command, env=self.environment, capture_output=True, text=True, check=True, timeout=START_SECONDS
+        )
+        return run.stdout
 
     def _start_sway(self, scale, bar):
         file = self.config / "sway.conf"
