@@ -15,8 +15,8 @@ DESKTOP_PACKAGES=(adwaita-icon-theme dbus-daemon dunst fonts-dejavu-core hicolor
 WINDOW_PACKAGES=(x11-apps xserver-xephyr)
 
 # What the tests and the checks need beyond that.
-# sway comes with a bar of its own; the toolkit shows windows in it by its Wayland plugin. It takes its looks from GTK by
-# another, which people have without asking for it.
+# sway comes with a bar of its own; the toolkit shows windows in it by its Wayland plugin. By another it takes its looks
+# from GTK, which is what people have.
 TEST_PACKAGES=(clang-format desktop-file-utils libbenchmark-dev libgmock-dev libgtest-dev libumockdev-dev
                mako-notifier mate-notification-daemon nlohmann-json3-dev power-profiles-daemon python3-dbusmock
                qt6-gtk-platformtheme qt6-wayland sway trayer tzdata xfce4-notifyd)

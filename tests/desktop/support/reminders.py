@@ -2,7 +2,6 @@
 """What a user sees of the reminders, whatever daemon shows them."""
 
 import json
-import re
 import time
 from datetime import datetime, timezone
 from zoneinfo import ZoneInfo
@@ -16,7 +15,7 @@ SHOWN_SECONDS = 5
 QUIET_SECONDS = 1
 
 HOUR = 3600
-ZONE = "Asia/Kolkata"  # no whole hours away from anywhere that a machine's clock may be set to
+ZONE = "Asia/Kolkata"  # half an hour off most others, so that the machine's own is not taken for it
 SNOOZE = "Snooze alerts for 1 hour"
 
 LOW_ALONE = {"lowPowerEnabled": False}
@@ -159,4 +158,4 @@ class RemindersOnADaemon:
 
     def snooze_entry(self):
         """What the menu says about it."""
-        return next(entry.label for entry in self.item.menu.entries() if re.search("snooze", entry.label, re.IGNORECASE))
+        return next(entry.label for entry in self.item.menu.entries() if "snooze" in entry.label.lower())
