@@ -16,7 +16,7 @@ WINDOW_PACKAGES=(x11-apps xserver-xephyr)
 
 # What the tests and the checks need beyond that.
 # sway comes with a bar of its own; the toolkit shows windows in it by its Wayland plugin. By another it takes its looks
-# from GTK, which is what people have.
+# from GTK for those who ask for that.
 TEST_PACKAGES=(clang-format desktop-file-utils libbenchmark-dev libgmock-dev libgtest-dev libumockdev-dev
                mako-notifier mate-notification-daemon nlohmann-json3-dev power-profiles-daemon python3-dbusmock
                qt6-gtk-platformtheme qt6-wayland sway trayer tzdata xfce4-notifyd)

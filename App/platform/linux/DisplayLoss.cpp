@@ -5,9 +5,9 @@
 
 #include <cstdlib>
 
-// QUIRK: the toolkit's GTK theme has a connection to the X server of its own. When GTK notices first that the server is
-// gone, it ends the process by _exit(), and nothing that is registered with atexit() runs. Libraries notice by a
-// handler in libX11, of which there is one in each process.
+// QUIRK: the toolkit's GTK theme, where the user asks for it, has a connection to the X server of its own. When GTK
+// notices first that the server is gone, it ends the process by _exit(), and nothing that is registered with atexit()
+// runs. Libraries notice by a handler in libX11, of which there is one in each process.
 
 namespace {
 
