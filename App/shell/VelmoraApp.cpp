@@ -7,6 +7,7 @@
 #include "platform/linux/DisplayLoss.h"
 #include "platform/linux/FreedesktopNotifications.h"
 #include "platform/linux/JsonUserDefaults.h"
+#include "platform/linux/LibraryMessages.h"
 #include "platform/linux/LogindSleep.h"
 #include "platform/linux/NotificationConsent.h"
 #include "platform/linux/PanelBar.h"
@@ -67,6 +68,7 @@ void terminateRunning() {
 int main(int argc, char** argv) {
     TerminationSignals signalEvents;
     qInstallMessageHandler(handleToolkitMessage);
+    dropLibraryMessages();
     if (!prepareDisplay())
         cannotStart(noDisplay);
     QApplication::setQuitOnLastWindowClosed(false);

@@ -57,6 +57,9 @@ class PoorSurroundings(DesktopCase):
     def test_a_locale_that_is_not_installed(self):
         self.runs({"LC_ALL": "xx_YY.UTF-8"})
 
+    def test_a_locale_that_is_not_installed_and_gtk_which_complains(self):
+        self.runs({"LC_ALL": "xx_YY.UTF-8", "QT_QPA_PLATFORMTHEME": "gtk3"})
+
     def test_no_runtime_folder(self):
         self.runs({"XDG_RUNTIME_DIR": None})
 
