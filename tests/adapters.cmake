@@ -16,6 +16,7 @@ add_executable(velmora_adapter_tests
     history/HistoryZonesTest.cpp
     platform/linux/AppDirBundleTest.cpp
     platform/linux/CanberraSoundsTest.cpp
+    platform/linux/DesktopEntryGLibTest.cpp
     platform/linux/FixturesTest.cpp
     platform/linux/FreedesktopNotificationsTest.cpp
     platform/linux/GlyphImagesTest.cpp
