@@ -65,7 +65,7 @@ void wholeRefresh(benchmark::State& state) {
     SysfsPowerSources sources(laptop.sysfs.path, clock, loop);
     FakePlatform fake;
     AppModel model({sources, fake.processInfo, fake.workspace, loop, clock, calendar, defaults, files, fake.statusBar,
-                    fake.panels, fake.notificationCenter, fake.bundle, fake.sounds});
+                    fake.panels, fake.notificationCenter, fake.bundle, fake.sounds, fake.loginItem});
     for ([[maybe_unused]] auto _ : state)
         model.refresh(AppModel::Reason::timer);
 }

@@ -15,6 +15,7 @@ add_executable(velmora_adapter_tests
     history/HistoryKillTest.cpp
     history/HistoryZonesTest.cpp
     platform/linux/AppDirBundleTest.cpp
+    platform/linux/AutostartLaunchTest.cpp
     platform/linux/CanberraSoundsTest.cpp
     platform/linux/DesktopEntryGLibTest.cpp
     platform/linux/FixturesTest.cpp
@@ -33,6 +34,8 @@ add_executable(velmora_adapter_tests
     platform/linux/StatusNotifierItemTest.cpp
     platform/linux/SysfsPowerSourcesTest.cpp
     platform/linux/SystemCalendarTest.cpp
+    platform/linux/XdgAutostartTest.cpp
+    platform/linux/XdgFoldersTest.cpp
     shell/AppDelegateTest.cpp
     support/DiskFaults.cpp
     support/FakeNotificationDaemon.cpp

@@ -5,6 +5,7 @@ class Bundle;
 class Calendar;
 class Clock;
 class Files;
+class LoginItem;
 class MainLoop;
 class NotificationCenter;
 class Panels;
@@ -31,4 +32,5 @@ struct Platform {
     NotificationCenter& notificationCenter;
     Bundle& bundle;
     SystemSounds& sounds;
+    LoginItem& loginItem;
 };

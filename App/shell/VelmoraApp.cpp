@@ -24,6 +24,7 @@
 #include "platform/linux/SystemClock.h"
 #include "platform/linux/TerminationSignals.h"
 #include "platform/linux/XEmbedItem.h"
+#include "platform/linux/XdgAutostart.h"
 #include "platform/linux/XdgFolders.h"
 #include "shell/AppDelegate.h"
 #include "views/DesktopPalette.h"
@@ -117,9 +118,10 @@ int main(int argc, char** argv) {
         makeTrayItem = [](const GlyphImages& glyphs) { return std::make_unique<XEmbedItem>(glyphs); };
     PanelBar statusBar(sessionBus, mainLoop, share / "icons", makeTrayItem);
     QtPanels panels;
+    XdgAutostart loginItem(bundle, files, xdgConfigHome(), xdgConfigFolders());
 
     AppDelegate delegate({powerSources, processInfo, workspace, mainLoop, clock, calendar, defaults, files, statusBar,
-                          panels, notifications, bundle, sounds},
+                          panels, notifications, bundle, sounds, loginItem},
                          [] { QCoreApplication::quit(); });
     session.setActivated([&delegate] { delegate.showDetails(); });
     delegate.applicationDidFinishLaunching();
@@ -138,6 +140,8 @@ int main(int argc, char** argv) {
         portal.start();
     for (const auto& file : {HistoryStore::file(files), defaultsFile, NotificationConsent::file(stateFolder)})
         files.removeLeftovers(file);
+    if (const auto identifier = bundle.identifier())
+        files.removeLeftovers(XdgAutostart::file(xdgConfigHome(), *identifier));
     runningDelegate = &delegate;
     std::atexit(terminateRunning);
     beforeDisplayLoss(terminateRunning);

@@ -7,6 +7,7 @@
 #include "support/FakeClock.h"
 #include "support/FakeFiles.h"
 #include "support/FakeJournal.h"
+#include "support/FakeLoginItem.h"
 #include "support/FakeMainLoop.h"
 #include "support/FakeNotificationCenter.h"
 #include "support/FakePanels.h"
@@ -33,6 +34,7 @@ struct FakePlatform {
     FakeNotificationCenter notificationCenter;
     FakeBundle bundle;
     FakeSystemSounds sounds;
+    FakeLoginItem loginItem;
 
     Platform platform() {
         return {.powerSources = powerSources,
@@ -47,6 +49,7 @@ struct FakePlatform {
                 .panels = panels,
                 .notificationCenter = notificationCenter,
                 .bundle = bundle,
-                .sounds = sounds};
+                .sounds = sounds,
+                .loginItem = loginItem};
     }
 };

@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <sstream>
+#include <string>
 
 namespace {
 
@@ -33,4 +35,15 @@ std::filesystem::path xdgConfigHome() {
 
 std::filesystem::path xdgStateHome() {
     return folder("XDG_STATE_HOME", ".local/state");
+}
+
+std::vector<std::filesystem::path> xdgConfigFolders() {
+    const char* variable = std::getenv("XDG_CONFIG_DIRS");
+    std::istringstream list(variable != nullptr && *variable != '\0' ? variable : "/etc/xdg");
+    std::vector<std::filesystem::path> folders;
+    for (std::string folder; std::getline(list, folder, ':');) {
+        if (folder.starts_with('/'))
+            folders.emplace_back(folder);
+    }
+    return folders;
 }

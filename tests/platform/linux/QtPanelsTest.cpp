@@ -440,7 +440,7 @@ protected:
     PosixFiles files{home.path / ".local/share"};
     FakePlatform fake;
     AppModel model{{fake.powerSources, fake.processInfo, fake.workspace, loop, fake.clock, fake.calendar, fake.defaults,
-                    files, fake.statusBar, panels, fake.notificationCenter, fake.bundle, fake.sounds}};
+                    files, fake.statusBar, panels, fake.notificationCenter, fake.bundle, fake.sounds, fake.loginItem}};
 
     ExportTest() {
         fake.powerSources.setBattery(64, true);
