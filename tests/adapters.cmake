@@ -44,6 +44,7 @@ add_executable(velmora_adapter_tests
     support/Watcher.h
     views/DesktopPaletteTest.cpp
     views/PopoverViewTest.cpp
+    views/SettingsViewTest.cpp
     views/TimeTextTest.cpp
 )
 target_link_libraries(velmora_adapter_tests PRIVATE velmora_desktop velmora_desktop_test_support velmora_options

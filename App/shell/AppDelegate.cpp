@@ -7,6 +7,8 @@
 #include "platform/Workspace.h"
 #include "views/Popover.h"
 #include "views/PopoverView.h"
+#include "views/SettingsView.h"
+#include "views/SettingsWindow.h"
 #include "views/StatusItemText.h"
 #include "views/TimeText.h"
 
@@ -69,7 +71,10 @@ void AppDelegate::updateMenu() {
     StatusItem::MenuEntry snooze{"Snooze alerts for 1 hour", [this] { model.snooze(); }};
     if (const std::optional<Date> until = model.snoozeUntil.get())
         snooze = {"Cancel snooze (until " + shortTime(*until).toStdString() + ")", [this] { model.cancelSnooze(); }};
-    statusItem->setMenu({{"Show details", [this] { showDetails(); }}, std::move(snooze), {"Quit", terminate_}});
+    statusItem->setMenu({{"Show details", [this] { showDetails(); }},
+                         std::move(snooze),
+                         {"Settings…", [this] { openSettings(); }},
+                         {"Quit", terminate_}});
 }
 
 bool AppDelegate::popoverIsShown() const {
@@ -92,11 +97,22 @@ void AppDelegate::openPopover(std::optional<ScreenPoint> point) {
         return;
     model.refresh(AppModel::Reason::event);
     if (popoverView == nullptr) {
-        popoverView = new PopoverView(model, platform_, nullptr, terminate_);
+        popoverView = new PopoverView(
+            model, platform_, [this] { openSettings(); }, terminate_);
         popover->setContent(popoverView);
         QObject::connect(popoverView, &PopoverView::resized, popover.get(), &Popover::place);
     }
     if (!popoverIsShown()) // else it follows the refresh by itself
         popoverView->rebuild();
     popover->showAt(point);
+}
+
+void AppDelegate::openSettings() {
+    popover->hide();
+    if (!settingsWindow) {
+        settingsView = new SettingsView(model, platform_);
+        settingsWindow = std::make_unique<SettingsWindow>(settingsView);
+    }
+    settingsView->update();
+    settingsWindow->present();
 }

@@ -14,6 +14,8 @@
 
 class Popover;
 class PopoverView;
+class SettingsView;
+class SettingsWindow;
 
 /// The program's presence on the screen: the status item, and the popover that opens from it.
 class AppDelegate {
@@ -36,6 +38,9 @@ public:
     /// Opens the popover on a fresh reading, beside the point if one is given, or closes it.
     void togglePopover(std::optional<ScreenPoint> point);
 
+    /// Closes the popover and opens the settings window, or brings it to the front.
+    void openSettings();
+
     /// Opens the popover; one that is open comes to the front.
     void showDetails();
 
@@ -46,6 +51,8 @@ private:
     std::unique_ptr<StatusItem> statusItem;
     std::unique_ptr<Popover> popover;
     PopoverView* popoverView = nullptr; ///< the content of the popover, made when it first opens
+    std::unique_ptr<SettingsWindow> settingsWindow; ///< made when it is first wanted, and kept
+    SettingsView* settingsView = nullptr;           ///< its content
     std::vector<Subscription> bag;
     Lifetime lifetime_;
 

@@ -17,11 +17,13 @@ QDateTime localTime(Date date) {
 
 } // namespace
 
-QString shortTime(Date date, const QLocale& locale) {
+QString shortTimeFormat(const QLocale& locale) {
     // Some locales, the one of programmers among them, have seconds in their shortest format.
-    QString format = locale.timeFormat(QLocale::ShortFormat);
-    format.remove(QLatin1String(":ss")).remove(QLatin1String(".ss"));
-    return locale.toString(localTime(date).time(), format);
+    return locale.timeFormat(QLocale::ShortFormat).remove(QLatin1String(":ss")).remove(QLatin1String(".ss"));
+}
+
+QString shortTime(Date date, const QLocale& locale) {
+    return locale.toString(localTime(date).time(), shortTimeFormat(locale));
 }
 
 QString dayText(Date date, const QLocale& locale) {

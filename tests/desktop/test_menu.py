@@ -7,7 +7,7 @@ from gi.repository import GLib
 
 from support.case import DesktopCase
 
-LABELS = ["Show details", "Snooze alerts for 1 hour", "Quit"]
+LABELS = ["Show details", "Snooze alerts for 1 hour", "Settings…", "Quit"]
 NO_SUCH_ENTRIES = (-1, 999, 2**31 - 1)
 
 

@@ -7,6 +7,7 @@
 #include "views/TimeText.h"
 
 #include <QApplication>
+#include <QPushButton>
 #include <gtest/gtest.h>
 
 using namespace std::chrono_literals;
@@ -142,12 +143,12 @@ TEST_F(AppDelegateTest, SnoozesFromTheMenuAndCancelsThere) {
             all.push_back(entry.label);
         return all;
     };
-    EXPECT_EQ(labels(), (std::vector<std::string>{"Show details", "Snooze alerts for 1 hour", "Quit"}));
+    EXPECT_EQ(labels(), (std::vector<std::string>{"Show details", "Snooze alerts for 1 hour", "Settings…", "Quit"}));
     choose("Snooze alerts for 1 hour");
     fakes.mainLoop.runDue();
     const Date until = fakes.clock.now() + 1h;
     const std::string cancel = "Cancel snooze (until " + shortTime(until).toStdString() + ")";
-    EXPECT_EQ(labels(), (std::vector<std::string>{"Show details", cancel, "Quit"}));
+    EXPECT_EQ(labels(), (std::vector<std::string>{"Show details", cancel, "Settings…", "Quit"}));
     EXPECT_EQ(Prefs::snoozeUntil(fakes.defaults, fakes.clock), until);
     choose(cancel);
     fakes.mainLoop.runDue();
@@ -160,4 +161,29 @@ TEST_F(AppDelegateTest, TheMenuFollowsASnoozeThatRunsOut) {
     choose("Snooze alerts for 1 hour");
     fakes.mainLoop.advance(1h + 1min);
     EXPECT_EQ(item().menu.at(1).label, "Snooze alerts for 1 hour");
+}
+
+TEST_F(AppDelegateTest, OpensOneSettingsWindowAndClosesThePopover) {
+    delegate.applicationDidFinishLaunching();
+    delegate.showDetails();
+    const auto windows = [] {
+        QList<QWidget*> found;
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (window->objectName() == QStringLiteral("settingsWindow"))
+                found.append(window);
+        }
+        return found;
+    };
+    EXPECT_TRUE(windows().isEmpty()) << "made when it is first wanted";
+    popover()->findChild<QPushButton*>(QStringLiteral("settingsButton"))->click();
+    EXPECT_EQ(popover(), nullptr);
+    ASSERT_EQ(windows().size(), 1);
+    QWidget* window = windows().front();
+    EXPECT_TRUE(window->isVisible());
+    window->move(3, 4);
+    window->close();
+    choose("Settings…");
+    EXPECT_EQ(windows(), QList<QWidget*>{window}) << "kept";
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(window->pos(), QPoint(3, 4));
 }

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QSpinBox>
+
+#include <cstdint>
+
+/// A number with arrows to hold and a field to type into. A value from outside may lie beyond the range; it is shown as
+/// it is until the user touches it.
+class StepperBox final : public QSpinBox {
+    Q_OBJECT
+
+public:
+    StepperBox(int least, int most, QWidget* parent = nullptr);
+
+    /// Shows a value that the user did not choose.
+    void setStored(std::int64_t value);
+
+Q_SIGNALS:
+    /// The user chose a value, which is within the range.
+    void chosen(int value);
+
+protected:
+    void stepBy(int steps) override;
+
+private:
+    int least_;
+    int most_;
+    bool isSetting_ = false;
+
+    void choose(int value);
+};

@@ -1,0 +1,378 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/SettingsView.h"
+
+#include "alerts/Prefs.h"
+#include "shell/AppModel.h"
+#include "support/FakePlatform.h"
+#include "views/SettingsWindow.h"
+#include "views/SoundPicker.h"
+#include "views/StepperBox.h"
+#include "views/ToggleSwitch.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTimeEdit>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct SettingsViewTest : ::testing::Test {
+    FakePlatform fake;
+    AppModel model{fake.platform()};
+    std::unique_ptr<SettingsWindow> window;
+    SettingsView* view = nullptr;
+
+    SettingsViewTest() { fake.defaults.registerDefaults(Prefs::defaults()); }
+
+    SettingsView& shown() {
+        if (!window) {
+            view = new SettingsView(model, fake.platform());
+            window = std::make_unique<SettingsWindow>(view);
+            window->present();
+        }
+        return *view;
+    }
+    template <class Widget = QWidget>
+    Widget& find(const std::string& name) {
+        auto* widget = shown().findChild<Widget*>(QString::fromStdString(name));
+        EXPECT_NE(widget, nullptr) << name;
+        return *widget;
+    }
+    std::string label(const std::string& key) { return find<QLabel>(key + "Label").text().toStdString(); }
+    /// The user types this into a field that has the keyboard.
+    void type(QWidget& field, const char* text) {
+        field.setFocus();
+        QTest::keyClick(&field, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(&field, QLatin1String(text));
+        QTest::keyClick(&field, Qt::Key_Return);
+    }
+    void settle() {
+        QCoreApplication::processEvents();
+        fake.mainLoop.runDue();
+        QCoreApplication::processEvents();
+    }
+    QMessageBox* question() { return shown().findChild<QMessageBox*>(QStringLiteral("confirmReset")); }
+};
+
+} // namespace
+
+TEST_F(SettingsViewTest, HasItsSectionsLabelsAndKeysFromTopToBottom) {
+    std::vector<std::string> found;
+    for (const QObject* child : shown().children()) {
+        if (const auto* header = qobject_cast<const QLabel*>(child); header != nullptr && !header->text().isEmpty())
+            found.push_back("# " + header->text().toStdString());
+        if (child->objectName() != QStringLiteral("section"))
+            continue;
+        found.emplace_back("--");
+        for (const QObject* row : child->children()) {
+            if (const auto* note = qobject_cast<const QLabel*>(row); note != nullptr && note->isVisible())
+                found.push_back(note->text().toStdString());
+            for (const QObject* each : row->children()) {
+                if (const auto* button = qobject_cast<const QPushButton*>(each))
+                    found.push_back("[" + button->text().toStdString() + "]");
+                if (const auto* rowLabel = qobject_cast<const QLabel*>(each))
+                    found.push_back(rowLabel->text().toStdString() + " | " +
+                                    rowLabel->buddy()->objectName().toStdString());
+            }
+        }
+    }
+    EXPECT_EQ(found,
+              (std::vector<std::string>{
+                  "# Alerts",
+                  "--",
+                  "Charge limit | limitEnabled",
+                  "Alert when charging reaches 80% | limit",
+                  "Repeat every 5 minutes, up to 3 times | repeatReminder",
+                  "Sound | limitSound",
+                  "--",
+                  "Low battery | lowEnabled",
+                  "Alert on battery at 20% or less | low",
+                  "Sound | lowSound",
+                  "--",
+                  "Suggest Low Power Mode | lowPowerEnabled",
+                  "When on battery below 30% | lowPowerAt",
+                  "Sound | lowPowerSound",
+                  "--",
+                  "Plugged in too long | longEnabled",
+                  "Alert after 8 h plugged in above the charge limit | longHours",
+                  "Sound | longSound",
+                  "--",
+                  "Battery health below 80% (once) | healthEnabled",
+                  "Sound | healthSound",
+                  "# Quiet hours",
+                  "--",
+                  "Hold alerts during quiet hours | quietEnabled",
+                  "From | quietStart",
+                  "Until | quietEnd",
+                  "# Menu bar",
+                  "--",
+                  "Show percentage in the menu bar | showPercent",
+                  "Show time remaining | showTime",
+                  "# General",
+                  "--",
+                  "Launch at Login | launchAtLogin",
+                  "[Export History as CSV…]",
+                  "[Reset History…]",
+                  "--",
+                  "macOS may also hold charging at 80% itself (Optimized Battery Charging, System Settings, Battery). "
+                  "Velmora can only remind you; it cannot control charging."}));
+}
+
+TEST_F(SettingsViewTest, StandsInAWindowOfFixedSizeThatIsKept) {
+    shown();
+    EXPECT_EQ(window->windowTitle(), QStringLiteral("Velmora Settings"));
+    EXPECT_EQ(window->size(), QSize(480, 720));
+    EXPECT_EQ(window->minimumSize(), window->maximumSize());
+    EXPECT_LE(view->width(), 480);
+    QTest::keyClick(window.get(), Qt::Key_Escape);
+    EXPECT_FALSE(window->isVisible());
+    window->present();
+    EXPECT_TRUE(view->isVisible());
+}
+
+TEST_F(SettingsViewTest, ASwitchIsStoredAtOnceAndRulesWhatHangsOnIt) {
+    auto& limit = find<ToggleSwitch>("limitEnabled");
+    EXPECT_TRUE(limit.isChecked());
+    QTest::mouseClick(&limit, Qt::LeftButton);
+    EXPECT_FALSE(fake.defaults.boolForKey("limitEnabled"));
+    for (const char* name : {"limit", "repeatReminder", "limitSound"})
+        EXPECT_FALSE(find(name).isEnabled()) << name;
+    for (const char* name : {"low", "lowSound", "lowPowerAt", "longHours", "healthSound", "lowEnabled"})
+        EXPECT_TRUE(find(name).isEnabled()) << name;
+    for (const char* name : {"quietStart", "quietEnd"})
+        EXPECT_FALSE(find(name).isEnabled()) << name;
+    QTest::keyClick(&limit, Qt::Key_Space);
+    EXPECT_TRUE(fake.defaults.boolForKey("limitEnabled"));
+    EXPECT_TRUE(find("limitSound").isEnabled());
+}
+
+TEST_F(SettingsViewTest, ADisabledControlKeepsItsValue) {
+    fake.defaults.setObject("limit", 77);
+    fake.defaults.setObject("limitEnabled", false);
+    EXPECT_EQ(label("limit"), "Alert when charging reaches 77%");
+    EXPECT_EQ(fake.defaults.integerForKey("limit"), 77);
+}
+
+TEST_F(SettingsViewTest, StepsWithinTheirRanges) {
+    for (const auto& [key, least, most] : std::vector<std::tuple<const char*, int, int>>{
+             {"limit", 50, 100}, {"low", 5, 50}, {"lowPowerAt", 10, 60}, {"longHours", 1, 48}}) {
+        auto& box = find<StepperBox>(key);
+        for (int i = 0; i < 120; ++i)
+            box.stepUp();
+        EXPECT_EQ(fake.defaults.integerForKey(key), most) << key;
+        for (int i = 0; i < 120; ++i)
+            QTest::keyClick(&box, Qt::Key_Down);
+        EXPECT_EQ(fake.defaults.integerForKey(key), least) << key;
+        EXPECT_EQ(box.value(), least);
+    }
+    EXPECT_EQ(label("longHours"), "Alert after 1 h plugged in above the charge limit");
+}
+
+TEST_F(SettingsViewTest, ANumberCanBeTyped) {
+    type(find<StepperBox>("limit"), "65");
+    EXPECT_EQ(fake.defaults.integerForKey("limit"), 65);
+    EXPECT_EQ(label("limit"), "Alert when charging reaches 65%");
+    type(find<StepperBox>("limit"), "7");
+    EXPECT_GE(fake.defaults.integerForKey("limit"), 50);
+}
+
+TEST_F(SettingsViewTest, AStoredValueBeyondTheRangeIsShownUntilTheUserTouchesIt) {
+    for (const auto& [stored, up, down] :
+         std::vector<std::tuple<std::int64_t, int, int>>{{150, 100, 100}, {-5, 50, 50}}) {
+        fake.defaults.setObject("limit", stored);
+        shown();
+        settle();
+        auto& box = find<StepperBox>("limit");
+        EXPECT_EQ(label("limit"), "Alert when charging reaches " + std::to_string(stored) + "%");
+        EXPECT_EQ(box.value(), stored);
+        EXPECT_EQ(fake.defaults.integerForKey("limit"), stored) << "not rewritten";
+        box.stepUp();
+        EXPECT_EQ(fake.defaults.integerForKey("limit"), up);
+        fake.defaults.setObject("limit", stored);
+        settle();
+        box.stepDown();
+        EXPECT_EQ(fake.defaults.integerForKey("limit"), down);
+    }
+}
+
+TEST_F(SettingsViewTest, ShowsWhatOthersStoreWhileItIsOpen) {
+    shown();
+    fake.defaults.setObject("low", 33);
+    fake.defaults.setObject("showTime", true);
+    fake.defaults.setObject("quietEnd", 480);
+    settle();
+    EXPECT_EQ(label("low"), "Alert on battery at 33% or less");
+    EXPECT_TRUE(find<ToggleSwitch>("showTime").isChecked());
+    EXPECT_EQ(find<QTimeEdit>("quietEnd").time(), QTime(8, 0));
+}
+
+TEST_F(SettingsViewTest, TimesAreStoredAsMinutes) {
+    EXPECT_EQ(find<QTimeEdit>("quietEnd").time(), QTime(7, 0));
+    EXPECT_EQ(find<QTimeEdit>("quietStart").time(), QTime(22, 0));
+    find<QTimeEdit>("quietStart").setTime(QTime(22, 30));
+    EXPECT_EQ(fake.defaults.integerForKey("quietStart"), 1350);
+}
+
+TEST_F(SettingsViewTest, MinutesThatNoDayHasAreLeftAloneAndShownAsThePresentTime) {
+    fake.defaults.setObject("quietStart", 1500);
+    const QTime before = QTime::currentTime().addSecs(-60);
+    const QTime shownTime = find<QTimeEdit>("quietStart").time();
+    EXPECT_LE(std::abs(before.secsTo(shownTime)), 120);
+    EXPECT_EQ(fake.defaults.integerForKey("quietStart"), 1500);
+}
+
+TEST_F(SettingsViewTest, OffersTheSoundsInOrderAndLetsThemBeHeardOnce) {
+    auto& picker = find<SoundPicker>("lowSound");
+    QStringList offered;
+    for (int i = 0; i < picker.count(); ++i)
+        offered.append(picker.itemText(i));
+    EXPECT_EQ(offered.join(QLatin1Char(' ')),
+              QStringLiteral(
+                  "Default None  Glass Ping Hero Submarine Funk Basso Blow Bottle Frog Morse Pop Purr Sosumi Tink"));
+    EXPECT_EQ(picker.currentText(), QStringLiteral("Default"));
+    const auto pick = [&](const char* name) {
+        const int index = picker.findText(QLatin1String(name));
+        picker.setCurrentIndex(index);
+        Q_EMIT picker.activated(index);
+        settle();
+    };
+    pick("Frog");
+    EXPECT_EQ(fake.defaults.stringForKey("lowSound"), "Frog");
+    EXPECT_EQ(fake.sounds.played, std::vector<std::string>{"Frog"});
+    pick("None");
+    EXPECT_EQ(fake.defaults.stringForKey("lowSound"), "none");
+    pick("Default");
+    EXPECT_EQ(fake.defaults.stringForKey("lowSound"), "default");
+    EXPECT_EQ(fake.sounds.played.size(), 1U);
+    EXPECT_EQ(find<SoundPicker>("limitSound").currentText(), QStringLiteral("Default"));
+}
+
+TEST_F(SettingsViewTest, ASoundThatIsNotOfferedIsNotRewritten) {
+    fake.defaults.setObject("lowSound", "Quack");
+    EXPECT_EQ(find<SoundPicker>("lowSound").currentIndex(), -1);
+    EXPECT_EQ(fake.defaults.stringForKey("lowSound"), "Quack");
+    EXPECT_TRUE(fake.sounds.played.empty());
+}
+
+TEST_F(SettingsViewTest, AsksForThePermissionWhenAnAlertIsSwitchedOn) {
+    for (const char* key : {"limitEnabled", "lowEnabled", "lowPowerEnabled", "longEnabled", "healthEnabled"}) {
+        fake.panels.alerts.clear();
+        find<ToggleSwitch>(key).click();
+        settle();
+        EXPECT_TRUE(fake.panels.alerts.empty()) << key << " was switched off";
+        find<ToggleSwitch>(key).click();
+        settle();
+        EXPECT_EQ(fake.panels.alerts.size(), 1U) << key;
+    }
+    fake.panels.alerts.clear();
+    for (const char* key : {"quietEnabled", "repeatReminder", "showTime"}) {
+        find<ToggleSwitch>(key).click();
+        find<ToggleSwitch>(key).click();
+    }
+    settle();
+    EXPECT_TRUE(fake.panels.alerts.empty());
+    fake.notificationCenter.status = NotificationCenter::AuthorizationStatus::authorized;
+    find<ToggleSwitch>("lowEnabled").click();
+    find<ToggleSwitch>("lowEnabled").click();
+    settle();
+    EXPECT_TRUE(fake.panels.alerts.empty()) << "the user has decided";
+}
+
+TEST_F(SettingsViewTest, LaunchAtLoginShowsWhatReallyIs) {
+    auto& launch = find<ToggleSwitch>("launchAtLogin");
+    EXPECT_FALSE(launch.isChecked());
+    launch.click();
+    EXPECT_TRUE(fake.loginItem.enabled);
+    fake.loginItem.failure = "Read-only file system";
+    launch.click();
+    EXPECT_TRUE(launch.isChecked());
+    EXPECT_EQ(find<QLabel>("loginError").text(),
+              QStringLiteral("Could not change Launch at Login: Read-only file system"));
+    EXPECT_TRUE(find("loginError").isVisible());
+    fake.loginItem.failure.reset();
+    launch.click();
+    EXPECT_FALSE(launch.isChecked());
+    EXPECT_FALSE(find("loginError").isVisible());
+    fake.loginItem.enabled = true; // by the desktop's own settings
+    view->update();
+    EXPECT_TRUE(launch.isChecked());
+}
+
+TEST_F(SettingsViewTest, ResetsTheHistoryOnlyWhenThatIsConfirmed) {
+    fake.powerSources.setBattery(64, false);
+    model.refresh(AppModel::Reason::timer);
+    const auto answer = [&](const char* name) {
+        find<QPushButton>("resetHistory").click();
+        ASSERT_NE(question(), nullptr);
+        EXPECT_EQ(question()->text(), QStringLiteral("Reset history?"));
+        EXPECT_EQ(question()->informativeText(),
+                  QStringLiteral("This deletes all saved battery samples used for the chart."));
+        for (QAbstractButton* button : question()->buttons()) {
+            if (button->text() == QLatin1String(name)) {
+                button->click();
+                break;
+            }
+        }
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        EXPECT_EQ(question(), nullptr);
+    };
+    answer("Cancel");
+    EXPECT_EQ(model.history.samples.size(), 1U);
+    answer("Reset");
+    EXPECT_TRUE(model.history.samples.empty());
+}
+
+TEST_F(SettingsViewTest, ExportsTheHistory) {
+    find<QPushButton>("exportHistory").click();
+    EXPECT_EQ(fake.panels.savePanels.size(), 1U);
+}
+
+TEST_F(SettingsViewTest, SaysWhyNothingCanBeDeliveredOutsideABundle) {
+    fake.bundle.name.reset();
+    EXPECT_TRUE(find("bundleNote").isVisible());
+    EXPECT_EQ(
+        find<QLabel>("bundleNote").text(),
+        QStringLiteral("Notifications need Velmora to run as an app bundle (see make_app.sh). Run from the command "
+                       "line, alerts cannot be delivered."));
+}
+
+TEST_F(SettingsViewTest, TheWheelChangesNothingThatIsNotChosen) {
+    auto& box = find<StepperBox>("limit");
+    QWheelEvent wheel(QPointF(5, 5), box.mapToGlobal(QPointF(5, 5)), {}, {0, 120}, Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&box, &wheel);
+    EXPECT_EQ(fake.defaults.integerForKey("limit"), 80);
+}
+
+TEST_F(SettingsViewTest, EveryControlHasANameAndIsReachedByKeyboard) {
+    int controls = 0;
+    for (const auto* widget : shown().findChildren<QWidget*>()) {
+        const bool isControl = qobject_cast<const QAbstractButton*>(widget) || qobject_cast<const QComboBox*>(widget) ||
+                               qobject_cast<const QAbstractSpinBox*>(widget);
+        if (!isControl)
+            continue;
+        ++controls;
+        const auto* button = qobject_cast<const QPushButton*>(widget);
+        EXPECT_FALSE(widget->accessibleName().isEmpty() && (button == nullptr || button->text().isEmpty()))
+            << widget->objectName().toStdString();
+        EXPECT_NE(widget->focusPolicy() & Qt::TabFocus, 0) << widget->objectName().toStdString();
+    }
+    EXPECT_EQ(controls, 23) << "20 preferences, login, export and reset";
+}
+
+TEST_F(SettingsViewTest, CanBeLookedAt) {
+    shown();
+    view->adjustSize();
+    EXPECT_TRUE(view->grab().save(QStringLiteral(VELMORA_PICTURES "/settings.png")));
+    EXPECT_TRUE(window->grab().save(QStringLiteral(VELMORA_PICTURES "/settings-window.png")));
+}
