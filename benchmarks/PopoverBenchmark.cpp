@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the popover does each time that it opens, and each minute while it is open, with a month of history behind it.
+#include "MonthOfSamples.h"
+#include "history/HistoryFile.h"
+#include "support/FakePlatform.h"
+#include "support/PopoverScene.h"
+#include "views/ChartPoints.h"
+#include "views/HistoryChart.h"
+#include "views/PopoverView.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QLabel>
+#include <QPainter>
+#include <QPixmap>
+#include <benchmark/benchmark.h>
+
+namespace {
+
+constexpr double day = 86'400;
+
+/// A laptop at the end of that month.
+struct Month {
+    PopoverScene scene;
+    Month() {
+        scene.fake.clock.setNow(monthEnd());
+        scene.fake.files.files["/home/user/.local/share/Velmora/history.json"] = *encodeHistory(monthOfSamples());
+    }
+};
+
+/// The samples of the last days, each looked at once: what the points cannot cost less than.
+void copySamples(benchmark::State& state) {
+    Month month;
+    const HistoryStore& history = month.scene.started().history;
+    const Date since = monthEnd() - Duration(static_cast<double>(state.range(0)) * day);
+    for ([[maybe_unused]] auto _ : state)
+        benchmark::DoNotOptimize(history.samplesSince(since));
+}
+BENCHMARK(copySamples)->Arg(1)->Arg(7)->Unit(benchmark::kMicrosecond);
+
+void chartPoints(benchmark::State& state) {
+    Month month;
+    const HistoryStore& history = month.scene.started().history;
+    const Date since = monthEnd() - Duration(static_cast<double>(state.range(0)) * day);
+    for ([[maybe_unused]] auto _ : state)
+        benchmark::DoNotOptimize(points(history, since));
+}
+BENCHMARK(chartPoints)->Arg(1)->Arg(7)->Unit(benchmark::kMicrosecond);
+
+void dailyTable(benchmark::State& state) {
+    Month month;
+    const HistoryStore& history = month.scene.started().history;
+    for ([[maybe_unused]] auto _ : state)
+        benchmark::DoNotOptimize(history.dailySummaries(7, monthEnd()));
+}
+BENCHMARK(dailyTable)->Unit(benchmark::kMicrosecond);
+
+/// The popover's content, as it is shown.
+struct Shown : Month {
+    PopoverView view;
+    explicit Shown(int days)
+        : view(
+              scene.started(), scene.fake.platform(), [] {}, [] {}) {
+        if (days == 7)
+            view.findChild<QWidget*>(QStringLiteral("rangePicker"))->findChildren<QAbstractButton*>().at(1)->click();
+        view.rebuild();
+        view.show();
+        QCoreApplication::processEvents();
+    }
+};
+
+void paint(QWidget& widget, QPixmap& target) {
+    widget.render(&target);
+}
+
+/// As large as the chart, with one anti-aliased line of as many points and a few texts, by the painter alone.
+void paintALine(benchmark::State& state) {
+    QPixmap target(308, 110);
+    QPolygonF line;
+    for (int i = 0; i < 300; ++i)
+        line << QPointF(i, 50 + 40 * std::sin(i / 20.0));
+    for ([[maybe_unused]] auto _ : state) {
+        target.fill(Qt::white);
+        QPainter painter(&target);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(Qt::blue, 1.8));
+        painter.drawPolyline(line);
+        for (int i = 0; i < 8; ++i)
+            painter.drawText(QPoint(i * 35, 108), QStringLiteral("12:00"));
+    }
+}
+BENCHMARK(paintALine)->Unit(benchmark::kMicrosecond);
+
+/// Of the chart as it is, and after new values, which it draws anew.
+void repaintChart(benchmark::State& state) {
+    Shown shown(static_cast<int>(state.range(0)));
+    auto* chart = shown.view.findChild<QWidget*>(QStringLiteral("historyChart"));
+    QPixmap target(chart->size());
+    for ([[maybe_unused]] auto _ : state)
+        paint(*chart, target);
+}
+BENCHMARK(repaintChart)->Arg(1)->Arg(7)->Unit(benchmark::kMicrosecond);
+
+/// What a change of the battery costs while the popover is open: all values, and all of it painted.
+void rebuildAndPaint(benchmark::State& state) {
+    Shown shown(static_cast<int>(state.range(0)));
+    QPixmap target(shown.view.size());
+    for ([[maybe_unused]] auto _ : state) {
+        shown.view.rebuild();
+        QCoreApplication::processEvents();
+        paint(shown.view, target);
+    }
+}
+BENCHMARK(rebuildAndPaint)->Arg(1)->Arg(7)->Unit(benchmark::kMicrosecond);
+
+} // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
