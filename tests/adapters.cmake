@@ -62,13 +62,13 @@ gtest_discover_tests(velmora_adapter_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEO
 # The alert sounds as they are built, and what plays them.
 target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_SOUNDS="${CMAKE_BINARY_DIR}/share/sounds/velmora")
 target_link_libraries(velmora_adapter_tests PRIVATE PkgConfig::canberra)
-add_dependencies(velmora_adapter_tests sounds)
+add_dependencies(velmora_adapter_tests sounds velmora_chart)
 
 # The popover in every state, as pictures to look at.
 add_executable(velmora_gallery gallery/Gallery.cpp)
 target_link_libraries(velmora_gallery PRIVATE velmora_desktop velmora_test_support velmora_options)
 target_compile_definitions(velmora_gallery PRIVATE VELMORA_ICONS="${CMAKE_BINARY_DIR}/share/icons")
-add_dependencies(velmora_gallery icons percent_glyphs)
+add_dependencies(velmora_gallery icons percent_glyphs velmora_chart)
 foreach(scale 1 2)
     add_test(NAME gallery.scale${scale} COMMAND velmora_gallery ${CMAKE_BINARY_DIR}/gallery)
     set_tests_properties(gallery.scale${scale} PROPERTIES ENVIRONMENT "QT_SCALE_FACTOR=${scale}" TIMEOUT 60)

@@ -9,10 +9,7 @@
 #include <optional>
 #include <vector>
 
-class QCPGraph;
-class QCPItemStraightLine;
-class QCPItemText;
-class QCustomPlot;
+class HistoryPlot;
 class QLabel;
 class QStackedLayout;
 
@@ -43,13 +40,5 @@ public:
 private:
     QStackedLayout* layers_;
     QLabel* empty_;
-    QCustomPlot* plot_ = nullptr; ///< made when there is something to draw
-    QCPItemStraightLine* rule_ = nullptr;
-    QCPItemText* ruleText_ = nullptr;
-    QCPGraph* graph_ = nullptr;
-
-    void makePlot();
-    void styleAxes(const Content& content);
-    void showRule(const Content& content);
-    void showPoints(const Content& content);
+    HistoryPlot* plot_ = nullptr; ///< made when there is something to draw
 };
