@@ -13,6 +13,10 @@
 #include <QScrollArea>
 
 #include <algorithm>
+#include <cstdlib>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace {
 
@@ -109,5 +113,10 @@ void Popover::keyPressEvent(QKeyEvent* event) {
 
 void Popover::hideEvent(QHideEvent* event) {
     sinceClosed_.start();
+#ifdef __GLIBC__
+    // The points and the table were made from copies of a week of samples, which the allocator would keep for the next
+    // time; but that may be in hours.
+    ::malloc_trim(0);
+#endif
     QWidget::hideEvent(event);
 }
