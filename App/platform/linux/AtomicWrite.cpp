@@ -123,6 +123,10 @@ void removeIfLeftOver(const fs::path& file) {
 } // namespace
 
 std::error_code writeAtomically(const fs::path& target, std::string_view content, Access access) {
+    // Who links a file to a device means that nothing is kept, not that the device becomes a file.
+    struct stat status {};
+    if (::stat(target.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode))
+        return std::make_error_code(std::errc::operation_not_supported);
     const TemporaryFile temporary = makeTemporaryFile(target);
     if (!temporary.descriptor)
         return lastError();

@@ -165,6 +165,16 @@ TEST_F(PosixFilesTest, FollowsALinkToADocument) {
     EXPECT_EQ(contentOf(home.path / "there"), "new");
 }
 
+TEST_F(PosixFilesTest, PutsNoFileInThePlaceOfWhatIsNone) {
+    ASSERT_EQ(::mkfifo((home.path / "pipe").c_str(), 0600), 0);
+    fs::create_symlink(home.path / "pipe", home.path / "link");
+    for (const char* name : {"pipe", "link"}) {
+        EXPECT_EQ(files.replace(home.path / name, "x"), std::errc::operation_not_supported);
+        EXPECT_EQ(files.saveDocument(home.path / name, "x"), std::errc::operation_not_supported);
+    }
+    EXPECT_TRUE(fs::is_fifo(home.path / "pipe"));
+}
+
 TEST_F(PosixFilesTest, MakesAFolderAnewThatWasDeleted) {
     const fs::path file = home.path / "data/Velmora/file";
     EXPECT_FALSE(files.replace(file, "one"));
