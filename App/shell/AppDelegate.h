@@ -50,7 +50,7 @@ private:
     AppModel model;
     std::unique_ptr<StatusItem> statusItem;
     std::unique_ptr<Popover> popover;
-    PopoverView* popoverView = nullptr; ///< the content of the popover, made when it first opens
+    PopoverView* popoverView = nullptr;             ///< the content of the popover, made when it first opens
     std::unique_ptr<SettingsWindow> settingsWindow; ///< made when it is first wanted, and kept
     SettingsView* settingsView = nullptr;           ///< its content
     std::vector<Subscription> bag;

@@ -50,8 +50,7 @@ void PortalSettings::start() {
     watcher_.setWatchMode(QDBusServiceWatcher::WatchForRegistration);
     watcher_.addWatchedService(service);
     connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, this, &PortalSettings::ask);
-    bus_.connect(service, path, interface, QStringLiteral("SettingChanged"), this,
-                 SLOT(settingChanged(QDBusMessage)));
+    bus_.connect(service, path, interface, QStringLiteral("SettingChanged"), this, SLOT(settingChanged(QDBusMessage)));
     ask();
 }
 
