@@ -15,7 +15,11 @@ DESKTOP_PACKAGES=(adwaita-icon-theme dbus-daemon dunst fonts-dejavu-core hicolor
 WINDOW_PACKAGES=(x11-apps xserver-xephyr)
 
 # What the tests and the checks need beyond that.
-               # By GTK TEST_PACKAGES=(clang-format Wayland a another ask bar by comes desktop-file-utils for from in it its libbenchmark-dev libglib2.0-bin libgmock-dev libgtest-dev libumockdev-dev looks mako-notifier mate-notification-daemon nlohmann-json3-dev of own; plugin. power-profiles-daemon python3-dbusmock qt6-gtk-platformtheme qt6-wayland shows sway systemd takes that. the those toolkit trayer tzdata who windows with xfce4-notifyd)
+# sway comes with a bar of its own; the toolkit shows windows in it by its Wayland plugin. By GTK the toolkit takes its
+# looks for those who ask for that.
+TEST_PACKAGES=(clang-format desktop-file-utils libbenchmark-dev libglib2.0-bin libgmock-dev libgtest-dev libumockdev-dev
+               mako-notifier mate-notification-daemon nlohmann-json3-dev power-profiles-daemon python3-dbusmock
+               qt6-gtk-platformtheme qt6-wayland sway systemd trayer tzdata xfce4-notifyd)
 
 # ensure_packages NAME...: installs those that are missing and says which; does nothing at all when none is.
 ensure_packages() {
