@@ -135,10 +135,15 @@ void DailySummaryView::setCell(int row, int column, const QString& text, const Q
         label->setAlignment((column == 0 ? Qt::AlignLeading : Qt::AlignTrailing) | Qt::AlignVCenter);
         grid_->addWidget(label, row, column);
     }
-    label->setFont(table_->font());
-    label->setPalette(palette);
-    label->setText(text);
-    label->setAccessibleName(spoken);
+    // A label lays itself out anew for each of these, also when it has it already.
+    if (label->font() != table_->font())
+        label->setFont(table_->font());
+    if (label->palette().color(QPalette::WindowText) != palette.color(QPalette::WindowText))
+        label->setPalette(palette);
+    if (label->text() != text)
+        label->setText(text);
+    if (label->accessibleName() != spoken)
+        label->setAccessibleName(spoken);
     label->setVisible(true);
 }
 

@@ -72,7 +72,7 @@ CustomHistoryPlot::CustomHistoryPlot(QWidget* parent) : HistoryPlot(parent), plo
     plot_->setObjectName(QStringLiteral("historyChartPlot"));
     plot_->setFocusPolicy(Qt::NoFocus);
     plot_->setAttribute(Qt::WA_TransparentForMouseEvents);
-    plot_->setNoAntialiasingOnDrag(false);
+    plot_->setPlottingHint(QCP::phFastPolylines); // a week of it would take as long as all the rest of the popover
     auto percents = QSharedPointer<QCPAxisTickerText>::create();
     for (const int percent : {0, 50, 100})
         percents->addTick(percent, QString::number(percent) + QLatin1Char('%'));
@@ -165,7 +165,7 @@ void CustomHistoryPlot::showPoints(const HistoryChart::Content& content) {
         segment = point.seg;
         line.append({seconds(point.date), static_cast<double>(point.pct)});
     }
-    graph_->setPen(QPen(content.line, lineWidth, Qt::SolidLine, Qt::FlatCap, Qt::RoundJoin));
+    graph_->setPen(QPen(content.line, lineWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     graph_->data()->set(line, true);
 }
 

@@ -323,18 +323,24 @@ QColor PopoverView::trackColor() const {
 }
 
 void PopoverView::setText(QLabel* label, const QString& text, TextStyle style, Tint tint) {
-    QPalette colors = palette();
-    colors.setColor(QPalette::WindowText, color(tint));
-    label->setPalette(colors);
-    label->setFont(textFont(style));
-    label->setText(text);
+    // A label lays itself out anew for each of these, also when it has it already.
+    if (const QColor wanted = color(tint); label->palette().color(QPalette::WindowText) != wanted) {
+        QPalette colors = palette();
+        colors.setColor(QPalette::WindowText, wanted);
+        label->setPalette(colors);
+    }
+    if (const QFont wanted = textFont(style); label->font() != wanted)
+        label->setFont(wanted);
+    if (label->text() != text)
+        label->setText(text);
 }
 
 void PopoverView::setRow(const Row& row, const QString& label, const QString& value, Tint tint) {
     setText(row.label, label, TextStyle::body, Tint::primary);
     setText(row.value, value, TextStyle::body, tint);
     // Read as one: a value alone says little.
-    row.value->setAccessibleName(label + QLatin1String(": ") + value);
+    if (const QString spoken = label + QLatin1String(": ") + value; row.value->accessibleName() != spoken)
+        row.value->setAccessibleName(spoken);
 }
 
 void PopoverView::changeEvent(QEvent* event) {
