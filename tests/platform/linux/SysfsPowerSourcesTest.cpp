@@ -205,7 +205,7 @@ TEST_F(SysfsPowerSourcesTest, StartsTheTimeAnewAfterSleep) {
     reader.read();
     loop.advance(60s);
     EXPECT_TRUE(reader.read().minutesToEmpty);
-    clock.suspend(8h);
+    clock.suspend(24h);
     EXPECT_EQ(reader.read().minutesToEmpty, std::nullopt);
     loop.advance(20s);
     EXPECT_TRUE(reader.read().minutesToEmpty);
