@@ -3,6 +3,7 @@
 
 #include "platform/MainLoop.h"
 #include "platform/linux/PosixFiles.h"
+#include "platform/linux/ToQString.h"
 
 #include <QJsonDocument>
 
@@ -21,10 +22,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::size_t sizeLimit = 1024 * 1024; // a thousand times what the program writes
-
-QString toQString(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 QJsonValue toJson(const Value& value) {
     if (const std::string* text = value.text())

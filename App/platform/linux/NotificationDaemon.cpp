@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/NotificationDaemon.h"
 
+#include "platform/linux/ToQString.h"
+
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
@@ -19,10 +21,6 @@ constexpr QLatin1String interface("org.freedesktop.Notifications");
 
 QDBusMessage method(const QString& name, const char* member) {
     return QDBusMessage::createMethodCall(name, path, interface, QString::fromLatin1(member));
-}
-
-QString toQString(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
 constexpr std::chrono::milliseconds readyInterval(200);
