@@ -113,6 +113,6 @@ void AppDelegate::openSettings() {
         settingsView = new SettingsView(model, platform_);
         settingsWindow = std::make_unique<SettingsWindow>(settingsView);
     }
-    settingsView->update();
+    settingsView->readAgain();
     settingsWindow->present();
 }

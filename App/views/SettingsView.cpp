@@ -81,7 +81,7 @@ SettingsView::SettingsView(AppModel& theModel, const Platform& platform, QWidget
     addGeneral();
     layout->addStretch(1);
     style();
-    update();
+    readAgain();
     observations_.push_back(platform_.defaults.onChange([this] { sync(); }));
 }
 
@@ -248,7 +248,7 @@ QLabel* SettingsView::addNote(QBoxLayout* section, const char* name, const QStri
     return note;
 }
 
-void SettingsView::update() {
+void SettingsView::readAgain() {
     launchAtLogin_->setChecked(platform_.loginItem.isEnabled());
     sync();
 }

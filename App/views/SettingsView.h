@@ -27,7 +27,7 @@ public:
     ~SettingsView() override;
 
     /// Reads again what is kept outside the preferences; to be called before it is shown.
-    void update();
+    void readAgain();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -304,7 +304,7 @@ TEST_F(SettingsViewTest, LaunchAtLoginShowsWhatReallyIs) {
     EXPECT_FALSE(launch.isChecked());
     EXPECT_FALSE(find("loginError").isVisible());
     fake.loginItem.enabled = true; // by the desktop's own settings
-    view->update();
+    view->readAgain();
     EXPECT_TRUE(launch.isChecked());
 }
 
