@@ -3,6 +3,7 @@
 
 import time
 import unittest
+from itertools import groupby
 
 from support import history
 from support.case import DesktopCase
@@ -17,14 +18,15 @@ RELEASE_SECONDS = 4
 # The last of the looks that the program takes after its start.
 LAST_LOOK_SECONDS = 15
 
-# Batteries cannot be read at once after waking; a moment later the reading has been shown, too.
+# Batteries cannot be read at once after waking. The rest is left to a machine that is busy.
 EARLIEST_READING = 3
-LATEST_READING = 3.5
+LATEST_READING = 5
 # A timer may round to the nearest millisecond.
 ROUNDING = 0.002
 
-# Through the charge limit, which is not to be told after waking.
-LEVELS = range(75, 85)
+# Through the charge limit, which is not to be told after waking; soon after the start, since the minute's reading would.
+LEVELS = range(79, 89)
+SHORTEST_MINUTE = 50
 
 
 class Sleep(DesktopCase):
@@ -46,6 +48,7 @@ class Sleep(DesktopCase):
         last_look = lambda: counter.readings() and time.monotonic() > start + LAST_LOOK_SECONDS - 1
         self.soon(last_look, LAST_LOOK_SECONDS + LOCK_SECONDS, "the program has looked for the last time")
 
+        others = []
         for number, level in enumerate(LEVELS, start=1):
             inode, _ = history.read(self.screen)
             logind.announce(True)
@@ -55,26 +58,29 @@ class Sleep(DesktopCase):
             self.assertEqual(self.new_levels(at_release), [first, *LEVELS][:number])
 
             machine.set_level(level)
-            self.assertEqual(counter.readings(), 0)
+            self.collect(counter, others)
             woken = time.monotonic()
             logind.announce(False)
             self.soon_equal(lambda: logind.locks, 1, LOCK_SECONDS)
             moments = []
+
+            def read_and_shown():
+                self.collect(counter, moments)
+                return moments and moments[-1] >= woken + EARLIEST_READING - ROUNDING and program.item.label == f" {level}%"
+
             self.soon(
-                lambda: self.collect(counter, moments) or program.item.label == f" {level}%",
+                read_and_shown,
                 LATEST_READING + LOCK_SECONDS,
-                lambda: f"{level}% is shown; readings {moments} s after waking",
+                lambda: f"{level}% is read and shown; woken {woken}, readings {moments}",
             )
-            # It may have been between the look at the files and the one at the item.
-            self.collect(counter, moments)
-            self.assertEqual(len(moments), 1, moments)
-            self.assertGreaterEqual(moments[0] - woken, EARLIEST_READING - ROUNDING)
-            self.assertLessEqual(moments[0] - woken, LATEST_READING)
+            self.assertLessEqual(moments[-1] - woken, LATEST_READING)
+            others += moments[:-1]
 
         self.assertEqual(program.process.stop(), 0)
         self.wrote_nothing(program)
         self.assertEqual(self.new_levels(history.read(self.screen)[1]), [first, *LEVELS])
-        self.assertEqual(counter.readings(), 0)
+        self.collect(counter, others)
+        self.assertLessEqual(len(others), (time.monotonic() - start) // SHORTEST_MINUTE, others)
         self.assertEqual(listener.methods, [])
 
     @staticmethod
@@ -83,8 +89,8 @@ class Sleep(DesktopCase):
 
     @staticmethod
     def new_levels(content):
-        """What this program has added."""
-        return history.levels(content)[history.OLD_SAMPLES :]
+        """What this program has added. The minute's reading may see a level again."""
+        return [level for level, _ in groupby(history.levels(content)[history.OLD_SAMPLES :])]
 
 
 if __name__ == "__main__":
