@@ -42,10 +42,11 @@ Tint ringTint(const BatteryState& state) {
 
 std::string ringDescription(const BatteryState& state) {
     const std::string percent = std::to_string(state.percent) + " %, ";
+    // In the order of what the state says of itself.
+    if (state.isCharged || (state.pluggedIn && !state.isCharging && state.percent > 99))
+        return percent + "fully charged";
     if (state.isCharging)
         return percent + "charging";
-    if (state.isCharged)
-        return percent + "fully charged";
     return percent + (state.pluggedIn ? "plugged in, not charging" : "on battery");
 }
 

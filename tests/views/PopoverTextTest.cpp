@@ -65,10 +65,28 @@ TEST(PopoverText, TheRingIsTold) {
     EXPECT_EQ(ringDescription(state), "80 %, on battery");
     state.pluggedIn = true;
     EXPECT_EQ(ringDescription(state), "80 %, plugged in, not charging");
-    state.isCharged = true;
-    EXPECT_EQ(ringDescription(state), "80 %, fully charged");
     state.isCharging = true;
     EXPECT_EQ(ringDescription(state), "80 %, charging");
+    state.isCharged = true;
+    EXPECT_EQ(ringDescription(state), "80 %, fully charged");
+}
+
+TEST(PopoverText, TheRingIsToldAsTheStateIs) {
+    for (const std::int64_t percent : {50, 99, 100}) {
+        for (int flags = 0; flags < 8; ++flags) {
+            BatteryState state = battery(percent);
+            state.pluggedIn = (flags & 1) != 0;
+            state.isCharging = (flags & 2) != 0;
+            state.isCharged = (flags & 4) != 0;
+            const auto told = [&](const std::string& word) {
+                return ringDescription(state).find(word) != std::string::npos;
+            };
+            const std::string text = state.stateText();
+            EXPECT_EQ(told("fully charged"), text == "Fully charged") << percent << ' ' << flags;
+            EXPECT_EQ(told(", charging"), text.starts_with("Charging")) << percent << ' ' << flags;
+            EXPECT_EQ(told("on battery"), text.starts_with("On battery")) << percent << ' ' << flags;
+        }
+    }
 }
 
 TEST(PopoverText, TellsHowLongItHasBeenPluggedIn) {
