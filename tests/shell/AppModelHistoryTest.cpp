@@ -75,15 +75,16 @@ TEST_F(AppModelHistoryTest, IsPluggedInFromNowOnWhereTheHistoryCannotSay) {
 }
 
 TEST_F(AppModelHistoryTest, RecordsEveryReadingButAnEventThatBringsNothingNew) {
+    model().refresh(Reason::event); // there is none that it could repeat
     model().refresh(Reason::launch);
     model().refresh(Reason::timer);
     model().refresh(Reason::wake);
-    EXPECT_EQ(model().history.samples.size(), 3U);
-    model().refresh(Reason::event);
-    EXPECT_EQ(model().history.samples.size(), 3U);
-    fake.powerSources.setBattery(63, true);
+    EXPECT_EQ(model().history.samples.size(), 4U);
     model().refresh(Reason::event);
     EXPECT_EQ(model().history.samples.size(), 4U);
+    fake.powerSources.setBattery(63, true);
+    model().refresh(Reason::event);
+    EXPECT_EQ(model().history.samples.size(), 5U);
 }
 
 TEST_F(AppModelHistoryTest, RecordsWithTheTimeThatTheRefreshTook) {
