@@ -44,6 +44,7 @@ add_executable(velmora_adapter_tests
     support/Watcher.h
     views/DesktopPaletteTest.cpp
     views/PopoverViewTest.cpp
+    views/RingViewTest.cpp
     views/SettingsViewTest.cpp
     views/TimeTextTest.cpp
 )
