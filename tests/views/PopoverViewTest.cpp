@@ -11,6 +11,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QLabel>
+#include <QLayout>
 #include <QProgressBar>
 #include <QScreen>
 #include <QScrollArea>
@@ -123,7 +124,9 @@ TEST_F(PopoverViewTest, TellsTheSnoozeAndCancelsItAtOnce) {
     EXPECT_FALSE((shown(), sees("snooze")));
     scene.started().snooze();
     settle();
-    EXPECT_TRUE(text("snoozeText")->starts_with("Alerts snoozed until "));
+    const Date until = scene.fake.clock.now() + 1h;
+    EXPECT_EQ(text("snoozeText"), "Alerts snoozed until " + shortTime(until).toStdString());
+    EXPECT_EQ(find<QAbstractButton>("cancelSnooze")->text(), QStringLiteral("Cancel"));
     find<QAbstractButton>("cancelSnooze")->click();
     settle();
     EXPECT_FALSE(sees("snooze"));
@@ -199,6 +202,10 @@ TEST_F(PopoverViewTest, SaysThatTheHistoryIsBeingCollected) {
     scene.fake.files.files.clear();
     EXPECT_EQ((shown(), text("historyChartEmpty")), "Collecting history… a graph appears after a few minutes.");
     EXPECT_EQ(plot(), nullptr);
+    EXPECT_EQ(find("historyChartEmpty")->font(), textFont(TextStyle::caption));
+    EXPECT_EQ(colorOf("historyChartEmpty"), tint(Tint::secondary));
+    EXPECT_EQ(find<QLabel>("historyChartEmpty")->alignment(), Qt::AlignCenter);
+    EXPECT_EQ(find("historyChartEmpty")->size(), find("historyChart")->size());
     EXPECT_TRUE(sees("dailySummary")) << "one sample is a day already";
     scene.fake.mainLoop.advance(1min);
     settle();
@@ -213,10 +220,27 @@ TEST_F(PopoverViewTest, TheChartShowsExactlyTheWindowThatIsPicked) {
     EXPECT_EQ(plot()->xAxis->range().upper, now);
     EXPECT_EQ(plot()->yAxis2->range(), QCPRange(0, 100));
     EXPECT_EQ(find("historyChart")->height(), 110);
-    find("rangePicker")->findChildren<QAbstractButton*>().at(1)->click();
+    const auto choices = find("rangePicker")->findChildren<QAbstractButton*>();
+    ASSERT_EQ(choices.size(), 2);
+    EXPECT_EQ(choices.at(0)->text(), QStringLiteral("24 hours"));
+    EXPECT_EQ(choices.at(1)->text(), QStringLiteral("7 days"));
+    EXPECT_TRUE(choices.at(0)->isChecked());
+    choices.at(1)->click();
     EXPECT_EQ(plot()->xAxis->range().lower, now - 7 * 86400);
     EXPECT_TRUE(
         find("historyChart")->accessibleName().startsWith(QStringLiteral("Charge of the last 7 days, lowest ")));
+}
+
+TEST_F(PopoverViewTest, TheChartIsMarkedAtNothingHalfAndAllOfTheCharge) {
+    shown();
+    const QCPAxis* axis = plot()->yAxis2;
+    const auto marks = axis->ticker().dynamicCast<QCPAxisTickerText>();
+    ASSERT_NE(marks, nullptr);
+    EXPECT_EQ(
+        marks->ticks(),
+        (QMap<double, QString>{{0, QStringLiteral("0%")}, {50, QStringLiteral("50%")}, {100, QStringLiteral("100%")}}));
+    EXPECT_TRUE(axis->visible() && axis->tickLabels() && axis->grid()->visible());
+    EXPECT_FALSE(plot()->yAxis->visible());
 }
 
 TEST_F(PopoverViewTest, TheChartDrawsThePointsAndNoLineOverAGap) {
@@ -229,6 +253,8 @@ TEST_F(PopoverViewTest, TheChartDrawsThePointsAndNoLineOverAGap) {
         gaps += std::isnan(each.value) ? 1 : 0;
     EXPECT_EQ(gaps, 1);
     EXPECT_EQ(plot()->graph(0)->pen().color(), tint(Tint::accent, Use::graphics));
+    EXPECT_EQ(plot()->graph(0)->lineStyle(), QCPGraph::lsLine);
+    EXPECT_TRUE(plot()->graph(0)->scatterStyle().isNone());
 }
 
 TEST_F(PopoverViewTest, TheChartMarksTheLimitAndFollowsThePreference) {
@@ -239,6 +265,16 @@ TEST_F(PopoverViewTest, TheChartMarksTheLimitAndFollowsThePreference) {
     EXPECT_EQ(annotation()->color(), tint(Tint::yellow));
     EXPECT_EQ(rule()->pen().widthF(), 1.5);
     EXPECT_EQ(rule()->pen().capStyle(), Qt::FlatCap);
+    EXPECT_EQ(rule()->pen().joinStyle(), Qt::MiterJoin);
+    EXPECT_EQ(rule()->pen().miterLimit(), 10);
+    EXPECT_EQ(rule()->pen().dashOffset(), 0);
+    ASSERT_EQ(rule()->pen().dashPattern().size(), 2) << "counted in widths of the pen";
+    EXPECT_DOUBLE_EQ(rule()->pen().dashPattern().at(0) * 1.5, 5);
+    EXPECT_DOUBLE_EQ(rule()->pen().dashPattern().at(1) * 1.5, 3);
+    plot()->replot();
+    EXPECT_EQ(annotation()->right->pixelPosition().x(), plot()->axisRect()->right() + 1);
+    EXPECT_EQ(annotation()->bottom->pixelPosition().y(), plot()->yAxis2->coordToPixel(80));
+    EXPECT_EQ(annotation()->padding().bottom(), 1);
     EXPECT_EQ(annotation()->text(), QStringLiteral("Limit 80%"));
     EXPECT_EQ(annotation()->font().pixelSize(), 9);
     scene.fake.defaults.setObject("limit", Value(100));
@@ -252,6 +288,51 @@ TEST_F(PopoverViewTest, TheChartMarksTheLimitAndFollowsThePreference) {
     EXPECT_FALSE(rule()->visible());
     EXPECT_FALSE(annotation()->visible());
     EXPECT_EQ(plot()->graph(0)->data()->size(), points);
+}
+
+TEST_F(PopoverViewTest, StandsInOneColumnFromTheRingToTheButtons) {
+    scene.started().snooze();
+    settle();
+    int above = -1;
+    for (const char* name : {"ring", "cycleLabel", "cycleBar", "detailRow", "rangePicker", "historyChart",
+                             "dailySummary", "note", "settingsButton"}) {
+        const int top = find(name)->mapTo(&shown(), QPoint()).y();
+        EXPECT_GT(top, above) << name;
+        above = top;
+    }
+    const auto place = [this](const char* name) { return find(name)->mapTo(&shown(), QPoint()); };
+    EXPECT_EQ(place("settingsButton").y(), place("quitButton").y());
+    EXPECT_LT(place("settingsButton").x(), place("quitButton").x());
+    EXPECT_LT(place("stateText").y(), place("pluggedInText").y());
+    EXPECT_LT(place("pluggedInText").y(), place("snoozeText").y());
+    EXPECT_GT(place("stateText").x(), place("ring").x() + 104);
+    EXPECT_GT(place("cancelSnooze").x(), place("snoozeText").x());
+    EXPECT_EQ(shown().layout()->spacing(), 14);
+    EXPECT_EQ(find("battery")->layout()->spacing(), 14);
+}
+
+TEST_F(PopoverViewTest, SaysTheMoreImportantThingsLouder) {
+    scene.started().snooze();
+    settle();
+    for (const auto& [name, style, tinted] :
+         std::vector<std::tuple<const char*, TextStyle, Tint>>{{"stateText", TextStyle::headline, Tint::primary},
+                                                               {"pluggedInText", TextStyle::caption, Tint::secondary},
+                                                               {"snoozeText", TextStyle::caption, Tint::secondary},
+                                                               {"cycleLabel", TextStyle::body, Tint::primary},
+                                                               {"cycleValue", TextStyle::body, Tint::secondary},
+                                                               {"note", TextStyle::caption2, Tint::secondary}}) {
+        EXPECT_EQ(find(name)->font(), textFont(style)) << name;
+        EXPECT_EQ(colorOf(name), tint(tinted)) << name;
+    }
+    const auto values = shown().findChildren<QLabel*>(QStringLiteral("detailValue"));
+    EXPECT_EQ(values.at(1)->palette().color(QPalette::WindowText), tint(Tint::secondary)) << "the temperature";
+    EXPECT_EQ(find("dailySummaryDisclosure")->font(), textFont(TextStyle::callout));
+    scene.fake.powerSources.sources = std::vector<std::optional<Value>>();
+    scene.started().refresh(AppModel::Reason::event);
+    settle();
+    EXPECT_EQ(find("noBatteryTitle")->font(), textFont(TextStyle::headline));
+    EXPECT_EQ(find("noBatteryNote")->font(), textFont(TextStyle::caption));
+    EXPECT_EQ(colorOf("noBatteryNote"), tint(Tint::secondary));
 }
 
 TEST_F(PopoverViewTest, TheDailySummaryUnfolds) {
@@ -271,6 +352,33 @@ TEST_F(PopoverViewTest, TheDailySummaryUnfolds) {
               dayText(rows[0].day) + QStringLiteral(", Avg: %1%").arg(rows[0].avgPercent));
     EXPECT_EQ(text("dailySummary.7.Charging"), summaryCells(rows[6]).charging);
     EXPECT_EQ(find("dailySummary.8.Day"), nullptr);
+}
+
+TEST_F(PopoverViewTest, TheDailySummaryHasFourColumns) {
+    shown();
+    find<QAbstractButton>("dailySummaryDisclosure")->click();
+    QCoreApplication::processEvents();
+    int left = -1;
+    for (const auto& [title, width, alignment] :
+         std::vector<std::tuple<const char*, int, Qt::Alignment>>{{"Day", 0, Qt::AlignLeading},
+                                                                  {"Avg", 38, Qt::AlignTrailing},
+                                                                  {"Range", 68, Qt::AlignTrailing},
+                                                                  {"Charging", 62, Qt::AlignTrailing}}) {
+        const QByteArray header = QByteArray("dailySummary.0.") + title;
+        const QByteArray cell = QByteArray("dailySummary.1.") + title;
+        EXPECT_EQ(text(header), title);
+        EXPECT_EQ(colorOf(header), tint(Tint::secondary));
+        EXPECT_EQ(colorOf(cell), shown().palette().color(QPalette::WindowText));
+        for (const QByteArray& name : {header, cell}) {
+            EXPECT_GE(find(name)->width(), width) << title;
+            EXPECT_EQ(find<QLabel>(name)->alignment() & Qt::AlignHorizontal_Mask, alignment) << title;
+            EXPECT_EQ(find(name)->x(), find(header)->x()) << title;
+        }
+        EXPECT_GT(find(header)->x(), left) << title;
+        left = find(header)->x();
+    }
+    EXPECT_EQ(text("dailySummary.1.Day"), dayText(scene.fake.clock.now()).toStdString());
+    EXPECT_GT(find("dailySummary.2.Day")->y(), find("dailySummary.1.Day")->y());
 }
 
 TEST_F(PopoverViewTest, TheDailySummaryLosesItsRowsWithTheHistory) {
@@ -380,6 +488,16 @@ TEST_F(PopoverViewTest, ScrollsWhereTheScreenIsTooLow) {
     area->ensureWidgetVisible(quit);
     EXPECT_TRUE(area->viewport()->rect().contains(quit->mapTo(area->viewport(), quit->rect().center())));
     QApplication::setFont(usualFont);
+}
+
+TEST(ViewStyle, HasFontsInStepsFromTheDesktopsOwn) {
+    const auto size = [](TextStyle style) { return textFont(style).pointSizeF(); };
+    EXPECT_EQ(size(TextStyle::body), QApplication::font().pointSizeF());
+    EXPECT_EQ(size(TextStyle::headline), size(TextStyle::body));
+    EXPECT_TRUE(textFont(TextStyle::headline).bold());
+    EXPECT_LT(size(TextStyle::callout), size(TextStyle::body));
+    EXPECT_LT(size(TextStyle::caption), size(TextStyle::callout));
+    EXPECT_LT(size(TextStyle::caption2), size(TextStyle::caption));
 }
 
 TEST(ViewStyle, ReadsInEveryColourOnLightAndDark) {
