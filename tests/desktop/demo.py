@@ -1,8 +1,10 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Shows the program on a private desktop while a simulated laptop goes through a day: demo.py BUNDLE PICTURE_FOLDER [--window]
+"""Shows the program on a private desktop while a simulated laptop goes through a day:
 
-With --window it is seen in a window on the desktop that is there. Each step prints what changed below /sys and what the panel then shows, and leaves pictures. The exit code is 0 when
-every step showed what it must."""
+    demo.py BUNDLE PICTURE_FOLDER [--window]
+
+With --window it is seen in a window on the desktop that is there. Each step prints what changed below /sys and what the
+panel then shows, and leaves pictures. The exit code is 0 when every step showed what it must."""
 
 import json
 import os
