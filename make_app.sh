@@ -1,33 +1,90 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-3.0-or-later
-# Makes the bundle out of a finished build: make_app.sh [BUILD_DIR [OUTPUT]]
-# The bundle is an AppDir: it runs from wherever it is put, by OUTPUT/AppRun.
+# Makes of a finished build what is given away:
+#
+#   make_app.sh [BUILD_DIR [OUTPUT]]       the bundle, an AppDir: it runs from wherever it is put, by OUTPUT/AppRun
+#   make_app.sh deb [BUILD_DIR [FOLDER]]   the Debian package, into a folder; it installs the bundle
+#
+# The package holds the same bytes whenever and wherever it is made of the same commit with the same tools.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-build=${1:-$here/build/default}
-output=${2:-$here/build/Velmora.app}
+. "$here/tools/packages.sh"
 id=app.velmora.Velmora
 
+what=bundle
+if [ "${1:-}" = deb ]; then
+    what=deb
+    shift
+fi
+build=${1:-$here/build/default}
 if [ ! -x "$build/bin/velmora" ]; then
     echo "make_app.sh: there is no program in $build yet; build it first (./run.sh does both)" >&2
     exit 1
 fi
 
-# Beside the place it goes to, so that putting it there is a rename, and nothing of an older bundle stays behind.
-mkdir -p "$(dirname "$output")"
-work=$(mktemp -d "$output.XXXXXX")
+# make_bundle FOLDER: the bundle in a folder that is not there yet.
+make_bundle() {
+    local new=$1 file
+    cmake --install "$build" --prefix "$new/usr" --strip >"$work/install.log" ||
+        { cat "$work/install.log" >&2; return 1; }
+    ln -s usr/bin/velmora "$new/AppRun"
+    ln -s "usr/share/applications/$id.desktop" "$new/$id.desktop"
+    ln -s "usr/share/icons/hicolor/scalable/apps/$id.svg" "$new/$id.svg"
+    ln -s "$id.svg" "$new/.DirIcon"
+    for file in AppRun "$id.desktop" "$id.svg" .DirIcon; do
+        [ -r "$new/$file" ] || { echo "make_app.sh: the build installs nothing for $file" >&2; return 1; }
+    done
+}
+
+# The time that the files in the package bear: that of the last commit; without a history, of the changelog.
+commit_time() {
+    git -C "$here" log -1 --format=%ct 2>/dev/null || stat --format=%Y "$here/CHANGELOG.md"
+}
+
+if [ "$what" = bundle ]; then
+    output=${2:-$here/build/Velmora.app}
+    # Beside the place it goes to, so that putting it there is a rename, and nothing of an older bundle stays behind.
+    mkdir -p "$(dirname "$output")"
+    work=$(mktemp -d "$output.XXXXXX")
+    trap 'rm -rf "$work"' EXIT
+    make_bundle "$work/new"
+    [ ! -e "$output" ] || mv "$output" "$work/old"
+    mv "$work/new" "$output"
+    echo "Made $output"
+    exit
+fi
+
+ensure_packages "${PACKAGE_PACKAGES[@]}"
+output=$(mkdir -p "${2:-$here/build}" && cd "${2:-$here/build}" && pwd)
+work=$(mktemp -d "$output/velmora.XXXXXX")
 trap 'rm -rf "$work"' EXIT
-new=$work/new
+export SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(commit_time)}
+umask 022
 
-cmake --install "$build" --prefix "$new/usr" --strip >"$work/install.log" || { cat "$work/install.log" >&2; exit 1; }
-ln -s usr/bin/velmora "$new/AppRun"
-ln -s "usr/share/applications/$id.desktop" "$new/$id.desktop"
-ln -s "usr/share/icons/hicolor/scalable/apps/$id.svg" "$new/$id.svg"
-ln -s "$id.svg" "$new/.DirIcon"
-for file in AppRun "$id.desktop" "$id.svg" .DirIcon; do
-    [ -r "$new/$file" ] || { echo "make_app.sh: the build installs nothing for $file" >&2; exit 1; }
+# What debhelper takes from a folder: its rules, and what they name.
+pack=$work/velmora
+mkdir "$pack"
+cp -r "$here/packaging/debian" "$here/CHANGELOG.md" "$here/packaging/velmora.1" "$pack"
+make_bundle "$pack/Velmora.app"
+for size in 16 22 24 32 48 64 128 256 512; do
+    icons=$pack/icons/hicolor/${size}x$size/apps
+    mkdir -p "$icons"
+    rsvg-convert --width=$size --height=$size "$pack/Velmora.app/$id.svg" --output="$icons/$id.png"
 done
+# The revision is that of a package that somebody made who is not Debian.
+version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")-0local1
+maintainer=$(sed -n 's/^Maintainer: //p' "$pack/debian/control")
+cat >"$pack/debian/changelog" <<END
+velmora ($version) UNRELEASED; urgency=medium
 
-[ ! -e "$output" ] || mv "$output" "$work/old"
-mv "$new" "$output"
-echo "Made $output"
+  * What is new stands in the changelog of the program.
+
+ -- $maintainer  $(LC_ALL=C date --utc --rfc-email --date="@$SOURCE_DATE_EPOCH")
+END
+
+(cd "$pack" && DEB_RULES_REQUIRES_ROOT=no debian/rules binary >"$work/debhelper.log" 2>&1) ||
+    { cat "$work/debhelper.log" >&2; exit 1; }
+for file in "$work"/*.deb; do
+    mv "$file" "$output"
+    echo "Made $output/${file##*/}"
+done

@@ -6,7 +6,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 . tools/packages.sh
 preset=${1:-default}
 
-ensure_packages "${BUILD_PACKAGES[@]}" "${DESKTOP_PACKAGES[@]}" "${TEST_PACKAGES[@]}"
+ensure_packages "${BUILD_PACKAGES[@]}" "${DESKTOP_PACKAGES[@]}" "${PACKAGE_PACKAGES[@]}" "${TEST_PACKAGES[@]}"
 
 echo "Checking the format of the C++ sources."
 find App tests benchmarks fuzz resources -name '*.h' -o -name '*.cpp' | sort | xargs clang-format --dry-run -Werror --ferror-limit=1

@@ -14,12 +14,15 @@ DESKTOP_PACKAGES=(adwaita-icon-theme dbus-daemon dunst fonts-dejavu-core hicolor
 # The same desktop in a window on the desktop that is there: a nested X server, and what takes pictures of it.
 WINDOW_PACKAGES=(x11-apps xserver-xephyr)
 
+# To make the Debian package of a build, and to draw its icons.
+PACKAGE_PACKAGES=(debhelper dpkg-dev librsvg2-bin)
+
 # What the tests and the checks need beyond that.
 # sway comes with a bar of its own; the toolkit shows windows in it by its Wayland plugin. By GTK the toolkit takes its
 # looks for those who ask for that.
-TEST_PACKAGES=(clang-format desktop-file-utils libbenchmark-dev libglib2.0-bin libgmock-dev libgtest-dev libumockdev-dev
-               mako-notifier mate-notification-daemon nlohmann-json3-dev power-profiles-daemon python3-dbusmock
-               qt6-gtk-platformtheme qt6-wayland sway systemd trayer tzdata xfce4-notifyd)
+TEST_PACKAGES=(appstream clang-format desktop-file-utils libbenchmark-dev libglib2.0-bin libgmock-dev libgtest-dev
+               libumockdev-dev mako-notifier mate-notification-daemon nlohmann-json3-dev power-profiles-daemon
+               python3-dbusmock qt6-gtk-platformtheme qt6-wayland sway systemd trayer tzdata xfce4-notifyd)
 
 # ensure_packages NAME...: installs those that are missing and says which; does nothing at all when none is.
 ensure_packages() {
