@@ -16,6 +16,7 @@ from gi.repository import GLib
 
 from .item import WATCHER, Bus, registered_items
 from .processes import Process
+from .program import bundle
 from .screen import Box, Picture
 from .waiting import wait_until
 
@@ -128,10 +129,9 @@ class PrivateDesktop:
             self._start_x_server()
             self.session_bus = self._start_bus("session", "DBUS_SESSION_BUS_ADDRESS")
             self.bus = Bus(self.environment["DBUS_SESSION_BUS_ADDRESS"])
+            self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = f"unix:path={self.runtime}/system-bus"
             if system_bus:
-                self._start_bus("system", "DBUS_SYSTEM_BUS_ADDRESS")
-            else:
-                self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = f"unix:path={self.runtime}/nobody-listens-here"
+                self.start_system_bus()
             self._write_panel_configuration(dark)
             self._start_settings()
             if window_manager:
@@ -171,6 +171,13 @@ class PrivateDesktop:
                 if file.lstat().st_uid == 0:
                     os.lchown(file, self._user, self._user)
 
+    def own_bundle(self):
+        """A copy of the bundle that this desktop's user can read wherever the bundle itself is."""
+        copy = self.folder / "Velmora.app"
+        if not copy.exists():
+            shutil.copytree(bundle(), copy, symlinks=True)
+        return copy
+
     def _start(self, name, command, environment, pass_fds, user):
         number = len(self._processes)
         environment = environment or self.environment
@@ -203,6 +210,13 @@ class PrivateDesktop:
 
     def kill_session_bus(self):
         self.session_bus.kill()
+
+    def start_system_bus(self):
+        """Starts the system bus, for the first time or again; always at the same address."""
+        self.system_bus = self._start_bus("system", "DBUS_SYSTEM_BUS_ADDRESS")
+
+    def kill_system_bus(self):
+        self.system_bus.kill()
 
     def kill_x_server(self):
         self.x_server.kill()

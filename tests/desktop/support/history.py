@@ -9,19 +9,25 @@ import time
 OLD_SAMPLES = 40000
 
 
-def write_old(desktop):
-    """A month that the program finds when it starts."""
+def write_old(desktop, count=OLD_SAMPLES):
+    """A month, or so many minutes, that the program finds when it starts; gives its samples."""
     newest = time.time() - 60
-    times = [newest - 60 * number for number in reversed(range(OLD_SAMPLES))]
+    times = [newest - 60 * number for number in reversed(range(count))]
     samples = [{"t": t, "p": number % 101, "c": False, "a": False} for number, t in enumerate(times)]
     desktop.history_file.parent.mkdir(parents=True)
     desktop.history_file.write_text(json.dumps(samples), encoding="utf-8")
+    return samples
 
 
 def read(desktop):
     """Which file it is now, and what it holds."""
     with open(desktop.history_file, "rb") as file:
         return os.fstat(file.fileno()).st_ino, file.read()
+
+
+def samples(content):
+    """What it holds, oldest first; the content must be whole."""
+    return json.loads(content)
 
 
 def levels(content):

@@ -3,13 +3,11 @@
 
 import json
 import os
-import shutil
 import stat
 import subprocess
 from pathlib import Path
 
 from .desktop import SCREEN, START_SECONDS, PrivateDesktop
-from .program import bundle
 from .screen import Box
 from .waiting import wait_until
 
@@ -74,13 +72,6 @@ class WlrootsDesktop(PrivateDesktop):
         except BaseException:
             self.stop()
             raise
-
-    def own_bundle(self):
-        """A copy of the bundle that this desktop's user can read wherever the bundle itself is."""
-        copy = self.folder / "Velmora.app"
-        if not copy.exists():
-            shutil.copytree(bundle(), copy, symlinks=True)
-        return copy
 
     def find_item(self):
         """The box of what is drawn in the tray; None while it is empty."""

@@ -1,0 +1,67 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""The system bus is missing, goes, and comes back. (When the session bus goes, the program ends; see the test of the
+end.)"""
+
+import signal
+import unittest
+
+from support import history
+from support.faults import SHOW_SECONDS, FaultCase
+from support.logind import Logind
+
+# A lock that was let go is taken again, as soon as there is somebody to give it.
+LOCK_SECONDS = 10
+TIMES = 3
+
+
+class SystemBus(FaultCase):
+    def start_logind(self):
+        logind = Logind(self.screen, lambda: history.read(self.screen)[1])
+        self.addCleanup(logind.close)
+        self.soon_equal(lambda: logind.locks, 1, LOCK_SECONDS)
+        return logind
+
+    def sleep_and_wake(self, logind, level):
+        """The history is on the disk before the machine sleeps, and the battery is read after that."""
+        logind.announce(True)
+        # The program may have asked twice, when the bus came and when logind did; the last lock counts.
+        at_release = lambda: logind.locks == 0 and history.levels(logind.releases[-1].seen)[-1]
+        self.soon_equal(at_release, self.seen[-1], SHOW_SECONDS)
+        self.machine.set_level(level)
+        logind.announce(False)
+        self.soon_equal(lambda: self.item.label, f" {level}%", SHOW_SECONDS + LOCK_SECONDS)
+        self.seen.append(level)
+        self.soon_equal(lambda: logind.locks, 1, LOCK_SECONDS)
+
+    def test_goes_and_comes_back_again_and_again(self):
+        self.begin()
+        for number in range(TIMES):
+            logind = self.start_logind()
+            self.change_level(60 - number)
+            self.sleep_and_wake(logind, 50 - number)
+            self.screen.kill_system_bus()
+            self.change_level(40 - number)
+            self.screen.start_system_bus()
+        self.sleep_and_wake(self.start_logind(), 35)
+        self.still_right()
+
+    def test_comes_late(self):
+        self.begin(system_bus=False)
+        self.change_level(60)
+        self.screen.start_system_bus()
+        self.sleep_and_wake(self.start_logind(), 50)
+        self.still_right()
+
+    def test_hangs(self):
+        self.begin()
+        self.start_logind()
+        self.screen.system_bus.send(signal.SIGSTOP)
+        self.addCleanup(self.screen.system_bus.send, signal.SIGCONT)
+        self.change_level(60)
+        self.item.menu.choose("Show details")
+        self.change_level(50)
+        self.still_right()
+
+
+if __name__ == "__main__":
+    unittest.main()

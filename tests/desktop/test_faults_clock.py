@@ -1,0 +1,91 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""The machine's clock is set while the program runs."""
+
+import time
+import unittest
+
+from support import history
+from support.clock import WallClock
+from support.faults import SHOW_SECONDS, FaultCase
+
+DAY = 86400
+SLACK = 60
+
+
+class Clock(FaultCase):
+    def setUp(self):
+        self.prepare(self.desktop(panel=False))
+        self.clock = WallClock(self.screen.folder)
+        self.start_program(self.clock.environment)
+        self.addCleanup(self.clock.clean_up, self.program.process.pid)
+
+    def samples(self):
+        return history.samples(history.read(self.screen)[1])
+
+    def plug(self):
+        """It is told at once, and on the disk at once."""
+        self.machine.plug()
+        self.shows("Charging")
+        self.is_saved(charging=True)
+
+    def unplug(self):
+        self.machine.unplug()
+        self.shows("On battery")
+        self.is_saved(charging=False)
+
+    def shows(self, status):
+        self.soon(lambda: f"· {status}" in self.item.tooltip[0], SHOW_SECONDS, f"the item says {status}")
+
+    def is_saved(self, charging):
+        last = self.samples()[-1]
+        self.assertEqual((last["p"], last["c"], last["a"]), (self.seen[-1], charging, charging))
+        self.assertLess(abs(last["t"] - time.time() - self.clock.ahead), SLACK)
+
+    def popover(self):
+        self.item.menu.choose("Show details")
+        self.soon(lambda: self.screen.windows("Velmora"), SHOW_SECONDS, "the popover is there")
+        self.screen.press("Escape")
+        self.soon(lambda: not self.screen.windows("Velmora"), SHOW_SECONDS, "the popover is gone")
+
+    def use(self):
+        self.change_level(self.seen[-1] - 1)
+        self.popover()
+        self.plug()
+        self.popover()
+        self.unplug()
+
+    def nothing_is_lost(self):
+        """In the order in which it was read; the next start brings it into that of time."""
+        samples = self.all_that_was_shown()
+        self.clock.set(0)
+        again = self.start_and_wait(self.screen, self.machine)
+        self.soon_equal(lambda: again.item.label, f" {self.seen[-1]}%", SHOW_SECONDS)
+        self.assertEqual(again.process.stop(), 0)
+        sorted_samples = sorted(samples, key=lambda sample: sample["t"])
+        self.assertTrue(self.samples()[: len(samples)] == sorted_samples, "all is there, in the order of time")
+        self.only_ours_is_there()
+
+    def test_forward_by_a_day(self):
+        self.use()
+        self.clock.set(DAY)
+        self.use()
+        self.still_right()
+
+    def test_back_by_a_day(self):
+        self.use()
+        self.clock.set(-DAY)
+        self.use()
+        self.still_right()
+
+    def test_back_and_forward_while_it_is_plugged_in(self):
+        self.plug()
+        for days in (-1, 1, -1, 0):
+            self.clock.set(days * DAY)
+            self.change_level(self.seen[-1] - 1)
+            self.popover()
+        self.unplug()
+        self.still_right()
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,151 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Nothing can be written for a while: the home may not be, or the disk is full."""
+
+import contextlib
+import ctypes
+import json
+import os
+import resource
+import subprocess
+import unittest
+
+from support import history
+from support.faults import PREFERENCES, SHOW_SECONDS, FaultCase
+
+CLONE_NEWNS = 0x20000
+DISK_SIZE = "16m"
+
+SNOOZE = "Snooze alerts for 1 hour"
+
+
+class Disk(FaultCase):
+    """While nothing can be written, the program goes on with what it knows; afterwards all of it is on the disk."""
+
+    def trouble(self, begin, end):
+        before = history.read(self.screen)
+        begin()
+        for level in (63, 62):
+            self.change_level(level)
+        # Would be written at once.
+        self.machine.plug()
+        self.soon(lambda: "· Charging" in self.item.tooltip[0], SHOW_SECONDS, "the item says that it charges")
+        self.item.menu.choose(SNOOZE)
+        self.soon(self.is_snoozed, SHOW_SECONDS, "the menu says that there are no reminders")
+        self.item.menu.choose("Show details")
+        self.soon(lambda: self.screen.windows("Velmora"), SHOW_SECONDS, "the popover is there")
+        self.rests()
+        self.assertEqual(history.read(self.screen), before)
+        self.assertEqual(json.loads(self.screen.defaults_file.read_text(encoding="utf-8")), PREFERENCES)
+        end()
+        self.item.menu.choose(next(entry.label for entry in self.item.menu.entries() if "Cancel" in entry.label))
+        self.soon(lambda: not self.is_snoozed(), SHOW_SECONDS, "the menu says that there are reminders")
+        stored = json.loads(self.screen.defaults_file.read_text(encoding="utf-8"))
+        self.assertEqual(stored.pop("snoozeUntil"), 0)
+        self.assertEqual(stored, PREFERENCES)
+        self.screen.defaults_file.write_text(json.dumps(stored), encoding="utf-8")
+        self.still_right()
+
+    def is_snoozed(self):
+        return SNOOZE not in [entry.label for entry in self.item.menu.entries()]
+
+
+class ReadOnly(Disk):
+    def begin_as_ordinary_user(self):
+        """Permissions mean nothing to root."""
+        self.screen = self.desktop(panel=False, ordinary_user=True)
+        self.prepare(self.screen)
+        self.start_program(app=self.screen.own_bundle())
+
+    def folders(self):
+        return [self.screen.home, *(file for file in self.screen.home.rglob("*") if file.is_dir())]
+
+    def let_write(self, allowed):
+        for file in self.folders():
+            file.chmod(0o700 if allowed else 0o500)
+
+    def test_home_for_a_while(self):
+        self.begin_as_ordinary_user()
+        self.addCleanup(self.let_write, True)
+        self.trouble(lambda: self.let_write(False), lambda: self.let_write(True))
+
+    def test_home_from_the_start_and_to_the_end(self):
+        """What was there before stays as it was."""
+        self.screen = self.desktop(panel=False, ordinary_user=True)
+        self.prepare(self.screen)
+        app = self.screen.own_bundle()
+        self.screen.hand_over(self.screen.folder)
+        self.let_write(False)
+        self.addCleanup(self.let_write, True)
+        self.start_program(app=app)
+        self.change_level(60)
+        self.machine.plug()
+        self.soon(lambda: "· Charging" in self.item.tooltip[0], SHOW_SECONDS, "the item says that it charges")
+        self.rests()
+        self.assertEqual(self.program.process.stop(), 0)
+        self.seen = []
+        self.wrote_nothing(self.program)
+        self.nothing_is_lost()
+
+    def test_home_without_anything_in_it(self):
+        """No folder of the program's can be made."""
+        self.screen = self.desktop(panel=False, ordinary_user=True)
+        app = self.screen.own_bundle()
+        self.screen.hand_over(self.screen.folder)
+        self.let_write(False)
+        self.addCleanup(self.let_write, True)
+        self.start_program(app=app)
+        self.change_level(60)
+        self.rests()
+        self.assertEqual(self.program.process.stop(), 0)
+        self.wrote_nothing(self.program)
+
+
+class Full(Disk):
+    def test_when_files_may_not_grow(self):
+        """A limit of the kernel's for this process."""
+        self.begin()
+        self.trouble_by_limit()
+
+    def test_when_there_is_no_room(self):
+        """Where we may not make a small disk, the limit stands for it."""
+        screen = self.desktop(panel=False)
+        has_disk = mount_small_disk(screen.home)
+        self.prepare(screen)
+        self.start_program()
+        if not has_disk:
+            self.trouble_by_limit()
+            return
+        ballast = screen.home / "ballast"
+        self.trouble(lambda: fill_with(ballast), ballast.unlink)
+
+    def trouble_by_limit(self):
+        pid = self.program.process.pid
+        _, most = resource.prlimit(pid, resource.RLIMIT_FSIZE)
+        self.trouble(
+            lambda: resource.prlimit(pid, resource.RLIMIT_FSIZE, (0, most)),
+            lambda: resource.prlimit(pid, resource.RLIMIT_FSIZE, (most, most)),
+        )
+
+
+def mount_small_disk(folder):
+    """Puts a file system of its own over the folder, for us and what we start; it goes with us. False where we may
+    not."""
+    libc = ctypes.CDLL(None)
+    if os.geteuid() != 0 or libc.unshare(CLONE_NEWNS) != 0:
+        return False
+    for command in (["mount", "--make-rprivate", "/"], ["mount", "-t", "tmpfs", "-o", f"size={DISK_SIZE}", "none", folder]):
+        if subprocess.run(command, capture_output=True, check=False).returncode != 0:
+            return False
+    return True
+
+
+def fill_with(ballast):
+    """Takes all the room that there is."""
+    with open(ballast, "wb", buffering=0) as file:
+        with contextlib.suppress(OSError):
+            while True:
+                file.write(bytes(4096))
+
+
+if __name__ == "__main__":
+    unittest.main()
