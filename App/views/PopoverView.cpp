@@ -206,12 +206,10 @@ QWidget* PopoverView::makeFooter(std::function<void()> quit) {
     note_ = makeWrappingLabel("note", footer);
     column->addWidget(note_);
     auto* buttons = new QHBoxLayout;
-    if (openSettings) {
-        auto* settings = new QPushButton(QStringLiteral("Settings…"), footer);
-        settings->setObjectName(QStringLiteral("settingsButton"));
-        connect(settings, &QPushButton::clicked, this, [this] { openSettings(); });
-        buttons->addWidget(settings);
-    }
+    auto* settings = new QPushButton(QStringLiteral("Settings…"), footer);
+    settings->setObjectName(QStringLiteral("settingsButton"));
+    connect(settings, &QPushButton::clicked, this, [this] { openSettings(); });
+    buttons->addWidget(settings);
     buttons->addStretch(1);
     auto* quitButton = new QPushButton(QStringLiteral("Quit"), footer);
     quitButton->setObjectName(QStringLiteral("quitButton"));

@@ -27,7 +27,7 @@ class PopoverView final : public QWidget {
     Q_OBJECT
 
 public:
-    /// Without `openSettings` there is no button for it.
+    /// What its two buttons do.
     PopoverView(AppModel& model, const Platform& platform, std::function<void()> openSettings,
                 std::function<void()> quit, QWidget* parent = nullptr);
     ~PopoverView() override;

@@ -400,8 +400,8 @@ TEST_F(PopoverViewTest, HasButtonsThatDoWhatTheySay) {
     find<QAbstractButton>("quitButton")->click();
     EXPECT_EQ(settings, 1);
     EXPECT_EQ(quits, 1);
-    const PopoverView without(scene.started(), scene.fake.platform(), nullptr, [] {});
-    EXPECT_EQ(without.findChild<QWidget*>(QStringLiteral("settingsButton")), nullptr);
+    EXPECT_EQ(find<QAbstractButton>("settingsButton")->text(), QStringLiteral("Settings…"));
+    EXPECT_EQ(find<QAbstractButton>("quitButton")->text(), QStringLiteral("Quit"));
 }
 
 TEST_F(PopoverViewTest, FollowsTheModelOnceARefreshWhileItIsShownAndNotAtAllWhileItIsHidden) {
