@@ -59,9 +59,9 @@ public:
 
 private:
     QCustomPlot* plot_;
-    QCPItemText* ruleText_;
-    QCPItemStraightLine* rule_;
     QCPGraph* graph_;
+    QCPItemStraightLine* rule_;
+    QCPItemText* ruleText_;
 
     void styleAxes(const HistoryChart::Content& content);
     void showRule(const HistoryChart::Content& content);
@@ -92,7 +92,16 @@ CustomHistoryPlot::CustomHistoryPlot(QWidget* parent) : HistoryPlot(parent), plo
         axis->setPadding(0);
         axis->setTickLength(0, 0);
     }
-    // What is made first is drawn first: the line of the charge goes over the rule and its text.
+    // What is made first is drawn first: the text of the rule stays whole where the line of the charge crosses it.
+    graph_ = plot_->addGraph(plot_->xAxis, plot_->yAxis2);
+    graph_->setLineStyle(QCPGraph::lsLine);
+    rule_ = new QCPItemStraightLine(plot_);
+    rule_->setObjectName(QStringLiteral("limitRule"));
+    for (QCPItemPosition* end : {rule_->point1, rule_->point2}) {
+        end->setAxes(plot_->xAxis, plot_->yAxis2);
+        end->setTypeX(QCPItemPosition::ptAxisRectRatio);
+        end->setTypeY(QCPItemPosition::ptPlotCoords);
+    }
     ruleText_ = new QCPItemText(plot_);
     ruleText_->setObjectName(QStringLiteral("limitAnnotation"));
     ruleText_->setClipToAxisRect(false);
@@ -101,15 +110,6 @@ CustomHistoryPlot::CustomHistoryPlot(QWidget* parent) : HistoryPlot(parent), plo
     ruleText_->position->setAxes(plot_->xAxis, plot_->yAxis2);
     ruleText_->position->setTypeX(QCPItemPosition::ptAxisRectRatio);
     ruleText_->position->setTypeY(QCPItemPosition::ptPlotCoords);
-    rule_ = new QCPItemStraightLine(plot_);
-    rule_->setObjectName(QStringLiteral("limitRule"));
-    for (QCPItemPosition* end : {rule_->point1, rule_->point2}) {
-        end->setAxes(plot_->xAxis, plot_->yAxis2);
-        end->setTypeX(QCPItemPosition::ptAxisRectRatio);
-        end->setTypeY(QCPItemPosition::ptPlotCoords);
-    }
-    graph_ = plot_->addGraph(plot_->xAxis, plot_->yAxis2);
-    graph_->setLineStyle(QCPGraph::lsLine);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(plot_);

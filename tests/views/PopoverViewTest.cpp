@@ -78,8 +78,8 @@ struct PopoverViewTest : ::testing::Test {
         QCoreApplication::processEvents();
     }
     QCustomPlot* plot() { return find<QCustomPlot>("historyChartPlot"); }
-    QCPItemStraightLine* rule() { return qobject_cast<QCPItemStraightLine*>(plot()->item(1)); }
-    QCPItemText* annotation() { return qobject_cast<QCPItemText*>(plot()->item(0)); }
+    QCPItemStraightLine* rule() { return plot()->findChild<QCPItemStraightLine*>(QStringLiteral("limitRule")); }
+    QCPItemText* annotation() { return plot()->findChild<QCPItemText*>(QStringLiteral("limitAnnotation")); }
 };
 
 } // namespace
@@ -288,6 +288,15 @@ TEST_F(PopoverViewTest, TheChartMarksTheLimitAndFollowsThePreference) {
     EXPECT_FALSE(rule()->visible());
     EXPECT_FALSE(annotation()->visible());
     EXPECT_EQ(plot()->graph(0)->data()->size(), points);
+}
+
+TEST_F(PopoverViewTest, TheChartWritesTheLimitOverTheLine) {
+    shown();
+    const QList<QCPLayerable*> fromBelow = plot()->layer(QStringLiteral("main"))->children();
+    const auto line = fromBelow.indexOf(plot()->graph(0));
+    EXPECT_GE(line, 0);
+    EXPECT_GT(fromBelow.indexOf(rule()), line);
+    EXPECT_GT(fromBelow.indexOf(annotation()), fromBelow.indexOf(rule()));
 }
 
 TEST_F(PopoverViewTest, StandsInOneColumnFromTheRingToTheButtons) {
