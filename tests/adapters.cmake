@@ -27,6 +27,7 @@ add_executable(velmora_adapter_tests
     platform/linux/NotificationDaemonTest.cpp
     platform/linux/NotificationSoundTest.cpp
     platform/linux/PanelBarTest.cpp
+    platform/linux/PortalSavePanelTest.cpp
     platform/linux/PortalSettingsTest.cpp
     platform/linux/PosixFilesTest.cpp
     platform/linux/PowerProfilesTest.cpp

@@ -37,6 +37,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -117,7 +118,8 @@ int main(int argc, char** argv) {
     if (XEmbedItem::isPossible())
         makeTrayItem = [](const GlyphImages& glyphs) { return std::make_unique<XEmbedItem>(glyphs); };
     PanelBar statusBar(sessionBus, mainLoop, share / "icons", makeTrayItem);
-    QtPanels panels;
+    // Who has chosen the toolkit's looks has chosen its dialogs.
+    QtPanels panels(themeChoice.isEmpty() ? std::optional(sessionBus) : std::nullopt);
     XdgAutostart loginItem(bundle, files, xdgConfigHome(), xdgConfigFolders());
 
     AppDelegate delegate({powerSources, processInfo, workspace, mainLoop, clock, calendar, defaults, files, statusBar,

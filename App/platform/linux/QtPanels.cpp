@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/QtPanels.h"
 
+#include "platform/linux/PortalSavePanel.h"
+
 #include <QApplication>
 #include <QDir>
 #include <QEventLoop>
@@ -15,6 +17,8 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QStandardPaths>
+
+#include <utility>
 
 namespace {
 
@@ -46,7 +50,25 @@ protected:
     void closeEvent(QCloseEvent* event) override { QDialog::closeEvent(event); }
 };
 
+const QString savePanelTitle = QStringLiteral("Save As");
+
+/// Our windows that a window manager knows and that are on the screen, the active one first.
+QList<QWidget*> ordinaryWindows() {
+    QList<QWidget*> windows;
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        const bool isOrdinary = window->windowType() == Qt::Window || window->windowType() == Qt::Dialog;
+        // What is embedded in a panel is a window too, but none that a window manager knows.
+        if (!window->isVisible() || !isOrdinary || window->windowFlags().testFlag(Qt::BypassWindowManagerHint) ||
+            window->testAttribute(Qt::WA_DontShowOnScreen))
+            continue;
+        windows.insert(window->isActiveWindow() ? 0 : windows.size(), window);
+    }
+    return windows;
+}
+
 void activate(QWidget& window) {
+    if (window.testAttribute(Qt::WA_DontShowOnScreen)) // the desktop has it on the screen for us
+        return;
     window.raise();
     window.activateWindow();
 }
@@ -118,13 +140,15 @@ private:
 
 } // namespace
 
+QtPanels::QtPanels(std::optional<QDBusConnection> portal, std::chrono::milliseconds portalPatience)
+    : portal_(std::move(portal))
+    , portalPatience_(portalPatience) {}
+
 void QtPanels::bringToFront() {
-    for (QWidget* window : QApplication::topLevelWidgets()) {
-        const bool isOrdinary = window->windowType() == Qt::Window || window->windowType() == Qt::Dialog;
-        // What is embedded in a panel is a window too, but none that a window manager knows.
-        if (window->isVisible() && isOrdinary && !window->windowFlags().testFlag(Qt::BypassWindowManagerHint))
-            activate(*window);
-    }
+    const QList<QWidget*> windows = ordinaryWindows();
+    // The one that is active stays the foremost.
+    for (auto window = windows.crbegin(); window != windows.crend(); ++window)
+        activate(**window);
 }
 
 bool QtPanels::mayOpen() {
@@ -144,12 +168,41 @@ QString QtPanels::startFolder() const {
 std::optional<std::filesystem::path> QtPanels::runSavePanel(const SavePanel& panel) {
     if (!mayOpen())
         return std::nullopt;
+    const SaveAnswer answer = askPortal(panel);
+    const std::optional<std::filesystem::path> file =
+        answer.outcome == SaveAnswer::Outcome::chosen   ? std::optional(answer.file)
+        : answer.outcome == SaveAnswer::Outcome::failed ? askOurselves(panel)
+                                                        : std::nullopt;
+    if (file)
+        folder_ = QFile::decodeName(file->parent_path().c_str());
+    return file;
+}
+
+SaveAnswer QtPanels::askPortal(const SavePanel& panel) {
+    if (!portal_)
+        return {.outcome = SaveAnswer::Outcome::failed, .file = {}};
+    const QString contentType = QString::fromStdString(panel.contentType);
+    const QList<QWidget*> windows = ordinaryWindows();
+    PortalSavePanel dialog(*portal_, portalPatience_);
+    dialog.ask({.title = savePanelTitle,
+                .parentWindow = QString::fromStdString(portalParentWindow(
+                    QGuiApplication::platformName().toStdString(), windows.isEmpty() ? 0 : windows.first()->winId())),
+                .name = QString::fromStdString(panel.suggestedName),
+                .folder = QFile::encodeName(startFolder()),
+                .contentType = contentType,
+                .typeName = QMimeDatabase().mimeTypeForName(contentType).comment()});
+    const Opened opened(open_, dialog);
+    run(dialog);
+    return dialog.answer();
+}
+
+std::optional<std::filesystem::path> QtPanels::askOurselves(const SavePanel& panel) {
     // The toolkit's dialog would write down its look and where it has been, in a file beside the user's settings.
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
     const QString contentType = QString::fromStdString(panel.contentType);
     QFileDialog dialog;
     dialog.setObjectName(QStringLiteral("savePanel"));
-    dialog.setWindowTitle(QStringLiteral("Save As"));
+    dialog.setWindowTitle(savePanelTitle);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setMimeTypeFilters({contentType});
     dialog.setDirectory(startFolder());
@@ -158,7 +211,6 @@ std::optional<std::filesystem::path> QtPanels::runSavePanel(const SavePanel& pan
     const QString file = chosenFile(dialog, QMimeDatabase().mimeTypeForName(contentType).preferredSuffix());
     if (file.isEmpty())
         return std::nullopt;
-    folder_ = QFileInfo(file).absolutePath();
     return QFile::encodeName(file).toStdString();
 }
 

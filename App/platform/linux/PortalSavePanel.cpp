@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/PortalSavePanel.h"
+
+#include "platform/linux/ToQString.h"
+
+#include <QCoreApplication>
+#include <QDBusArgument>
+#include <QDBusMetaType>
+#include <QDBusObjectPath>
+#include <QDBusPendingCallWatcher>
+#include <QList>
+#include <QRandomGenerator>
+#include <QTimer>
+#include <QVariantMap>
+
+#include <limits>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+/// What can be chosen, as the portal takes it: (us), where 1 is a MIME type, and (sa(us)).
+struct FilterRule {
+    uint kind = 1;
+    QString pattern;
+};
+struct Filter {
+    QString name;
+    QList<FilterRule> rules;
+};
+
+QDBusArgument& operator<<(QDBusArgument& argument, const FilterRule& rule) {
+    argument.beginStructure();
+    argument << rule.kind << rule.pattern;
+    argument.endStructure();
+    return argument;
+}
+const QDBusArgument& operator>>(const QDBusArgument& argument, FilterRule& rule) {
+    argument.beginStructure();
+    argument >> rule.kind >> rule.pattern;
+    argument.endStructure();
+    return argument;
+}
+QDBusArgument& operator<<(QDBusArgument& argument, const Filter& filter) {
+    argument.beginStructure();
+    argument << filter.name << filter.rules;
+    argument.endStructure();
+    return argument;
+}
+const QDBusArgument& operator>>(const QDBusArgument& argument, Filter& filter) {
+    argument.beginStructure();
+    argument >> filter.name >> filter.rules;
+    argument.endStructure();
+    return argument;
+}
+
+const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
+const QString requestInterface = QStringLiteral("org.freedesktop.portal.Request");
+
+/// Takes a question back; the portal takes its dialog away.
+void closeRequest(const QDBusConnection& bus, const QString& request) {
+    auto message = QDBusMessage::createMethodCall(service, request, requestInterface, QStringLiteral("Close"));
+    message.setAutoStartService(false);
+    bus.send(message);
+}
+
+std::optional<QString> requestIn(const QDBusMessage& reply) {
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != QLatin1String("o"))
+        return std::nullopt;
+    return reply.arguments().at(0).value<QDBusObjectPath>().path();
+}
+
+} // namespace
+
+PortalSavePanel::PortalSavePanel(QDBusConnection bus, std::chrono::milliseconds patience)
+    : bus_(std::move(bus))
+    , patience_(patience) {
+    setObjectName(QStringLiteral("portalSavePanel"));
+    setAttribute(Qt::WA_DontShowOnScreen);
+    qDBusRegisterMetaType<FilterRule>();
+    qDBusRegisterMetaType<QList<FilterRule>>();
+    qDBusRegisterMetaType<Filter>();
+    qDBusRegisterMetaType<QList<Filter>>();
+}
+
+PortalSavePanel::~PortalSavePanel() {
+    if (call_ == nullptr || isOver_)
+        return;
+    if (!portal_.isEmpty()) {
+        closeRequest(bus_, request_);
+        return;
+    }
+    // A portal that was too slow may ask in the end, and nobody would wait for what the user says to it.
+    QDBusPendingCallWatcher* const call = std::exchange(call_, nullptr);
+    disconnect(call, nullptr, this, nullptr);
+    connect(call, &QDBusPendingCallWatcher::finished, call, [bus = bus_, call] {
+        call->deleteLater();
+        if (const auto request = requestIn(call->reply()))
+            closeRequest(bus, *request);
+    });
+}
+
+void PortalSavePanel::ask(const Question& question) {
+    const QString token = QStringLiteral("velmora%1").arg(QRandomGenerator::global()->generate());
+    follow(toQString(portalRequestPath(bus_.baseService().toStdString(), token.toStdString())));
+    watcher_.setConnection(bus_);
+    watcher_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
+    watcher_.addWatchedService(service);
+    connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString& /*name*/, const QString& before) {
+                if (!before.isEmpty() && before == portal_)
+                    portalLost();
+            });
+    auto message = QDBusMessage::createMethodCall(service, QStringLiteral("/org/freedesktop/portal/desktop"),
+                                                  QStringLiteral("org.freedesktop.portal.FileChooser"),
+                                                  QStringLiteral("SaveFile"));
+    const QList<Filter> filters{{.name = question.typeName, .rules = {{.kind = 1, .pattern = question.contentType}}}};
+    message << question.parentWindow << question.title
+            << QVariantMap{{QStringLiteral("handle_token"), token},
+                           {QStringLiteral("modal"), true},
+                           {QStringLiteral("filters"), QVariant::fromValue(filters)},
+                           {QStringLiteral("current_name"), question.name},
+                           // A text of bytes with the zero at its end.
+                           {QStringLiteral("current_folder"), question.folder + '\0'}};
+    // Without a limit of its own, so that a late answer is heard too; and it may have to outlive this dialog.
+    call_ = new QDBusPendingCallWatcher(bus_.asyncCall(message, std::numeric_limits<int>::max()),
+                                        QCoreApplication::instance());
+    connect(call_, &QDBusPendingCallWatcher::finished, this, &PortalSavePanel::replied);
+    QTimer::singleShot(patience_, this, [this] {
+        if (portal_.isEmpty())
+            end({.outcome = SaveAnswer::Outcome::failed, .file = {}});
+    });
+}
+
+void PortalSavePanel::follow(const QString& request) {
+    request_ = request;
+    // From anybody, and compared on arrival with who took the question.
+    bus_.connect(QString(), request, requestInterface, QStringLiteral("Response"), this, SLOT(responded(QDBusMessage)));
+}
+
+void PortalSavePanel::replied() {
+    call_->deleteLater();
+    const QDBusMessage reply = call_->reply();
+    const auto request = requestIn(reply);
+    if (!request) {
+        isOver_ = true;
+        end({.outcome = SaveAnswer::Outcome::failed, .file = {}});
+        return;
+    }
+    portal_ = reply.service();
+    if (*request != request_) // portals before 0.9 chose the path alone
+        follow(*request);
+    if (early_)
+        responded(*std::exchange(early_, std::nullopt));
+}
+
+void PortalSavePanel::responded(const QDBusMessage& signal) {
+    if (isOver_ || signal.signature() != QLatin1String("ua{sv}"))
+        return;
+    if (portal_.isEmpty()) { // the portal works in threads: a quick answer may come before the word that it will ask
+        early_ = signal;
+        return;
+    }
+    if (signal.service() != portal_)
+        return;
+    isOver_ = true;
+    const QVariantList arguments = signal.arguments();
+    std::vector<std::string> uris;
+    for (const QString& uri : qdbus_cast<QVariantMap>(arguments.at(1)).value(QStringLiteral("uris")).toStringList())
+        uris.push_back(uri.toStdString());
+    end(saveAnswer(arguments.at(0).toUInt(), uris));
+}
+
+void PortalSavePanel::portalLost() {
+    if (isOver_)
+        return;
+    isOver_ = true;
+    end({}); // its dialog may have been in use; another one would come as a surprise
+}
+
+void PortalSavePanel::end(const SaveAnswer& answer) {
+    answer_ = answer;
+    done(answer.outcome == SaveAnswer::Outcome::chosen ? Accepted : Rejected);
+}

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// What became of the question to the desktop's file chooser portal for a file to save to.
+struct SaveAnswer {
+    /// `failed`: the user was not asked, or not to the end.
+    enum class Outcome { chosen, cancelled, failed };
+
+    Outcome outcome = Outcome::cancelled;
+    std::filesystem::path file; ///< only when one was chosen
+    bool operator==(const SaveAnswer&) const = default;
+};
+
+/// The answer as the portal sends it: a response code, and URIs. Only a file of this machine can be written.
+SaveAnswer saveAnswer(std::uint32_t response, const std::vector<std::string>& uris);
+
+/// Where the portal has the request of a connection (":1.42") that has named it by this token.
+std::string portalRequestPath(std::string_view uniqueName, std::string_view token);
+
+/// The window that the desktop's dialog stands before, in the portal's words. Only X11 has a name for it that can be
+/// told to others; `platform` is the toolkit's word for where its windows are.
+std::string portalParentWindow(std::string_view platform, std::uint64_t window);

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/SavePortal.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Outcome = SaveAnswer::Outcome;
+
+} // namespace
+
+TEST(SavePortal, AFileIsChosen) {
+    EXPECT_EQ(saveAnswer(0, {"file:///home/me/a%20b.csv"}),
+              (SaveAnswer{.outcome = Outcome::chosen, .file = "/home/me/a b.csv"}));
+    EXPECT_EQ(saveAnswer(0, {"file:///one.csv", "file:///two.csv"}).file, "/one.csv");
+}
+
+TEST(SavePortal, WhatIsNoFileCountsAsCancelled) {
+    EXPECT_EQ(saveAnswer(0, {}), SaveAnswer{});
+    EXPECT_EQ(saveAnswer(0, {"sftp://host/x.csv"}), SaveAnswer{});
+    EXPECT_EQ(saveAnswer(0, {""}), SaveAnswer{});
+}
+
+TEST(SavePortal, OnlyTheUserCancels) {
+    EXPECT_EQ(saveAnswer(1, {}).outcome, Outcome::cancelled);
+    EXPECT_EQ(saveAnswer(1, {"file:///x.csv"}), SaveAnswer{}) << "with the file that would have been it";
+    EXPECT_EQ(saveAnswer(2, {}).outcome, Outcome::failed);
+    EXPECT_EQ(saveAnswer(7, {"file:///x.csv"}), (SaveAnswer{.outcome = Outcome::failed, .file = {}}));
+}
+
+TEST(SavePortal, KnowsWhereItsRequestIs) {
+    EXPECT_EQ(portalRequestPath(":1.42", "velmora7"), "/org/freedesktop/portal/desktop/request/1_42/velmora7");
+    EXPECT_EQ(portalRequestPath(":1.2.3", "t"), "/org/freedesktop/portal/desktop/request/1_2_3/t");
+}
+
+TEST(SavePortal, NamesAWindowOfX11AndNoOther) {
+    EXPECT_EQ(portalParentWindow("xcb", 0x3a00007), "x11:3a00007");
+    EXPECT_EQ(portalParentWindow("xcb", ~std::uint64_t(0)), "x11:ffffffffffffffff");
+    EXPECT_EQ(portalParentWindow("xcb", 0), "");
+    EXPECT_EQ(portalParentWindow("wayland", 7), "");
+}
