@@ -37,6 +37,7 @@ add_executable(velmora_adapter_tests
     platform/linux/SystemCalendarTest.cpp
     platform/linux/XdgAutostartTest.cpp
     platform/linux/XdgFoldersTest.cpp
+    platform/linux/XfconfSettingsTest.cpp
     shell/AppDelegateTest.cpp
     support/DiskFaults.cpp
     support/FakeNotificationDaemon.cpp

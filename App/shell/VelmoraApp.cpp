@@ -2,7 +2,7 @@
 #include "history/HistoryStore.h"
 #include "platform/linux/AppDirBundle.h"
 #include "platform/linux/CanberraSounds.h"
-#include "platform/linux/DesktopLook.h"
+#include "platform/linux/DesktopLookWatch.h"
 #include "platform/linux/DisplayCheck.h"
 #include "platform/linux/DisplayLoss.h"
 #include "platform/linux/FreedesktopNotifications.h"
@@ -11,7 +11,6 @@
 #include "platform/linux/LogindSleep.h"
 #include "platform/linux/NotificationConsent.h"
 #include "platform/linux/PanelBar.h"
-#include "platform/linux/PortalSettings.h"
 #include "platform/linux/PosixFiles.h"
 #include "platform/linux/PowerProfiles.h"
 #include "platform/linux/QtMainLoop.h"
@@ -133,13 +132,13 @@ int main(int argc, char** argv) {
     sleep.start();
     systemBus.start();
     notifications.start();
-    PortalSettings portal(sessionBus,
-                          [palette = QApplication::palette(), font = QApplication::font()](const auto& look) {
-                              QApplication::setPalette(desktopPalette(palette, look));
-                              QApplication::setFont(desktopFont(font, look));
+    DesktopLookWatch look(sessionBus,
+                          [palette = QApplication::palette(), font = QApplication::font()](const auto& changed) {
+                              QApplication::setPalette(desktopPalette(palette, changed));
+                              QApplication::setFont(desktopFont(font, changed));
                           });
     if (followsPortal(desktops.toStdString(), themeChoice.toStdString()))
-        portal.start();
+        look.start(isXfce(desktops.toStdString()));
     for (const auto& file : {HistoryStore::file(files), defaultsFile, NotificationConsent::file(stateFolder)})
         files.removeLeftovers(file);
     if (const auto identifier = bundle.identifier())

@@ -22,6 +22,7 @@ SETTINGS = "org.freedesktop.portal.Settings"
 APPEARANCE = "org.freedesktop.appearance"
 MOCK = "org.freedesktop.DBus.Mock"
 DARK, LIGHT = 1, 2
+XFCONF = "org.xfce.Xfconf"
 
 
 class PopoverCase(DesktopCase):
@@ -31,6 +32,17 @@ class PopoverCase(DesktopCase):
 
     def gone(self, desktop):
         self.soon(lambda: not desktop.windows(TITLE), SHOW_SECONDS, "the popover is gone")
+
+    def background(self, desktop):
+        """How bright the popover is where nothing is drawn."""
+        colours = desktop.picture().crop(self.shown(desktop)).colours()
+        return luminance(max(colours, key=colours.get))
+
+    def is_dark(self, desktop):
+        self.soon(lambda: 0 < self.background(desktop) < 0.1, SHOW_SECONDS, "it is dark")
+
+    def is_light(self, desktop):
+        self.soon(lambda: self.background(desktop) > 0.7, SHOW_SECONDS, "it is light")
 
 
 class Popover(PopoverCase):
@@ -179,7 +191,6 @@ class PopoverLook(PopoverCase):
         self.tell("AddMethod", "(sssss)", SETTINGS, "ReadAll", "as", "a{sa{sv}}", self.answer(DARK))
         program = self.start_and_wait(self.screen, self.laptop())
         program.item.menu.choose("Show details")
-        self.window = self.shown(self.screen)
 
     @staticmethod
     def answer(scheme):
@@ -188,15 +199,33 @@ class PopoverLook(PopoverCase):
     def tell(self, method, signature, *arguments):
         self.screen.bus.call(PORTAL, PORTAL_PATH, MOCK, method, GLib.Variant(signature, arguments))
 
-    def background(self):
-        colours = self.screen.picture().crop(self.window).colours()
-        return luminance(max(colours, key=colours.get))
-
     def test_is_the_desktops_and_changes_with_it(self):
-        self.soon(lambda: 0 < self.background() < 0.1, SHOW_SECONDS, "it is dark")
+        self.is_dark(self.screen)
         values = [GLib.Variant("s", APPEARANCE), GLib.Variant("s", "color-scheme"), GLib.Variant("u", LIGHT)]
         self.tell("EmitSignal", "(sssav)", SETTINGS, "SettingChanged", "ssv", values)
-        self.soon(lambda: self.background() > 0.7, SHOW_SECONDS, "it is light")
+        self.is_light(self.screen)
+
+
+class PopoverXfceLook(PopoverCase):
+    """The desktop's own settings service, and no portal."""
+
+    def setUp(self):
+        self.screen = self.desktop(panel=False)
+
+    def choose(self, setting, value):
+        arguments = GLib.Variant("(ssv)", ("xsettings", setting, GLib.Variant("s", value)))
+        self.screen.bus.call(XFCONF, "/org/xfce/Xfconf", XFCONF, "SetProperty", arguments)
+
+    def test_is_the_desktops_and_changes_with_it(self):
+        self.choose("/Net/ThemeName", "Greybird-dark")
+        self.start_and_wait(self.screen, self.laptop()).item.menu.choose("Show details")
+        self.is_dark(self.screen)
+        self.keep_picture(self.screen, "popover-xfce-dark")
+        self.choose("/Net/ThemeName", "Greybird")
+        self.is_light(self.screen)
+        usual = self.shown(self.screen).height
+        self.choose("/Gtk/FontName", "DejaVu Sans 15")
+        self.soon(lambda: self.shown(self.screen).height > usual * 1.2, SHOW_SECONDS, "text is larger")
 
 
 class PopoverPlace(PopoverCase):

@@ -65,6 +65,21 @@ std::optional<DesktopLook::Font> fontOf(std::string_view description, double sca
     return font;
 }
 
+/// The names of themes are free; what they have in common is the word, mostly as the last one. "Arc-Darker" is a light
+/// theme with dark title bars.
+bool isDarkTheme(std::string_view name) {
+    const std::string theme = lowered(name);
+    if (theme.ends_with("dark"))
+        return true;
+    for (std::size_t start = 0; start < theme.size();) {
+        const std::size_t end = std::min(theme.find_first_of("-_ ", start), theme.size());
+        if (theme.substr(start, end - start) == "dark")
+            return true;
+        start = end + 1;
+    }
+    return false;
+}
+
 bool names(std::string_view desktops, std::string_view wanted) {
     const std::string all = ':' + lowered(desktops) + ':';
     return all.find(':' + std::string(wanted) + ':') != std::string::npos;
@@ -72,17 +87,19 @@ bool names(std::string_view desktops, std::string_view wanted) {
 
 } // namespace
 
-DesktopLook lookOf(const DesktopSettings& settings) {
+DesktopLook lookOf(const DesktopSettings& settings, const XfceSettings& xfce) {
     DesktopLook look;
     const std::uint32_t scheme = settings.colorScheme.value_or(0);
     if (scheme == 1 || scheme == 2)
         look.isDark = scheme == 1;
-    else if (settings.themeName)
-        look.isDark = lowered(*settings.themeName).find("dark") != std::string::npos;
+    else if (const auto& theme = xfce.themeName ? xfce.themeName : settings.themeName)
+        look.isDark = isDarkTheme(*theme);
     if (const auto& accent = settings.accentColor;
         accent && std::all_of(accent->begin(), accent->end(), [](double part) { return part >= 0 && part <= 1; }))
         look.accent = accent;
-    if (settings.fontName) {
+    if (xfce.fontName) { // the scale is that of the portal's font; here the resolution of the screen is set instead
+        look.font = fontOf(*xfce.fontName, 1);
+    } else if (settings.fontName) {
         const double scale = settings.textScale.value_or(1);
         look.font = fontOf(*settings.fontName, scale >= 0.5 && scale <= 3 ? scale : 1);
     }
@@ -97,4 +114,8 @@ bool refusesToolkitTheme(std::string_view desktops, std::string_view userChoice)
 
 bool followsPortal(std::string_view desktops, std::string_view userChoice) {
     return userChoice.empty() && !names(desktops, "kde") && !names(desktops, "lxqt");
+}
+
+bool isXfce(std::string_view desktops) {
+    return names(desktops, "xfce");
 }

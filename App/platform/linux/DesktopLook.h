@@ -16,6 +16,13 @@ struct DesktopSettings {
     std::optional<std::string> themeName;             ///< of the older desktops: "Adwaita-dark"
 };
 
+/// What Xfce says of its windows, in its own settings; its portal has the settings of another desktop, which nobody
+/// sets.
+struct XfceSettings {
+    std::optional<std::string> themeName; ///< "Greybird-dark"
+    std::optional<std::string> fontName;  ///< "Sans 10"
+};
+
 /// What that means; empty for what is to be as the toolkit has it.
 struct DesktopLook {
     /// A font, without its style: what is bold is for the views to say.
@@ -31,7 +38,8 @@ struct DesktopLook {
     bool operator==(const DesktopLook&) const = default;
 };
 
-DesktopLook lookOf(const DesktopSettings& settings);
+/// What Xfce says comes before what the portal passes on of older settings, but not before what the portal says itself.
+DesktopLook lookOf(const DesktopSettings& settings, const XfceSettings& xfce = {});
 
 /// Whether the toolkit is kept from looking for a plugin for this desktop (the names in XDG_CURRENT_DESKTOP, separated
 /// by colons): on these it would find the one that brings the whole GTK into the process. What the user has chosen by
@@ -41,3 +49,6 @@ bool refusesToolkitTheme(std::string_view desktops, std::string_view userChoice)
 /// Whether the look comes from the desktop's portal: where the toolkit does not know it by itself, and the user has not
 /// chosen another.
 bool followsPortal(std::string_view desktops, std::string_view userChoice);
+
+/// Whether this desktop keeps its look in Xfce's settings.
+bool isXfce(std::string_view desktops);

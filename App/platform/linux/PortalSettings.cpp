@@ -41,7 +41,7 @@ std::optional<std::array<double, 3>> asColor(const QVariant& value) {
 
 } // namespace
 
-PortalSettings::PortalSettings(QDBusConnection bus, std::function<void(const DesktopLook&)> changed)
+PortalSettings::PortalSettings(QDBusConnection bus, std::function<void()> changed)
     : bus_(std::move(bus))
     , changed_(std::move(changed)) {}
 
@@ -75,7 +75,7 @@ void PortalSettings::take(const QDBusMessage& answer) {
         for (auto entry = space->cbegin(); entry != space->cend(); ++entry)
             set(space.key(), entry.key(), entry.value());
     }
-    update();
+    changed_();
 }
 
 void PortalSettings::settingChanged(const QDBusMessage& signal) {
@@ -83,7 +83,7 @@ void PortalSettings::settingChanged(const QDBusMessage& signal) {
         return;
     const QVariantList arguments = signal.arguments();
     set(arguments.at(0).toString(), arguments.at(1).toString(), arguments.at(2).value<QDBusVariant>().variant());
-    update();
+    changed_();
 }
 
 void PortalSettings::set(const QString& space, const QString& key, const QVariant& value) {
@@ -97,10 +97,4 @@ void PortalSettings::set(const QString& space, const QString& key, const QVarian
         settings_.textScale = as<double, QMetaType::Double>(value);
     else if (space == gnome && key == QLatin1String("gtk-theme"))
         settings_.themeName = asText(value);
-}
-
-void PortalSettings::update() {
-    const DesktopLook look = lookOf(settings_);
-    if (std::exchange(look_, look) != look)
-        changed_(look);
 }

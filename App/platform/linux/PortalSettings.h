@@ -18,11 +18,14 @@ class PortalSettings final : public QObject {
     Q_OBJECT
 
 public:
-    /// `changed` is told each look that differs from the one before; the first differs from an empty one.
-    PortalSettings(QDBusConnection bus, std::function<void(const DesktopLook&)> changed);
+    /// `changed` is told that `settings` may be others.
+    PortalSettings(QDBusConnection bus, std::function<void()> changed);
 
     /// Asks, without waiting for the answer, and follows from then on.
     void start();
+
+    /// As they are known now.
+    const DesktopSettings& settings() const { return settings_; }
 
 private Q_SLOTS:
     void settingChanged(const QDBusMessage& signal);
@@ -30,12 +33,10 @@ private Q_SLOTS:
 private:
     QDBusConnection bus_;
     QDBusServiceWatcher watcher_;
-    std::function<void(const DesktopLook&)> changed_;
+    std::function<void()> changed_;
     DesktopSettings settings_;
-    DesktopLook look_;
 
     void ask();
     void take(const QDBusMessage& answer);
     void set(const QString& space, const QString& key, const QVariant& value);
-    void update();
 };

@@ -49,6 +49,38 @@ TEST(DesktopLook, TheThemesNameDecidesOnlyWithoutAScheme) {
     EXPECT_EQ(isDark(1, "Adwaita"), true);
 }
 
+TEST(DesktopLook, IsDarkByAWordInTheThemesName) {
+    for (const char* dark : {"Adwaita-dark", "Greybird-dark", "Arc-Dark", "Breezedark", "Materia-dark-compact", "dark",
+                             "Yaru_dark", "Some dark theme", "Yaru-blue-DARK"})
+        EXPECT_EQ(isDark(std::nullopt, dark), true) << dark;
+    for (const char* light :
+         {"Adwaita", "Greybird", "Arc-Darker", "Arc-Darker-solid", "Darkroom", "", "-", "Lavendark-x"})
+        EXPECT_EQ(isDark(std::nullopt, light), false) << light;
+}
+
+TEST(DesktopLook, XfceKnowsItsThemeAndFontBetterThanItsPortal) {
+    DesktopSettings portal;
+    portal.colorScheme = 0;
+    portal.themeName = "Adwaita";
+    portal.fontName = "Cantarell 11";
+    portal.textScale = 1.5;
+    EXPECT_EQ(lookOf(portal, {.themeName = "Greybird-dark", .fontName = "Sans 10"}),
+              (DesktopLook{.isDark = true, .accent = {}, .font = Font{"Sans", 10}}));
+    EXPECT_EQ(lookOf(portal, {}), (DesktopLook{.isDark = false, .accent = {}, .font = Font{"Cantarell", 16.5}}));
+    portal.colorScheme = 2;
+    EXPECT_EQ(lookOf(portal, {.themeName = "Greybird-dark", .fontName = {}}).isDark, false)
+        << "a scheme is what the user has chosen for all programs";
+    EXPECT_EQ(lookOf({}, {.themeName = "Greybird", .fontName = {}}),
+              (DesktopLook{.isDark = false, .accent = {}, .font = {}}));
+}
+
+TEST(DesktopLook, KnowsXfce) {
+    for (const char* desktops : {"XFCE", "xfce", "X-Xubuntu:XFCE"})
+        EXPECT_TRUE(isXfce(desktops)) << desktops;
+    for (const char* desktops : {"", "GNOME", "XFCE4"})
+        EXPECT_FALSE(isXfce(desktops)) << desktops;
+}
+
 TEST(DesktopLook, AnAccentBeyondTheLimitsIsNone) {
     EXPECT_EQ(accent(0, 0.5, 1), (std::array{0.0, 0.5, 1.0}));
     EXPECT_EQ(accent(-0.1, 0.5, 1), std::nullopt);

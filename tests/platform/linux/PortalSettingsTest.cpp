@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/PortalSettings.h"
 
+#include "platform/linux/DesktopLookWatch.h"
 #include "support/PrivateBus.h"
 #include "support/WaitUntil.h"
 
@@ -79,8 +80,8 @@ protected:
     // A connection beside the stand-in's, as two programs have.
     QDBusConnection own = QDBusConnection::connectToBus(bus.address(), QStringLiteral("portal-settings-test"));
     std::vector<DesktopLook> looks;
-    std::unique_ptr<PortalSettings> settings =
-        std::make_unique<PortalSettings>(own, [this](const DesktopLook& look) { looks.push_back(look); });
+    std::unique_ptr<DesktopLookWatch> settings =
+        std::make_unique<DesktopLookWatch>(own, [this](const DesktopLook& look) { looks.push_back(look); });
 
     ~PortalSettingsTest() override {
         settings.reset();
@@ -98,7 +99,7 @@ TEST_F(PortalSettingsTest, TellsWhatTheDesktopHasChosen) {
                                  {QStringLiteral("accent-color"), color(0.25, 0.5, 0.75)}};
     portal.spaces[gnome] = {{QStringLiteral("font-name"), QStringLiteral("Cantarell 11")},
                             {QStringLiteral("text-scaling-factor"), 2.0}};
-    settings->start();
+    settings->start(false);
     EXPECT_TRUE(shows({.isDark = true, .accent = {{0.25, 0.5, 0.75}}, .font = DesktopLook::Font{"Cantarell", 22}}));
     EXPECT_EQ(portal.asked, (QStringList{appearance, gnome}));
 }
@@ -106,7 +107,7 @@ TEST_F(PortalSettingsTest, TellsWhatTheDesktopHasChosen) {
 TEST_F(PortalSettingsTest, FollowsWhileItRuns) {
     FakePortal portal(bus);
     portal.spaces[appearance] = {{QStringLiteral("color-scheme"), 1U}};
-    settings->start();
+    settings->start(false);
     ASSERT_TRUE(shows({.isDark = true, .accent = {}, .font = {}}));
     portal.change(appearance, QStringLiteral("color-scheme"), 2U);
     EXPECT_TRUE(shows({.isDark = false, .accent = {}, .font = {}}));
@@ -116,7 +117,7 @@ TEST_F(PortalSettingsTest, FollowsWhileItRuns) {
 
 TEST_F(PortalSettingsTest, SaysNothingOfChangesThatChangeNothing) {
     FakePortal portal(bus);
-    settings->start();
+    settings->start(false);
     portal.change(gnome, QStringLiteral("cursor-size"), 48);
     portal.change(appearance, QStringLiteral("color-scheme"), 0U);
     portal.change(gnome, QStringLiteral("color-scheme"), QStringLiteral("prefer-dark"));
@@ -126,7 +127,7 @@ TEST_F(PortalSettingsTest, SaysNothingOfChangesThatChangeNothing) {
 }
 
 TEST_F(PortalSettingsTest, HearsAPortalThatComesLater) {
-    settings->start();
+    settings->start(false);
     FakePortal portal(bus);
     portal.spaces[appearance] = {{QStringLiteral("color-scheme"), 1U}};
     EXPECT_TRUE(shows({.isDark = true, .accent = {}, .font = {}}));
@@ -141,7 +142,7 @@ TEST_F(PortalSettingsTest, DoesNotStartAPortal) {
     const QString daemon = QStringLiteral("org.freedesktop.DBus");
     const QString daemonPath = QStringLiteral("/org/freedesktop/DBus");
     bus.call(daemon, daemonPath, daemon, QStringLiteral("ReloadConfig"));
-    settings->start();
+    settings->start(false);
     // The bus starts in the order in which it is asked.
     auto start = QDBusMessage::createMethodCall(daemon, daemonPath, daemon, QStringLiteral("StartServiceByName"));
     start << other << 0U;
@@ -158,7 +159,7 @@ TEST_F(PortalSettingsTest, BelievesNothingOfTheWrongType) {
     portal.spaces[gnome] = {{QStringLiteral("font-name"), 11},
                             {QStringLiteral("text-scaling-factor"), QStringLiteral("2")},
                             {QStringLiteral("gtk-theme"), QStringLiteral("Adwaita-dark")}};
-    settings->start();
+    settings->start(false);
     EXPECT_TRUE(shows({.isDark = true, .accent = {}, .font = {}}));
     EXPECT_EQ(looks.size(), 1U);
 }
@@ -166,7 +167,7 @@ TEST_F(PortalSettingsTest, BelievesNothingOfTheWrongType) {
 TEST_F(PortalSettingsTest, OutlivesAnAnswerThatIsNone) {
     FakePortal portal(bus);
     portal.nonsense = QStringLiteral("nothing of that kind");
-    settings->start();
+    settings->start(false);
     ASSERT_TRUE(waitUntil([&] { return !portal.asked.isEmpty(); }));
     portal.change(appearance, QStringLiteral("color-scheme"), 1U);
     EXPECT_TRUE(shows({.isDark = true, .accent = {}, .font = {}}));

@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/XfconfSettings.h"
+
+#include "platform/linux/DesktopLookWatch.h"
+#include "support/PrivateBus.h"
+#include "support/WaitUntil.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCall>
+#include <QDBusVariant>
+#include <QDBusVirtualObject>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <vector>
+
+namespace {
+
+const QString service = QStringLiteral("org.xfce.Xfconf");
+const QString path = QStringLiteral("/org/xfce/Xfconf");
+const QString xsettings = QStringLiteral("xsettings");
+const QString theme = QStringLiteral("/Net/ThemeName");
+const QString font = QStringLiteral("/Gtk/FontName");
+
+/// The settings service of Xfce, in the test's own process.
+class FakeXfconf final : public QDBusVirtualObject {
+public:
+    explicit FakeXfconf(const PrivateBus& bus, QVariantMap first = {})
+        : properties(std::move(first))
+        , connection_(bus.connection()) {
+        connection_.registerVirtualObject(path, this);
+        connection_.registerService(service);
+    }
+    ~FakeXfconf() override {
+        connection_.unregisterService(service);
+        connection_.unregisterObject(path);
+    }
+
+    QVariantMap properties;
+    QVariant nonsense; ///< answered instead, when there is any
+    int asked = 0;
+
+    void change(const QString& channel, const QString& property, const QVariant& value) {
+        signal("PropertyChanged", {channel, property, QVariant::fromValue(QDBusVariant(value))});
+    }
+    void remove(const QString& channel, const QString& property) { signal("PropertyRemoved", {channel, property}); }
+    void signal(const char* name, const QVariantList& arguments) {
+        auto message = QDBusMessage::createSignal(path, service, QLatin1String(name));
+        message.setArguments(arguments);
+        connection_.send(message);
+    }
+
+    QString introspect(const QString& /*path*/) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+        if (message.member() != QLatin1String("GetAllProperties"))
+            return false;
+        ++asked;
+        EXPECT_EQ(message.arguments(), (QVariantList{xsettings, QStringLiteral("/")}));
+        return connection.send(message.createReply(nonsense.isValid() ? nonsense : properties));
+    }
+
+private:
+    QDBusConnection connection_;
+};
+
+class XfconfSettingsTest : public testing::Test {
+protected:
+    PrivateBus bus;
+    // A connection beside the stand-in's, as two programs have.
+    QDBusConnection own = QDBusConnection::connectToBus(bus.address(), QStringLiteral("xfconf-settings-test"));
+    std::vector<DesktopLook> looks;
+    std::unique_ptr<DesktopLookWatch> watch =
+        std::make_unique<DesktopLookWatch>(own, [this](const DesktopLook& look) { looks.push_back(look); });
+
+    ~XfconfSettingsTest() override {
+        watch.reset();
+        QDBusConnection::disconnectFromBus(own.name());
+    }
+    /// Whether it comes to this look.
+    bool shows(const DesktopLook& look) {
+        return waitUntil([&] { return !looks.empty() && looks.back() == look; });
+    }
+};
+
+} // namespace
+
+TEST_F(XfconfSettingsTest, TellsWhatTheDesktopHasChosen) {
+    FakeXfconf xfce(bus, {{theme, QStringLiteral("Greybird-dark")}, {font, QStringLiteral("Sans Bold 12")}});
+    watch->start(true);
+    EXPECT_TRUE(shows({.isDark = true, .accent = {}, .font = DesktopLook::Font{"Sans", 12}}));
+}
+
+TEST_F(XfconfSettingsTest, FollowsWhileItRuns) {
+    FakeXfconf xfce(bus, {{theme, QStringLiteral("Adwaita")}});
+    watch->start(true);
+    ASSERT_TRUE(shows({.isDark = false, .accent = {}, .font = {}}));
+    xfce.change(xsettings, theme, QStringLiteral("Adwaita-dark"));
+    EXPECT_TRUE(shows({.isDark = true, .accent = {}, .font = {}}));
+    xfce.change(xsettings, font, QStringLiteral("Sans 9"));
+    EXPECT_TRUE(shows({.isDark = true, .accent = {}, .font = DesktopLook::Font{"Sans", 9}}));
+    xfce.remove(xsettings, font);
+    EXPECT_TRUE(shows({.isDark = true, .accent = {}, .font = {}}));
+    xfce.remove(xsettings, theme);
+    EXPECT_TRUE(shows({}));
+}
+
+TEST_F(XfconfSettingsTest, HearsOnlyWhatIsMeantForIt) {
+    FakeXfconf xfce(bus);
+    watch->start(true);
+    ASSERT_TRUE(waitUntil([&] { return xfce.asked == 1; }));
+    xfce.change(QStringLiteral("xfce4-panel"), theme, QStringLiteral("Adwaita-dark"));
+    xfce.change(xsettings, QStringLiteral("/Net/IconThemeName"), QStringLiteral("Adwaita-dark"));
+    xfce.change(xsettings, theme, 7);
+    xfce.signal("PropertyChanged", {xsettings, theme});
+    xfce.signal("PropertyRemoved", {7});
+    xfce.change(xsettings, font, QStringLiteral("Sans 9"));
+    ASSERT_TRUE(shows({.isDark = {}, .accent = {}, .font = DesktopLook::Font{"Sans", 9}}));
+    xfce.remove(QStringLiteral("xfce4-panel"), font);
+    xfce.change(xsettings, font, QStringLiteral("Sans 8"));
+    ASSERT_TRUE(shows({.isDark = {}, .accent = {}, .font = DesktopLook::Font{"Sans", 8}}));
+    EXPECT_EQ(looks.size(), 2U);
+}
+
+TEST_F(XfconfSettingsTest, HearsAServiceThatComesLater) {
+    watch->start(true);
+    FakeXfconf xfce(bus, {{theme, QStringLiteral("Adwaita-dark")}});
+    EXPECT_TRUE(shows({.isDark = true, .accent = {}, .font = {}}));
+}
+
+TEST_F(XfconfSettingsTest, OutlivesAnAnswerThatIsNone) {
+    FakeXfconf xfce(bus);
+    xfce.nonsense = QStringLiteral("nothing of that kind");
+    watch->start(true);
+    ASSERT_TRUE(waitUntil([&] { return xfce.asked == 1; }));
+    xfce.change(xsettings, theme, QStringLiteral("Adwaita-dark"));
+    EXPECT_TRUE(shows({.isDark = true, .accent = {}, .font = {}}));
+}
+
+TEST_F(XfconfSettingsTest, IsNotStartedAndOnlyAskedOnItsOwnDesktop) {
+    const auto mark = bus.services() / "started";
+    write(bus.services() / "xfconf.service",
+          "[D-BUS Service]\nName=" + service.toStdString() + "\nExec=/usr/bin/touch " + mark.string() + "\n");
+    const auto other = bus.services() / "other";
+    write(bus.services() / "other.service",
+          "[D-BUS Service]\nName=test.Other\nExec=/usr/bin/touch " + other.string() + "\n");
+    const QString daemon = QStringLiteral("org.freedesktop.DBus");
+    const QString daemonPath = QStringLiteral("/org/freedesktop/DBus");
+    bus.call(daemon, daemonPath, daemon, QStringLiteral("ReloadConfig"));
+    watch->start(true);
+    // The bus starts in the order in which it is asked.
+    auto start = QDBusMessage::createMethodCall(daemon, daemonPath, daemon, QStringLiteral("StartServiceByName"));
+    start << QStringLiteral("test.Other") << 0U;
+    own.asyncCall(start);
+    ASSERT_TRUE(waitUntil([&] { return std::filesystem::exists(other); }));
+    EXPECT_FALSE(std::filesystem::exists(mark));
+    EXPECT_TRUE(looks.empty());
+
+    FakeXfconf xfce(bus, {{theme, QStringLiteral("Adwaita-dark")}});
+    ASSERT_TRUE(shows({.isDark = true, .accent = {}, .font = {}}));
+    const int asked = xfce.asked;
+    DesktopLookWatch elsewhere(own, [](const DesktopLook&) { ADD_FAILURE() << "it has asked"; });
+    elsewhere.start(false);
+    xfce.change(xsettings, theme, QStringLiteral("Adwaita"));
+    EXPECT_TRUE(shows({.isDark = false, .accent = {}, .font = {}}));
+    EXPECT_EQ(xfce.asked, asked);
+}
