@@ -14,12 +14,17 @@ StepperBox::StepperBox(int least, int most, QWidget* parent) : QSpinBox(parent),
     });
 }
 
-void StepperBox::setStored(std::int64_t value) {
+void StepperBox::setStored(std::int64_t stored) {
     using Limits = std::numeric_limits<int>;
-    const auto shown = static_cast<int>(std::clamp<std::int64_t>(value, Limits::min(), Limits::max()));
+    const auto shown = static_cast<int>(std::clamp<std::int64_t>(stored, Limits::min(), Limits::max()));
+    const int minimumShown = std::min(least_, shown);
+    const int maximumShown = std::max(most_, shown);
     isSetting_ = true;
-    setRange(std::min(least_, shown), std::max(most_, shown));
-    setValue(shown);
+    // A new range, even the same one, lets go of the arrow that the user holds.
+    if (minimum() != minimumShown || maximum() != maximumShown)
+        setRange(minimumShown, maximumShown);
+    if (value() != shown) // else what is being typed stays
+        setValue(shown);
     isSetting_ = false;
 }
 

@@ -14,7 +14,7 @@ public:
     StepperBox(int least, int most, QWidget* parent = nullptr);
 
     /// Shows a value that the user did not choose.
-    void setStored(std::int64_t value);
+    void setStored(std::int64_t stored);
 
 Q_SIGNALS:
     /// The user chose a value, which is within the range.

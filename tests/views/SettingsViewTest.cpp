@@ -186,6 +186,28 @@ TEST_F(SettingsViewTest, ANumberCanBeTyped) {
     EXPECT_GE(fake.defaults.integerForKey("limit"), 50);
 }
 
+TEST_F(SettingsViewTest, AnArrowThatIsHeldGoesOn) {
+    auto& box = find<StepperBox>("limit");
+    const QPoint up(box.width() - 7, 6);
+    QTest::mousePress(&box, Qt::LeftButton, {}, up);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return fake.defaults.integerForKey("limit") >= 84; }));
+    QTest::mouseRelease(&box, Qt::LeftButton, {}, up);
+    EXPECT_EQ(fake.defaults.integerForKey("limit"), box.value());
+}
+
+TEST_F(SettingsViewTest, WhatIsBeingTypedStaysWhenSomethingElseIsStored) {
+    auto& box = find<StepperBox>("limit");
+    box.setFocus();
+    QTest::keyClick(&box, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(&box, QStringLiteral("6"));
+    fake.defaults.setObject("showTime", true);
+    settle();
+    QTest::keyClicks(&box, QStringLiteral("5"));
+    EXPECT_EQ(fake.defaults.integerForKey("limit"), 80) << "not meant yet";
+    QTest::keyClick(window.get(), Qt::Key_Escape);
+    EXPECT_EQ(fake.defaults.integerForKey("limit"), 65) << "closing the window means it";
+}
+
 TEST_F(SettingsViewTest, AStoredValueBeyondTheRangeIsShownUntilTheUserTouchesIt) {
     for (const auto& [stored, up, down] :
          std::vector<std::tuple<std::int64_t, int, int>>{{150, 100, 100}, {-5, 50, 50}}) {
