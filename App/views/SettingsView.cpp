@@ -7,17 +7,17 @@
 #include "shell/AppModel.h"
 #include "views/SoundPicker.h"
 #include "views/StepperBox.h"
-#include "views/TimeText.h"
+#include "views/TimeBox.h"
 #include "views/ToggleSwitch.h"
 #include "views/ViewStyle.h"
 
+#include <QAbstractSpinBox>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPainter>
 #include <QPushButton>
-#include <QTimeEdit>
 #include <QVBoxLayout>
 
 #include <utility>
@@ -188,19 +188,11 @@ QWidget* SettingsView::makeSound(const SettingsControl& control) {
 }
 
 QWidget* SettingsView::makeTime(const SettingsControl& control) {
-    auto* edit = new QTimeEdit;
-    edit->setDisplayFormat(shortTimeFormat(QLocale::system()));
-    edit->setKeyboardTracking(false);
-    syncs_.emplace_back([this, edit, key = control.key] {
-        const auto stored = timeOfMinutes(platform_.defaults.integerForKey(key));
-        const QSignalBlocker quiet(edit);
-        // Minutes that no day has are shown as the present time.
-        edit->setTime(stored ? QTime(stored->hour, stored->minute) : QTime::currentTime());
-    });
-    connect(edit, &QTimeEdit::timeChanged, this, [this, key = control.key](QTime time) {
-        platform_.defaults.setObject(key, time.hour() * 60 + time.minute());
-    });
-    return edit;
+    auto* box = new TimeBox;
+    syncs_.emplace_back([this, box, key = control.key] { box->setStored(platform_.defaults.integerForKey(key)); });
+    connect(box, &TimeBox::chosen, this,
+            [this, key = control.key](int minutes) { platform_.defaults.setObject(key, minutes); });
+    return box;
 }
 
 void SettingsView::addGeneral() {

@@ -245,6 +245,28 @@ TEST_F(SettingsViewTest, TimesAreStoredAsMinutes) {
     EXPECT_EQ(fake.defaults.integerForKey("quietStart"), 1350);
 }
 
+TEST_F(SettingsViewTest, HoursAndMinutesAreClickedAndTypedOver) {
+    fake.defaults.setObject("quietEnabled", true);
+    auto& box = find<QTimeEdit>("quietStart");
+    auto& field = *box.findChild<QLineEdit*>();
+    const auto clickAt = [&](int character) {
+        const int x = field.fontMetrics().horizontalAdvance(field.text().left(character));
+        QTest::mouseClick(&field, Qt::LeftButton, {}, {x + 4, field.height() / 2});
+        settle();
+    };
+    clickAt(0);
+    QTest::keyClicks(&box, QStringLiteral("0915"));
+    EXPECT_EQ(box.text(), QStringLiteral("09:15"));
+    clickAt(3);
+    QTest::keyClicks(&box, QStringLiteral("45"));
+    QTest::keyClick(&box, Qt::Key_Return);
+    EXPECT_EQ(fake.defaults.integerForKey("quietStart"), 9 * 60 + 45);
+    box.setTime(QTime(23, 0));
+    clickAt(0);
+    QTest::keyClick(&box, Qt::Key_Up);
+    EXPECT_EQ(fake.defaults.integerForKey("quietStart"), 0) << "after 23 comes 0";
+}
+
 TEST_F(SettingsViewTest, MinutesThatNoDayHasAreLeftAloneAndShownAsThePresentTime) {
     fake.defaults.setObject("quietStart", 1500);
     const QTime before = QTime::currentTime().addSecs(-60);

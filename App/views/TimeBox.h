@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QTimeEdit>
+
+#include <cstdint>
+
+/// A time of day in hours and minutes, on the clock of the user's country. A click chooses hours or minutes, which can
+/// then be typed over.
+class TimeBox final : public QTimeEdit {
+    Q_OBJECT
+
+public:
+    explicit TimeBox(QWidget* parent = nullptr);
+
+    /// Shows minutes since midnight that the user did not choose; the present time for those that no day has.
+    void setStored(std::int64_t minutes);
+
+Q_SIGNALS:
+    /// The user chose a time, in minutes since midnight.
+    void chosen(int minutes);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+};
