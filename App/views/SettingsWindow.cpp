@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/SettingsWindow.h"
 
-#include <QKeyEvent>
 #include <QScreen>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -12,24 +12,26 @@ namespace {
 
 constexpr int windowWidth = 480;
 constexpr int windowHeight = 720;
-constexpr int titleBar = 40; ///< about as high as those of window managers
+constexpr int roomAround = 24; ///< what is seen around a control that the keyboard comes to
+constexpr int titleBar = 40;   ///< about as high as those of window managers
 
 } // namespace
 
 SettingsWindow::SettingsWindow(QWidget* form)
-    : QWidget(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
-                           Qt::WindowCloseButtonHint) {
+    : QDialog(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                           Qt::WindowCloseButtonHint)
+    , area_(new QScrollArea(this)) {
     setObjectName(QStringLiteral("settingsWindow"));
     setWindowTitle(QStringLiteral("Velmora Settings"));
-    auto* area = new QScrollArea(this);
-    area->setFrameShape(QFrame::NoFrame);
-    area->setWidgetResizable(true);
-    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    area->setFocusPolicy(Qt::NoFocus);
-    area->setWidget(form);
+    area_->setFrameShape(QFrame::NoFrame);
+    area_->setWidgetResizable(true);
+    area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area_->setFocusPolicy(Qt::NoFocus);
+    area_->verticalScrollBar()->setAccessibleName(QStringLiteral("Scroll"));
+    area_->setWidget(form);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(area);
+    layout->addWidget(area_);
     const QRect available = screen()->availableGeometry();
     setFixedSize(windowWidth, std::min(windowHeight, available.height() - titleBar));
     move(available.center() - rect().center());
@@ -41,9 +43,13 @@ void SettingsWindow::present() {
     activateWindow();
 }
 
-void SettingsWindow::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape)
-        close();
-    else
-        QWidget::keyPressEvent(event);
+bool SettingsWindow::focusNextPrevChild(bool next) {
+    const bool found = QDialog::focusNextPrevChild(next);
+    const QWidget* widget = focusWidget();
+    if (widget != nullptr && area_->widget()->isAncestorOf(widget)) {
+        // By itself the area cares for no more than the place of the cursor.
+        const QRect place(widget->mapTo(area_->widget(), QPoint()), widget->size());
+        area_->ensureVisible(place.center().x(), place.center().y(), 0, place.height() / 2 + roomAround);
+    }
+    return found;
 }

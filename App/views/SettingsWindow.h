@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QWidget>
+#include <QDialog>
 
-/// The window around the settings form: of fixed size, closed but not destroyed.
-class SettingsWindow final : public QWidget {
+class QScrollArea;
+
+/// The window around the settings form: of fixed size, closed but not destroyed. Esc closes it as well.
+class SettingsWindow final : public QDialog {
     Q_OBJECT
 
 public:
@@ -15,5 +17,8 @@ public:
     void present();
 
 protected:
-    void keyPressEvent(QKeyEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+
+private:
+    QScrollArea* area_;
 };

@@ -414,6 +414,20 @@ TEST_F(SettingsViewTest, EveryControlHasANameAndIsReachedByKeyboard) {
     EXPECT_EQ(controls, 23) << "20 preferences, login, export and reset";
 }
 
+TEST_F(SettingsViewTest, WhatTheKeyboardComesToIsSeenAsAWhole) {
+    fake.defaults.setObject("quietEnabled", true);
+    QWidget* const first = &find("limitEnabled");
+    QWidget* reached = first;
+    reached->setFocus();
+    do {
+        QTest::keyClick(reached, Qt::Key_Tab);
+        reached = window->focusWidget();
+        const QRect place(reached->mapTo(window.get(), QPoint()), reached->size());
+        EXPECT_TRUE(window->rect().contains(place)) << reached->objectName().toStdString();
+    } while (reached != first);
+    EXPECT_GT(view->height(), window->height()) << "else this shows nothing";
+}
+
 TEST_F(SettingsViewTest, CanBeLookedAt) {
     shown();
     view->adjustSize();
