@@ -11,6 +11,7 @@
 #include <QPainter>
 #include <QScreen>
 #include <QScrollArea>
+#include <QScrollBar>
 
 #include <algorithm>
 #include <cstdlib>
@@ -49,6 +50,7 @@ Popover::Popover() : QWidget(nullptr, popoverFlags()), area_(new QScrollArea(thi
     area_->setWidgetResizable(true);
     area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     area_->setFocusPolicy(Qt::NoFocus);
+    area_->verticalScrollBar()->setAccessibleName(QStringLiteral("Scroll"));
 }
 
 void Popover::setContent(QWidget* content) {

@@ -257,11 +257,13 @@ void PopoverView::showNoBattery() {
     setText(noBatteryTitle_, QStringLiteral("No battery found"), TextStyle::headline, Tint::primary);
     setText(noBatteryNote_, QStringLiteral("This Mac does not report a battery, so Velmora stays quiet."),
             TextStyle::caption, Tint::secondary);
+    setAccessibleName(noBatteryTitle_->text());
 }
 
 void PopoverView::showHeader(const BatteryState& state, Date now) {
     ring_->setContent(state.percent, color(ringTint(state), Use::graphics), trackColor());
     ring_->setAccessibleName(QString::fromStdString(ringDescription(state)));
+    setAccessibleName(ring_->accessibleName()); // it has the keyboard first, so this is what is read when it opens
     setText(state_, QString::fromStdString(state.stateText()), TextStyle::headline, Tint::primary);
     const std::optional<std::string> pluggedIn = pluggedInText(model.pluggedSince.get(), now);
     pluggedIn_->setVisible(pluggedIn.has_value());

@@ -141,6 +141,8 @@ void SettingsView::addControl(QBoxLayout* section, const SettingsControl& contro
     widget->installEventFilter(this);
     addRow(section, label, widget);
     if (!control.enabledBy.empty()) {
+        // Several are called "Sound"; what they belong to is seen above them, and heard by this.
+        widget->setAccessibleDescription(findChild<QWidget*>(text(control.enabledBy))->accessibleName());
         syncs_.emplace_back([this, widget, label, key = control.enabledBy] {
             const bool isOn = platform_.defaults.boolForKey(key);
             widget->setEnabled(isOn);
