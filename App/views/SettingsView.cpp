@@ -266,6 +266,15 @@ void SettingsView::style() {
         note->setPalette(colors);
         note->setFont(textFont(TextStyle::caption));
     }
+    // On dark cards the frames of fields are not seen, so their ground tells where they are.
+    const bool isDark =
+        palette().color(QPalette::Window).lightness() < palette().color(QPalette::WindowText).lightness();
+    for (auto* box : findChildren<QAbstractSpinBox*>()) {
+        QPalette colors = palette();
+        if (isDark)
+            colors.setColor(QPalette::Base, palette().color(QPalette::Button));
+        box->setPalette(colors);
+    }
 }
 
 void SettingsView::setLaunchAtLogin(bool on) {
