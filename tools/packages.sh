@@ -20,11 +20,11 @@ PACKAGE_PACKAGES=(debhelper dpkg-dev librsvg2-bin)
 # What the tests and the checks need beyond that.
 # sway comes with a bar of its own; the toolkit shows windows in it by its Wayland plugin. By GTK the toolkit takes its
 # looks for those who ask for that. libfaketime sets the program's clock, strace sees what it asks the kernel for,
-# readelf of binutils how it was built.
-TEST_PACKAGES=(appstream binutils clang-format desktop-file-utils libbenchmark-dev libfaketime libglib2.0-bin
-               libgmock-dev libgtest-dev libumockdev-dev mako-notifier mate-notification-daemon nlohmann-json3-dev
-               power-profiles-daemon python3-dbusmock qt6-gtk-platformtheme qt6-wayland strace sway systemd trayer
-               tzdata xfce4-notifyd)
+# readelf of binutils how it was built. Screen readers hear of windows through at-spi2-core.
+TEST_PACKAGES=(appstream at-spi2-core binutils clang-format desktop-file-utils libbenchmark-dev libfaketime
+               libglib2.0-bin libgmock-dev libgtest-dev libumockdev-dev mako-notifier mate-notification-daemon
+               nlohmann-json3-dev power-profiles-daemon python3-dbusmock qt6-gtk-platformtheme qt6-wayland strace sway
+               systemd trayer tzdata xfce4-notifyd)
 
 # ensure_packages NAME...: installs those that are missing and says which; does nothing at all when none is.
 ensure_packages() {

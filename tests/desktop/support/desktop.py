@@ -245,6 +245,27 @@ class PrivateDesktop:
     def press(self, key):
         self._tool("key", key, check=True)
 
+    def type(self, text):
+        """Presses the keys of a text, one after the other."""
+        self._tool("type", "--", text, check=True)
+
+    @contextlib.contextmanager
+    def hold_key(self, key):
+        self._tool("keydown", key, check=True)
+        try:
+            yield
+        finally:
+            self._tool("keyup", key, check=True)
+
+    @contextlib.contextmanager
+    def hold_button(self, x, y):
+        """Holds the left button of the pointer down there."""
+        self._tool("mousemove", x, y, "mousedown", 1, check=True)
+        try:
+            yield
+        finally:
+            self._tool("mouseup", 1, check=True)
+
     def windows(self, title):
         """The boxes of the visible windows of that title."""
         found = self._tool("search", "--onlyvisible", "--name", f"^{title}$").stdout.split()

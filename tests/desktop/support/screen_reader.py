@@ -1,0 +1,171 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""What programs tell to those who cannot see: the tree of their controls, asked over the bus for that as screen readers
+do. The library for it keeps one bus for the whole life of a process, where each test here has a desktop of its own."""
+
+from gi.repository import Gio, GLib
+
+from .item import CALL_MILLISECONDS, Bus
+from .screen import Box
+from .waiting import wait_until
+
+LAUNCHER = "/usr/libexec/at-spi-bus-launcher"
+BUS_NAME = "org.a11y.Bus"
+REGISTRY = "org.a11y.atspi.Registry"
+REGISTRY_PATH = "/org/a11y/atspi/registry"
+EVENT = "org.a11y.atspi.Event.Object"
+ROOT = "/org/a11y/atspi/accessible/root"
+ACCESSIBLE = "org.a11y.atspi.Accessible"
+COMPONENT = "org.a11y.atspi.Component"
+VALUE = "org.a11y.atspi.Value"
+TEXT = "org.a11y.atspi.Text"
+SCREEN_COORDINATES = 0
+START_SECONDS = 20
+
+# Their places in the set of states.
+STATES = {"checked": 4, "enabled": 8, "focusable": 11, "focused": 12, "showing": 25}
+LABELLED_BY = 2
+
+
+class ScreenReader:
+    """Programs that are started after it find that somebody listens."""
+
+    def __init__(self, desktop):
+        self.desktop = desktop
+        desktop.start("a11y-bus", [LAUNCHER, "--launch-immediately", "--a11y=1", "--screen-reader=1"])
+        wait_until(lambda: desktop.bus.owner(BUS_NAME), START_SECONDS, "the bus of screen readers is there")
+        address = desktop.bus.call(BUS_NAME, "/org/a11y/bus", BUS_NAME, "GetAddress")[0]
+        self._bus = Bus(address)
+        # Nobody else starts it, and calls of ours do not.
+        bus = "org.freedesktop.DBus"
+        arguments = GLib.Variant("(su)", (REGISTRY, 0))
+        self._bus.call(bus, "/org/freedesktop/DBus", bus, "StartServiceByName", arguments)
+        self._focused = None
+        self._follow_focus(address)
+
+    def close(self):
+        self._focus_connection.close_sync(None)
+        self._bus.close()
+
+    @property
+    def focused(self):
+        """What has got the keyboard last, as programs tell it by themselves; None before the first."""
+        return self._focused and Control(self._bus, *self._focused)
+
+    def _follow_focus(self, address):
+        flags = Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
+        self._focus_connection = Gio.DBusConnection.new_for_address_sync(address, flags, None, None)
+        self._focus_connection.add_filter(self._hear)
+        bus = "org.freedesktop.DBus"
+        rule = GLib.Variant("(s)", (f"type='signal',interface='{EVENT}',member='StateChanged',arg0='focused'",))
+        event = GLib.Variant("(sass)", ("object:state-changed:focused", [], ""))
+        for name, path, method, arguments in (
+            (bus, "/org/freedesktop/DBus", "AddMatch", rule),
+            (REGISTRY, REGISTRY_PATH, "RegisterEvent", event),
+        ):
+            self._focus_connection.call_sync(
+                name, path, name, method, arguments, None, Gio.DBusCallFlags.NONE, CALL_MILLISECONDS, None
+            )
+
+    def _hear(self, _, message, incoming):
+        """Called on a thread of the library's."""
+        if incoming and message.get_interface() == EVENT:
+            kind, has_it, *_ = message.get_body().unpack()
+            if kind == "focused" and has_it:
+                self._focused = message.get_sender(), message.get_path()
+        return message
+
+    def window(self, name):
+        """The shown window of that name, of whatever program; None while there is none."""
+        for program in Control(self._bus, REGISTRY, ROOT).children():
+            for window in program.children():
+                if window.name == name and window.has("showing"):
+                    return window
+        return None
+
+
+class Control:
+    """One object of the tree, asked anew at each access. GLib.Error when it has gone."""
+
+    def __init__(self, bus, owner, path):
+        self._bus = bus
+        self._owner = owner
+        self._path = path
+
+    def __eq__(self, other):
+        return (self._owner, self._path) == (other._owner, other._path)
+
+    def __repr__(self):
+        return f"<{self.role} {self.name!r}>"
+
+    def children(self):
+        return [Control(self._bus, *child) for child in self._call(ACCESSIBLE, "GetChildren")[0]]
+
+    @property
+    def window(self):
+        """What it stands in: the last before the program."""
+        parent = Control(self._bus, *self._get(ACCESSIBLE, "Parent"))
+        return self if parent.role == "application" else parent.window
+
+    def walk(self):
+        """It and all below it that is shown, as one reads it."""
+        yield self
+        for child in self.children():
+            if child.has("showing"):
+                yield from child.walk()
+
+    def controls(self):
+        """Those below it that can have the keyboard, as one reads them."""
+        return [each for each in self.walk() if each.has("focusable")]
+
+    def find(self, role, name):
+        """The first of that role and name below it; None when there is none."""
+        return next((each for each in self.walk() if (each.role, each.name) == (role, name)), None)
+
+    @property
+    def role(self):
+        return self._call(ACCESSIBLE, "GetRoleName")[0]
+
+    @property
+    def name(self):
+        return self._get(ACCESSIBLE, "Name")
+
+    @property
+    def description(self):
+        return self._get(ACCESSIBLE, "Description")
+
+    def has(self, state):
+        words = self._call(ACCESSIBLE, "GetState")[0]
+        return bool(words[STATES[state] // 32] >> STATES[state] % 32 & 1)
+
+    @property
+    def labels(self):
+        """What stands before it."""
+        relations = self._call(ACCESSIBLE, "GetRelationSet")[0]
+        return [Control(self._bus, *each) for kind, targets in relations if kind == LABELLED_BY for each in targets]
+
+    @property
+    def label(self):
+        """What people call it: what stands before it, or else its own name."""
+        labels = self.labels
+        return labels[0].name if labels else self.name
+
+    @property
+    def box(self):
+        """Where it is on the screen."""
+        return Box(*self._call(COMPONENT, "GetExtents", GLib.Variant("(u)", (SCREEN_COORDINATES,)))[0])
+
+    @property
+    def value(self):
+        """Of what holds a number."""
+        return self._get(VALUE, "CurrentValue")
+
+    @property
+    def text(self):
+        """Of what holds a text."""
+        return self._call(TEXT, "GetText", GLib.Variant("(ii)", (0, -1)))[0]
+
+    def _call(self, interface, method, arguments=None):
+        return self._bus.call(self._owner, self._path, interface, method, arguments)
+
+    def _get(self, interface, key):
+        return self._bus.get(self._owner, self._path, interface, key)
