@@ -67,8 +67,8 @@ target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_SOUNDS="${CMAKE
 target_link_libraries(velmora_adapter_tests PRIVATE PkgConfig::canberra)
 add_dependencies(velmora_adapter_tests sounds velmora_chart)
 
-# The popover in every state, as pictures to look at.
-add_executable(velmora_gallery gallery/Gallery.cpp)
+# The popover and the settings in every state, as pictures to look at.
+add_executable(velmora_gallery gallery/Gallery.cpp gallery/Pictures.cpp gallery/SettingsStates.cpp)
 target_link_libraries(velmora_gallery PRIVATE velmora_desktop velmora_test_support velmora_options)
 target_compile_definitions(velmora_gallery PRIVATE VELMORA_ICONS="${CMAKE_BINARY_DIR}/share/icons")
 add_dependencies(velmora_gallery icons percent_glyphs velmora_chart)
@@ -76,3 +76,7 @@ foreach(scale 1 2)
     add_test(NAME gallery.scale${scale} COMMAND velmora_gallery ${CMAKE_BINARY_DIR}/gallery)
     set_tests_properties(gallery.scale${scale} PROPERTIES ENVIRONMENT "QT_SCALE_FACTOR=${scale}" TIMEOUT 60)
 endforeach()
+add_test(NAME gallery.twelve_hours COMMAND velmora_gallery ${CMAKE_BINARY_DIR}/gallery/twelve-hours)
+set_tests_properties(gallery.twelve_hours PROPERTIES ENVIRONMENT "LC_ALL=en_US.UTF-8" TIMEOUT 60)
+add_test(NAME gallery.low_screen COMMAND velmora_gallery ${CMAKE_BINARY_DIR}/gallery/low-screen 600)
+set_tests_properties(gallery.low_screen PROPERTIES TIMEOUT 60)

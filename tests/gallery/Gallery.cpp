@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Draws the popover in every state to look at: velmora_gallery FOLDER. The toolkit's own QT_SCALE_FACTOR sets the
-// scale. It fails when there is nothing to see in one of the pictures.
+// Draws the popover and the settings window in every state to look at: velmora_gallery FOLDER [HEIGHT]. The toolkit's
+// own QT_SCALE_FACTOR sets the scale, LC_ALL the clock. On a screen of that height there is the settings window alone.
+// It fails when there is nothing to see in one of the pictures, or when the settings window leaves the screen.
 #include "alerts/Prefs.h"
+#include "gallery/Pictures.h"
+#include "gallery/SettingsStates.h"
 #include "support/PopoverScene.h"
 #include "views/DesktopPalette.h"
 #include "views/Popover.h"
@@ -12,9 +15,6 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
-#include <QImage>
-#include <QPixmap>
-#include <QSet>
 #include <QStyle>
 #include <QTemporaryDir>
 
@@ -73,25 +73,8 @@ const std::vector<State> states{
     {"limit-100", [](Scene& s) { s.fake.defaults.setObject("limit", Value(100)); }},
 };
 
-[[noreturn]] void fail(const char* why, const QString& file) {
-    std::fprintf(stderr, "velmora_gallery: %s: %s\n", why, qPrintable(file));
-    std::exit(EXIT_FAILURE);
-}
-
-/// Whether there is something to see: text and lines have more than a few colours, and all sides of them are free.
-bool showsSomething(const QImage& picture, const QColor& background) {
-    QSet<QRgb> colors;
-    qsizetype drawn = 0;
-    for (int y = 0; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width(); ++x) {
-            const QRgb color = picture.pixel(x, y);
-            colors.insert(color);
-            drawn += color != background.rgb() ? 1 : 0;
-        }
-    }
-    const double share = static_cast<double>(drawn) / (static_cast<double>(picture.width()) * picture.height());
-    return colors.size() > 30 && share > 0.03 && share < 0.5;
-}
+/// The popover is mostly empty.
+constexpr double mostDrawn = 0.5;
 
 void draw(const State& state, const QString& file) {
     Scene scene;
@@ -110,18 +93,17 @@ void draw(const State& state, const QString& file) {
     if (scene.isUnfolded)
         view->findChild<QAbstractButton*>(QStringLiteral("dailySummaryDisclosure"))->click();
     QCoreApplication::processEvents();
-    if (!popover.grab().save(file))
-        fail("cannot write", file);
-    if (!showsSomething(QImage(file), popover.palette().color(QPalette::Window)))
-        fail("there is nothing to see", file);
+    keep(popover, file, mostDrawn);
 }
 
-/// A screen that is high enough for everything, at any scale.
-void makeScreen(const QTemporaryDir& folder) {
+/// A screen of that height.
+void makeScreen(const QTemporaryDir& folder, const char* height) {
     const QString path = folder.filePath(QStringLiteral("screens.json"));
     QFile file(path);
     file.open(QIODevice::WriteOnly);
-    file.write(R"({"screens":[{"name":"high","x":0,"y":0,"width":4000,"height":4000,"logicalDpi":96,"dpr":1}]})");
+    file.write(R"({"screens":[{"name":"one","x":0,"y":0,"width":4000,"height":)");
+    file.write(height);
+    file.write(R"(,"logicalDpi":96,"dpr":1}]})");
     qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + QFile::encodeName(path));
 }
 
@@ -129,10 +111,11 @@ void makeScreen(const QTemporaryDir& folder) {
 
 int main(int argc, char** argv) {
     const QTemporaryDir temporary;
-    makeScreen(temporary);
+    const bool isLow = argc == 3;
+    makeScreen(temporary, isLow ? argv[2] : "4000"); // high enough for everything, at any scale
     QApplication application(argc, argv);
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: velmora_gallery FOLDER\n");
+    if (argc != 2 && !isLow) {
+        std::fprintf(stderr, "usage: velmora_gallery FOLDER [HEIGHT]\n");
         return EXIT_FAILURE;
     }
     QApplication::setStyle(QStringLiteral("Fusion"));
@@ -141,12 +124,17 @@ int main(int argc, char** argv) {
     folder.mkpath(QStringLiteral("."));
     const QString scale = QString::number(qRound(application.devicePixelRatio() * 100));
     const QPalette light = QApplication::style()->standardPalette();
-    for (const State& state : states) {
-        for (const bool dark : {false, true}) {
-            QApplication::setPalette(desktopPalette(light, {.isDark = dark, .accent = {}, .font = {}}));
-            draw(state, folder.filePath(QStringLiteral("%1-%2-%3.png")
-                                            .arg(QLatin1String(state.name),
-                                                 dark ? QStringLiteral("dark") : QStringLiteral("light"), scale)));
+    for (const bool dark : {false, true}) {
+        QApplication::setPalette(desktopPalette(light, {.isDark = dark, .accent = {}, .font = {}}));
+        const auto file = [&](const char* name) {
+            return folder.filePath(
+                QStringLiteral("%1-%2-%3.png")
+                    .arg(QLatin1String(name), dark ? QStringLiteral("dark") : QStringLiteral("light"), scale));
+        };
+        drawSettings(file);
+        for (const State& state : states) {
+            if (!isLow)
+                draw(state, file(state.name));
         }
     }
     return EXIT_SUCCESS;

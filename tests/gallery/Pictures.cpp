@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "gallery/Pictures.h"
+
+#include <QFile>
+#include <QImage>
+#include <QPixmap>
+#include <QSet>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+bool showsSomething(const QImage& picture, const QColor& background, double mostDrawn) {
+    QSet<QRgb> colors;
+    qsizetype drawn = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const QRgb color = picture.pixel(x, y);
+            colors.insert(color);
+            drawn += color != background.rgb() ? 1 : 0;
+        }
+    }
+    const double share = static_cast<double>(drawn) / (static_cast<double>(picture.width()) * picture.height());
+    return colors.size() > 30 && share > 0.03 && share < mostDrawn;
+}
+
+} // namespace
+
+void fail(const char* why, const QString& file) {
+    std::fprintf(stderr, "velmora_gallery: %s: %s\n", why, qPrintable(file));
+    std::exit(EXIT_FAILURE);
+}
+
+void keep(QWidget& widget, const QString& file, double mostDrawn) {
+    if (!widget.grab().save(file))
+        fail("cannot write", file);
+    if (!showsSomething(QImage(file), widget.palette().color(QPalette::Window), mostDrawn))
+        fail("there is nothing to see", file);
+}

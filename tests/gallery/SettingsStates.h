@@ -1,0 +1,10 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+/// Draws the settings window in every state, as it looks with the palette that is set. `file` gives the file for the
+/// name of a state.
+void drawSettings(const std::function<QString(const char*)>& file);
