@@ -38,19 +38,13 @@ void HistoryChart::setContent(const Content& content) {
     colors.setColor(QPalette::WindowText, content.secondary);
     empty_->setPalette(colors);
     empty_->setFont(textFont(TextStyle::caption));
-    if (content.points.size() < 2) {
+    const bool hasLine = content.points.size() >= 2;
+    if (hasLine && plot_ == nullptr && (plot_ = loadPlot(this)) != nullptr)
+        layers_->addWidget(plot_);
+    if (!hasLine || plot_ == nullptr) { // half a bundle has no plot; everything else in it can be used
         layers_->setCurrentWidget(empty_);
         setAccessibleName(empty_->text());
         return;
-    }
-    if (plot_ == nullptr) {
-        plot_ = loadPlot(this);
-        if (plot_ == nullptr) { // half a bundle; everything else in it can be used
-            empty_->setText(QStringLiteral("The part that draws the chart is missing."));
-            setAccessibleName(empty_->text());
-            return;
-        }
-        layers_->addWidget(plot_);
     }
     plot_->setContent(content);
     layers_->setCurrentWidget(plot_);

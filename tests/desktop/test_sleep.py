@@ -24,7 +24,8 @@ LATEST_READING = 5
 # A timer may round to the nearest millisecond.
 ROUNDING = 0.002
 
-# Through the charge limit, which is not to be told after waking; soon after the start, since the minute's reading would.
+# Through the charge limit, which is not to be told after waking; soon after the start, since the minute's reading
+# would.
 LEVELS = range(79, 89)
 SHORTEST_MINUTE = 50
 
@@ -66,7 +67,8 @@ class Sleep(DesktopCase):
 
             def read_and_shown():
                 self.collect(counter, moments)
-                return moments and moments[-1] >= woken + EARLIEST_READING - ROUNDING and program.item.label == f" {level}%"
+                is_read = moments and moments[-1] >= woken + EARLIEST_READING - ROUNDING
+                return is_read and program.item.label == f" {level}%"
 
             self.soon(
                 read_and_shown,

@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Real daemons that show notifications on a private desktop: started by us, asked or looked at to learn what they show."""
+"""Real daemons that show notifications on a private desktop: started by us, asked or looked at to learn
+what they show."""
 
 import json
 import os

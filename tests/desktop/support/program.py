@@ -9,7 +9,8 @@ from .item import StatusItem
 TOP = Path(__file__).resolve().parents[3]
 
 # How a build with sanitizers is to behave; of all variables outside, only these get in.
-SANITIZERS = {key: value for key, value in os.environ.items() if key in ("ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS")}
+SANITIZER_OPTIONS = ("ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS")
+SANITIZERS = {key: value for key, value in os.environ.items() if key in SANITIZER_OPTIONS}
 
 
 def bundle():

@@ -52,8 +52,8 @@ class Picture:
 
     @classmethod
     def of_dump(cls, data):
-        """From an X window dump, as Xvfb keeps one and xwd makes one: a header of big-endian numbers, colours, and pixels
-        of blue, green, red and nothing."""
+        """From an X window dump, as Xvfb keeps one and xwd makes one: a header of big-endian numbers, colours, and
+        pixels of blue, green, red and nothing."""
         header = struct.unpack(">25I", data[:100])
         header_size, width, height, bits, bytes_per_line, colours = (header[i] for i in (0, 4, 5, 11, 12, 19))
         if bits not in (24, 32):
