@@ -38,7 +38,10 @@ DEPENDENCIES = {"libcanberra0", "libqcustomplot2.1-qt6", "libqt6dbus6", "libqt6s
 
 def output_of(*command):
     """What a program writes; it must have nothing to complain about."""
-    done = subprocess.run(command, capture_output=True, text=True, check=False, timeout=TOOL_SECONDS)
+    environment = os.environ | {"LC_ALL": "C.UTF-8"}
+    done = subprocess.run(
+        command, env=environment, capture_output=True, text=True, check=False, timeout=TOOL_SECONDS
+    )
     if done.returncode != 0 or done.stderr:
         raise AssertionError(f"{command}: {done.returncode}, {done.stdout}{done.stderr}")
     return done.stdout
