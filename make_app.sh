@@ -3,7 +3,7 @@
 # Makes of a finished build what is given away:
 #
 #   make_app.sh [BUILD_DIR [OUTPUT]]       the bundle, an AppDir: it runs from wherever it is put, by OUTPUT/AppRun
-#   make_app.sh deb [BUILD_DIR [FOLDER]]   the Debian package, into a folder; it installs the bundle
+#   make_app.sh deb [BUILD_DIR [OUTPUT]]   the Debian package, which installs the bundle
 #
 # The package holds the same bytes whenever and wherever it is made of the same commit with the same tools.
 set -euo pipefail
@@ -55,8 +55,9 @@ if [ "$what" = bundle ]; then
 fi
 
 ensure_packages "${PACKAGE_PACKAGES[@]}"
-output=$(mkdir -p "${2:-$here/build}" && cd "${2:-$here/build}" && pwd)
-work=$(mktemp -d "$output/velmora.XXXXXX")
+output=${2:-$here/build/velmora.deb}
+mkdir -p "$(dirname "$output")"
+work=$(cd "$(mktemp -d "$output.XXXXXX")" && pwd)
 trap 'rm -rf "$work"' EXIT
 export SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(commit_time)}
 umask 022
@@ -71,8 +72,9 @@ for size in 16 22 24 32 48 64 128 256 512; do
     mkdir -p "$icons"
     rsvg-convert --width=$size --height=$size "$pack/Velmora.app/$id.svg" --output="$icons/$id.png"
 done
-# The revision is that of a package that somebody made who is not Debian.
-version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")-0local1
+# The revision is that of a package that is not Debian's, and grows with each commit, so that apt sees an upgrade.
+version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
+version+=-0local$(date --utc --date="@$SOURCE_DATE_EPOCH" +%Y%m%d%H%M%S)
 maintainer=$(sed -n 's/^Maintainer: //p' "$pack/debian/control")
 cat >"$pack/debian/changelog" <<END
 velmora ($version) UNRELEASED; urgency=medium
@@ -84,7 +86,5 @@ END
 
 (cd "$pack" && DEB_RULES_REQUIRES_ROOT=no debian/rules binary >"$work/debhelper.log" 2>&1) ||
     { cat "$work/debhelper.log" >&2; exit 1; }
-for file in "$work"/*.deb; do
-    mv "$file" "$output"
-    echo "Made $output/${file##*/}"
-done
+mv "$work"/velmora_*.deb "$output"
+echo "Made $output, $version"

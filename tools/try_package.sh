@@ -10,13 +10,13 @@ newcomer "$build"
 step "The same in another folder"
 login "mkdir -p '$elsewhere'; cd '$elsewhere'; $fetch; cd velmora; $build"
 step "They are the same bytes"
-login "sha256sum velmora/build/velmora_*.deb '$elsewhere'/velmora/build/velmora_*.deb
-    cmp velmora/build/velmora_*.deb '$elsewhere'/velmora/build/velmora_*.deb"
-newcomer 'lintian --info --display-info --fail-on error,warning build/velmora_*.deb'
+login "sha256sum velmora/build/velmora.deb '$elsewhere'/velmora/build/velmora.deb
+    cmp velmora/build/velmora.deb '$elsewhere'/velmora/build/velmora.deb"
+newcomer 'lintian --info --display-info --fail-on error,warning build/velmora.deb'
 rm -rf "$top/build/newcomer"
 mkdir -p "$top/build/newcomer"
-cp "$root$home"/velmora/build/velmora_*.deb "$top/build/newcomer"
-package=$(echo "$top"/build/newcomer/velmora_*.deb)
+package=$top/build/newcomer/velmora.deb
+cp "$root$home/velmora/build/velmora.deb" "$package"
 
 step "Another Debian that has nothing but a desktop and what the package depends on"
 root=$clean
@@ -31,11 +31,16 @@ dpkg-deb --raw-extract "$package" "$work/next"
 sed -i 's/^Version: .*/&+next/' "$work/next/DEBIAN/control"
 dpkg-deb --root-owner-group --build "$work/next" "$root/srv/next.deb" >/dev/null
 
-# Every file with its kind, size, time and mode, but for what the user, the package manager and running programs keep.
+# Every folder and link with its mode, and every file with what is in it, but for what the user, the package manager and
+# running programs keep.
 files() {
-    find "$root" -xdev \( -path "$root/proc" -o -path "$root/tmp" -o -path "$root/home" -o -path "$root/var/log" \
-        -o -path "$root/var/lib/dpkg" -o -path "$root/var/lib/apt" -o -path "$root/var/cache/apt" \) -prune \
-        -o \( -type d -printf '%P %y %m\n' -o -printf '%P %y %s %m %T@ %l\n' \) | sort
+    local skip=(-path ./proc -o -path ./tmp -o -path ./home -o -path ./var/log -o -path ./var/lib/dpkg
+        -o -path ./var/lib/apt -o -path ./var/cache/apt)
+    (
+        cd "$root"
+        find . -xdev \( "${skip[@]}" \) -prune -o -printf '%p %y %m %l\n'
+        find . -xdev \( "${skip[@]}" \) -prune -o -type f -print0 | xargs --null sha256sum
+    ) | sort
 }
 try() {
     step "Used, started by: $1"

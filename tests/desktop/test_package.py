@@ -47,11 +47,10 @@ def output_of(*command):
     return done.stdout
 
 
-def pack(folder):
-    """Makes the package into a folder and gives its file."""
-    command = [TOP / "make_app.sh", "deb", os.environ.get("VELMORA_BUILD", TOP / "build/default"), folder]
+def pack(file):
+    """Makes the package, as this file."""
+    command = [TOP / "make_app.sh", "deb", os.environ.get("VELMORA_BUILD", TOP / "build/default"), file]
     subprocess.run(command, check=True, stdout=subprocess.DEVNULL, timeout=PACK_SECONDS)
-    (file,) = folder.iterdir()
     return file
 
 
@@ -70,7 +69,7 @@ class Package(DesktopCase):
     def setUpClass(cls):
         cls.folder = Path(tempfile.mkdtemp(prefix="velmora-package-"))
         cls.addClassCleanup(shutil.rmtree, cls.folder)
-        cls.file = pack(cls.folder / "made")
+        cls.file = pack(cls.folder / "velmora.deb")
         cls.root = cls.folder / "root"
         output_of("dpkg-deb", "--extract", cls.file, cls.root)
 
@@ -114,8 +113,7 @@ class Package(DesktopCase):
             self.assertEqual(struct.unpack(">8x4x4sII", file.read_bytes()[:24]), (b"IHDR", size, size))
 
     def test_is_the_same_bytes_when_it_is_made_elsewhere(self):
-        again = pack(self.folder / "made again in a folder with another name")
-        self.assertEqual(again.name, self.file.name)
+        again = pack(self.folder / "a folder with another name/again.deb")
         self.assertEqual(again.read_bytes(), self.file.read_bytes())
 
     def test_runs_and_reminds_by_its_command(self):
