@@ -24,7 +24,8 @@ give_proc
 install install "${DESKTOP_PACKAGES[@]}"
 install satisfy "$(dpkg-deb --field "$package" Depends)"
 inside useradd --create-home "$user"
-mkdir -m 1777 -p "$root/tmp/.X11-unix" # a system that runs has it
+mkdir -p "$root/tmp/.X11-unix" # a system that runs has it
+chmod 1777 "$root/tmp/.X11-unix"
 cp -r "$top/tests" "$root/srv/tests"
 cp "$package" "$root/srv/velmora.deb"
 dpkg-deb --raw-extract "$package" "$work/next"
@@ -37,7 +38,7 @@ files() {
     local skip=(-path ./proc -o -path ./tmp -o -path ./home -o -path ./var/log -o -path ./var/lib/dpkg
         -o -path ./var/lib/apt -o -path ./var/cache/apt)
     (
-        cd "$root"
+        cd "$root" || exit
         find . -xdev \( "${skip[@]}" \) -prune -o -printf '%p %y %m %l\n'
         find . -xdev \( "${skip[@]}" \) -prune -o -type f -print0 | xargs --null sha256sum
     ) | sort
