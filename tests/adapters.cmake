@@ -48,6 +48,7 @@ add_executable(velmora_adapter_tests
     views/PopoverViewTest.cpp
     views/RingViewTest.cpp
     views/SettingsViewTest.cpp
+    views/TabularFontTest.cpp
     views/TimeTextTest.cpp
 )
 target_link_libraries(velmora_adapter_tests PRIVATE velmora_desktop velmora_desktop_test_support velmora_options

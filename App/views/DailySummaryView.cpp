@@ -36,7 +36,7 @@ int columnWidth(const Column& column, const QFontMetrics& metrics) {
 QFont tableFont() {
     constexpr int scrollBar = 16; // which is there when the screen is too low
     constexpr int room = popoverWidth - 2 * popoverPadding - scrollBar;
-    QFont font = textFont(TextStyle::caption);
+    QFont font = tabularFont(textFont(TextStyle::caption));
     const auto width = [&font] {
         const QFontMetrics metrics(font);
         int sum = 0;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/RingView.h"
 
+#include "views/ViewStyle.h"
+
 #include <QPainter>
 
 #include <algorithm>
@@ -13,11 +15,13 @@ constexpr int padding = 6;
 constexpr qreal lineWidth = 11;
 constexpr int textSize = 28;
 
-/// The font in the size of the ring, smaller where the text would touch the line.
+/// The desktop's own font, since desktops have no rounded one beside it, in the size of the ring; smaller where the
+/// text would touch the line.
 QFont ringFont(const QFont& base, const QString& text, qreal room) {
     QFont font = base;
     font.setPixelSize(textSize);
     font.setWeight(QFont::DemiBold);
+    font = tabularFont(font);
     const qreal width = QFontMetricsF(font).horizontalAdvance(text);
     if (width > room)
         font.setPixelSize(std::max(1, static_cast<int>(textSize * room / width)));

@@ -7,6 +7,8 @@
 #include <QFont>
 #include <QPalette>
 
+#include <functional>
+
 /// How wide the popover's content is, and how much of that is left free on each side.
 inline constexpr int popoverWidth = 340;
 inline constexpr int popoverPadding = 16;
@@ -18,6 +20,14 @@ inline constexpr const char* glyphFolder = "glyphs";
 enum class TextStyle { body, headline, callout, caption, caption2 };
 
 QFont textFont(TextStyle style);
+
+/// How wide a digit is in a font.
+using DigitWidth = std::function<double(const QFont& font, char digit)>;
+double digitWidth(const QFont& font, char digit);
+
+/// The font if its digits are all as wide, so that numbers stay where they are while they change; else one that has
+/// such digits, in the same size. Fonts that have both kinds cannot be told to use the other one, before Qt 6.7.
+QFont tabularFont(const QFont& font, const DigitWidth& width = digitWidth);
 
 /// What a colour is for. By the Web Content Accessibility Guidelines text needs a contrast of 4.5 : 1 at least, and
 /// what is no text 3 : 1.
