@@ -45,6 +45,7 @@ add_executable(velmora_adapter_tests
     support/Umockdev.cpp
     support/Watcher.h
     views/DesktopPaletteTest.cpp
+    views/PopoverTest.cpp
     views/PopoverViewTest.cpp
     views/RingViewTest.cpp
     views/SettingsViewTest.cpp

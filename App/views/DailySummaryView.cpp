@@ -34,8 +34,7 @@ int columnWidth(const Column& column, const QFontMetrics& metrics) {
 
 /// The font of captions; smaller where the desktop's is so large that the table would not fit.
 QFont tableFont() {
-    constexpr int scrollBar = 16; // which is there when the screen is too low
-    constexpr int room = popoverWidth - 2 * popoverPadding - scrollBar;
+    constexpr int room = popoverWidth - 2 * popoverPadding;
     QFont font = tabularFont(textFont(TextStyle::caption));
     const auto width = [&font] {
         const QFontMetrics metrics(font);

@@ -2,6 +2,7 @@
 #include "views/Popover.h"
 
 #include "views/PopoverPlacement.h"
+#include "views/ThinScrollBar.h"
 #include "views/ViewStyle.h"
 
 #include <QEvent>
@@ -39,16 +40,36 @@ QScreen* screenAt(std::optional<ScreenPoint> point) {
     return screen != nullptr ? screen : QGuiApplication::primaryScreen();
 }
 
-constexpr int border = 1;
+constexpr int scrollBarGap = 2; ///< between the scroll bar and the sides
+
+/// A line around the window, before everything that is in it.
+class Border final : public QWidget {
+public:
+    explicit Border(QWidget* parent) : QWidget(parent) { setAttribute(Qt::WA_TransparentForMouseEvents); }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QColor line = palette().color(QPalette::WindowText);
+        line.setAlpha(60);
+        QPainter painter(this);
+        painter.setPen(line);
+        painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    }
+};
 
 } // namespace
 
-Popover::Popover() : QWidget(nullptr, popoverFlags()), area_(new QScrollArea(this)) {
+Popover::Popover()
+    : QWidget(nullptr, popoverFlags())
+    , area_(new QScrollArea(this))
+    , scrollBar_(new ThinScrollBar(area_->verticalScrollBar(), this))
+    , border_(new Border(this)) {
     setObjectName(QStringLiteral("popover"));
     setWindowTitle(QStringLiteral("Velmora"));
     area_->setFrameShape(QFrame::NoFrame);
     area_->setWidgetResizable(true);
     area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // it would take its width from the content
     area_->setFocusPolicy(Qt::NoFocus);
     area_->verticalScrollBar()->setAccessibleName(QStringLiteral("Scroll"));
 }
@@ -79,20 +100,16 @@ void Popover::place() {
     content->layout()->activate();
     const int wanted = content->layout()->hasHeightForWidth() ? content->layout()->totalHeightForWidth(popoverWidth)
                                                               : content->sizeHint().height();
-    const int height = std::min(wanted + 2 * border, available.height());
-    setFixedSize(popoverWidth + 2 * border, height); // also what makes tiling compositors let it float
-    area_->setGeometry(rect().marginsRemoved({border, border, border, border}));
+    // A fixed size is also what makes tiling compositors let it float.
+    setFixedSize(popoverWidth, std::min(wanted, available.height()));
+    area_->setGeometry(rect());
+    border_->setGeometry(rect());
+    const QRect side = rect().marginsRemoved({scrollBarGap, scrollBarGap, scrollBarGap, scrollBarGap});
+    scrollBar_->setGeometry(isRightToLeft() ? side.left() : side.right() + 1 - ThinScrollBar::thickness, side.top(),
+                            ThinScrollBar::thickness, side.height());
     const ScreenPoint corner = placePopover(
         point_, {available.x(), available.y(), available.width(), available.height()}, width(), this->height());
     move(corner.x, corner.y);
-}
-
-void Popover::paintEvent(QPaintEvent* /*event*/) {
-    QColor line = palette().color(QPalette::WindowText);
-    line.setAlpha(60);
-    QPainter painter(this);
-    painter.setPen(line);
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 
 bool Popover::wasJustClosed() const {

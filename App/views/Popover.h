@@ -9,6 +9,7 @@
 #include <optional>
 
 class QScrollArea;
+class ThinScrollBar;
 
 /// The window that opens from the status item and closes by itself when the user turns elsewhere.
 class Popover final : public QWidget {
@@ -17,8 +18,8 @@ class Popover final : public QWidget {
 public:
     Popover();
 
-    /// What is in it; it is as wide as the popover and as high as it wants to be, and scrolls where the screen is too
-    /// low for that. Taken over.
+    /// What is in it; it is as wide as the popover, whose border and scroll bar lie on its margin, and as high as it
+    /// wants to be, and scrolls where the screen is too low for that. Taken over.
     void setContent(QWidget* content);
 
     /// Shows it beside the point, or where it was last, or in the top right corner, and takes the keyboard.
@@ -34,10 +35,11 @@ protected:
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void hideEvent(QHideEvent* event) override;
-    void paintEvent(QPaintEvent* event) override;
 
 private:
     QScrollArea* area_;
+    ThinScrollBar* scrollBar_;
+    QWidget* border_;
     std::optional<ScreenPoint> point_;
     QElapsedTimer sinceClosed_;
 };
