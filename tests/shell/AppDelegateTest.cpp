@@ -3,6 +3,7 @@
 
 #include "alerts/Prefs.h"
 #include "support/FakePlatform.h"
+#include "support/WaitUntil.h"
 #include "views/Popover.h"
 #include "views/TimeText.h"
 
@@ -106,6 +107,26 @@ TEST_F(AppDelegateTest, OpensThePopoverOnAFreshReadingAndClosesItAgain) {
     EXPECT_EQ(popover(), nullptr);
     fakes.mainLoop.runDue();
     EXPECT_EQ(item().shown.back().title, " 42%") << "closing reads nothing";
+}
+
+TEST_F(AppDelegateTest, TheClickThatClosesThePopoverDoesNotOpenItAgain) {
+    delegate.applicationDidFinishLaunching();
+    item().action(ScreenPoint{100, 10});
+    Popover* const open = popover();
+    ASSERT_NE(open, nullptr);
+    // A panel takes the keyboard at the click on its item, and says afterwards what was clicked.
+    QEvent deactivated(QEvent::WindowDeactivate);
+    QApplication::sendEvent(open, &deactivated);
+    EXPECT_EQ(popover(), nullptr);
+    item().action(ScreenPoint{100, 10});
+    EXPECT_EQ(popover(), nullptr);
+    // What does not come from a click is meant.
+    choose("Show details");
+    EXPECT_EQ(popover(), open);
+    open->hide();
+    ASSERT_TRUE(waitUntil([&] { return !open->wasJustClosed(); }));
+    item().action(ScreenPoint{100, 10});
+    EXPECT_EQ(popover(), open);
 }
 
 TEST_F(AppDelegateTest, ShowDetailsOpensThePopoverAndKeepsItOpen) {
