@@ -62,6 +62,24 @@ class SystemBus(FaultCase):
         self.change_level(50)
         self.still_right()
 
+    def test_hangs_from_before_the_start(self):
+        """It is connected to when it goes on, or when another one comes."""
+        self.prepare(self.desktop(panel=False))
+        for comes_to in (lambda: self.screen.system_bus.send(signal.SIGCONT), self.start_another_bus):
+            self.screen.system_bus.send(signal.SIGSTOP)
+            self.start_program()
+            self.change_level(60)
+            comes_to()
+            self.sleep_and_wake(self.start_logind(), 50)
+            self.assertEqual(self.program.process.stop(), 0)
+            self.old = history.samples(history.read(self.screen)[1])
+        self.start_program()
+        self.still_right()
+
+    def start_another_bus(self):
+        self.screen.kill_system_bus()
+        self.screen.start_system_bus()
+
 
 if __name__ == "__main__":
     unittest.main()

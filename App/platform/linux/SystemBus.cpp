@@ -6,6 +6,7 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 
+#include <string_view>
 #include <utility>
 
 namespace fs = std::filesystem;
@@ -16,16 +17,22 @@ QString connectionName(int attempt) {
     return QStringLiteral("velmora-system-%1").arg(attempt);
 }
 
-/// Whether somebody listens at the socket. Asked first because the bus library waits long for an answer.
-bool somebodyListens(const fs::path& socket) {
+/// What a bus answers to everybody: the ways in which it lets one in. The zero comes first in every conversation.
+constexpr std::string_view question("\0AUTH\r\n", 7);
+
+/// A line to who listens at the socket, with the question on its way; none when nobody listens.
+FileDescriptor lineTo(const fs::path& socket) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     const std::string path = socket.string();
     if (path.empty() || path.size() >= sizeof address.sun_path)
-        return false;
+        return {};
     path.copy(address.sun_path, path.size());
-    const FileDescriptor descriptor(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-    return descriptor && ::connect(descriptor.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    FileDescriptor line(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    if (!line || ::connect(line.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+        ::send(line.get(), question.data(), question.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(question.size()))
+        return {};
+    return line;
 }
 
 } // namespace
@@ -36,6 +43,7 @@ SystemBus::SystemBus(fs::path socket, MainLoop& loop)
     , connection_(connectionName(0))
     , watch_([this] {
         watchSocket();
+        hangUp(); // it may be the one before that has not answered
         tryToConnect();
         // The socket is there a moment before somebody listens at it.
         loop_.after(Duration(1), lifetime_.guard([this] { tryToConnect(); }));
@@ -64,8 +72,32 @@ void SystemBus::watchSocket() {
 }
 
 void SystemBus::tryToConnect() {
-    if (connection_.isConnected() || !somebodyListens(socket_))
+    if (connection_.isConnected() || line_)
         return;
+    line_ = lineTo(socket_);
+    if (!line_)
+        return;
+    answer_ = std::make_unique<QSocketNotifier>(line_.get(), QSocketNotifier::Read);
+    QObject::connect(answer_.get(), &QSocketNotifier::activated, this, &SystemBus::answered);
+}
+
+void SystemBus::answered() {
+    char first = 0;
+    const bool isAlive = ::recv(line_.get(), &first, 1, MSG_DONTWAIT) == 1;
+    hangUp();
+    if (isAlive)
+        connectNow();
+}
+
+void SystemBus::hangUp() {
+    if (!answer_)
+        return;
+    answer_->setEnabled(false);
+    answer_.release()->deleteLater(); // it may be the one that is calling
+    line_ = FileDescriptor();
+}
+
+void SystemBus::connectNow() {
     QDBusConnection::disconnectFromBus(connectionName(attempt_));
     connection_ = QDBusConnection::connectToBus(QStringLiteral("unix:path=") + QString::fromStdString(socket_.string()),
                                                 connectionName(++attempt_));

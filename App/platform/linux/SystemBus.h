@@ -3,17 +3,21 @@
 
 #include "platform/Lifetime.h"
 #include "platform/Observers.h"
+#include "platform/linux/FileDescriptor.h"
 #include "platform/linux/FolderWatch.h"
 
 #include <QDBusConnection>
 #include <QObject>
+#include <QSocketNotifier>
 
 #include <filesystem>
+#include <memory>
 
 class MainLoop;
 
-/// The system bus, which may be absent, appear late, and be restarted under us. The socket that it listens at is
-/// watched, so that nothing has to be tried again and again.
+/// The system bus, which may be absent, appear late, hang, and be restarted under us. The socket that it listens at is
+/// watched, so that nothing has to be tried again and again. And since the bus library waits for a bus that hangs, and
+/// the whole program with it, the bus is first asked a question of our own, which can be left unanswered.
 class SystemBus final : public QObject {
     Q_OBJECT
 
@@ -25,7 +29,7 @@ public:
     /// Where the bus of this machine listens: what DBUS_SYSTEM_BUS_ADDRESS names, else the usual place.
     static std::filesystem::path usualSocket();
 
-    /// Connects if the bus is there, and from now on whenever it comes.
+    /// Connects soon if the bus is there, and from now on whenever it comes.
     void start();
 
     /// The present connection; not connected while there is no bus.
@@ -50,8 +54,13 @@ private:
     Observers<> lost_;
     FolderWatch watch_;
     int attempt_ = 0;
+    FileDescriptor line_; ///< while the question is open
+    std::unique_ptr<QSocketNotifier> answer_;
     Lifetime lifetime_;
 
     void tryToConnect();
+    void answered();
+    void hangUp();
+    void connectNow();
     void watchSocket();
 };
