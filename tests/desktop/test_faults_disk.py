@@ -7,6 +7,7 @@ import json
 import os
 import resource
 import subprocess
+import time
 import unittest
 
 from support import history
@@ -37,13 +38,27 @@ class Disk(FaultCase):
         self.assertEqual(history.read(self.screen), before)
         self.assertEqual(json.loads(self.screen.defaults_file.read_text(encoding="utf-8")), PREFERENCES)
         end()
+
+    def is_over(self):
+        """The user does something else that is to be kept."""
         self.item.menu.choose(next(entry.label for entry in self.item.menu.entries() if "Cancel" in entry.label))
         self.soon(lambda: not self.is_snoozed(), SHOW_SECONDS, "the menu says that there are reminders")
-        stored = json.loads(self.screen.defaults_file.read_text(encoding="utf-8"))
-        self.assertEqual(stored.pop("snoozeUntil"), 0)
-        self.assertEqual(stored, PREFERENCES)
-        self.screen.defaults_file.write_text(json.dumps(stored), encoding="utf-8")
+        self.assertEqual(self.take_stored_snooze(), 0)
         self.still_right()
+
+    def is_over_and_the_user_leaves(self):
+        """What was chosen meanwhile is kept all the same."""
+        self.assertEqual(self.program.process.stop(), 0, self.program.process.errors)
+        self.wrote_nothing(self.program)
+        self.assertGreater(self.take_stored_snooze(), time.time())
+        self.nothing_is_lost()
+
+    def take_stored_snooze(self):
+        """Of all preferences, the one that the program has written."""
+        stored = json.loads(self.screen.defaults_file.read_text(encoding="utf-8"))
+        until = stored.pop("snoozeUntil")
+        self.screen.defaults_file.write_text(json.dumps(stored), encoding="utf-8")
+        return until
 
     def is_snoozed(self):
         return SNOOZE not in [entry.label for entry in self.item.menu.entries()]
@@ -67,6 +82,7 @@ class ReadOnly(Disk):
         self.begin_as_ordinary_user()
         self.addCleanup(self.let_write, True)
         self.trouble(lambda: self.let_write(False), lambda: self.let_write(True))
+        self.is_over()
 
     def test_home_from_the_start_and_to_the_end(self):
         """What was there before stays as it was."""
@@ -105,6 +121,7 @@ class Full(Disk):
         """A limit of the kernel's for this process."""
         self.begin()
         self.trouble_by_limit()
+        self.is_over_and_the_user_leaves()
 
     def test_when_there_is_no_room(self):
         """Where we may not make a small disk, the limit stands for it."""
@@ -112,11 +129,12 @@ class Full(Disk):
         has_disk = mount_small_disk(screen.home)
         self.prepare(screen)
         self.start_program()
-        if not has_disk:
-            self.trouble_by_limit()
-            return
         ballast = screen.home / "ballast"
-        self.trouble(lambda: fill_with(ballast), ballast.unlink)
+        if has_disk:
+            self.trouble(lambda: fill_with(ballast), ballast.unlink)
+        else:
+            self.trouble_by_limit()
+        self.is_over()
 
     def trouble_by_limit(self):
         pid = self.program.process.pid

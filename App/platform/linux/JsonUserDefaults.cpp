@@ -74,6 +74,12 @@ JsonUserDefaults::JsonUserDefaults(fs::path file, Files& files, MainLoop& loop)
     values_ = load().values;
 }
 
+JsonUserDefaults::~JsonUserDefaults() {
+    // The disk may have been full when the user chose it, and have room by now.
+    if (!unwritten_.isEmpty())
+        write();
+}
+
 JsonUserDefaults::Content JsonUserDefaults::load() const {
     const auto text = files_.read(file_, sizeLimit);
     std::error_code error;
@@ -141,6 +147,12 @@ void JsonUserDefaults::setDamagedAside() {
 }
 
 void JsonUserDefaults::setObject(std::string_view key, const Value& value) {
+    unwritten_.insert(toQString(key), toJson(value));
+    write();
+    announce();
+}
+
+void JsonUserDefaults::write() {
     files_.createFolder(file_.parent_path());
     const FolderLock lock(file_.parent_path());
     // What others have written since is kept.
@@ -149,13 +161,11 @@ void JsonUserDefaults::setObject(std::string_view key, const Value& value) {
         setDamagedAside();
         present.values = values_;
     }
-    unwritten_.insert(toQString(key), toJson(value));
     values_ = withUnwritten(present.values);
     const QByteArray text = QJsonDocument(values_).toJson(QJsonDocument::Indented);
     if (!files_.replace(file_, {text.constData(), static_cast<std::size_t>(text.size())}))
         unwritten_ = {};
     watchFile();
-    announce();
 }
 
 Subscription JsonUserDefaults::onChange(std::function<void()> callback) {

@@ -21,6 +21,11 @@ public:
     /// `file` need not exist; it is made at the first write.
     JsonUserDefaults(std::filesystem::path file, Files& files, MainLoop& loop);
 
+    /// Tries once more to write what could not be written when it was set.
+    ~JsonUserDefaults() override;
+    JsonUserDefaults(const JsonUserDefaults&) = delete;
+    JsonUserDefaults& operator=(const JsonUserDefaults&) = delete;
+
     void registerDefaults(const Dictionary& fallbacks) override;
     bool boolForKey(std::string_view key) const override;
     std::int64_t integerForKey(std::string_view key) const override;
@@ -47,6 +52,7 @@ private:
 
     Content load() const;
     QJsonObject withUnwritten(QJsonObject values) const;
+    void write();
     void setDamagedAside();
     void fileChanged();
     void announce();
