@@ -43,13 +43,14 @@ std::optional<std::int64_t> integerOf(const QJsonValue& value) {
 }
 
 /// Keeps other writers of ours out. The folder itself is locked, so that no file is left lying about. Waited for up to
-/// a second, which a busy disk can hold up another writer for; then, and where there are no locks, it is done without.
+/// five seconds, because on a busy machine one that writes again and again hardly lets go between two writes; then, and
+/// where there are no locks, it is done without.
 class FolderLock {
 public:
     explicit FolderLock(const fs::path& folder)
         : descriptor_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
         using namespace std::chrono_literals;
-        const auto limit = std::chrono::steady_clock::now() + 1s;
+        const auto limit = std::chrono::steady_clock::now() + 5s;
         while (descriptor_ && ::flock(descriptor_.get(), LOCK_EX | LOCK_NB) != 0) {
             if ((errno != EWOULDBLOCK && errno != EINTR) || std::chrono::steady_clock::now() > limit)
                 return;
