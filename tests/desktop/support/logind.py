@@ -12,6 +12,7 @@ from gi.repository import Gio, GLib
 NAME = "org.freedesktop.login1"
 PATH = "/org/freedesktop/login1"
 MANAGER = "org.freedesktop.login1.Manager"
+CLOSE_SECONDS = 5
 
 
 class Release(NamedTuple):
@@ -39,11 +40,11 @@ class Logind:
         )
 
     def close(self):
-        """To be called when nobody holds a lock any more."""
+        """To be called when nobody holds a lock any more; in a test that has failed somebody may."""
         if not self._connection.is_closed():
             self._connection.close_sync(None)
         for thread in self._waiting:
-            thread.join()
+            thread.join(CLOSE_SECONDS)
 
     @property
     def locks(self):
@@ -64,7 +65,7 @@ class Logind:
         number = descriptors.append(writing)  # a copy of its own
         os.close(writing)
         self.given.append(message.get_body().unpack())
-        thread = threading.Thread(target=self._wait_for_release, args=[reading])
+        thread = threading.Thread(target=self._wait_for_release, args=[reading], daemon=True)
         self._waiting.append(thread)
         thread.start()
         reply = Gio.DBusMessage.new_method_reply(message)
