@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The floor that the program is measured against: an item in the panel, by the toolkit's own means, and a popover of as
-// many plain widgets that a click on it opens. It knows nothing of batteries.
+// The floor that the program is measured against: an item in the panel, by the toolkit's own means, a popover of as
+// many plain widgets that a click on it opens, and a window of as many plain controls that its menu opens. It knows
+// nothing of batteries.
+#include "BareSettings.h"
+
 #include <QApplication>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QLabel>
+#include <QMenu>
 #include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
@@ -94,6 +98,14 @@ int main(int argc, char** argv) {
         popover->move(600, 40);
         popover->setVisible(!popover->isVisible());
     });
+    QMenu menu;
+    std::unique_ptr<QDialog> settings;
+    menu.addAction(QStringLiteral("Settings…"), &application, [&settings] {
+        if (!settings)
+            settings = makeBareSettings();
+        settings->show();
+    });
+    item.setContextMenu(&menu);
     item.show();
     return QApplication::exec();
 }

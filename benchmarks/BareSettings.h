@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QDialog>
+
+#include <memory>
+
+/// A window of as many plain controls as the settings have, which does nothing.
+std::unique_ptr<QDialog> makeBareSettings();

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the settings window costs from the click to its first frame: when it is made, and when it opens again. Beside it
+// a bare window of as many plain controls.
+#include "BareSettings.h"
+#include "alerts/Prefs.h"
+#include "shell/AppModel.h"
+#include "support/FakePlatform.h"
+#include "views/SettingsView.h"
+#include "views/SettingsWindow.h"
+
+#include <QApplication>
+#include <QPixmap>
+#include <benchmark/benchmark.h>
+
+namespace {
+
+struct Laptop {
+    FakePlatform fake;
+    AppModel model{fake.platform()};
+    Laptop() { fake.defaults.registerDefaults(Prefs::defaults()); }
+
+    std::unique_ptr<QDialog> settings() {
+        return std::make_unique<SettingsWindow>(new SettingsView(model, fake.platform()));
+    }
+};
+
+/// Until all of it is painted.
+void show(QDialog& window) {
+    window.show();
+    QCoreApplication::processEvents();
+    benchmark::DoNotOptimize(window.grab());
+}
+
+void bareFirst(benchmark::State& state) {
+    for ([[maybe_unused]] auto _ : state)
+        show(*makeBareSettings());
+}
+BENCHMARK(bareFirst)->Unit(benchmark::kMillisecond);
+
+void settingsFirst(benchmark::State& state) {
+    Laptop laptop;
+    for ([[maybe_unused]] auto _ : state)
+        show(*laptop.settings());
+}
+BENCHMARK(settingsFirst)->Unit(benchmark::kMillisecond);
+
+void again(benchmark::State& state, QDialog& window) {
+    show(window);
+    for ([[maybe_unused]] auto _ : state) {
+        window.hide();
+        show(window);
+    }
+}
+
+void bareAgain(benchmark::State& state) {
+    again(state, *makeBareSettings());
+}
+BENCHMARK(bareAgain)->Unit(benchmark::kMillisecond);
+
+void settingsAgain(benchmark::State& state) {
+    Laptop laptop;
+    again(state, *laptop.settings());
+}
+BENCHMARK(settingsAgain)->Unit(benchmark::kMillisecond);
+
+void dropMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& /*message*/) {}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qInstallMessageHandler(dropMessage); // what that platform cannot do
+    const QApplication application(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
