@@ -35,7 +35,7 @@ class SettingsCase(DesktopCase):
         self.soon_equal(lambda: stored(self.screen).get(key), value, AT_ONCE_SECONDS)
 
     def dialog(self, name):
-        """It appears and is drawn."""
+        """It appears."""
         return self.soon(lambda: self.reader.window(name), DIALOG_SECONDS, f"the dialog {name!r} is there")
 
     def press_in_dialog(self, dialog, button):
@@ -85,6 +85,8 @@ class AUser(SettingsCase):
         self.assertEqual((window.box.width, window.box.height), (480, 720))
         self.assertTrue(SCREEN.contains(window.box), window.box)
         self.assertEqual(stored(self.screen), {}, "looking changes nothing")
+        drawn = lambda: len(self.screen.picture().crop(window.box).colours()) > 30
+        self.soon(drawn, DIALOG_SECONDS, "it is drawn")
         self.keep_picture(self.screen, "settings-2-open")
 
     def shows_the_remaining_time(self):
