@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/ViewStyle.h"
+
+#include <QApplication>
+#include <QDir>
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <cstdlib>
+
+/// One place and one language, whatever the machine's are: local times and dates are compared as they are written. The
+/// place changes its clocks by a rule that is told here, so that no time zone database is needed.
+int main(int argc, char** argv) {
+    // The allocator counts as used what it keeps at hand for each size, and can be told not to only before it starts.
+    if (::setenv("GLIBC_TUNABLES", "glibc.malloc.tcache_count=0", 0) == 0 &&
+        std::getenv("VELMORA_DAY_TESTS") == nullptr) {
+        ::setenv("VELMORA_DAY_TESTS", "started", 1);
+        ::execv("/proc/self/exe", argv);
+    }
+    testing::InitGoogleTest(&argc, argv);
+    ::setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
+    ::setenv("LC_ALL", "C.UTF-8", 1);
+    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    const QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    QDir::setSearchPaths(QLatin1String(glyphFolder), {QStringLiteral(VELMORA_ICONS "/hicolor/scalable/status")});
+    return RUN_ALL_TESTS();
+}
