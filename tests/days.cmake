@@ -3,6 +3,7 @@
 
 add_executable(velmora_day_tests
     shell/DayMain.cpp
+    shell/DesktopDayTest.cpp
     shell/SurfacesTest.cpp
     support/PlainProgram.cpp
 )
