@@ -2,6 +2,7 @@
 # The program with its windows through days of virtual time.
 
 add_executable(velmora_day_tests
+    platform/linux/QtMainLoopTest.cpp
     shell/DayMain.cpp
     shell/DesktopDayTest.cpp
     shell/SurfacesTest.cpp
