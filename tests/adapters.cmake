@@ -60,9 +60,7 @@ target_compile_definitions(velmora_adapter_tests PRIVATE
 add_dependencies(velmora_adapter_tests icons percent_glyphs)
 set_source_files_properties(views/PopoverViewTest.cpp PROPERTIES COMPILE_OPTIONS -UQT_NO_KEYWORDS)
 set_target_properties(velmora_adapter_tests PROPERTIES AUTOMOC ON CROSSCOMPILING_EMULATOR umockdev-wrapper)
-# umockdev shows its devices by preloading a library; where that is the sanitizer's place, it is told not to mind.
-gtest_discover_tests(velmora_adapter_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 60
-    ENVIRONMENT "ASAN_OPTIONS=verify_asan_link_order=0")
+gtest_discover_tests(velmora_adapter_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 60)
 
 # The alert sounds as they are built, and what plays them.
 target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_SOUNDS="${CMAKE_BINARY_DIR}/share/sounds/velmora")
