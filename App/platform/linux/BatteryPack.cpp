@@ -27,8 +27,10 @@ std::optional<double> scaled(std::optional<double> number, double factor) {
     return number ? std::optional(*number * factor) : std::nullopt;
 }
 
+constexpr double leastVoltage = 1000; ///< mV; no pack has less
+
 std::optional<double> millivolts(std::optional<double> microvolts) {
-    return microvolts && *microvolts >= 1e6 ? std::optional(*microvolts / 1000) : std::nullopt;
+    return microvolts && *microvolts >= leastVoltage * 1000 ? std::optional(*microvolts / 1000) : std::nullopt;
 }
 
 /// QUIRK: a sensor that is not there reads as absolute zero or as the largest number; beside a real one it must not
@@ -82,11 +84,13 @@ double toMilli(BatteryPack::Unit unit, const Stored& stored) {
     return largest > 0 && largest < least ? 1 : 1e-3;
 }
 
-/// No rate where it cannot be true: more than 300 W is the firmware's way of saying something else.
+/// No rate where it cannot be true: more than 300 W is the firmware's way of saying something else. Where the voltage
+/// is unknown, it is at least the volt that every pack has.
 void dropImpossibleRate(BatteryPack& pack) {
     constexpr double most = 300e3;
     const bool tooMuchPower = pack.power && std::abs(*pack.power) > most;
-    const bool tooMuchCurrent = pack.current && pack.voltage && std::abs(*pack.current) * *pack.voltage / 1000 > most;
+    const bool tooMuchCurrent =
+        pack.current && std::abs(*pack.current) * pack.voltage.value_or(leastVoltage) / 1000 > most;
     if (tooMuchPower)
         pack.power.reset();
     if (tooMuchCurrent)

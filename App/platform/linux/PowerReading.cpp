@@ -137,9 +137,10 @@ std::optional<double> amperage(const Packs& packs, bool onExternalPower) {
     return totalCurrent(packs, onExternalPower);
 }
 
+/// Nothing where the number is beyond what an integer holds, as a product of hostile ones may be.
 void put(Dictionary& dictionary, std::string key, std::optional<double> number) {
-    if (number)
-        dictionary.insert_or_assign(std::move(key), std::llround(*number));
+    if (const auto whole = number ? Value(std::round(*number)).integer() : std::nullopt)
+        dictionary.insert_or_assign(std::move(key), *whole);
 }
 
 } // namespace

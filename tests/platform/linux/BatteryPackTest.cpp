@@ -314,6 +314,12 @@ TEST(BatteryPack, HasNoRateAbove300Watts) {
     EXPECT_EQ(read(energyPack({{"power_now", ""}})).power, std::nullopt);
 }
 
+TEST(BatteryPack, HasNoCurrentThatWouldBeMoreThan300WattsAtAnyVoltage) {
+    EXPECT_EQ(read(chargePack({{"voltage_now", ""}, {"current_now", "300000000\n"}})).current, 300'000);
+    EXPECT_EQ(read(chargePack({{"voltage_now", ""}, {"current_now", "300000001\n"}})).current, std::nullopt);
+    EXPECT_EQ(read(chargePack({{"voltage_now", ""}, {"current_now", "-9223372036854775808\n"}})).current, std::nullopt);
+}
+
 TEST(BatteryPack, AMinusMeansOutAndElseTheStatusTellsTheDirection) {
     struct Row {
         const char* status;

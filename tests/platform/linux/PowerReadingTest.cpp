@@ -371,6 +371,15 @@ TEST(PowerReading, CapacitiesAreSummedAndLeftOutUnlessEveryPackTellsBoth) {
     EXPECT_EQ(at(noFull, "DesignCapacity"), std::nullopt);
 }
 
+TEST(PowerReading, CapacitiesBeyondAnyNumberAreLeftOut) {
+    const std::string most = "9223372036854775807";
+    const auto huge =
+        chargePack("Discharging", {{"charge_full", most}, {"charge_full_design", most}, {"voltage_min_design", most}});
+    const Dictionary keys = PowerReading::of({huge, energyPack("Discharging", {}, "BAT1")}).registry();
+    EXPECT_EQ(find(keys, "DesignCapacity"), nullptr);
+    EXPECT_EQ(find(keys, "MaxCapacity"), nullptr);
+}
+
 TEST(PowerReading, TheHighestTemperatureAndTheMostCyclesCount) {
     const Dictionary keys = registered({energyPack("Full", {{"temp", "291\n"}, {"cycle_count", "700\n"}}),
                                         energyPack("Full", {{"temp", "312\n"}, {"cycle_count", "12\n"}}, "BAT1"),
