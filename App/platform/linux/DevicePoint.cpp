@@ -3,10 +3,11 @@
 
 ScreenPoint toLogical(ScreenPoint point, const std::vector<ScreenArea>& screens) {
     for (const ScreenArea& screen : screens) {
-        const int x = static_cast<int>((point.x - screen.x) / screen.scale);
-        const int y = static_cast<int>((point.y - screen.y) / screen.scale);
-        if (point.x >= screen.x && point.y >= screen.y && x < screen.width && y < screen.height)
-            return {screen.x + x, screen.y + y};
+        // A panel may send any number, also one that is further from the screen than an int can tell.
+        const double x = (static_cast<double>(point.x) - screen.x) / screen.scale;
+        const double y = (static_cast<double>(point.y) - screen.y) / screen.scale;
+        if (x >= 0 && y >= 0 && x < screen.width && y < screen.height)
+            return {screen.x + static_cast<int>(x), screen.y + static_cast<int>(y)};
     }
     return point;
 }

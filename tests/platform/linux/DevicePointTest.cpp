@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 TEST(DevicePoint, IsTurnedIntoTheToolkitsPixels) {
     // Two screens side by side, 1920 by 1080 and 1800 by 1200 device pixels.
     const std::vector<ScreenArea> screens{{.x = 0, .y = 0, .width = 960, .height = 540, .scale = 2},
@@ -19,4 +21,13 @@ TEST(DevicePoint, IsTurnedIntoTheToolkitsPixels) {
     for (const Row& row : rows)
         EXPECT_EQ(toLogical(row.point, screens), row.logical) << row.point.x << ", " << row.point.y;
     EXPECT_EQ(toLogical({1000, 20}, {}), (ScreenPoint{1000, 20}));
+}
+
+TEST(DevicePoint, IsLeftAloneHoweverFarAway) {
+    constexpr int lowest = std::numeric_limits<int>::min();
+    constexpr int highest = std::numeric_limits<int>::max();
+    const std::vector<ScreenArea> screens{{.x = -1920, .y = -1080, .width = 1920, .height = 1080, .scale = 1},
+                                          {.x = 1920, .y = 1080, .width = 960, .height = 540, .scale = 0.5}};
+    for (const ScreenPoint point : {ScreenPoint{highest, highest}, {highest, 0}, {0, highest}, {lowest, lowest}})
+        EXPECT_EQ(toLogical(point, screens), point) << point.x << ", " << point.y;
 }
