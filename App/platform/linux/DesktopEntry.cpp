@@ -52,7 +52,7 @@ bool isKey(std::string_view text) {
 
 /// The name in "[name]"; empty when it is no such line.
 std::optional<std::string_view> groupName(std::string_view line) {
-    line = withoutTrailing(line);
+    line = line.substr(0, line.find_last_not_of(" \t") + 1); // fewer blanks than elsewhere, as GLib has it
     if (line.size() < 3 || line.front() != '[' || line.back() != ']')
         return std::nullopt;
     const std::string_view name = line.substr(1, line.size() - 2);
@@ -148,9 +148,9 @@ std::optional<DesktopEntry> DesktopEntry::parse(std::string_view text) {
     while (!text.empty()) {
         const std::size_t end = std::min(text.find('\n'), text.size());
         std::string_view line = text.substr(0, end);
-        text.remove_prefix(std::min(end + 1, text.size()));
-        if (line.ends_with('\r'))
+        if (end < text.size() && line.ends_with('\r')) // at the end of the file it is a part of the line
             line.remove_suffix(1);
+        text.remove_prefix(std::min(end + 1, text.size()));
 
         const std::string_view content = withoutLeading(line);
         if (content.empty() || content.front() == '#')
