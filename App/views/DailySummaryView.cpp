@@ -124,7 +124,9 @@ void DailySummaryView::setExpanded(bool expanded) {
 
 void DailySummaryView::setCell(int row, int column, const QString& text, const QString& spoken,
                                const QPalette& palette) {
-    const QString name = QStringLiteral("dailySummary.%1.%2").arg(row).arg(QLatin1String(columns[column].title));
+    const QString name = QStringLiteral("dailySummary.%1.%2")
+                             .arg(row)
+                             .arg(QLatin1String(columns[static_cast<std::size_t>(column)].title));
     QLayoutItem* item = grid_->itemAtPosition(row, column);
     auto* label = item != nullptr ? qobject_cast<QLabel*>(item->widget()) : nullptr;
     if (label == nullptr) {
