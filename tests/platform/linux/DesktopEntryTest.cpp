@@ -98,7 +98,7 @@ TEST(DesktopEntry, ReadsNothingThatIsNotWhollyOfTheFormat) {
 
 TEST(DesktopEntry, ReadsTenMegabytes) {
     std::string text = "[Desktop Entry]\n";
-    for (int i = 0; text.size() < 10'000'000; ++i)
+    for (std::size_t i = 0; text.size() < 10'000'000; ++i)
         text += "Key" + std::to_string(i % 1000) + '=' + std::string(i % 7, '\\') + "\n[Other]\n#\n[Desktop Entry]\n";
     text += "Name=" + std::string(10'000'000, 'x');
     const auto entry = DesktopEntry::parse(text);
