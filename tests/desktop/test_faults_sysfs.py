@@ -111,18 +111,21 @@ class Firmware(FaultCase):
     def each(self, faults, make):
         """Each fault in each attribute, and each time the right value after it."""
         for name, attributes in (("BAT0", FULL_BATTERY), ("AC", FULL_ADAPTER)):
-            for attribute in attributes:
+            for attribute, value in attributes.items():
                 for what, fault in faults.items():
-                    with self.subTest(supply=name, attribute=attribute, fault=what):
+                    try:
                         file = self.machine.attribute_file(name, attribute)
                         remove(file)
                         make(file, fault)
                         self.read_now()
                         self.item_is_sound()
                         remove(file)
-                        self.machine.set(name, **{attribute: attributes[attribute]})
+                        self.machine.set(name, **{attribute: value})
                         self.read_now()
                         self.soon_equal(lambda: self.item.label, " 64%", SHOW_SECONDS)
+                    except Exception as error:
+                        error.add_note(f"{attribute} of {name}: {what}")
+                        raise
 
     def item_is_sound(self):
         """What a single attribute says wrong may be believed, but it is a battery's."""
