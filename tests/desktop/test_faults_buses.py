@@ -64,7 +64,7 @@ class SystemBus(FaultCase):
 
     def test_hangs_from_before_the_start(self):
         """It is connected to when it goes on, or when another one comes."""
-        self.prepare(self.desktop(panel=False))
+        self.prepare(self.small_desktop())
         for comes_to in (lambda: self.screen.system_bus.send(signal.SIGCONT), self.start_another_bus):
             self.screen.system_bus.send(signal.SIGSTOP)
             self.start_program()

@@ -35,7 +35,7 @@ class HangingDaemon(FaultCase):
         self.still_right()
 
     def test_from_before_the_start(self):
-        self.prepare(self.desktop(panel=False))
+        self.prepare(self.small_desktop())
         self.hang()
         self.start_program()
         self.assertEqual(self.item.tooltip[0], ESTIMATING)

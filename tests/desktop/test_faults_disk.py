@@ -67,7 +67,7 @@ class Disk(FaultCase):
 class ReadOnly(Disk):
     def begin_as_ordinary_user(self):
         """Permissions mean nothing to root."""
-        self.screen = self.desktop(panel=False, ordinary_user=True)
+        self.screen = self.small_desktop(ordinary_user=True)
         self.prepare(self.screen)
         self.start_program(app=self.screen.own_bundle())
 
@@ -86,7 +86,7 @@ class ReadOnly(Disk):
 
     def test_home_from_the_start_and_to_the_end(self):
         """What was there before stays as it was."""
-        self.screen = self.desktop(panel=False, ordinary_user=True)
+        self.screen = self.small_desktop(ordinary_user=True)
         self.prepare(self.screen)
         app = self.screen.own_bundle()
         self.screen.hand_over(self.screen.folder)
@@ -104,7 +104,7 @@ class ReadOnly(Disk):
 
     def test_home_without_anything_in_it(self):
         """No folder of the program's can be made."""
-        self.screen = self.desktop(panel=False, ordinary_user=True)
+        self.screen = self.small_desktop(ordinary_user=True)
         app = self.screen.own_bundle()
         self.screen.hand_over(self.screen.folder)
         self.let_write(False)
@@ -125,7 +125,7 @@ class Full(Disk):
 
     def test_when_there_is_no_room(self):
         """Where we may not make a small disk, the limit stands for it."""
-        screen = self.desktop(panel=False)
+        screen = self.small_desktop()
         has_disk = mount_small_disk(screen.home)
         self.prepare(screen)
         self.start_program()

@@ -30,7 +30,7 @@ class Week(FaultCase):
     def setUp(self):
         self.seed = int(os.environ.get("VELMORA_SEED", time.time_ns() % 1000000))
         self.dice = random.Random(self.seed)
-        self.screen = self.desktop(panel=False)
+        self.screen = self.small_desktop()
         self.old = history.write_old(self.screen, OLD_SAMPLES)
         self.known = list(self.old)  # what is on the disk for certain
         self.screen.defaults_file.parent.mkdir()

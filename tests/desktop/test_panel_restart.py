@@ -14,7 +14,7 @@ LATE_SECONDS = 15
 
 class PanelCrashes(FaultCase):
     def test_ten_times_in_a_row_and_the_item_is_back_each_time(self):
-        self.begin(panel=True)
+        self.begin(panel=True, window_manager=True)
         for _ in range(CRASHES):
             self.screen.kill_panel()
             self.screen.start_panel()

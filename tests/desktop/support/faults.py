@@ -55,6 +55,10 @@ class FaultCase(DesktopCase):
     """`begin` starts the program with a month of history and preferences of the user's own; `still_right` is the end of
     each test."""
 
+    def small_desktop(self, **options):
+        """Without what is seldom needed, and slow to start on a busy machine."""
+        return self.desktop(**{"panel": False, "window_manager": False} | options)
+
     def prepare(self, screen):
         self.screen = screen
         self.old = history.write_old(screen)
@@ -62,7 +66,7 @@ class FaultCase(DesktopCase):
         screen.defaults_file.write_text(json.dumps(PREFERENCES), encoding="utf-8")
 
     def begin(self, changes=None, machine=None, app=None, **options):
-        self.prepare(self.desktop(**{"panel": False} | options))
+        self.prepare(self.small_desktop(**options))
         self.start_program(changes, machine, app)
 
     def start_program(self, changes=None, machine=None, app=None):
