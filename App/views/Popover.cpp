@@ -52,8 +52,9 @@ protected:
         QColor line = palette().color(QPalette::WindowText);
         line.setAlpha(60);
         QPainter painter(this);
-        painter.setPen(line);
-        painter.drawRect(rect().adjusted(0, 0, -1, -1));
+        // As areas: a pen lies across the edges, and half of it outside.
+        for (const QRect& side : QRegion(rect()) - QRegion(rect().adjusted(1, 1, -1, -1)))
+            painter.fillRect(side, line);
     }
 };
 
