@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The settings window in a user's hands: what is in it is found as a screen reader finds it, and operated by pointer and
-keys."""
+"""The settings window in a user's hands: what is in it is found as a screen reader finds it, and operated by pointer
+and keys."""
 
 import json
 
