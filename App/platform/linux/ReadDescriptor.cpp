@@ -7,17 +7,23 @@
 #include <cerrno>
 
 std::optional<std::string> readDescriptor(int descriptor, std::size_t limit, std::size_t expected) {
-    std::string content;
-    content.reserve(expected);
-    std::array<char, 4096> block{};
+    std::string content(expected, '\0');
+    std::array<char, 4096> more; // uninitialised: this is read many times for a few bytes each
+    std::size_t size = 0;
     for (;;) {
-        const ssize_t count = ::read(descriptor, block.data(), block.size());
-        if (count == 0)
+        const bool hasRoom = size < content.size();
+        const ssize_t count = hasRoom ? ::read(descriptor, content.data() + size, content.size() - size)
+                                      : ::read(descriptor, more.data(), more.size());
+        if (count == 0) {
+            content.resize(size);
             return content;
+        }
         if (count < 0 && errno == EINTR)
             continue;
-        if (count < 0 || content.size() + static_cast<std::size_t>(count) > limit)
+        if (count < 0 || size + static_cast<std::size_t>(count) > limit)
             return std::nullopt;
-        content.append(block.data(), static_cast<std::size_t>(count));
+        if (!hasRoom)
+            content.append(more.data(), static_cast<std::size_t>(count));
+        size += static_cast<std::size_t>(count);
     }
 }
