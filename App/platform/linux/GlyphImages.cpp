@@ -33,7 +33,8 @@ std::vector<QImage> GlyphImages::images(std::string_view symbol) const {
     const QString id = QStringLiteral("number");
     const QRectF number = glyph.elementExists(id) ? glyph.boundsOnElement(id) : QRectF();
     for (const int size : sizes) {
-        QImage image(size, size, QImage::Format_ARGB32);
+        // In any other format the toolkit starts threads to fill the paths of even so small a picture.
+        QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
         image.fill(Qt::transparent);
         QPainter painter(&image);
         // The glyphs leave a unit free on every side, which is where the outline goes.

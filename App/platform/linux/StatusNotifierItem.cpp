@@ -33,13 +33,13 @@ std::string processName(uint process) {
 
 /// As the protocol has it: the bytes A, R, G, B of each pixel in this order, not premultiplied.
 StatusNotifierPixmap toPixmap(const QImage& image, bool premultiplied) {
-    StatusNotifierPixmap pixmap{.width = image.width(), .height = image.height(), .pixels = {}};
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            const quint32 pixel = qToBigEndian(premultiplied ? qPremultiply(image.pixel(x, y)) : image.pixel(x, y));
-            pixmap.pixels.append(reinterpret_cast<const char*>(&pixel), sizeof pixel);
-        }
-    }
+    const QImage native =
+        image.convertToFormat(premultiplied ? QImage::Format_ARGB32_Premultiplied : QImage::Format_ARGB32);
+    const qsizetype rowSize = qsizetype{4} * native.width();
+    StatusNotifierPixmap pixmap{
+        .width = native.width(), .height = native.height(), .pixels = {rowSize * native.height(), Qt::Uninitialized}};
+    for (int y = 0; y < native.height(); ++y)
+        qToBigEndian<quint32>(native.constScanLine(y), native.width(), pixmap.pixels.data() + y * rowSize);
     return pixmap;
 }
 

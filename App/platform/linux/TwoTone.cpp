@@ -4,6 +4,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace {
 
@@ -13,7 +14,11 @@ constexpr QRgb dark = 0xFF0A0A0A;
 
 /// What lies within so many pixels of the glyph. What it covers by a quarter counts as a whole: smoothed edges would
 /// blur the outline.
-QImage grown(const QImage& mask, int distance) {
+QImage grown(QImage mask, int distance) {
+    for (int y = 0; y < mask.height(); ++y) {
+        uchar* row = mask.scanLine(y);
+        std::transform(row, row + mask.width(), row, [](uchar value) { return std::min(4 * value, 255); });
+    }
     QImage result(mask.size(), QImage::Format_Alpha8);
     result.fill(0);
     for (int dy = -distance; dy <= distance; ++dy) {
@@ -21,10 +26,10 @@ QImage grown(const QImage& mask, int distance) {
             if (dx * dx + dy * dy > distance * (distance + 1))
                 continue; // rounder than a square
             for (int y = std::max(0, -dy); y < mask.height() - std::max(0, dy); ++y) {
-                const uchar* from = mask.constScanLine(y + dy);
-                uchar* to = result.scanLine(y);
-                for (int x = std::max(0, -dx); x < mask.width() - std::max(0, dx); ++x)
-                    to[x] = static_cast<uchar>(std::max<int>(to[x], std::min(4 * from[x + dx], 255)));
+                const uchar* from = mask.constScanLine(y + dy) + std::max(0, dx);
+                uchar* to = result.scanLine(y) + std::max(0, -dx);
+                const int count = mask.width() - std::abs(dx);
+                std::transform(from, from + count, to, to, [](uchar one, uchar other) { return std::max(one, other); });
             }
         }
     }
@@ -42,7 +47,7 @@ QImage tinted(const QImage& mask, QRgb colour) {
 
 QImage twoTone(const QImage& glyph, int outline, const QRect& solid) {
     const QImage mask = glyph.convertToFormat(QImage::Format_Alpha8);
-    QImage image = tinted(grown(mask, outline), dark);
+    QImage image = tinted(grown(mask, outline), dark).convertToFormat(QImage::Format_ARGB32_Premultiplied);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
@@ -50,5 +55,6 @@ QImage twoTone(const QImage& glyph, int outline, const QRect& solid) {
     if (!solid.isEmpty())
         painter.drawRoundedRect(solid.adjusted(-outline, -outline, outline, outline), outline, outline);
     painter.drawImage(0, 0, tinted(mask, light));
-    return image;
+    painter.end();
+    return image.convertToFormat(QImage::Format_ARGB32);
 }
