@@ -64,8 +64,9 @@ gtest_discover_tests(velmora_adapter_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEO
 
 # The alert sounds as they are built, and what plays them.
 target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_SOUNDS="${CMAKE_BINARY_DIR}/share/sounds/velmora")
+target_sources(velmora_adapter_tests PRIVATE ${CMAKE_SOURCE_DIR}/App/platform/linux/CanberraOutput.cpp)
 target_link_libraries(velmora_adapter_tests PRIVATE PkgConfig::canberra)
-add_dependencies(velmora_adapter_tests sounds velmora_chart)
+add_dependencies(velmora_adapter_tests sounds velmora_chart velmora_sound)
 
 # The popover and the settings in every state, as pictures to look at.
 add_executable(velmora_gallery gallery/Gallery.cpp gallery/Pictures.cpp gallery/SettingsStates.cpp)

@@ -71,3 +71,7 @@ bool CanberraOutput::open() {
 void CanberraOutput::finish(ca_context* /*context*/, std::uint32_t /*id*/, int /*error*/, void* output) {
     static_cast<CanberraOutput*>(output)->finished_();
 }
+
+SoundOutput* makeCanberraOutput() {
+    return new CanberraOutput;
+}

@@ -3,6 +3,9 @@
 
 #include "platform/linux/CanberraOutput.h"
 
+#include <QCoreApplication>
+#include <QLibrary>
+
 #include <algorithm>
 #include <string>
 #include <system_error>
@@ -39,6 +42,12 @@ SoundOutput::Properties themeSound(const std::string& event) {
     return properties;
 }
 
+class Silence final : public SoundOutput {
+    Result play(const Properties& /*properties*/, std::function<void()> /*finished*/) override {
+        return Result::Failed;
+    }
+};
+
 } // namespace
 
 CanberraSounds::CanberraSounds(const std::filesystem::path& folder, SoundThread::MakeOutput makeOutput)
@@ -68,5 +77,10 @@ std::optional<std::filesystem::path> CanberraSounds::file(std::string_view name)
 }
 
 std::unique_ptr<SoundOutput> CanberraSounds::canberra() {
-    return std::make_unique<CanberraOutput>();
+    // Beside the executable, wherever the bundle was put.
+    QLibrary module(QCoreApplication::applicationDirPath() + QStringLiteral("/../lib/velmora/velmora-sound.so"));
+    const auto make = reinterpret_cast<decltype(&makeCanberraOutput)>(module.resolve("makeCanberraOutput"));
+    if (make == nullptr) // half a bundle; everything else in it can be used
+        return std::make_unique<Silence>();
+    return std::unique_ptr<SoundOutput>(make());
 }
