@@ -40,7 +40,8 @@ HistoryStore::HistoryStore(Files& files, const Clock& clock, const Calendar& cal
     if (std::optional<std::string> text = files_.read(url, largestFile))
         if (std::optional<std::deque<Sample>> loaded = decodeHistory(std::move(*text)))
             samples = std::move(*loaded);
-    std::ranges::stable_sort(samples, {}, &Sample::t);
+    if (!std::ranges::is_sorted(samples, {}, &Sample::t)) // sorting takes memory for a copy, also where nothing moves
+        std::ranges::stable_sort(samples, {}, &Sample::t);
     prune(clock.now());
 }
 

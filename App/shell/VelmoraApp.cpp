@@ -6,6 +6,7 @@
 #include "platform/linux/DisplayCheck.h"
 #include "platform/linux/DisplayLoss.h"
 #include "platform/linux/FreedesktopNotifications.h"
+#include "platform/linux/HeapMemory.h"
 #include "platform/linux/JsonUserDefaults.h"
 #include "platform/linux/LibraryMessages.h"
 #include "platform/linux/LogindSleep.h"
@@ -48,6 +49,12 @@ namespace {
 
 constexpr const char* noDisplay = "there is no display that it could show the battery on";
 
+/// It asks for everything within a few milliseconds, unless the machine is very busy.
+constexpr Duration untilPanelHasItem{0.1};
+
+/// All that a start has needed and that is not needed again has been freed.
+constexpr Duration untilStartIsOver{3};
+
 /// The program writes no log, so what the toolkit has to say is dropped. While it starts it can fail in one way only;
 /// stop here in the debugger to see how.
 void handleToolkitMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*message*/) {
@@ -67,6 +74,7 @@ void terminateRunning() {
 } // namespace
 
 int main(int argc, char** argv) {
+    giveBackLargeBlocks();
     TerminationSignals signalEvents;
     qInstallMessageHandler(handleToolkitMessage);
     dropLibraryMessages();
@@ -127,22 +135,25 @@ int main(int argc, char** argv) {
     session.setActivated([&delegate] { delegate.showDetails(); });
     delegate.applicationDidFinishLaunching();
     workspace.start();
-    // After the item is in the panel: nothing there waits for what the system bus has to say.
-    processInfo.start();
-    sleep.start();
-    systemBus.start();
-    notifications.start();
     DesktopLookWatch look(sessionBus,
                           [palette = QApplication::palette(), font = QApplication::font()](const auto& changed) {
                               QApplication::setPalette(desktopPalette(palette, changed));
                               QApplication::setFont(desktopFont(font, changed));
                           });
-    if (followsPortal(desktops.toStdString(), themeChoice.toStdString()))
-        look.start(isXfce(desktops.toStdString()));
-    for (const auto& file : {HistoryStore::file(files), defaultsFile, NotificationConsent::file(stateFolder)})
-        files.removeLeftovers(file);
-    if (const auto identifier = bundle.identifier())
-        files.removeLeftovers(XdgAutostart::file(xdgConfigHome(), *identifier));
+    // Nothing in the panel waits for what these have to say, so that the panel gets its answers first.
+    mainLoop.after(untilPanelHasItem, [&] {
+        processInfo.start();
+        sleep.start();
+        systemBus.start();
+        notifications.start();
+        if (followsPortal(desktops.toStdString(), themeChoice.toStdString()))
+            look.start(isXfce(desktops.toStdString()));
+        for (const auto& file : {HistoryStore::file(files), defaultsFile, NotificationConsent::file(stateFolder)})
+            files.removeLeftovers(file);
+        if (const auto identifier = bundle.identifier())
+            files.removeLeftovers(XdgAutostart::file(xdgConfigHome(), *identifier));
+    });
+    mainLoop.after(untilStartIsOver, giveBackFreeMemory);
     runningDelegate = &delegate;
     std::atexit(terminateRunning);
     beforeDisplayLoss(terminateRunning);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/Popover.h"
 
+#include "platform/linux/HeapMemory.h"
 #include "views/PopoverPlacement.h"
 #include "views/ThinScrollBar.h"
 #include "views/ViewStyle.h"
@@ -15,10 +16,6 @@
 #include <QScrollBar>
 
 #include <algorithm>
-#include <cstdlib>
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
 
 namespace {
 
@@ -133,10 +130,8 @@ void Popover::keyPressEvent(QKeyEvent* event) {
 
 void Popover::hideEvent(QHideEvent* event) {
     sinceClosed_.start();
-#ifdef __GLIBC__
     // The points and the table were made from copies of a week of samples, which the allocator would keep for the next
     // time; but that may be in hours.
-    ::malloc_trim(0);
-#endif
+    giveBackFreeMemory();
     QWidget::hideEvent(event);
 }
