@@ -13,7 +13,7 @@ import time
 
 from gi.repository import Gio, GLib
 from support.desktop import SCREEN, TRAY, PrivateDesktop
-from support.item import ITEM_INTERFACE, ITEM_PATH, PROPERTIES_INTERFACE, WATCHER
+from support.item import ITEM_INTERFACE, ITEM_PATH, MENU_INTERFACE, PROPERTIES_INTERFACE, WATCHER, Menu
 from support.laptop import SimulatedLaptop
 from support.waiting import wait_until
 
@@ -62,7 +62,7 @@ class Panel:
         invocation.return_value(None)
         if method == "RegisterStatusNotifierItem":
             self.owner = sender
-            self._call(PROPERTIES_INTERFACE, "GetAll", GLib.Variant("(s)", (ITEM_INTERFACE,)), self._answered)
+            self._call(ITEM_PATH, PROPERTIES_INTERFACE, "GetAll", GLib.Variant("(s)", (ITEM_INTERFACE,)), self._answered)
 
     def _answered(self, connection, result):
         connection.call_finish(result)
@@ -73,10 +73,8 @@ class Panel:
         values = {"IsStatusNotifierHostRegistered": ("b", True), "ProtocolVersion": ("i", 0)}
         return GLib.Variant(*values.get(key, ("as", [])))
 
-    def _call(self, interface, method, arguments, answered=None):
-        self._connection.call(
-            self.owner, ITEM_PATH, interface, method, arguments, None, CALL_FLAGS, -1, None, answered
-        )
+    def _call(self, path, interface, method, arguments, answered=None):
+        self._connection.call(self.owner, path, interface, method, arguments, None, CALL_FLAGS, -1, None, answered)
 
     def expect(self):
         self._came.clear()
@@ -89,7 +87,12 @@ class Panel:
 
     def click(self):
         """A click on the item, without waiting for the answer."""
-        self._call(ITEM_INTERFACE, "Activate", GLib.Variant("(ii)", POINT))
+        self._call(ITEM_PATH, ITEM_INTERFACE, "Activate", GLib.Variant("(ii)", POINT))
+
+    def choose(self, menu_path, number):
+        """Chooses that entry of the item's menu, without waiting for the answer."""
+        arguments = GLib.Variant("(isvu)", (number, "clicked", GLib.Variant("i", 0), 0))
+        self._call(menu_path, MENU_INTERFACE, "Event", arguments)
 
 
 class World:
@@ -173,11 +176,27 @@ class World:
 
     def toggle(self):
         """Clicks; the seconds until something was seen, and until all was."""
-        rows = self._rows(SCREEN, step=20)[2:-2]
+        return self._see(self.panel.click, SCREEN)
+
+    def open_settings(self):
+        """Chooses it in the menu; as `toggle`. What is looked at is the inside of the window, not what the window
+        manager draws around it."""
+        path = self.desktop.bus.get(self.panel.owner, ITEM_PATH, ITEM_INTERFACE, "Menu")
+        entries = Menu(self.desktop.bus, self.panel.owner, path).entries()
+        number = next(entry.id for entry in entries if entry.label == "Settings…")
+        inside = SCREEN._replace(x=SCREEN.width // 2 - 200, width=400)
+        return self._see(lambda: self.panel.choose(path, number), inside)
+
+    def close_settings(self):
+        self._see(lambda: self.desktop.press("Escape"), SCREEN)
+
+    def _see(self, act, box):
+        """The seconds from `act` until something in the box changed, and until nothing did any more."""
+        rows = self._rows(box, step=20)[2:-2]
         last = self._pixels(rows)
         first = finished = None
         begin = time.monotonic()
-        self.panel.click()
+        act()
         while (now := time.monotonic()) - (finished or begin) < (SETTLE_SECONDS if first else LIMIT):
             time.sleep(POLL_SECONDS)
             current = self._pixels(rows)
@@ -193,7 +212,9 @@ class World:
         """Where in the X server's picture the rows of a box are."""
         width = 4 * SCREEN.width
         start = len(self._screen) - width * SCREEN.height + 4 * box.x
-        return [slice(start + y * width, start + y * width + 4 * box.width) for y in range(box.y, box.y + box.height, step)]
+        return [
+            slice(start + y * width, start + y * width + 4 * box.width) for y in range(box.y, box.y + box.height, step)
+        ]
 
     def _pixels(self, rows):
         return [self._screen[row] for row in rows]
