@@ -13,6 +13,7 @@
 #include "views/TimeText.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <utility>
 
@@ -31,8 +32,12 @@ void AppDelegate::applicationDidFinishLaunching() {
     popover = std::make_unique<Popover>();
     bag.push_back(model.state.subscribe([this](const BatteryState&) { queueUpdate(); }));
     bag.push_back(platform_.defaults.onChange([this] { queueUpdate(); }));
-    bag.push_back(model.snoozeUntil.subscribe(
-        [this](std::optional<Date>) { platform_.mainLoop.async(lifetime_.guard([this] { updateMenu(); })); }));
+    bag.push_back(model.snoozeUntil.subscribe([this](std::optional<Date>) { queueMenu(); }));
+    // The end of a snooze is told in local time, and whoever travels takes the clock to another zone.
+    bag.push_back(model.historyVersion.subscribe([this](std::int64_t) {
+        if (model.snoozeUntil.get())
+            queueMenu();
+    }));
     bag.push_back(platform_.workspace.onSessionEnd(terminate_));
     model.start();
     updateStatusItem();
@@ -45,6 +50,10 @@ void AppDelegate::applicationWillTerminate() {
 void AppDelegate::queueUpdate() {
     // The coming value is announced before it is stored; a redraw on a later turn reads what is stored by then.
     platform_.mainLoop.async(lifetime_.guard([this] { updateStatusItem(); }));
+}
+
+void AppDelegate::queueMenu() {
+    platform_.mainLoop.async(lifetime_.guard([this] { updateMenu(); }));
 }
 
 void AppDelegate::updateStatusItem() {

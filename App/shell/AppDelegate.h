@@ -57,6 +57,7 @@ private:
     Lifetime lifetime_;
 
     void queueUpdate();
+    void queueMenu();
     void updateMenu();
     bool popoverIsShown() const;
     void openPopover(std::optional<ScreenPoint> point);

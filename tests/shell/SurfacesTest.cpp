@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/SystemCalendar.h"
 #include "shell/AppDelegate.h"
+#include "support/Environment.h"
 #include "support/FakePlatform.h"
 #include "support/PlainProgram.h"
 #include "views/LinkButton.h"
@@ -609,6 +610,11 @@ TEST_F(Surfaces, TellTheSameFromMorningToTheNextNoon) {
     });
     sleep(30min, [&] { laptop.percent -= 1; });
     live(5, "snoozed, awake");
+    {
+        const Environment zone{{"TZ", "EET-2EEST,M3.5.0/3,M10.5.0/4"}};
+        live(2, "an hour to the east");
+    }
+    live(2, "back in the west");
     sleep(4h, [&] {
         laptop.percent -= 9;
         laptop.pluggedIn = true;

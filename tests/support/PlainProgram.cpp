@@ -17,6 +17,7 @@ std::string printed(const char* format, double number) {
 std::tm localFields(double time) {
     const auto seconds = static_cast<std::time_t>(std::floor(time));
     std::tm fields{};
+    ::tzset(); // the zone may have been changed
     localtime_r(&seconds, &fields);
     return fields;
 }
