@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/SettingsView.h"
 
+#include "platform/Calendar.h"
+#include "platform/Clock.h"
 #include "platform/LoginItem.h"
 #include "platform/MainLoop.h"
 #include "platform/UserDefaults.h"
@@ -154,13 +156,17 @@ void SettingsView::addControl(QBoxLayout* section, const SettingsControl& contro
 QWidget* SettingsView::makeToggle(const SettingsControl& control, QLabel* /*label*/) {
     auto* toggle = new ToggleSwitch;
     syncs_.emplace_back([this, toggle, key = control.key] { toggle->setChecked(platform_.defaults.boolForKey(key)); });
-    connect(toggle, &ToggleSwitch::clicked, this,
-            [this, key = control.key, asksPermission = control.asksPermission](bool on) {
-                platform_.defaults.setObject(key, on);
-                sync();
-                if (on && asksPermission)
-                    model.notifier.requestIfNeeded();
-            });
+    connect(toggle, &ToggleSwitch::clicked, this, [this, key = control.key](bool on) {
+        platform_.defaults.setObject(key, on);
+        sync();
+    });
+    if (control.asksPermission) {
+        // Whoever switches it on; but a question that comes out of nothing, with no form to be seen, would frighten.
+        connect(toggle, &ToggleSwitch::toggled, this, [this](bool on) {
+            if (on && isVisible())
+                model.notifier.requestIfNeeded();
+        });
+    }
     return toggle;
 }
 
@@ -191,7 +197,9 @@ QWidget* SettingsView::makeSound(const SettingsControl& control) {
 
 QWidget* SettingsView::makeTime(const SettingsControl& control) {
     auto* box = new TimeBox;
-    syncs_.emplace_back([this, box, key = control.key] { box->setStored(platform_.defaults.integerForKey(key)); });
+    syncs_.emplace_back([this, box, key = control.key] {
+        box->setStored(platform_.defaults.integerForKey(key), platform_.calendar.timeOfDay(platform_.clock.now()));
+    });
     connect(box, &TimeBox::chosen, this,
             [this, key = control.key](int minutes) { platform_.defaults.setObject(key, minutes); });
     return box;

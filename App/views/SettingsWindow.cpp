@@ -38,6 +38,7 @@ SettingsWindow::SettingsWindow(QWidget* form)
 }
 
 void SettingsWindow::present() {
+    setWindowState(windowState() & ~Qt::WindowMinimized); // there is no button for that, but other ways
     show();
     raise();
     activateWindow();

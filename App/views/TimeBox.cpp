@@ -20,9 +20,9 @@ TimeBox::TimeBox(QWidget* parent) : QTimeEdit(parent) {
     });
 }
 
-void TimeBox::setStored(std::int64_t minutes) {
+void TimeBox::setStored(std::int64_t minutes, Calendar::TimeOfDay otherwise) {
     const auto stored = timeOfMinutes(minutes);
-    const QTime shown = stored ? QTime(stored->hour, stored->minute) : QTime::currentTime();
+    const QTime shown = stored ? QTime(stored->hour, stored->minute) : QTime(otherwise.hour, otherwise.minute);
     if (shown == time())
         return; // what is being typed stays
     const QSignalBlocker quiet(this);

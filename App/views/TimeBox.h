@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/Calendar.h"
+
 #include <QTimeEdit>
 
 #include <cstdint>
@@ -13,8 +15,8 @@ class TimeBox final : public QTimeEdit {
 public:
     explicit TimeBox(QWidget* parent = nullptr);
 
-    /// Shows minutes since midnight that the user did not choose; the present time for those that no day has.
-    void setStored(std::int64_t minutes);
+    /// Shows minutes since midnight that the user did not choose; `otherwise` for those that no day has.
+    void setStored(std::int64_t minutes, Calendar::TimeOfDay otherwise);
 
 Q_SIGNALS:
     /// The user chose a time, in minutes since midnight.

@@ -17,8 +17,10 @@
 #include <QPushButton>
 #include <QTest>
 #include <QTimeEdit>
+#include <QTimer>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -138,6 +140,14 @@ TEST_F(SettingsViewTest, StandsInAWindowOfFixedSizeThatIsKept) {
     EXPECT_FALSE(window->isVisible());
     window->present();
     EXPECT_TRUE(view->isVisible());
+}
+
+TEST_F(SettingsViewTest, ComesBackFromWhereverItWasPut) {
+    shown();
+    window->showMinimized();
+    window->present();
+    EXPECT_FALSE(window->isMinimized());
+    EXPECT_TRUE(window->isVisible());
 }
 
 TEST_F(SettingsViewTest, ASwitchIsStoredAtOnceAndRulesWhatHangsOnIt) {
@@ -268,11 +278,15 @@ TEST_F(SettingsViewTest, HoursAndMinutesAreClickedAndTypedOver) {
 }
 
 TEST_F(SettingsViewTest, MinutesThatNoDayHasAreLeftAloneAndShownAsThePresentTime) {
-    fake.defaults.setObject("quietStart", 1500);
-    const QTime before = QTime::currentTime().addSecs(-60);
-    const QTime shownTime = find<QTimeEdit>("quietStart").time();
-    EXPECT_LE(std::abs(before.secsTo(shownTime)), 120);
-    EXPECT_EQ(fake.defaults.integerForKey("quietStart"), 1500);
+    // By the clock of the program, whatever the machine's says.
+    const auto now = fake.calendar.timeOfDay(fake.clock.now());
+    for (const std::int64_t minutes : {1440, 1500, -1}) {
+        fake.defaults.setObject("quietStart", minutes);
+        shown();
+        settle();
+        EXPECT_EQ(find<QTimeEdit>("quietStart").time(), QTime(now.hour, now.minute)) << minutes;
+        EXPECT_EQ(fake.defaults.integerForKey("quietStart"), minutes);
+    }
 }
 
 TEST_F(SettingsViewTest, OffersTheSoundsInOrderAndLetsThemBeHeardOnce) {
@@ -299,6 +313,24 @@ TEST_F(SettingsViewTest, OffersTheSoundsInOrderAndLetsThemBeHeardOnce) {
     EXPECT_EQ(fake.defaults.stringForKey("lowSound"), "default");
     EXPECT_EQ(fake.sounds.played.size(), 1U);
     EXPECT_EQ(find<SoundPicker>("limitSound").currentText(), QStringLiteral("Default"));
+}
+
+TEST_F(SettingsViewTest, LetsASoundBeHeardThatAnotherProgramChose) {
+    shown();
+    fake.defaults.setObject("lowSound", "Frog");
+    settle();
+    EXPECT_EQ(fake.sounds.played, std::vector<std::string>{"Frog"});
+    fake.defaults.setObject("limit", 70);
+    fake.defaults.setObject("lowSound", "none");
+    settle();
+    EXPECT_EQ(fake.sounds.played.size(), 1U);
+    window->close();
+    fake.defaults.setObject("lowSound", "Glass");
+    settle();
+    window->present();
+    settle();
+    EXPECT_EQ(fake.sounds.played.size(), 1U) << "nobody was there";
+    EXPECT_EQ(find<SoundPicker>("lowSound").currentText(), QStringLiteral("Glass"));
 }
 
 TEST_F(SettingsViewTest, ASoundThatIsNotOfferedIsNotRewritten) {
@@ -332,6 +364,28 @@ TEST_F(SettingsViewTest, AsksForThePermissionWhenAnAlertIsSwitchedOn) {
     EXPECT_TRUE(fake.panels.alerts.empty()) << "the user has decided";
 }
 
+TEST_F(SettingsViewTest, AsksForThePermissionWhenAnotherProgramSwitchesAnAlertOn) {
+    fake.defaults.setObject("lowEnabled", false);
+    shown();
+    settle();
+    EXPECT_TRUE(fake.panels.alerts.empty());
+    fake.defaults.setObject("lowEnabled", true);
+    settle();
+    EXPECT_EQ(fake.panels.alerts.size(), 1U);
+    fake.defaults.setObject("lowEnabled", true);
+    fake.defaults.setObject("quietEnabled", true);
+    settle();
+    EXPECT_EQ(fake.panels.alerts.size(), 1U) << "nothing was switched on";
+    window->close();
+    fake.defaults.setObject("lowEnabled", false);
+    settle();
+    fake.defaults.setObject("lowEnabled", true);
+    settle();
+    window->present();
+    settle();
+    EXPECT_EQ(fake.panels.alerts.size(), 1U) << "nobody saw it";
+}
+
 TEST_F(SettingsViewTest, LaunchAtLoginShowsWhatReallyIs) {
     auto& launch = find<ToggleSwitch>("launchAtLogin");
     EXPECT_FALSE(launch.isChecked());
@@ -350,6 +404,29 @@ TEST_F(SettingsViewTest, LaunchAtLoginShowsWhatReallyIs) {
     fake.loginItem.enabled = true; // by the desktop's own settings
     view->readAgain();
     EXPECT_TRUE(launch.isChecked());
+}
+
+TEST_F(SettingsViewTest, EveryAlertSwitchRulesItsOwnControlsAlone) {
+    const std::vector<std::pair<std::string, std::vector<std::string>>> groups{
+        {"limitEnabled", {"limit", "repeatReminder", "limitSound"}},
+        {"lowEnabled", {"low", "lowSound"}},
+        {"lowPowerEnabled", {"lowPowerAt", "lowPowerSound"}},
+        {"longEnabled", {"longHours", "longSound"}},
+        {"healthEnabled", {"healthSound"}},
+        {"quietEnabled", {"quietStart", "quietEnd"}}};
+    for (const auto& [off, ignored] : groups) {
+        for (const auto& [key, ruled] : groups)
+            fake.defaults.setObject(key, key != off);
+        shown();
+        settle();
+        for (const auto& [key, ruled] : groups) {
+            EXPECT_TRUE(find(key).isEnabled()) << key;
+            for (const std::string& each : ruled)
+                EXPECT_EQ(find(each).isEnabled(), key != off) << each << " without " << off;
+        }
+    }
+    for (const char* key : {"showPercent", "showTime", "launchAtLogin", "exportHistory", "resetHistory"})
+        EXPECT_TRUE(find(key).isEnabled()) << key;
 }
 
 TEST_F(SettingsViewTest, ResetsTheHistoryOnlyWhenThatIsConfirmed) {
@@ -374,6 +451,19 @@ TEST_F(SettingsViewTest, ResetsTheHistoryOnlyWhenThatIsConfirmed) {
     EXPECT_EQ(model.history.samples.size(), 1U);
     answer("Reset");
     EXPECT_TRUE(model.history.samples.empty());
+}
+
+TEST_F(SettingsViewTest, TheProgramCanEndWhileTheQuestionIsOpen) {
+    fake.powerSources.setBattery(64, false);
+    model.refresh(AppModel::Reason::timer);
+    find<QPushButton>("resetHistory").click();
+    ASSERT_NE(question(), nullptr);
+    QTimer tooLate;
+    tooLate.callOnTimeout([] { QCoreApplication::exit(1); });
+    tooLate.start(std::chrono::seconds(10));
+    QTimer::singleShot(0, [] { QCoreApplication::quit(); });
+    EXPECT_EQ(QApplication::exec(), 0);
+    EXPECT_EQ(model.history.samples.size(), 1U) << "that was no answer";
 }
 
 TEST_F(SettingsViewTest, ExportsTheHistory) {
