@@ -199,8 +199,6 @@ TEST_F(DesktopDay, NeitherMemoryNorDescriptorsGrow) {
     const double processGrowth = slope(ofTheProcess) * 24;
     std::printf("%.0f bytes a day allocated, %.0f of the process, %zu descriptors\n", growth, processGrowth,
                 descriptors.back());
-    RecordProperty("bytesPerDay", std::to_string(growth));
-    RecordProperty("privateBytesPerDay", std::to_string(processGrowth));
     // The toolkit itself notes each time that a window is activated, which is 2,500 bytes for these 24 settings
     // windows. Sixteen bytes a minute would be 23,000 more, and a widget left over from each popover 5,000 at least.
     EXPECT_LT(std::abs(growth), 6000);
