@@ -47,7 +47,8 @@ class WaitTrace:
     """Follows the waits of a process with strace, beside whatever else is done meanwhile."""
 
     def __init__(self, pid, seconds):
-        command = ["timeout", "--signal=INT", str(seconds), "strace", "-f", "-q", "-e", f"trace={WAITS}", "-p", str(pid)]
+        trace = ["strace", "-f", "-q", "-e", f"trace={WAITS}", "-p", str(pid)]
+        command = ["timeout", "--signal=INT", str(seconds), *trace]
         self._run = subprocess.Popen(command, stderr=subprocess.PIPE, stdin=subprocess.DEVNULL, text=True)
 
     def result(self):

@@ -62,7 +62,8 @@ class Panel:
         invocation.return_value(None)
         if method == "RegisterStatusNotifierItem":
             self.owner = sender
-            self._call(ITEM_PATH, PROPERTIES_INTERFACE, "GetAll", GLib.Variant("(s)", (ITEM_INTERFACE,)), self._answered)
+            all_of_it = GLib.Variant("(s)", (ITEM_INTERFACE,))
+            self._call(ITEM_PATH, PROPERTIES_INTERFACE, "GetAll", all_of_it, self._answered)
 
     def _answered(self, connection, result):
         connection.call_finish(result)
