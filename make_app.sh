@@ -84,6 +84,8 @@ velmora ($version) UNRELEASED; urgency=medium
  -- $maintainer  $(LC_ALL=C date --utc --rfc-email --date="@$SOURCE_DATE_EPOCH")
 END
 
+# The tools of the package set only later times to this one; those of a checkout may be earlier.
+find "$pack" -exec touch --no-dereference --date="@$SOURCE_DATE_EPOCH" {} +
 (cd "$pack" && DEB_RULES_REQUIRES_ROOT=no debian/rules binary >"$work/debhelper.log" 2>&1) ||
     { cat "$work/debhelper.log" >&2; exit 1; }
 mv "$work"/velmora_*.deb "$output"
