@@ -149,6 +149,7 @@ void PortalSavePanel::replied() {
         return;
     }
     portal_ = reply.service();
+    sinceTaken_.start();
     if (*request != request_) // portals before 0.9 chose the path alone
         follow(*request);
     if (early_)
@@ -169,7 +170,7 @@ void PortalSavePanel::responded(const QDBusMessage& signal) {
     std::vector<std::string> uris;
     for (const QString& uri : qdbus_cast<QVariantMap>(arguments.at(1)).value(QStringLiteral("uris")).toStringList())
         uris.push_back(uri.toStdString());
-    end(saveAnswer(arguments.at(0).toUInt(), uris));
+    end(saveAnswer(arguments.at(0).toUInt(), uris, std::chrono::milliseconds(sinceTaken_.elapsed())));
 }
 
 void PortalSavePanel::portalLost() {

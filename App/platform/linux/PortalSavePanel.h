@@ -8,6 +8,7 @@
 #include <QDBusMessage>
 #include <QDBusServiceWatcher>
 #include <QDialog>
+#include <QElapsedTimer>
 #include <QString>
 
 #include <chrono>
@@ -52,6 +53,7 @@ private:
     QDBusPendingCallWatcher* call_ = nullptr;
     QString request_; ///< its path
     QString portal_;  ///< the connection that has taken the question; empty until then
+    QElapsedTimer sinceTaken_;
     std::optional<QDBusMessage> early_;
     bool isOver_ = false; ///< for the portal
     SaveAnswer answer_;

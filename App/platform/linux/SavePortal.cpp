@@ -8,13 +8,16 @@
 #include <charconv>
 #include <optional>
 
-SaveAnswer saveAnswer(std::uint32_t response, const std::vector<std::string>& uris) {
+SaveAnswer saveAnswer(std::uint32_t response, const std::vector<std::string>& uris, std::chrono::milliseconds after) {
     constexpr std::uint32_t done = 0;
-    constexpr std::uint32_t userCancelled = 1;
-    if (response == userCancelled)
-        return {};
-    if (response != done) // the dialog could not be shown, or was taken away from the user
+    constexpr std::uint32_t endedOtherwise = 2;
+    constexpr std::chrono::milliseconds tooQuick(500); // for a person, who has to see the dialog before closing it
+    // QUIRK: GTK's dialog says this when Esc or its window's button closes it. A portal says it too when the program
+    // that should show the dialog cannot be started, which is known at once.
+    if (response >= endedOtherwise && after < tooQuick)
         return {.outcome = SaveAnswer::Outcome::failed, .file = {}};
+    if (response != done)
+        return {};
     if (const auto file = uris.empty() ? std::nullopt : fileOfUri(uris.front()))
         return {.outcome = SaveAnswer::Outcome::chosen, .file = *file};
     return {};

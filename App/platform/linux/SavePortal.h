@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -9,7 +10,7 @@
 
 /// What became of the question to the desktop's file chooser portal for a file to save to.
 struct SaveAnswer {
-    /// `failed`: the user was not asked, or not to the end.
+    /// `failed`: the user was not asked.
     enum class Outcome { chosen, cancelled, failed };
 
     Outcome outcome = Outcome::cancelled;
@@ -17,8 +18,9 @@ struct SaveAnswer {
     bool operator==(const SaveAnswer&) const = default;
 };
 
-/// The answer as the portal sends it: a response code, and URIs. Only a file of this machine can be written.
-SaveAnswer saveAnswer(std::uint32_t response, const std::vector<std::string>& uris);
+/// The answer as the portal sends it: a response code, and URIs. Only a file of this machine can be written. `after` is
+/// how long it took since the portal had taken the question.
+SaveAnswer saveAnswer(std::uint32_t response, const std::vector<std::string>& uris, std::chrono::milliseconds after);
 
 /// Where the portal has the request of a connection (":1.42") that has named it by this token.
 std::string portalRequestPath(std::string_view uniqueName, std::string_view token);

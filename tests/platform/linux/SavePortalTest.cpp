@@ -5,27 +5,37 @@
 
 namespace {
 
+using namespace std::chrono_literals;
 using Outcome = SaveAnswer::Outcome;
 
 } // namespace
 
 TEST(SavePortal, AFileIsChosen) {
-    EXPECT_EQ(saveAnswer(0, {"file:///home/me/a%20b.csv"}),
+    EXPECT_EQ(saveAnswer(0, {"file:///home/me/a%20b.csv"}, 5s),
               (SaveAnswer{.outcome = Outcome::chosen, .file = "/home/me/a b.csv"}));
-    EXPECT_EQ(saveAnswer(0, {"file:///one.csv", "file:///two.csv"}).file, "/one.csv");
+    EXPECT_EQ(saveAnswer(0, {"file:///one.csv", "file:///two.csv"}, 5s).file, "/one.csv");
+    EXPECT_EQ(saveAnswer(0, {"file:///x.csv"}, 0s).file, "/x.csv") << "by a program, perhaps";
 }
 
 TEST(SavePortal, WhatIsNoFileCountsAsCancelled) {
-    EXPECT_EQ(saveAnswer(0, {}), SaveAnswer{});
-    EXPECT_EQ(saveAnswer(0, {"sftp://host/x.csv"}), SaveAnswer{});
-    EXPECT_EQ(saveAnswer(0, {""}), SaveAnswer{});
+    EXPECT_EQ(saveAnswer(0, {}, 5s), SaveAnswer{});
+    EXPECT_EQ(saveAnswer(0, {"sftp://host/x.csv"}, 5s), SaveAnswer{});
+    EXPECT_EQ(saveAnswer(0, {""}, 0s), SaveAnswer{});
 }
 
-TEST(SavePortal, OnlyTheUserCancels) {
-    EXPECT_EQ(saveAnswer(1, {}).outcome, Outcome::cancelled);
-    EXPECT_EQ(saveAnswer(1, {"file:///x.csv"}), SaveAnswer{}) << "with the file that would have been it";
-    EXPECT_EQ(saveAnswer(2, {}).outcome, Outcome::failed);
-    EXPECT_EQ(saveAnswer(7, {"file:///x.csv"}), (SaveAnswer{.outcome = Outcome::failed, .file = {}}));
+TEST(SavePortal, TheUserCancelsInMoreThanOneWay) {
+    EXPECT_EQ(saveAnswer(1, {}, 5s), SaveAnswer{});
+    EXPECT_EQ(saveAnswer(1, {}, 0s), SaveAnswer{});
+    EXPECT_EQ(saveAnswer(1, {"file:///x.csv"}, 5s), SaveAnswer{}) << "with the file that would have been it";
+    EXPECT_EQ(saveAnswer(2, {}, 500ms), SaveAnswer{});
+    EXPECT_EQ(saveAnswer(2, {"file:///x.csv"}, 1h), SaveAnswer{});
+}
+
+TEST(SavePortal, ADialogThatIsOverAtOnceWasNone) {
+    const SaveAnswer failed{.outcome = Outcome::failed, .file = {}};
+    EXPECT_EQ(saveAnswer(2, {}, 0ms), failed);
+    EXPECT_EQ(saveAnswer(2, {}, 499ms), failed);
+    EXPECT_EQ(saveAnswer(7, {"file:///x.csv"}, 0ms), failed);
 }
 
 TEST(SavePortal, KnowsWhereItsRequestIs) {
