@@ -81,6 +81,7 @@ void Notifier::withdraw(const std::vector<AlertKind>& kinds) {
     if (!available())
         return;
     std::vector<std::string> identifiers;
+    identifiers.reserve(kinds.size());
     for (const AlertKind kind : kinds)
         identifiers.emplace_back(rawValue(kind));
     center_.removeDelivered(identifiers);

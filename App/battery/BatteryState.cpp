@@ -4,7 +4,7 @@
 #include "battery/FormatMinutes.h"
 
 std::vector<std::string> BatteryState::symbolNames() const {
-    const std::vector<std::string> full{"battery.100percent", "battery.100"};
+    std::vector<std::string> full{"battery.100percent", "battery.100"};
     if (!hasBattery)
         return {"battery.0"};
     if (isCharged)

@@ -66,6 +66,7 @@ std::vector<HistoryStore::DaySummary> HistoryStore::dailySummaries(std::int64_t 
         }
     }
     std::vector<DaySummary> summaries;
+    summaries.reserve(accounts.size());
     for (const auto& [key, acc] : accounts)
         summaries.push_back(summary(key, acc));
     return summaries;

@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t sizeLimit = 1024 * 1024; // a thousand times what the program writes
+constexpr std::size_t sizeLimit = std::size_t{1} << 20; // a thousand times what the program writes
 
 QJsonValue toJson(const Value& value) {
     if (const std::string* text = value.text())

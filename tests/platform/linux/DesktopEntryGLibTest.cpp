@@ -24,7 +24,7 @@ struct KeyFile {
         const std::unique_ptr<char, void (*)(void*)> value(
             g_key_file_get_string(file.get(), "Desktop Entry", key, &failure), g_free);
         if (failure == nullptr)
-            return value.get();
+            return std::string(value.get());
         g_error_free(failure);
         return std::nullopt;
     }
