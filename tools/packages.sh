@@ -26,6 +26,9 @@ TEST_PACKAGES=(appstream at-spi2-core binutils clang-format desktop-file-utils l
                nlohmann-json3-dev power-profiles-daemon python3-dbusmock qt6-gtk-platformtheme qt6-wayland strace sway
                systemd trayer tzdata xfce4-notifyd)
 
+# What tools/lint and tools/coverage need beyond that.
+CHECK_PACKAGES=(clang-tidy cppcheck gcovr)
+
 # ensure_packages NAME...: installs those that are missing and says which; does nothing at all when none is.
 ensure_packages() {
     local name state missing=() root=()
