@@ -27,7 +27,9 @@ void LogindSleep::start() {
 void LogindSleep::follow() {
     QDBusConnection connection = bus_.connection();
     asleep_ = false;
-    connection.connect(service, path, manager, QStringLiteral("PrepareForSleep"), this, SLOT(prepareForSleep(bool)));
+    // With the signature: of an argument of another type the bus library ends the program.
+    connection.connect(service, path, manager, QStringLiteral("PrepareForSleep"), {}, QStringLiteral("b"), this,
+                       SLOT(prepareForSleep(bool)));
     watcher_ = std::make_unique<QDBusServiceWatcher>(service, connection, QDBusServiceWatcher::WatchForOwnerChange);
     // A lock is only as good as the logind that gave it.
     connect(watcher_.get(), &QDBusServiceWatcher::serviceOwnerChanged, this, [this] { takeLock(answerTries); });

@@ -70,12 +70,15 @@ void NotificationDaemon::start() {
     // From anybody, and compared with the owner on arrival: some daemons send signals to us alone, and anybody could.
     const struct {
         const char* signal;
+        const char* signature;
         const char* slot;
-    } wanted[] = {{"NotificationClosed", SLOT(notificationClosed(uint, uint, QDBusMessage))},
-                  {"ActionInvoked", SLOT(actionInvokedBy(uint, QString, QDBusMessage))},
-                  {"ActivationToken", SLOT(activationToken(uint, QString, QDBusMessage))}};
-    for (const auto& [signal, slot] : wanted)
-        bus_.connect(QString(), path, interface, QString::fromLatin1(signal), this, slot);
+    } wanted[] = {{"NotificationClosed", "uu", SLOT(notificationClosed(uint, uint, QDBusMessage))},
+                  {"ActionInvoked", "us", SLOT(actionInvokedBy(uint, QString, QDBusMessage))},
+                  {"ActivationToken", "us", SLOT(activationToken(uint, QString, QDBusMessage))}};
+    // With the signature: of arguments of other types the bus library ends the program.
+    for (const auto& [signal, signature, slot] : wanted)
+        bus_.connect(QString(), path, interface, QString::fromLatin1(signal), {}, QString::fromLatin1(signature), this,
+                     slot);
 
     auto message =
         QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),

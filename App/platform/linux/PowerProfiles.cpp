@@ -61,7 +61,7 @@ void PowerProfiles::follow() {
         const QString name = toQString(one);
         watcher_->addWatchedService(name);
         connection.connect(name, pathOf(name), QStringLiteral("org.freedesktop.DBus.Properties"),
-                           QStringLiteral("PropertiesChanged"), this,
+                           QStringLiteral("PropertiesChanged"), {}, QStringLiteral("sa{sv}as"), this,
                            SLOT(propertiesChanged(QString, QVariantMap, QStringList)));
         ask(name, answerTries);
     }
