@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "StrictHistory.h"
+#include "Target.h"
 #include "history/HistoryFile.h"
 #include "history/HistoryStore.h"
 #include "support/FakeCalendar.h"
@@ -9,19 +10,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <iostream>
 #include <sstream>
 #include <string>
 
 namespace {
-
-void require(bool holds, const char* what) {
-    if (holds)
-        return;
-    std::cerr << "This does not hold: " << what << std::endl;
-    std::abort();
-}
 
 void checkThatItReadsBack(const std::deque<Sample>& samples) {
     const std::optional<std::string> text = encodeHistory(samples);
@@ -70,7 +62,9 @@ void checkStore(const std::string& text, const std::deque<Sample>& samples) {
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+std::optional<bool> isTaken(const std::string& text) {
+    return decodeHistory(text).has_value();
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(data, data + size);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "history/HistoryFile.h"
+#include "Target.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -8,13 +8,12 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <vector>
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
-
-/// Feeds each file of the corpus, cut off at every byte, without the fuzzer. The name of a file says what is expected:
-/// a file called good-... is read, one called bad-... is not.
+/// Feeds each file of the corpus, cut off at every byte, without the fuzzer. Where inputs can be turned away, the name
+/// of a file says what is expected: a file called good-... is taken, one called bad-... is not.
 int main(int argc, char** argv) {
     if (argc != 2) {
         std::cerr << "Usage: " << argv[0] << " FOLDER" << std::endl;
@@ -32,9 +31,9 @@ int main(int argc, char** argv) {
         const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(stream), {}};
         for (std::size_t length = 0; length <= bytes.size(); ++length)
             LLVMFuzzerTestOneInput(bytes.data(), length);
-        const bool isRead = decodeHistory({bytes.begin(), bytes.end()}).has_value();
-        if (!name.starts_with(isRead ? "good-" : "bad-")) {
-            std::cout << "  was " << (isRead ? "read" : "not read") << std::endl;
+        const std::optional<bool> taken = isTaken({bytes.begin(), bytes.end()});
+        if (taken && !name.starts_with(*taken ? "good-" : "bad-")) {
+            std::cout << "  was " << (*taken ? "taken" : "turned away") << std::endl;
             isRight = false;
         }
     }
