@@ -11,6 +11,7 @@
 
 #include <fcntl.h>
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -98,6 +99,9 @@ void PowerProfiles::ask(const QString& name, int triesLeft) {
 
 void PowerProfiles::propertiesChanged(const QString& interface, const QVariantMap& changed,
                                       const QStringList& invalidated) {
+    // What is asked again is asked by this name; the bus library ends the program where it can be none.
+    if (std::ranges::find(names, interface.toStdString()) == names.end())
+        return;
     const QVariant profile = changed.value(QLatin1String(activeProfile));
     if (profile.typeId() == QMetaType::QString) {
         choice_.daemons[interface.toStdString()] = profile.toString().toStdString();
