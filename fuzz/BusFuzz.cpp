@@ -2,9 +2,9 @@
 #include "AnyValue.h"
 #include "Target.h"
 #include "platform/linux/DBusMenu.h"
+#include "platform/linux/DesktopLookWatch.h"
 #include "platform/linux/LogindSleep.h"
 #include "platform/linux/NotificationDaemon.h"
-#include "platform/linux/PortalSettings.h"
 #include "platform/linux/PowerProfiles.h"
 #include "platform/linux/QtMainLoop.h"
 #include "platform/linux/SessionApplication.h"
@@ -159,7 +159,7 @@ public:
 
         menu_.setEntries(entries());
         item_.setMenu(entries());
-        portalSettings_.start();
+        portalSettings_.start(false);
         profiles_.start();
         sleep_.start();
         daemon_.start();
@@ -185,7 +185,7 @@ private:
 
     PortalModel portalModel_;
     DesktopLook look_;
-    PortalSettings portalSettings_{world_.own, [this](const DesktopLook& look) { look_ = look; }};
+    DesktopLookWatch portalSettings_{world_.own, [this](const DesktopLook& look) { look_ = look; }};
 
     std::map<QString, QString> profilesModel_;
     PowerProfiles profiles_{world_.systemBus, "/there is no such folder"};
