@@ -18,6 +18,6 @@ cmake --build --preset "$preset"
 # ctest ends with a list of failures or of labels; its verdict is repeated, so that it is the last thing to be read.
 log=build/$preset/ctest.log
 status=0
-ctest --preset "$preset" --no-tests=error 2>&1 | tee "$log" || status=$?
+ctest --preset "$preset" --parallel "$(nproc)" --no-tests=error 2>&1 | tee "$log" || status=$?
 grep 'tests passed' "$log"
 exit "$status"
