@@ -135,6 +135,7 @@ int main(int argc, char** argv) {
     session.setActivated([&delegate] { delegate.showDetails(); });
     delegate.applicationDidFinishLaunching();
     workspace.start();
+    notifications.start(); // before anything happens that there may be a reminder of
     DesktopLookWatch look(sessionBus,
                           [palette = QApplication::palette(), font = QApplication::font()](const auto& changed) {
                               QApplication::setPalette(desktopPalette(palette, changed));
@@ -145,7 +146,6 @@ int main(int argc, char** argv) {
         processInfo.start();
         sleep.start();
         systemBus.start();
-        notifications.start();
         if (followsPortal(desktops.toStdString(), themeChoice.toStdString()))
             look.start(isXfce(desktops.toStdString()));
         for (const auto& file : {HistoryStore::file(files), defaultsFile, NotificationConsent::file(stateFolder)})

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/HeapMemory.h"
 #include "views/ViewStyle.h"
 
 #include <QApplication>
@@ -18,6 +19,7 @@ int main(int argc, char** argv) {
         ::setenv("VELMORA_DAY_TESTS", "started", 1);
         ::execv("/proc/self/exe", argv);
     }
+    giveBackLargeBlocks(); // as the program does
     testing::InitGoogleTest(&argc, argv);
     ::setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
     ::setenv("LC_ALL", "C.UTF-8", 1);

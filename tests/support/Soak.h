@@ -17,7 +17,7 @@
 #define VELMORA_ADDRESS_SANITIZER
 #endif
 #ifdef VELMORA_ADDRESS_SANITIZER
-#include <sanitizer/allocator_interface.h>
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes(); // its header comes with one compiler only
 #endif
 
 /// What the program has allocated and not given back, in bytes.

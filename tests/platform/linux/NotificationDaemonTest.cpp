@@ -2,10 +2,10 @@
 #include "platform/linux/NotificationDaemon.h"
 
 #include "support/NotificationsFixture.h"
+#include "support/Soak.h"
 
 #include <QDBusConnectionInterface>
 
-#include <malloc.h>
 #include <signal.h>
 
 #include <fstream>
@@ -23,20 +23,7 @@ protected:
     }
 };
 
-#ifdef __SANITIZE_ADDRESS__
-extern "C" std::size_t __sanitizer_get_current_allocated_bytes(); // its header does not come with this compiler
-#endif
-
 namespace {
-
-/// Bytes that are allocated at the moment.
-std::size_t allocated() {
-#ifdef __SANITIZE_ADDRESS__
-    return __sanitizer_get_current_allocated_bytes();
-#else
-    return ::mallinfo2().uordblks;
-#endif
-}
 
 /// Resident memory in KiB.
 long resident() {
@@ -313,11 +300,11 @@ TEST_F(NotificationDaemonTest, MayHangWithoutAnythingPilingUp) {
     };
     askFor(1000);
     ASSERT_TRUE(waitUntil([&] { return daemon.count(QStringLiteral("Notify")) == 5; }));
-    const std::size_t before = allocated();
+    const double before = allocatedBytes();
     const long residentBefore = resident();
     askFor(10000);
     EXPECT_EQ(daemon.count(QStringLiteral("Notify")), 5) << "one of each identifier is on its way";
-    EXPECT_LT(allocated(), before + 100'000) << "10 bytes for each that was asked for";
+    EXPECT_LT(allocatedBytes(), before + 100'000) << "10 bytes for each that was asked for";
     RecordProperty("residentGrowthKiB", std::to_string(resident() - residentBefore));
     // The waiting ones come when the answers do: the latest of each, in the place of the first.
     daemon.manners.clear();
