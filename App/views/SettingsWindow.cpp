@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/SettingsWindow.h"
 
+#include <QApplication>
+#include <QIcon>
+#include <QPainter>
+#include <QPixmap>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QSvgRenderer>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -15,6 +20,24 @@ constexpr int windowHeight = 720;
 constexpr int roomAround = 24; ///< what is seen around a control that the keyboard comes to
 constexpr int titleBar = 40;   ///< about as high as those of window managers
 
+/// For the title bars and task lists of X11; Wayland's desktops find it by the program's name. Empty in half a bundle.
+QIcon programIcon() {
+    QSvgRenderer drawing(QCoreApplication::applicationDirPath() +
+                         QStringLiteral("/../share/icons/hicolor/scalable/apps/app.velmora.Velmora.svg"));
+    QIcon icon;
+    if (!drawing.isValid())
+        return icon;
+    for (const int size : {16, 24, 32, 48}) {
+        QPixmap pixmap(size, size);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        drawing.render(&painter);
+        painter.end();
+        icon.addPixmap(pixmap);
+    }
+    return icon;
+}
+
 } // namespace
 
 SettingsWindow::SettingsWindow(QWidget* form)
@@ -22,6 +45,8 @@ SettingsWindow::SettingsWindow(QWidget* form)
                            Qt::WindowCloseButtonHint)
     , area_(new QScrollArea(this)) {
     setObjectName(QStringLiteral("settingsWindow"));
+    if (QApplication::windowIcon().isNull())
+        QApplication::setWindowIcon(programIcon()); // for the dialogs before this window, too
     setWindowTitle(QStringLiteral("Velmora Settings"));
     area_->setFrameShape(QFrame::NoFrame);
     area_->setWidgetResizable(true);

@@ -68,6 +68,11 @@ struct SettingsViewTest : ::testing::Test {
 
 } // namespace
 
+TEST_F(SettingsViewTest, HasTheProgramsIconInTitleBarsAndTaskLists) {
+    shown();
+    EXPECT_EQ(window->windowIcon().availableSizes(), (QList<QSize>{{16, 16}, {24, 24}, {32, 32}, {48, 48}}));
+}
+
 TEST_F(SettingsViewTest, HasItsSectionsLabelsAndKeysFromTopToBottom) {
     std::vector<std::string> found;
     for (const QObject* child : shown().children()) {
