@@ -6,6 +6,7 @@
 #include "platform/LoginItem.h"
 #include "platform/MainLoop.h"
 #include "platform/UserDefaults.h"
+#include "platform/linux/MessageBoxText.h"
 #include "shell/AppModel.h"
 #include "views/SoundPicker.h"
 #include "views/StepperBox.h"
@@ -301,7 +302,7 @@ void SettingsView::askReset() {
                                     QMessageBox::NoButton, this);
     confirmReset_->setObjectName(QStringLiteral("confirmReset"));
     confirmReset_->setAttribute(Qt::WA_DeleteOnClose);
-    confirmReset_->setInformativeText(QStringLiteral("This deletes all saved battery samples used for the chart."));
+    setExplanation(*confirmReset_, QStringLiteral("This deletes all saved battery samples used for the chart."));
     const QAbstractButton* reset = confirmReset_->addButton(QStringLiteral("Reset"), QMessageBox::DestructiveRole);
     QPushButton* cancel = confirmReset_->addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
     confirmReset_->setDefaultButton(cancel);

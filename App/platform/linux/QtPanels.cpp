@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/QtPanels.h"
 
+#include "platform/linux/MessageBoxText.h"
 #include "platform/linux/PortalSavePanel.h"
 
 #include <QApplication>
@@ -11,7 +12,6 @@
 #include <QFileInfo>
 #include <QFontMetrics>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QMessageBox>
 #include <QMimeDatabase>
 #include <QPushButton>
@@ -31,10 +31,7 @@ public:
         setWindowTitle(QApplication::applicationDisplayName());
         setTextFormat(Qt::PlainText);
         setText(text);
-        setInformativeText(informativeText);
-        // Names of files are in there, which may look like markup.
-        if (auto* label = findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel")))
-            label->setTextFormat(Qt::PlainText);
+        setExplanation(*this, informativeText);
     }
 
     /// Buttons of one role stay in the order in which they are added, on all desktops.
