@@ -30,13 +30,14 @@ inline double allocatedBytes() {
 #endif
 }
 
-/// What this process alone keeps in memory, in bytes.
+/// What this process alone keeps in memory, in bytes; not what is only its copy of a file, which depends on whoever
+/// else has that file open.
 inline double privateBytes() {
     std::ifstream rollup("/proc/self/smaps_rollup");
     double bytes = 0;
     for (std::string word; rollup >> word;) {
         double kilobytes = 0;
-        if ((word == "Private_Dirty:" || word == "Private_Clean:") && rollup >> kilobytes)
+        if (word == "Private_Dirty:" && rollup >> kilobytes)
             bytes += kilobytes * 1024;
     }
     return bytes;
