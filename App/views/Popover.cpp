@@ -82,6 +82,7 @@ void Popover::showAt(std::optional<ScreenPoint> point) {
         point_ = point;
     place();
     show();
+    place(); // now that what is inside has its fonts
     raise();
     activateWindow();
     // Nothing is chosen until the user takes the keyboard.
@@ -95,6 +96,8 @@ void Popover::place() {
     if (screen == nullptr || content == nullptr)
         return;
     const QRect available = screen->availableGeometry();
+    // What is inside what is inside tells its new height by such an event only.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     content->layout()->activate();
     const int wanted = content->layout()->hasHeightForWidth() ? content->layout()->totalHeightForWidth(popoverWidth)
                                                               : content->sizeHint().height();

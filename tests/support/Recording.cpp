@@ -93,7 +93,7 @@ double Recording::peak(double from, double to) const {
 double Recording::tone(double hertz, double from, double to) const {
     std::complex<double> sum = 0;
     for (std::size_t i = index(from); i < index(to); ++i)
-        sum += std::polar(samples_[i], -2 * std::numbers::pi * hertz * static_cast<double>(i) / rate_);
+        sum += samples_[i] * std::polar(1.0, -2 * std::numbers::pi * hertz * static_cast<double>(i) / rate_);
     return 2 * std::abs(sum) / static_cast<double>(index(to) - index(from));
 }
 

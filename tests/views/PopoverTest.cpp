@@ -158,3 +158,13 @@ TEST_F(PopoverTest, KnowsForAMomentThatItWasClosed) {
     EXPECT_TRUE(popover.wasJustClosed());
     EXPECT_TRUE(waitUntil([&] { return !popover.wasJustClosed(); }, 5s));
 }
+
+TEST_F(PopoverTest, ShowsNoScrollBarWhereAllOfItFits) {
+    open();
+    for (double times = 0.8; times < 1.3; times += 0.02) {
+        useFont(times);
+        ASSERT_LT(popover.height(), available());
+        EXPECT_FALSE(scrollBar().isVisible()) << times << " times the font: " << scrollBar().maximum() << " more than "
+                                              << popover.height() << ", content " << content->height();
+    }
+}
