@@ -135,6 +135,13 @@ TEST_F(SettingsViewTest, HasItsSectionsLabelsAndKeysFromTopToBottom) {
                   "Velmora can only remind you; it cannot control charging."}));
 }
 
+TEST_F(SettingsViewTest, AsksInLinesThatCanBeRead) {
+    find<QPushButton>("resetHistory").click();
+    const auto* text = question()->findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"));
+    ASSERT_NE(text, nullptr);
+    EXPECT_GE(text->width(), 40 * text->fontMetrics().averageCharWidth());
+}
+
 TEST_F(SettingsViewTest, StandsInAWindowOfFixedSizeThatIsKept) {
     shown();
     EXPECT_EQ(window->windowTitle(), QStringLiteral("Velmora Settings"));
