@@ -6,7 +6,6 @@
 #include "platform/linux/DisplayCheck.h"
 #include "platform/linux/DisplayLoss.h"
 #include "platform/linux/FreedesktopNotifications.h"
-#include "platform/linux/HeapMemory.h"
 #include "platform/linux/JsonUserDefaults.h"
 #include "platform/linux/LibraryMessages.h"
 #include "platform/linux/LogindSleep.h"
@@ -27,6 +26,7 @@
 #include "platform/linux/XdgAutostart.h"
 #include "platform/linux/XdgFolders.h"
 #include "shell/AppDelegate.h"
+#include "shell/HeapMemory.h"
 #include "views/DesktopPalette.h"
 #include "views/ViewStyle.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/Popover.h"
 
-#include "platform/linux/HeapMemory.h"
+#include "shell/HeapMemory.h"
 #include "views/PopoverPlacement.h"
 #include "views/ThinScrollBar.h"
 #include "views/ViewStyle.h"

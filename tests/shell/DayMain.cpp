@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/linux/HeapMemory.h"
+#include "shell/HeapMemory.h"
 #include "views/ViewStyle.h"
 
 #include <QApplication>
