@@ -19,7 +19,7 @@ from support.program import Program
 from support.waiting import wait_until
 
 START_SECONDS = 10
-CHANGE_SECONDS = 2
+CHANGE_SECONDS = 5
 ESTIMATE_SECONDS = 25
 QUIET_SECONDS = 5
 

@@ -2,6 +2,8 @@
 """What programs tell to those who cannot see: the tree of their controls, asked over the bus for that as screen readers
 do. The library for it keeps one bus for the whole life of a process, where each test here has a desktop of its own."""
 
+import contextlib
+
 from gi.repository import Gio, GLib
 
 from .item import CALL_MILLISECONDS, Bus
@@ -78,8 +80,9 @@ class ScreenReader:
         """The shown window of that name, of whatever program; None while there is none."""
         for program in Control(self._bus, REGISTRY, ROOT).children():
             for window in program.children():
-                if window.name == name and window.has("showing"):
-                    return window
+                with contextlib.suppress(GLib.Error):  # gone since it was told of
+                    if window.name == name and window.has("showing"):
+                        return window
         return None
 
 
