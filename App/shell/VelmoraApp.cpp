@@ -57,9 +57,10 @@ constexpr Duration untilStartIsOver{3};
 
 /// The program writes no log, so what the toolkit has to say is dropped. While it starts it can fail in one way only;
 /// stop here in the debugger to see how.
-void handleToolkitMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*message*/) {
+void handleToolkitMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
     if (type == QtFatalMsg && QCoreApplication::startingUp())
         cannotStart(noDisplay);
+    noticeDisplayLoss(message);
 }
 
 /// The delegate while the main loop runs. The toolkit calls exit() from inside the loop when the X server goes away,

@@ -1,9 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/DisplayLoss.h"
 
+#include <QCoreApplication>
+#include <QSemaphore>
+#include <QThread>
+
 #include <dlfcn.h>
 
+#include <atomic>
 #include <cstdlib>
+#include <memory>
 
 // QUIRK: the toolkit's GTK theme, where the user asks for it, has a connection to the X server of its own. When GTK
 // notices first that the server is gone, it ends the process by _exit(), and nothing that is registered with atexit()
@@ -15,10 +21,10 @@ namespace {
 using Handler = int (*)(void* display);
 using SetHandler = Handler (*)(Handler handler);
 
-void (*lastFunction)() = nullptr;
+std::atomic<void (*)()> lastFunction = nullptr;
 
 int handle(void* /*display*/) {
-    lastFunction();
+    lastFunction.load()();
     // The library is in the middle of something and must not be called again: no orderly exit.
     std::_Exit(EXIT_FAILURE);
 }
@@ -33,4 +39,26 @@ void beforeDisplayLoss(void (*function)()) {
         return;
     if (const auto setHandler = reinterpret_cast<SetHandler>(::dlsym(library, "XSetIOErrorHandler")))
         setHandler(handle);
+}
+
+void noticeDisplayLoss(const QString& toolkitMessage) {
+    // QUIRK: when a Wayland compositor goes away, which is how its session ends, the toolkit ends the process by
+    // _exit(). It says so first, on the thread that notices: the one that listens to the compositor, or the main one.
+    if (lastFunction == nullptr || !toolkitMessage.startsWith(QLatin1String("The Wayland connection ")))
+        return;
+    QCoreApplication* const application = QCoreApplication::instance();
+    if (QThread::currentThread() == application->thread()) {
+        lastFunction.load()();
+        return;
+    }
+    constexpr int patience = 2000; // milliseconds; the main thread may be waiting for the compositor itself
+    const auto done = std::make_shared<QSemaphore>();
+    QMetaObject::invokeMethod(
+        application,
+        [done] {
+            lastFunction.load()();
+            done->release();
+        },
+        Qt::QueuedConnection);
+    done->tryAcquire(1, patience);
 }

@@ -75,6 +75,10 @@ class WlrootsDesktop(PrivateDesktop):
         drawn = tray.changed_box(tray.blank())
         return drawn and drawn._replace(x=drawn.x + TRAY.x, y=drawn.y + TRAY.y)
 
+    def kill_compositor(self):
+        """Ends the compositor as a crash would; the buses stay, as those of a user who is still logged in do."""
+        self._compositor.kill()
+
     def windows(self, title):
         """The boxes of the visible windows of that title that float above the others."""
         tree = json.loads(self._sway_message("-t", "get_tree"))
@@ -101,7 +105,7 @@ class WlrootsDesktop(PrivateDesktop):
         size = {"width": SCREEN.width, "height": SCREEN.height, "scale": scale}
         file.write_text(CONFIGURATION.format(**size, bar=bar), encoding="utf-8")
         changes = {"WLR_BACKENDS": "x11", "WLR_RENDERER": "pixman", "WLR_X11_OUTPUTS": "1"}
-        self._panel = self.start("sway", ["sway", "--config", file], self.environment | changes)
+        self._panel = self._compositor = self.start("sway", ["sway", "--config", file], self.environment | changes)
         wait_until(self._find_sway, START_SECONDS, lambda: f"sway is ready; {self._panel.errors}")
 
     def _find_sway(self):
