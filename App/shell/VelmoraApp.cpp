@@ -82,6 +82,9 @@ int main(int argc, char** argv) {
     if (!prepareDisplay())
         cannotStart(noDisplay);
     QApplication::setQuitOnLastWindowClosed(false);
+    // What a session manager remembers it starts again, beside the entry that starts us at login, and the later of two
+    // starts opens the details.
+    QApplication::setAttribute(Qt::AA_DisableSessionManager);
     QApplication::setDesktopFileName(QLatin1String(SessionApplication::name));
     QApplication::setApplicationName(QStringLiteral("Velmora"));
     const QByteArray desktops = qgetenv("XDG_CURRENT_DESKTOP");

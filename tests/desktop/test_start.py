@@ -2,6 +2,7 @@
 """Starting in surroundings that lack something."""
 
 import shutil
+import socket
 import unittest
 
 from support.case import END_SECONDS, ESTIMATING, HEALTH_AND_CYCLES, START_SECONDS, DesktopCase
@@ -77,6 +78,21 @@ class PoorSurroundings(DesktopCase):
         theme = program.item.get("IconThemePath")
         self.assertTrue(theme.startswith(str(moved)), theme)
         self.assertTrue(theme.endswith("/icons"), theme)
+
+
+class WithASessionManager(DesktopCase):
+    def test_it_is_left_alone(self):
+        # One that knows the program starts it at the next login, beside the entry that does; the later of two starts
+        # opens the details. And one that does not answer must not hold the start up.
+        desktop = self.desktop(panel=False)
+        with socket.socket(socket.AF_UNIX) as manager:
+            manager.bind(str(desktop.runtime / "session-manager"))
+            manager.listen()
+            manager.setblocking(False)
+            address = f"local/{socket.gethostname()}:{manager.getsockname()}"
+            self.start_and_wait(desktop, self.laptop(), {"SESSION_MANAGER": address})
+            with self.assertRaises(BlockingIOError):
+                manager.accept()
 
 
 class NoSessionBus(DesktopCase):
