@@ -39,6 +39,8 @@ void AppDelegate::applicationDidFinishLaunching() {
             queueMenu();
     }));
     bag.push_back(platform_.workspace.onSessionEnd(terminate_));
+    // While a popup is open on X11 it holds the keyboard, and a screen locker that wants it for the sleep fails.
+    bag.push_back(platform_.workspace.onWillSleep([this] { popover->hide(); }));
     model.start();
     updateStatusItem();
 }

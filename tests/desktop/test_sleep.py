@@ -85,6 +85,18 @@ class Sleep(DesktopCase):
         self.assertLessEqual(len(others), (time.monotonic() - start) // SHORTEST_MINUTE, others)
         self.assertEqual(listener.methods, [])
 
+    def test_an_open_popover_closes_before(self):
+        # It holds the keyboard, without which a screen locker that is told of the sleep as well locks nothing.
+        desktop = self.desktop(panel=False)
+        logind = Logind(desktop, lambda: None)
+        self.addCleanup(logind.close)
+        program = self.start_and_wait(desktop, self.laptop())
+        self.soon_equal(lambda: logind.locks, 1, LOCK_SECONDS)
+        program.item.menu.choose("Show details")
+        self.soon(lambda: desktop.windows("Velmora"), 2, "the popover is there")
+        logind.announce(True)
+        self.soon(lambda: not desktop.windows("Velmora"), RELEASE_SECONDS, "the popover is gone")
+
     @staticmethod
     def collect(counter, moments):
         moments += [time.monotonic()] * counter.readings()
