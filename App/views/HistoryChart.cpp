@@ -5,14 +5,18 @@
 #include "views/ViewStyle.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QLabel>
 #include <QLibrary>
 #include <QStackedLayout>
 
 namespace {
 
-/// Beside the executable, wherever the bundle was put; null when it is not there.
+/// Beside the executable, wherever the bundle was put; null when it is not there, or is for another version: one that
+/// took the place of ours while we ran.
 HistoryPlot* loadPlot(QWidget* parent) {
+    if (QFile::symLinkTarget(QStringLiteral("/proc/self/exe")).endsWith(QLatin1String(" (deleted)")))
+        return nullptr;
     QLibrary module(QCoreApplication::applicationDirPath() + QStringLiteral("/../lib/velmora/velmora-chart.so"));
     const auto make = reinterpret_cast<decltype(&makeHistoryPlot)>(module.resolve("makeHistoryPlot"));
     return make != nullptr ? make(parent) : nullptr;

@@ -2,12 +2,14 @@
 """The ways to the popover, its place, and the ways out."""
 
 import json
+import shutil
 import time
 import unittest
 from pathlib import Path
 
 from gi.repository import GLib
 
+from support import history
 from support.case import DesktopCase
 from support.desktop import BELOW_PANEL, PANEL, SCREEN
 from support.screen import luminance
@@ -180,6 +182,19 @@ class PopoverChart(PopoverCase):
         program.item.menu.choose("Show details")
         self.shown(screen)
         self.soon_equal(loaded, ["velmora-chart", "QCustomPlot"], SHOW_SECONDS)
+
+    def test_is_not_loaded_from_a_bundle_that_took_the_place_of_its_own(self):
+        # As an upgrade does, or a build: what is there then is for another program.
+        screen = self.desktop(panel=False)
+        history.write_old(screen, 100)
+        app = screen.own_bundle()
+        program = self.start_and_wait(screen, self.laptop(), app=app)
+        shutil.rmtree(app)
+        screen.own_bundle()
+        program.item.menu.choose("Show details")
+        self.shown(screen)
+        maps = Path(f"/proc/{program.process.pid}/maps")
+        self.never(lambda: "velmora-chart" in maps.read_text(encoding="utf-8"), SHOW_SECONDS)
 
 
 class PopoverLook(PopoverCase):
