@@ -4,7 +4,8 @@
 import unittest
 
 from support.case import ESTIMATING, HEALTH_AND_CYCLES, DesktopCase
-from support.laptop import BATTERY
+from support.laptop import ADAPTER, BATTERY
+from support.notifications import Listener
 from support.reads import readings_over_time, wait_for_quiet
 
 CHARGING = "64% · Charging, estimating time to full…"
@@ -88,6 +89,21 @@ class Changes(DesktopCase):
         self.machine.add("BAT0", BATTERY)
         self.soon_equal(lambda: item.tooltip, [ESTIMATING, *HEALTH_AND_CYCLES], 2)
         self.assertEqual(item.label, " 64%")
+
+
+    def test_a_battery_that_is_gone_for_a_moment_is_not_missed(self):
+        # What is plugged in at the limit at the start is not told; an empty bay in between would make it news.
+        self.machine = self.laptop({"BAT0": BATTERY | {"status": "Not charging"}, "AC": ADAPTER | {"online": "1"}})
+        self.machine.set_level(85)
+        item = self.begin()
+        listener = Listener(self.screen)
+        self.addCleanup(listener.close)
+        self.machine.set("BAT0", present=0)
+        self.machine.event("BAT0")
+        self.never(lambda: item.tooltip == ["No battery found"], 3)
+        self.machine.set("BAT0", present=1)
+        self.machine.event("BAT0")
+        self.never(lambda: listener.methods, 2)
 
 
 class NoBattery(DesktopCase):

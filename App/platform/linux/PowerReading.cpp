@@ -171,6 +171,10 @@ bool PowerReading::failsAfter(const PowerReading& before, const std::vector<Powe
     const auto has = [](const Packs& list, const std::string& device) {
         return std::any_of(list.begin(), list.end(), [&](const auto& pack) { return pack.device == device; });
     };
+    // QUIRK: while firmware is busy, after sleep for instance, it may say that there is no battery at all, and the ACPI
+    // driver takes the device away until it is back. Of several packs one that goes has been taken out.
+    if (packs.empty() && !before.packs.empty())
+        return true;
     return std::any_of(supplies.begin(), supplies.end(), [&](const PowerSupply& supply) {
         const bool mayBeBattery = !supply.text("type") || supply.isSystemBattery();
         return mayBeBattery && has(before.packs, supply.name) && !has(packs, supply.name) && !BatteryPack::read(supply);

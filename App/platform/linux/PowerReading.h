@@ -24,8 +24,8 @@ struct PowerReading {
     /// Makes sense of the supplies, which are in the order of their names.
     static PowerReading of(const std::vector<PowerSupply>& supplies);
 
-    /// Whether a pack that counted `before` is still there but tells nothing now, as firmware does for some seconds
-    /// after sleep. A pack that was taken out does not count as failing.
+    /// Whether no pack is left of those that counted `before`, or one of them is still there but tells nothing now, as
+    /// firmware does for some seconds after sleep. A pack that was taken out beside others does not count as failing.
     bool failsAfter(const PowerReading& before, const std::vector<PowerSupply>& supplies) const;
 
     /// What the time estimate has to know; the instants are left to the caller.

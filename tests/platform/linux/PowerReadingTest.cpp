@@ -529,7 +529,7 @@ TEST(PowerReading, TimesTellWhichPacksWereCounted) {
     EXPECT_EQ(timed({deadPack("BAT1"), energyPack("Full")}).batteries, one);
 }
 
-TEST(PowerReading, FailsWhenAPackIsStillThereButTellsNothing) {
+TEST(PowerReading, FailsWhenAPackTellsNothingOrNoneIsLeft) {
     const PowerReading before = PowerReading::of({mains(true), energyPack("Charging")});
     const PowerSupply mute{.name = "BAT0", .attributes = {{"type", "Battery\n"}}};
     const PowerSupply wholly{.name = "BAT0", .attributes = {}};
@@ -544,11 +544,11 @@ TEST(PowerReading, FailsWhenAPackIsStillThereButTellsNothing) {
         {"reads well", {mains(true), energyPack("Charging")}, false},
         {"tells nothing", {mains(true), mute}, true},
         {"not even its type", {mains(true), wholly}, true},
-        {"says that it was taken out", {mains(true), takenOut}, false},
-        {"is not there", {mains(true)}, false},
+        {"says that it was taken out", {mains(true), takenOut}, true},
+        {"is not there", {mains(true)}, true},
         {"another one tells nothing", {mains(true), energyPack("Charging"), other}, false},
         {"died beside another", {deadPack(), energyPack("Charging", {}, "BAT1")}, false},
-        {"has become a mouse's", {{.name = "BAT0", .attributes = {{"type", "Battery"}, {"scope", "Device"}}}}, false},
+        {"has become a mouse's", {{.name = "BAT0", .attributes = {{"type", "Battery"}, {"scope", "Device"}}}}, true},
     };
     for (const Row& row : rows)
         EXPECT_EQ(PowerReading::of(row.supplies).failsAfter(before, row.supplies), row.fails) << row.what;
@@ -556,6 +556,8 @@ TEST(PowerReading, FailsWhenAPackIsStillThereButTellsNothing) {
     const Supplies oneOfTwo{mute, energyPack("Discharging", {}, "BAT1")};
     const PowerReading both = PowerReading::of({energyPack("Discharging"), energyPack("Discharging", {}, "BAT1")});
     EXPECT_TRUE(PowerReading::of(oneOfTwo).failsAfter(both, oneOfTwo));
+    const Supplies oneTakenOut{takenOut, energyPack("Discharging", {}, "BAT1")};
+    EXPECT_FALSE(PowerReading::of(oneTakenOut).failsAfter(both, oneTakenOut));
 }
 
 } // namespace
