@@ -82,6 +82,9 @@ void AppDelegate::updateMenu() {
     StatusItem::MenuEntry snooze{"Snooze alerts for 1 hour", [this] { model.snooze(); }};
     if (const std::optional<Date> until = model.snoozeUntil.get())
         snooze = {"Cancel snooze (until " + shortTime(*until).toStdString() + ")", [this] { model.cancelSnooze(); }};
+    // One that is open, in the old tray, loses what is chosen in it.
+    if (std::exchange(snoozeLabel_, snooze.label) == snooze.label)
+        return;
     statusItem->setMenu({{"Show details", [this] { showDetails(); }},
                          std::move(snooze),
                          {"Settings…", [this] { openSettings(); }},

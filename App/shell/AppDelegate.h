@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 class Popover;
@@ -53,6 +54,7 @@ private:
     PopoverView* popoverView = nullptr;             ///< the content of the popover, made when it first opens
     std::unique_ptr<SettingsWindow> settingsWindow; ///< made when it is first wanted, and kept
     SettingsView* settingsView = nullptr;           ///< its content
+    std::string snoozeLabel_;                       ///< the entry of the menu whose words change
     std::vector<Subscription> bag;
     Lifetime lifetime_;
 

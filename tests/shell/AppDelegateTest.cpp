@@ -177,6 +177,15 @@ TEST_F(AppDelegateTest, SnoozesFromTheMenuAndCancelsThere) {
     EXPECT_EQ(Prefs::snoozeUntil(fakes.defaults, fakes.clock), std::nullopt);
 }
 
+TEST_F(AppDelegateTest, TheMenuIsLeftAloneWhileItsWordsStayTheSame) {
+    delegate.applicationDidFinishLaunching();
+    choose("Snooze alerts for 1 hour");
+    fakes.mainLoop.runDue();
+    const int menus = item().menus;
+    fakes.mainLoop.advance(10min);
+    EXPECT_EQ(item().menus, menus);
+}
+
 TEST_F(AppDelegateTest, TheMenuFollowsASnoozeThatRunsOut) {
     delegate.applicationDidFinishLaunching();
     choose("Snooze alerts for 1 hour");

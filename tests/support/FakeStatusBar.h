@@ -17,6 +17,7 @@ public:
         std::vector<StatusItem::Content> shown;
         std::function<void(std::optional<ScreenPoint>)> action;
         std::vector<StatusItem::MenuEntry> menu;
+        int menus = 0; ///< how often it was given one
         bool isAlive = true;
     };
 
@@ -41,7 +42,10 @@ private:
         void setAction(std::function<void(std::optional<ScreenPoint>)> action) override {
             record_->action = std::move(action);
         }
-        void setMenu(std::vector<MenuEntry> entries) override { record_->menu = std::move(entries); }
+        void setMenu(std::vector<MenuEntry> entries) override {
+            record_->menu = std::move(entries);
+            ++record_->menus;
+        }
 
     private:
         const FakeStatusBar& bar_;
