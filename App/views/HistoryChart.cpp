@@ -1,24 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/HistoryChart.h"
 
+#include "platform/linux/OwnModule.h"
 #include "views/HistoryPlot.h"
 #include "views/ViewStyle.h"
 
-#include <QCoreApplication>
-#include <QFile>
 #include <QLabel>
-#include <QLibrary>
 #include <QStackedLayout>
 
 namespace {
 
-/// Beside the executable, wherever the bundle was put; null when it is not there, or is for another version: one that
-/// took the place of ours while we ran.
+/// Null when there is none for us.
 HistoryPlot* loadPlot(QWidget* parent) {
-    if (QFile::symLinkTarget(QStringLiteral("/proc/self/exe")).endsWith(QLatin1String(" (deleted)")))
-        return nullptr;
-    QLibrary module(QCoreApplication::applicationDirPath() + QStringLiteral("/../lib/velmora/velmora-chart.so"));
-    const auto make = reinterpret_cast<decltype(&makeHistoryPlot)>(module.resolve("makeHistoryPlot"));
+    const auto make =
+        reinterpret_cast<decltype(&makeHistoryPlot)>(functionOfModule("velmora-chart", "makeHistoryPlot"));
     return make != nullptr ? make(parent) : nullptr;
 }
 
@@ -45,7 +40,7 @@ void HistoryChart::setContent(const Content& content) {
     const bool hasLine = content.points.size() >= 2;
     if (hasLine && plot_ == nullptr && (plot_ = loadPlot(this)) != nullptr)
         layers_->addWidget(plot_);
-    if (!hasLine || plot_ == nullptr) { // half a bundle has no plot; everything else in it can be used
+    if (!hasLine || plot_ == nullptr) { // everything else can be used
         layers_->setCurrentWidget(empty_);
         setAccessibleName(empty_->text());
         return;

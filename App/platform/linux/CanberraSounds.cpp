@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/CanberraSounds.h"
 
-#include "platform/linux/AppDirBundle.h"
 #include "platform/linux/CanberraOutput.h"
-
-#include <QCoreApplication>
-#include <QLibrary>
+#include "platform/linux/OwnModule.h"
 
 #include <algorithm>
 #include <string>
@@ -78,13 +75,9 @@ std::optional<std::filesystem::path> CanberraSounds::file(std::string_view name)
 }
 
 std::unique_ptr<SoundOutput> CanberraSounds::canberra() {
-    // One that took the place of ours while we ran is for another version.
-    if (AppDirBundle::runningExecutable().native().ends_with(" (deleted)"))
-        return std::make_unique<Silence>();
-    // Beside the executable, wherever the bundle was put.
-    QLibrary module(QCoreApplication::applicationDirPath() + QStringLiteral("/../lib/velmora/velmora-sound.so"));
-    const auto make = reinterpret_cast<decltype(&makeCanberraOutput)>(module.resolve("makeCanberraOutput"));
-    if (make == nullptr) // half a bundle; everything else in it can be used
+    const auto make =
+        reinterpret_cast<decltype(&makeCanberraOutput)>(functionOfModule("velmora-sound", "makeCanberraOutput"));
+    if (make == nullptr) // everything else can be used
         return std::make_unique<Silence>();
     return std::unique_ptr<SoundOutput>(make());
 }
