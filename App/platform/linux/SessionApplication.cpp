@@ -3,6 +3,7 @@
 
 #include "applicationadaptor.h"
 
+#include <QDBusError>
 #include <QDBusMessage>
 
 #include <utility>
@@ -24,7 +25,7 @@ bool SessionApplication::claim() {
     return bus_.registerService(QLatin1String(name));
 }
 
-void SessionApplication::activateOther() {
+bool SessionApplication::activateOther() {
     // The right to take the focus came to this start, and is handed on.
     QVariantMap platformData;
     const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
@@ -36,7 +37,10 @@ void SessionApplication::activateOther() {
     auto message = QDBusMessage::createMethodCall(QLatin1String(name), path, interface, QStringLiteral("Activate"));
     message << platformData;
     message.setAutoStartService(false);
-    bus_.call(message, QDBus::Block, answerMilliseconds);
+    const QDBusMessage answer = bus_.call(message, QDBus::Block, answerMilliseconds);
+    // One that does not answer is there all the same.
+    return QDBusError(answer).type() != QDBusError::ServiceUnknown &&
+           answer.errorName() != QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner");
 }
 
 void SessionApplication::Activate(const QVariantMap& platformData) {

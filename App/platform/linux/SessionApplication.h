@@ -19,11 +19,11 @@ public:
     /// What a later start of the program does in this one; until it is set, nothing.
     void setActivated(std::function<void()> activated) { activated_ = std::move(activated); }
 
-    /// Takes the program's name on the bus; false when another instance has it.
+    /// Takes the program's name on the bus; false when another instance has it, or the bus refuses it.
     bool claim();
 
-    /// Asks the instance that has the name to show itself, and waits for its answer.
-    void activateOther();
+    /// Asks the instance that has the name to show itself, and waits for its answer; false when there is none.
+    bool activateOther();
 
     // What others call; the names are those of the interface.
     void Activate(const QVariantMap& platformData);

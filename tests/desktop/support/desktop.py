@@ -309,6 +309,14 @@ class PrivateDesktop:
         bus, self.environment[variable] = self._start_and_hear(f"{kind}-bus", command)
         return bus
 
+    def refuse_name(self, name):
+        """From now on the session bus lets nobody own that name."""
+        configuration = self.runtime / "session.conf"
+        text = configuration.read_text(encoding="utf-8")
+        configuration.write_text(text.replace("</policy>", f'<deny own="{name}"/></policy>'), encoding="utf-8")
+        bus = "org.freedesktop.DBus"
+        self.bus.call(bus, "/org/freedesktop/DBus", bus, "ReloadConfig")
+
     def _start_and_hear(self, name, command, environment=None):
         """Starts a server that says by a line on a file descriptor, its last argument, that it is ready; gives both. It
         runs as we do."""
