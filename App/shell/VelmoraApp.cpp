@@ -48,6 +48,8 @@ namespace {
 }
 
 constexpr const char* noDisplay = "there is no display that it could show the battery on";
+constexpr const char* noWaylandDisplay = "there is no display that it could show the battery on; on Wayland that needs "
+                                         "the toolkit's plugin, in Debian the package qt6-wayland";
 
 /// It asks for everything within a few milliseconds, unless the machine is very busy.
 constexpr Duration untilPanelHasItem{0.1};
@@ -59,7 +61,7 @@ constexpr Duration untilStartIsOver{3};
 /// stop here in the debugger to see how.
 void handleToolkitMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
     if (type == QtFatalMsg && QCoreApplication::startingUp())
-        cannotStart(noDisplay);
+        cannotStart(isOnlyWayland() ? noWaylandDisplay : noDisplay);
     noticeDisplayLoss(message);
 }
 
@@ -98,8 +100,10 @@ int main(int argc, char** argv) {
         cannotStart("there is no session bus, over which panels show their items");
     SessionApplication session(sessionBus);
     if (!session.claim()) {
-        session.activateOther();
-        return EXIT_SUCCESS;
+        if (session.activateOther())
+            return EXIT_SUCCESS;
+        if (!session.claim()) // the other one has not just ended either
+            cannotStart("the session bus does not let it have its name");
     }
 
     QtMainLoop mainLoop;

@@ -26,6 +26,11 @@ class WithoutDisplay(DesktopCase):
     def test_the_named_one_is_not_there(self):
         self.assertRegex(self.refused({"DISPLAY": ":4711"}), ONE_LINE)
 
+    def test_the_named_one_is_a_wayland_display_that_is_not_there(self):
+        errors = self.refused({"DISPLAY": None, "WAYLAND_DISPLAY": "nobody"})
+        self.assertRegex(errors, ONE_LINE)
+        self.assertIn("qt6-wayland", errors)
+
     def test_the_named_one_does_not_let_us_in(self):
         # The library that connects to X servers says so as well, by itself.
         last = self.refused({"XAUTHORITY": None}).rstrip("\n").split("\n")[-1]
@@ -104,6 +109,15 @@ class NoSessionBus(DesktopCase):
         self.assertEqual(process.output, "")
         self.assertEqual(process.errors.count("\n"), 1)
         self.assertIn("session bus", process.errors)
+
+
+class RefusedByTheSessionBus(DesktopCase):
+    def test_says_so(self):
+        desktop = self.desktop(panel=False)
+        desktop.refuse_name("app.velmora.Velmora")
+        process = self.start(desktop, self.laptop()).process
+        self.assertEqual(process.wait_exit(END_SECONDS), 1)
+        self.assertRegex(process.errors, r"\A[^\n]*its name\n\Z")
 
 
 class AfterACrash(DesktopCase):

@@ -4,6 +4,10 @@
 #include <QByteArray>
 #include <QtGlobal>
 
+bool isOnlyWayland() {
+    return qEnvironmentVariableIsEmpty("DISPLAY") && !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
 bool prepareDisplay() {
     if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         return true;

@@ -4,3 +4,6 @@
 /// Chooses the toolkit's platform for this session, and tells whether there is any display to show something on. To be
 /// called before the toolkit starts, which ends the process by abort when it finds none.
 bool prepareDisplay();
+
+/// Whether the session has a Wayland display and no X server.
+bool isOnlyWayland();
