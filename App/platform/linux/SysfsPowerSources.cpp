@@ -54,9 +54,10 @@ SysfsPowerSources::Descriptions SysfsPowerSources::scan() {
     PowerReading reading = PowerReading::of(supplies);
     const Duration uptime = clock_.uptime();
     if (reading.failsAfter(lastGood_, supplies)) {
+        const Duration awake = uptime - clock_.slept();
         if (!failingSince_)
-            failingSince_ = uptime;
-        if (uptime - *failingSince_ < patience)
+            failingSince_ = awake;
+        if (awake - *failingSince_ < patience)
             return lastGoodDescriptions_;
     }
     failingSince_.reset();

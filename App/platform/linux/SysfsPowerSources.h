@@ -37,7 +37,7 @@ private:
     TimeEstimate estimate_;
     PowerReading lastGood_;
     Descriptions lastGoodDescriptions_;
-    std::optional<Duration> failingSince_;
+    std::optional<Duration> failingSince_; ///< by the time that the machine was awake
     Descriptions given_;
     Observation* observation_ = nullptr;
 

@@ -95,6 +95,18 @@ TEST_F(SysfsPowerSourcesTest, GivesTheLastGoodValuesForAWhileWhenReadsFail) {
     EXPECT_FALSE(reader.read().hasBattery);
 }
 
+TEST_F(SysfsPowerSourcesTest, HasNoLessPatienceBecauseTheMachineSleptMeanwhile) {
+    addLaptop();
+    const BatteryState good = reader.read();
+    supplies.set("BAT0", "present", "0");
+    EXPECT_EQ(reader.read(), good);
+    clock.suspend(1h);
+    loop.advance(9s);
+    EXPECT_EQ(reader.read().percent, 50);
+    loop.advance(2s);
+    EXPECT_FALSE(reader.read().hasBattery);
+}
+
 TEST_F(SysfsPowerSourcesTest, TellsOnItsOwnWhenPatienceIsOver) {
     addLaptop();
     reader.read();
