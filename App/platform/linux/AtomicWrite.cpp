@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
+#include <fstream>
 #include <string>
 #include <utility>
 
@@ -99,14 +100,24 @@ std::error_code syncFolder(const fs::path& folder, int file) {
     return {};
 }
 
+/// What the user takes away from the modes of new files. umask() tells it only by setting another one, which would be
+/// that of the other threads' files meanwhile.
+mode_t userMask() {
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;) {
+        mode_t mask = 0;
+        if (word == "Umask:" && status >> std::oct >> mask)
+            return mask;
+    }
+    return 077;
+}
+
 /// Of a file that is there, or that the user's programs would make now.
 mode_t usualMode(const fs::path& file) {
     struct stat status {};
     if (::stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode))
         return status.st_mode & 07777;
-    const mode_t mask = ::umask(0); // there is no way to ask for it alone
-    ::umask(mask);
-    return 0666 & ~mask;
+    return 0666 & ~userMask();
 }
 
 void removeIfLeftOver(const fs::path& file) {
