@@ -6,6 +6,7 @@
 #include "views/ThinScrollBar.h"
 #include "views/ViewStyle.h"
 
+#include <QCursor>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -16,6 +17,8 @@
 #include <QScrollBar>
 
 #include <algorithm>
+#include <chrono>
+#include <utility>
 
 namespace {
 
@@ -36,6 +39,9 @@ QScreen* screenAt(std::optional<ScreenPoint> point) {
     QScreen* screen = point ? QGuiApplication::screenAt(QPoint(point->x, point->y)) : nullptr;
     return screen != nullptr ? screen : QGuiApplication::primaryScreen();
 }
+
+/// Longer than anybody reads without moving the pointer, and shorter than desktops wait before they lock the screen.
+constexpr auto longestLook = std::chrono::minutes(2);
 
 constexpr int scrollBarGap = 2; ///< between the scroll bar and the sides
 
@@ -70,6 +76,9 @@ Popover::Popover()
     area_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // it would take its width from the content
     area_->setFocusPolicy(Qt::NoFocus);
     area_->verticalScrollBar()->setAccessibleName(QStringLiteral("Scroll"));
+    untilNobodyLooks_.setSingleShot(true);
+    untilNobodyLooks_.setInterval(longestLook);
+    connect(&untilNobodyLooks_, &QTimer::timeout, this, &Popover::closeUnlessPointerMoves);
 }
 
 void Popover::setContent(QWidget* content) {
@@ -85,9 +94,21 @@ void Popover::showAt(std::optional<ScreenPoint> point) {
     place(); // now that what is inside has its fonts
     raise();
     activateWindow();
+    // A popup holds the keyboard and the pointer, which a screen locker needs for itself.
+    pointer_ = QCursor::pos();
+    if (windowType() == Qt::Popup)
+        untilNobodyLooks_.start();
     // Nothing is chosen until the user takes the keyboard.
     if (QWidget* content = area_->widget())
         content->setFocus();
+}
+
+void Popover::closeUnlessPointerMoves() {
+    const QPoint before = std::exchange(pointer_, QCursor::pos());
+    if (pointer_ == before)
+        hide();
+    else
+        untilNobodyLooks_.start();
 }
 
 void Popover::place() {
@@ -133,6 +154,7 @@ void Popover::keyPressEvent(QKeyEvent* event) {
 
 void Popover::hideEvent(QHideEvent* event) {
     sinceClosed_.start();
+    untilNobodyLooks_.stop();
     // The points and the table were made from copies of a week of samples, which the allocator would keep for the next
     // time; but that may be in hours.
     giveBackFreeMemory();

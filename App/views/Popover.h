@@ -4,6 +4,8 @@
 #include "platform/StatusBar.h"
 
 #include <QElapsedTimer>
+#include <QPoint>
+#include <QTimer>
 #include <QWidget>
 
 #include <optional>
@@ -11,7 +13,7 @@
 class QScrollArea;
 class ThinScrollBar;
 
-/// The window that opens from the status item and closes by itself when the user turns elsewhere.
+/// The window that opens from the status item and closes by itself when the user turns elsewhere, or away.
 class Popover final : public QWidget {
     Q_OBJECT
 
@@ -42,4 +44,8 @@ private:
     QWidget* border_;
     std::optional<ScreenPoint> point_;
     QElapsedTimer sinceClosed_;
+    QTimer untilNobodyLooks_{this};
+    QPoint pointer_; ///< when the timer was started
+
+    void closeUnlessPointerMoves();
 };

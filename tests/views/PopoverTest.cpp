@@ -10,10 +10,13 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QCursor>
 #include <QLayout>
 #include <QScreen>
 #include <QScrollArea>
+#include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 #include <QWheelEvent>
 #include <gtest/gtest.h>
 
@@ -149,6 +152,28 @@ TEST_F(PopoverTest, ClosesWhenTheUserTurnsToAnotherWindow) {
     other.activateWindow();
     EXPECT_TRUE(waitUntil([&] { return !popover.isVisible(); }));
     EXPECT_TRUE(other.isVisible());
+}
+
+TEST_F(PopoverTest, APopupClosesWhenNobodyMovesThePointer) {
+    // It keeps a screen locker from what that needs.
+    popover.setWindowFlags(Qt::Popup);
+    open();
+    const auto timers = popover.findChildren<QTimer*>(QString(), Qt::FindDirectChildrenOnly);
+    ASSERT_EQ(timers.size(), 1);
+    EXPECT_TRUE(timers.first()->isActive());
+    EXPECT_EQ(timers.first()->interval(), 120'000);
+    const QSignalSpy looks(timers.first(), &QTimer::timeout);
+    QCursor::setPos(QCursor::pos() + QPoint(1, 1));
+    timers.first()->start(0);
+    EXPECT_TRUE(waitUntil([&] { return !popover.isVisible(); }));
+    EXPECT_EQ(looks.count(), 2) << "it had been moved before the first";
+    EXPECT_FALSE(timers.first()->isActive());
+}
+
+TEST_F(PopoverTest, AnyOtherWindowStays) {
+    open();
+    for (const auto* timer : popover.findChildren<QTimer*>(QString(), Qt::FindDirectChildrenOnly))
+        EXPECT_FALSE(timer->isActive());
 }
 
 TEST_F(PopoverTest, KnowsForAMomentThatItWasClosed) {
