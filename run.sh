@@ -42,6 +42,7 @@ cmake --build --preset default --target velmora
 ./make_app.sh
 
 if [ "$mode" = session ]; then
+    echo "Starting it. One that runs already only shows its details then; quit it first to see this build."
     exec build/Velmora.app/AppRun
 fi
 exec env PYTHONDONTWRITEBYTECODE=1 /usr/bin/python3 tests/desktop/demo.py build/Velmora.app build/demo "${window[@]}"
