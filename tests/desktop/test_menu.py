@@ -91,6 +91,18 @@ class ItemMenu(DesktopCase):
             self.menu.event(quit_entry.id, kind)
         self.answers()
 
+    def test_an_entry_that_says_something_new_is_a_new_item(self):
+        # In a menu that is open, what is clicked may just have been replaced.
+        before = self.menu.entries()
+        self.menu.event(before[1].id, "clicked")
+        self.soon(lambda: self.menu.entries()[1].label.startswith("Cancel snooze"), 5, "it is snoozed")
+        after = self.menu.entries()
+        self.assertEqual(after[:1] + after[2:], before[:1] + before[2:])
+        self.assertNotIn(after[1].id, [entry.id for entry in before])
+        event = (before[1].id, "clicked", GLib.Variant("i", 0), 0)
+        self.call_that_may_be_refused("Event", GLib.Variant("(isvu)", event))
+        self.never(lambda: self.menu.entries() != after, 1)
+
     def test_quit_ends_the_program(self):
         self.menu.choose("Quit")
         self.ends_cleanly(self.program)

@@ -15,10 +15,13 @@ DBusMenu::DBusMenu(QDBusConnection bus) {
 }
 
 void DBusMenu::setEntries(std::vector<StatusItem::MenuEntry> entries) {
-    const bool looksTheSame =
-        std::ranges::equal(entries_, entries, {}, &StatusItem::MenuEntry::label, &StatusItem::MenuEntry::label);
+    QList<int> ids;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const bool isTheSame = i < entries_.size() && entries_[i].label == entries[i].label;
+        ids.append(isTheSame ? ids_[static_cast<qsizetype>(i)] : ++lastId_);
+    }
     entries_ = std::move(entries);
-    if (!looksTheSame)
+    if (std::exchange(ids_, ids) != ids)
         Q_EMIT LayoutUpdated(++revision_, 0);
 }
 
@@ -26,8 +29,9 @@ QString DBusMenu::textDirection() {
     return QGuiApplication::isRightToLeft() ? QStringLiteral("rtl") : QStringLiteral("ltr");
 }
 
-bool DBusMenu::isItem(int id) const {
-    return id >= 0 && std::cmp_less_equal(id, entries_.size());
+const StatusItem::MenuEntry* DBusMenu::entry(int id) const {
+    const auto found = std::ranges::find(ids_, id);
+    return found == ids_.end() ? nullptr : &entries_[static_cast<std::size_t>(found - ids_.begin())];
 }
 
 QVariantMap DBusMenu::properties(int id, const QStringList& names) const {
@@ -36,7 +40,7 @@ QVariantMap DBusMenu::properties(int id, const QStringList& names) const {
         all.insert(QStringLiteral("children-display"), QStringLiteral("submenu"));
     } else {
         // An underscore marks a mnemonic; a real one is written twice.
-        QString label = QString::fromStdString(entries_[static_cast<std::size_t>(id) - 1].label);
+        QString label = QString::fromStdString(entry(id)->label);
         label.replace(QLatin1Char('_'), QLatin1String("__"));
         all.insert(QStringLiteral("label"), label);
         all.insert(QStringLiteral("enabled"), true);
@@ -65,19 +69,14 @@ uint DBusMenu::GetLayout(int parentId, int recursionDepth, const QStringList& pr
     layout = {.id = parentId, .properties = properties(parentId, propertyNames), .children = {}};
     if (parentId != 0 || recursionDepth == 0)
         return revision_;
-    for (int id = 1; isItem(id); ++id)
+    for (const int id : ids_)
         layout.children.append({.id = id, .properties = properties(id, propertyNames), .children = {}});
     return revision_;
 }
 
 MenuItems DBusMenu::GetGroupProperties(const QList<int>& ids, const QStringList& propertyNames) const {
     MenuItems items;
-    if (ids.isEmpty()) {
-        for (int id = 0; isItem(id); ++id)
-            items.append({.id = id, .properties = properties(id, propertyNames)});
-        return items;
-    }
-    for (const int id : ids) {
+    for (const int id : ids.isEmpty() ? QList<int>{0} + ids_ : ids) {
         if (isItem(id))
             items.append({.id = id, .properties = properties(id, propertyNames)});
     }
@@ -99,7 +98,7 @@ void DBusMenu::Event(int id, const QString& eventId, const QDBusVariant& /*data*
     if (id == 0 || eventId != QLatin1String("clicked"))
         return;
     // On a later turn: the panel gets its answer first, whatever the entry does.
-    const auto action = entries_[static_cast<std::size_t>(id) - 1].action;
+    const auto action = entry(id)->action;
     QMetaObject::invokeMethod(
         this, [action] { action(); }, Qt::QueuedConnection);
 }

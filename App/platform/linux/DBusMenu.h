@@ -6,11 +6,14 @@
 
 #include <QDBusConnection>
 #include <QDBusContext>
+#include <QList>
 #include <QObject>
 
 #include <vector>
 
-/// A flat menu, exported for the panel to draw (com.canonical.dbusmenu). Item 0 is the root, entry n is item n + 1.
+/// A flat menu, exported for the panel to draw (com.canonical.dbusmenu). Item 0 is the root. An entry that says
+/// something new is a new item: in a menu that is open, a click on the words of the old one must not do what the new
+/// ones say.
 class DBusMenu final : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_PROPERTY(uint Version READ version)
@@ -24,6 +27,7 @@ public:
     /// Exports the menu at `path`.
     explicit DBusMenu(QDBusConnection bus);
 
+    /// Replaces what is in the menu, and tells the panel where that reads differently.
     void setEntries(std::vector<StatusItem::MenuEntry> entries);
     const std::vector<StatusItem::MenuEntry>& entries() const { return entries_; }
 
@@ -42,13 +46,16 @@ Q_SIGNALS:
 
 private:
     std::vector<StatusItem::MenuEntry> entries_;
+    QList<int> ids_; ///< of the entries
+    int lastId_ = 0;
     uint revision_ = 1;
 
     static uint version() { return 3; }
     static QString textDirection();
     static QString status() { return QStringLiteral("normal"); }
     static QStringList iconThemePath() { return {}; }
-    bool isItem(int id) const;
+    const StatusItem::MenuEntry* entry(int id) const;
+    bool isItem(int id) const { return id == 0 || entry(id) != nullptr; }
     QVariantMap properties(int id, const QStringList& names) const;
     void refuse(int id) const;
 };
