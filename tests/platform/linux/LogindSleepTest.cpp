@@ -59,10 +59,11 @@ protected:
         return count;
     }
 
-    void announce(bool goesToSleep) const {
+    /// Sends the signal with one argument.
+    void announce(const QVariant& argument, const char* signature = "b") const {
         bus.call(name, path, QStringLiteral("org.freedesktop.DBus.Mock"), QStringLiteral("EmitSignal"),
-                 {manager, QStringLiteral("PrepareForSleep"), QStringLiteral("b"),
-                  QVariantList{QVariant::fromValue(QDBusVariant(goesToSleep))}});
+                 {manager, QStringLiteral("PrepareForSleep"), QString::fromLatin1(signature),
+                  QVariantList{QVariant::fromValue(QDBusVariant(argument))}});
     }
 
     bool holdsLocks(int count) {
@@ -85,6 +86,20 @@ TEST_F(LogindSleepTest, HoldsALockUntilTheSaveIsDoneAndTakesItAgainAfterWaking) 
         ASSERT_TRUE(waitUntil([&] { return wakes == round; }));
         ASSERT_TRUE(holdsLocks(1));
     }
+}
+
+TEST_F(LogindSleepTest, HearsNoSignalOfAnotherType) {
+    const auto service = logind();
+    start();
+    ASSERT_TRUE(holdsLocks(1));
+    announce(QStringLiteral("true"), "s");
+    announce(1, "i");
+    announce(QVariantMap{{QStringLiteral("a"), true}}, "a{sv}");
+    announce(QVariantList{true}, "av");
+    announce(true);
+    ASSERT_TRUE(waitUntil([&] { return sleeps > 0; }));
+    EXPECT_EQ(sleeps, 1);
+    EXPECT_EQ(wakes, 0);
 }
 
 TEST_F(LogindSleepTest, FollowsALogindThatAppearsLateAndOneThatIsStartedAgain) {

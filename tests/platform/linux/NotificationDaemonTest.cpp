@@ -282,6 +282,32 @@ TEST_F(NotificationDaemonTest, MayTalkNonsense) {
     EXPECT_EQ(delegate.received, std::vector<std::string>());
 }
 
+TEST_F(NotificationDaemonTest, MaySendSignalsOfOtherTypes) {
+    daemon.appear();
+    start();
+    add(request("low"));
+    const uint id = daemon.sent.at(0).id;
+    // What is no plain value is turned into what is wanted only on arrival.
+    const QVariant odd[] = {QVariantMap{{QStringLiteral("a"), 1}}, QVariantList{1, QStringLiteral("b")},
+                            QVariant::fromValue(QDBusVariant(id)), QStringLiteral("SNOOZE"), 7.0};
+    for (const char* signal : {"NotificationClosed", "ActionInvoked", "ActivationToken"}) {
+        const QVariant right =
+            signal == std::string_view("NotificationClosed") ? QVariant(2U) : QStringLiteral("SNOOZE");
+        for (const QVariant& one : odd) {
+            daemon.tell(QString::fromLatin1(signal), {one, right});
+            if (one.metaType() != right.metaType())
+                daemon.tell(QString::fromLatin1(signal), {id, one});
+        }
+        daemon.tell(QString::fromLatin1(signal), {id});
+        daemon.tell(QString::fromLatin1(signal), {id, right, right});
+    }
+    settle();
+    EXPECT_EQ(delegate.received, std::vector<std::string>());
+    // Nothing of that was believed: it is still there, and its button works.
+    daemon.invoke(id, QStringLiteral("SNOOZE"));
+    EXPECT_TRUE(waitUntil([&] { return delegate.received.size() == 1; }));
+}
+
 TEST_F(NotificationDaemonTest, MayHangWithoutAnythingPilingUp) {
     for (const char* method : {"GetServerInformation", "GetCapabilities", "Get", "Notify"})
         daemon.manners[QString::fromLatin1(method)] = Manner::waits;

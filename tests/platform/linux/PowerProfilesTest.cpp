@@ -17,6 +17,7 @@ const QString oldPath = QStringLiteral("/net/hadess/PowerProfiles");
 const QString newName = QStringLiteral("org.freedesktop.UPower.PowerProfiles");
 const QString newPath = QStringLiteral("/org/freedesktop/UPower/PowerProfiles");
 const QString mock = QStringLiteral("org.freedesktop.DBus.Mock");
+const QString activeProfile = QStringLiteral("ActiveProfile");
 
 class PowerProfilesTest : public testing::Test {
 protected:
@@ -41,13 +42,32 @@ protected:
     std::unique_ptr<StandIn> newDaemon(const QString& profile) {
         auto daemon = std::make_unique<StandIn>(bus, newName, QStringList{newName, newPath, newName});
         bus.call(newName, newPath, mock, QStringLiteral("AddProperty"),
-                 {newName, QStringLiteral("ActiveProfile"), QVariant::fromValue(QDBusVariant(profile))});
+                 {newName, activeProfile, QVariant::fromValue(QDBusVariant(profile))});
         return daemon;
     }
 
     void switchTo(const QString& name, const QString& path, const QString& profile) const {
-        bus.call(name, path, mock, QStringLiteral("UpdateProperties"),
-                 {name, QVariantMap{{QStringLiteral("ActiveProfile"), profile}}});
+        bus.call(name, path, mock, QStringLiteral("UpdateProperties"), {name, QVariantMap{{activeProfile, profile}}});
+    }
+
+    static QVariantMap toProfile(const char* profile) { return {{activeProfile, QString::fromLatin1(profile)}}; }
+
+    /// Tells of a change of properties as the new daemon does, with any arguments.
+    void tell(const QVariantList& arguments, const char* signature = "sa{sv}as") const {
+        QVariantList wrapped;
+        for (const QVariant& argument : arguments)
+            wrapped.append(QVariant::fromValue(QDBusVariant(argument)));
+        bus.call(newName, newPath, mock, QStringLiteral("EmitSignal"),
+                 {QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("PropertiesChanged"),
+                  QString::fromLatin1(signature), wrapped});
+    }
+
+    /// That power has been saved so far, through everything that was told; a change would have been seen and undone.
+    void expectNothingHeard() {
+        tell({newName, toProfile("power-saver"), QStringList()});
+        tell({newName, toProfile("balanced"), QStringList()});
+        EXPECT_TRUE(becomes(false));
+        EXPECT_EQ(changes, 2) << "once to power-saver and once away from it";
     }
 
     bool becomes(bool lowPower) {
@@ -101,6 +121,32 @@ TEST_F(PowerProfilesTest, SurvivesABusThatAppearsLateAndIsStartedAgain) {
     }
 }
 
+TEST_F(PowerProfilesTest, HearsOnlyOfTheDaemonItself) {
+    const auto daemon = newDaemon(QStringLiteral("power-saver"));
+    start();
+    ASSERT_TRUE(becomes(true));
+    for (const char* other : {"", "no name", "nodot", ":1.1", "/", "\xc3\xa4.\xc3\xa4", "org.freedesktop.UPower"}) {
+        tell({QString::fromUtf8(other), QVariantMap(), QStringList{activeProfile}});
+        tell({QString::fromUtf8(other), toProfile("balanced"), QStringList()});
+    }
+    expectNothingHeard();
+}
+
+TEST_F(PowerProfilesTest, HearsNoSignalOfOtherTypes) {
+    const auto daemon = newDaemon(QStringLiteral("power-saver"));
+    start();
+    ASSERT_TRUE(becomes(true));
+    const QVariantMap balanced = toProfile("balanced");
+    const QStringList none;
+    tell({newName, balanced, balanced}, "sa{sv}a{sv}");
+    tell({newName, none, none}, "sasas");
+    tell({balanced, balanced, none}, "a{sv}a{sv}as");
+    tell({newName, QStringLiteral("balanced"), none}, "ssas");
+    tell({newName, balanced}, "sa{sv}");
+    tell({newName, balanced, none, none}, "sa{sv}asas");
+    expectNothingHeard();
+}
+
 // The daemon of the distribution, on a machine whose firmware is a folder. Its user may do everything.
 TEST_F(PowerProfilesTest, FollowsTheRealDaemon) {
     TemporaryFolder machine;
@@ -116,8 +162,7 @@ TEST_F(PowerProfilesTest, FollowsTheRealDaemon) {
                             {{QStringLiteral("UMOCKDEV_DIR"), QString::fromStdString(machine.path.string())}});
     const auto choose = [&](const char* profile) {
         bus.call(oldName, oldPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Set"),
-                 {oldName, QStringLiteral("ActiveProfile"),
-                  QVariant::fromValue(QDBusVariant(QString::fromLatin1(profile)))});
+                 {oldName, activeProfile, QVariant::fromValue(QDBusVariant(QString::fromLatin1(profile)))});
     };
     start();
     choose("power-saver");
