@@ -79,6 +79,15 @@ TEST(HistoryFile, ReadsWholeNumbersAsTimes) {
     EXPECT_EQ(decode(with("1731650000.25", "-1"))->front().t, -1.0);
 }
 
+TEST(HistoryFile, ReadsTimesOfManyDigits) {
+    const std::string zeros(400, '0');
+    EXPECT_EQ(decode(with("1731650000.25", "1731650000.25" + zeros))->front().t, 1731650000.25);
+    EXPECT_EQ(decode(with("1731650000.25", "0." + zeros + '1'))->front().t, 0.0) << "nearer to it than a double can be";
+    EXPECT_EQ(decode(with("1731650000.25", "-1." + zeros + "e-400"))->front().t, 0.0);
+    EXPECT_EQ(decode(with("1731650000.25", '1' + zeros)), std::nullopt) << "larger than a double can be";
+    EXPECT_EQ(decode(with("1731650000.25", "1." + zeros + "e400")), std::nullopt);
+}
+
 TEST(HistoryFile, ReadsPercentagesThatNobodyMeant) {
     EXPECT_EQ(decode(with("80", "-5"))->front().p, -5);
     EXPECT_EQ(decode(with("80", "-0.0"))->front().p, 0);
@@ -90,8 +99,9 @@ TEST(HistoryFile, TakesTheLastOfARepeatedKey) {
     EXPECT_EQ(decode(with("80,", "7,\"p\":80,")), Samples{one});
     EXPECT_EQ(decode(with("80,", "80.5,\"p\":80,")), Samples{one});
     EXPECT_EQ(decode(with("80,", "\"x\",\"p\":80,")), Samples{one});
-    EXPECT_EQ(decode(with("80,", "80,\"p\":null,")), std::nullopt);
     EXPECT_EQ(decode(with("80,", "80,\"p\":80.5,")), std::nullopt);
+    for (const char* key : {"t", "p", "c", "a"})
+        EXPECT_EQ(decode(with("true}", std::string("true,\"") + key + "\":null}")), std::nullopt) << key;
     EXPECT_EQ(decode(with("true}", "false,\"a\":true}")), Samples{one});
 }
 
@@ -112,8 +122,8 @@ TEST(HistoryFile, DiscardsTheWholeListForOneBadElement) {
     for (const char* t : {"null",   "\"1\"", "true", "[1]", "{}", "NaN", "Infinity", "-Infinity", "nan", "1e400",
                           "-1e400", "01",    "+1",   "1.",  ".5", "1e",  "-",        "0x10",      "1_0", "1 2"})
         EXPECT_EQ(decode(with("1731650000.25", t)), std::nullopt) << t;
-    for (const char* p :
-         {"null", "\"80\"", "true", "80.5", "1e300", "9223372036854775808", "-9223372036854775809", "[80]"})
+    for (const char* p : {"null", "\"80\"", "true", "80.5", "1e300", "9223372036854775808", "-9223372036854775809",
+                          "[80]", "1e999", "8.0.0", "080", "-"})
         EXPECT_EQ(decode(with("80", p)), std::nullopt) << p;
     for (const char* c : {"1", "0", "null", "\"true\"", "True", "truex", "tru", "[]"})
         EXPECT_EQ(decode(with("true", c)), std::nullopt) << c;
