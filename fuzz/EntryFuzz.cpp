@@ -2,10 +2,8 @@
 #include "Target.h"
 #include "platform/linux/AutostartEntry.h"
 #include "platform/linux/DesktopEntry.h"
+#include "support/GLibKeyFile.h"
 
-#include <glib.h>
-
-#include <memory>
 #include <vector>
 
 // An input is a desktop entry as somebody may have put it into the folder "autostart"; and, beside that, any text that
@@ -13,47 +11,13 @@
 
 namespace {
 
-class KeyFile {
-public:
-    explicit KeyFile(const std::string& text)
-        : isLoaded(g_key_file_load_from_data(file_.get(), text.data(), text.size(), G_KEY_FILE_KEEP_TRANSLATIONS,
-                                             nullptr) != 0) {}
-
-    std::optional<std::string> string(const char* key) const {
-        GError* failure = nullptr; // there may be a value beside it, with the escape that it could not resolve
-        const std::unique_ptr<char, void (*)(void*)> value(
-            g_key_file_get_string(file_.get(), "Desktop Entry", key, &failure), g_free);
-        if (failure == nullptr)
-            return std::string(value.get());
-        g_error_free(failure);
-        return std::nullopt;
-    }
-
-    std::optional<bool> boolean(const char* key) const {
-        GError* failure = nullptr;
-        const bool value = g_key_file_get_boolean(file_.get(), "Desktop Entry", key, &failure) != 0;
-        if (failure == nullptr)
-            return value;
-        g_error_free(failure);
-        return std::nullopt;
-    }
-
-private:
-    std::unique_ptr<GKeyFile, void (*)(GKeyFile*)> file_{g_key_file_new(), g_key_file_unref};
-
-public:
-    bool isLoaded = false;
-};
-
 /// The words of a command line by GLib, without what starts with a percent sign in them.
 std::optional<std::vector<std::string>> slowlyCut(const std::string& line) {
-    int count = 0;
-    char** words = nullptr;
-    if (g_shell_parse_argv(line.c_str(), &count, &words, nullptr) == 0)
+    const auto words = glibShellWords(line);
+    if (!words)
         return std::nullopt;
     std::vector<std::string> all;
-    for (int i = 0; i < count; ++i) {
-        std::string word = words[i];
+    for (std::string word : *words) {
         const bool wasEmpty = word.empty();
         for (std::size_t at = word.find('%'); at != std::string::npos; at = word.find('%', at)) {
             const std::string stands = word.substr(at, 2) == "%%" ? "%" : "";
@@ -63,7 +27,6 @@ std::optional<std::vector<std::string>> slowlyCut(const std::string& line) {
         if (wasEmpty || !word.empty())
             all.push_back(word);
     }
-    g_strfreev(words);
     return all;
 }
 
@@ -73,8 +36,8 @@ void checkReading(const std::string& text) {
         require(!AutostartEntry::parse(text), "what is no entry starts nothing");
         return;
     }
-    const KeyFile glib(text);
-    require(glib.isLoaded, "what we read, others read");
+    const GLibKeyFile glib(text);
+    require(glib.isLoaded(), "what we read, others read");
     for (const char* key : {"Type", "Exec", "TryExec", "Name", "Name[de]"}) {
         const auto value = entry->string(key);
         require(!value || value == glib.string(key), "others read the same text");
@@ -97,7 +60,7 @@ void checkWriting(const std::string& text) {
                              "\nExec=" + desktopEntryValue(desktopEntryArgument(text) + " second") + "\n";
     const auto entry = DesktopEntry::parse(file);
     require(entry && entry->string("Name") == text, "a value reads back the same");
-    require(KeyFile(file).string("Name") == text, "others read back the same value");
+    require(GLibKeyFile(file).string("Name") == text, "others read back the same value");
     require(entry->command("Exec") == std::vector<std::string>{text, "second"}, "a word reads back the same");
 
     for (const auto state : {AutostartEntry::Switch::on, AutostartEntry::Switch::off}) {

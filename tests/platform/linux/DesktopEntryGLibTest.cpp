@@ -2,52 +2,11 @@
 // The reader of desktop entries beside the one that most desktops use.
 #include "platform/linux/DesktopEntry.h"
 #include "support/Dice.h"
+#include "support/GLibKeyFile.h"
 
 #include <gtest/gtest.h>
 
-#include <glib.h>
-
-#include <memory>
-
 namespace {
-
-struct KeyFile {
-    std::unique_ptr<GKeyFile, void (*)(GKeyFile*)> file{g_key_file_new(), g_key_file_unref};
-    bool isLoaded = false;
-
-    explicit KeyFile(const std::string& text)
-        : isLoaded(g_key_file_load_from_data(file.get(), text.data(), text.size(), G_KEY_FILE_KEEP_TRANSLATIONS,
-                                             nullptr) != 0) {}
-
-    std::optional<std::string> string(const char* key) const {
-        GError* failure = nullptr; // there may be a value beside it, with the escape that it could not resolve
-        const std::unique_ptr<char, void (*)(void*)> value(
-            g_key_file_get_string(file.get(), "Desktop Entry", key, &failure), g_free);
-        if (failure == nullptr)
-            return std::string(value.get());
-        g_error_free(failure);
-        return std::nullopt;
-    }
-
-    std::optional<bool> boolean(const char* key) const {
-        GError* failure = nullptr;
-        const bool value = g_key_file_get_boolean(file.get(), "Desktop Entry", key, &failure) != 0;
-        if (failure == nullptr)
-            return value;
-        g_error_free(failure);
-        return std::nullopt;
-    }
-};
-
-std::optional<std::vector<std::string>> shellWords(const std::string& line) {
-    int count = 0;
-    char** words = nullptr;
-    if (g_shell_parse_argv(line.c_str(), &count, &words, nullptr) == 0)
-        return std::nullopt;
-    std::vector<std::string> all(words, words + count);
-    g_strfreev(words);
-    return all;
-}
 
 std::string anyOf(Dice& dice, const std::vector<std::string>& pieces, std::uint64_t most) {
     std::string text;
@@ -76,8 +35,8 @@ TEST(DesktopEntryAndGLib, WhatWeReadGLibReadsTheSame) {
         if (!entry)
             continue;
         ++read;
-        const KeyFile glib(text);
-        ASSERT_TRUE(glib.isLoaded) << testing::PrintToString(text);
+        const GLibKeyFile glib(text);
+        ASSERT_TRUE(glib.isLoaded()) << testing::PrintToString(text);
         for (const char* key : {"Name", "Hidden", "Name[de]"}) {
             const auto value = entry->string(key);
             if (!value)
@@ -104,7 +63,7 @@ TEST(DesktopEntryAndGLib, WhatWeCutGLibCutsTheSame) {
         if (words.empty())
             continue;
         ++cut;
-        ASSERT_EQ(words, shellWords(line)) << testing::PrintToString(line);
+        ASSERT_EQ(words, glibShellWords(line)) << testing::PrintToString(line);
     }
     EXPECT_GT(cut, 5000) << "too little to compare";
 }
@@ -115,10 +74,10 @@ TEST(DesktopEntryAndGLib, GLibGetsBackWhatWeWrite) {
     Dice dice(4);
     for (int round = 0; round < 20000; ++round) {
         const std::string text = anyOf(dice, pieces, 8);
-        const KeyFile glib("[Desktop Entry]\nName=" + desktopEntryValue(text) +
-                           "\nExec=" + desktopEntryValue(desktopEntryArgument(text) + " second") + "\n");
-        ASSERT_TRUE(glib.isLoaded);
+        const GLibKeyFile glib("[Desktop Entry]\nName=" + desktopEntryValue(text) +
+                               "\nExec=" + desktopEntryValue(desktopEntryArgument(text) + " second") + "\n");
+        ASSERT_TRUE(glib.isLoaded());
         ASSERT_EQ(glib.string("Name"), text);
-        ASSERT_EQ(shellWords(glib.string("Exec").value_or("")), (std::vector<std::string>{text, "second"}));
+        ASSERT_EQ(glibShellWords(glib.string("Exec").value_or("")), (std::vector<std::string>{text, "second"}));
     }
 }
