@@ -1,19 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/PortalSettings.h"
 
-#include "platform/linux/DesktopLookWatch.h"
-#include "support/PrivateBus.h"
-#include "support/WaitUntil.h"
+#include "support/DesktopLookFixture.h"
 
 #include <QDBusArgument>
-#include <QDBusMessage>
-#include <QDBusPendingCall>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <vector>
 
 namespace {
 
@@ -74,24 +66,7 @@ QVariant color(double red, double green, double blue) {
     return QVariant::fromValue(argument);
 }
 
-class PortalSettingsTest : public testing::Test {
-protected:
-    PrivateBus bus;
-    // A connection beside the stand-in's, as two programs have.
-    QDBusConnection own = QDBusConnection::connectToBus(bus.address(), QStringLiteral("portal-settings-test"));
-    std::vector<DesktopLook> looks;
-    std::unique_ptr<DesktopLookWatch> settings =
-        std::make_unique<DesktopLookWatch>(own, [this](const DesktopLook& look) { looks.push_back(look); });
-
-    ~PortalSettingsTest() override {
-        settings.reset();
-        QDBusConnection::disconnectFromBus(own.name());
-    }
-    /// Whether it comes to this look.
-    bool shows(const DesktopLook& look) {
-        return waitUntil([&] { return !looks.empty() && looks.back() == look; });
-    }
-};
+using PortalSettingsTest = DesktopLookFixture;
 
 TEST_F(PortalSettingsTest, TellsWhatTheDesktopHasChosen) {
     FakePortal portal(bus);
@@ -99,7 +74,7 @@ TEST_F(PortalSettingsTest, TellsWhatTheDesktopHasChosen) {
                                  {QStringLiteral("accent-color"), color(0.25, 0.5, 0.75)}};
     portal.spaces[gnome] = {{QStringLiteral("font-name"), QStringLiteral("Cantarell 11")},
                             {QStringLiteral("text-scaling-factor"), 2.0}};
-    settings->start(false);
+    watch->start(false);
     EXPECT_TRUE(shows({.isDark = true, .accent = {{0.25, 0.5, 0.75}}, .font = DesktopLook::Font{"Cantarell", 22}}));
     EXPECT_EQ(portal.asked, (QStringList{appearance, gnome}));
 }
@@ -107,7 +82,7 @@ TEST_F(PortalSettingsTest, TellsWhatTheDesktopHasChosen) {
 TEST_F(PortalSettingsTest, FollowsWhileItRuns) {
     FakePortal portal(bus);
     portal.spaces[appearance] = {{QStringLiteral("color-scheme"), 1U}};
-    settings->start(false);
+    watch->start(false);
     ASSERT_TRUE(shows({.isDark = true, .accent = {}, .font = {}}));
     portal.change(appearance, QStringLiteral("color-scheme"), 2U);
     EXPECT_TRUE(shows({.isDark = false, .accent = {}, .font = {}}));
@@ -117,7 +92,7 @@ TEST_F(PortalSettingsTest, FollowsWhileItRuns) {
 
 TEST_F(PortalSettingsTest, SaysNothingOfChangesThatChangeNothing) {
     FakePortal portal(bus);
-    settings->start(false);
+    watch->start(false);
     portal.change(gnome, QStringLiteral("cursor-size"), 48);
     portal.change(appearance, QStringLiteral("color-scheme"), 0U);
     portal.change(gnome, QStringLiteral("color-scheme"), QStringLiteral("prefer-dark"));
@@ -127,28 +102,14 @@ TEST_F(PortalSettingsTest, SaysNothingOfChangesThatChangeNothing) {
 }
 
 TEST_F(PortalSettingsTest, HearsAPortalThatComesLater) {
-    settings->start(false);
+    watch->start(false);
     FakePortal portal(bus);
     portal.spaces[appearance] = {{QStringLiteral("color-scheme"), 1U}};
     EXPECT_TRUE(shows({.isDark = true, .accent = {}, .font = {}}));
 }
 
 TEST_F(PortalSettingsTest, DoesNotStartAPortal) {
-    const QString other = QStringLiteral("test.Other");
-    const auto mark = [this](const QString& name) { return bus.services() / (name.toStdString() + ".started"); };
-    for (const QString& name : {service, other})
-        write(bus.services() / (name.toStdString() + ".service"),
-              "[D-BUS Service]\nName=" + name.toStdString() + "\nExec=/usr/bin/touch " + mark(name).string() + "\n");
-    const QString daemon = QStringLiteral("org.freedesktop.DBus");
-    const QString daemonPath = QStringLiteral("/org/freedesktop/DBus");
-    bus.call(daemon, daemonPath, daemon, QStringLiteral("ReloadConfig"));
-    settings->start(false);
-    // The bus starts in the order in which it is asked.
-    auto start = QDBusMessage::createMethodCall(daemon, daemonPath, daemon, QStringLiteral("StartServiceByName"));
-    start << other << 0U;
-    own.asyncCall(start);
-    ASSERT_TRUE(waitUntil([&] { return std::filesystem::exists(mark(other)); }));
-    EXPECT_FALSE(std::filesystem::exists(mark(service)));
+    EXPECT_FALSE(starts(service, [this] { watch->start(false); }));
     EXPECT_TRUE(looks.empty());
 }
 
@@ -159,7 +120,7 @@ TEST_F(PortalSettingsTest, BelievesNothingOfTheWrongType) {
     portal.spaces[gnome] = {{QStringLiteral("font-name"), 11},
                             {QStringLiteral("text-scaling-factor"), QStringLiteral("2")},
                             {QStringLiteral("gtk-theme"), QStringLiteral("Adwaita-dark")}};
-    settings->start(false);
+    watch->start(false);
     EXPECT_TRUE(shows({.isDark = true, .accent = {}, .font = {}}));
     EXPECT_EQ(looks.size(), 1U);
 }
@@ -167,7 +128,7 @@ TEST_F(PortalSettingsTest, BelievesNothingOfTheWrongType) {
 TEST_F(PortalSettingsTest, OutlivesAnAnswerThatIsNone) {
     FakePortal portal(bus);
     portal.nonsense = QStringLiteral("nothing of that kind");
-    settings->start(false);
+    watch->start(false);
     ASSERT_TRUE(waitUntil([&] { return !portal.asked.isEmpty(); }));
     portal.change(appearance, QStringLiteral("color-scheme"), 1U);
     EXPECT_TRUE(shows({.isDark = true, .accent = {}, .font = {}}));

@@ -1,18 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/XfconfSettings.h"
 
-#include "platform/linux/DesktopLookWatch.h"
-#include "support/PrivateBus.h"
-#include "support/WaitUntil.h"
+#include "support/DesktopLookFixture.h"
 
-#include <QDBusMessage>
-#include <QDBusPendingCall>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <vector>
 
 namespace {
 
@@ -63,24 +55,7 @@ private:
     QDBusConnection connection_;
 };
 
-class XfconfSettingsTest : public testing::Test {
-protected:
-    PrivateBus bus;
-    // A connection beside the stand-in's, as two programs have.
-    QDBusConnection own = QDBusConnection::connectToBus(bus.address(), QStringLiteral("xfconf-settings-test"));
-    std::vector<DesktopLook> looks;
-    std::unique_ptr<DesktopLookWatch> watch =
-        std::make_unique<DesktopLookWatch>(own, [this](const DesktopLook& look) { looks.push_back(look); });
-
-    ~XfconfSettingsTest() override {
-        watch.reset();
-        QDBusConnection::disconnectFromBus(own.name());
-    }
-    /// Whether it comes to this look.
-    bool shows(const DesktopLook& look) {
-        return waitUntil([&] { return !looks.empty() && looks.back() == look; });
-    }
-};
+using XfconfSettingsTest = DesktopLookFixture;
 
 } // namespace
 
@@ -137,22 +112,7 @@ TEST_F(XfconfSettingsTest, OutlivesAnAnswerThatIsNone) {
 }
 
 TEST_F(XfconfSettingsTest, IsNotStartedAndOnlyAskedOnItsOwnDesktop) {
-    const auto mark = bus.services() / "started";
-    write(bus.services() / "xfconf.service",
-          "[D-BUS Service]\nName=" + service.toStdString() + "\nExec=/usr/bin/touch " + mark.string() + "\n");
-    const auto other = bus.services() / "other";
-    write(bus.services() / "other.service",
-          "[D-BUS Service]\nName=test.Other\nExec=/usr/bin/touch " + other.string() + "\n");
-    const QString daemon = QStringLiteral("org.freedesktop.DBus");
-    const QString daemonPath = QStringLiteral("/org/freedesktop/DBus");
-    bus.call(daemon, daemonPath, daemon, QStringLiteral("ReloadConfig"));
-    watch->start(true);
-    // The bus starts in the order in which it is asked.
-    auto start = QDBusMessage::createMethodCall(daemon, daemonPath, daemon, QStringLiteral("StartServiceByName"));
-    start << QStringLiteral("test.Other") << 0U;
-    own.asyncCall(start);
-    ASSERT_TRUE(waitUntil([&] { return std::filesystem::exists(other); }));
-    EXPECT_FALSE(std::filesystem::exists(mark));
+    EXPECT_FALSE(starts(service, [this] { watch->start(true); }));
     EXPECT_TRUE(looks.empty());
 
     FakeXfconf xfce(bus, {{theme, QStringLiteral("Adwaita-dark")}});
