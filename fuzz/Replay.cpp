@@ -10,13 +10,16 @@
 #include <iterator>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
-/// Feeds each file of the corpus, cut off at every byte, without the fuzzer. Where inputs can be turned away, the name
-/// of a file says what is expected: a file called good-... is taken, one called bad-... is not.
+/// Feeds each file of the corpus, as a whole and cut off at every byte, without the fuzzer; with the word "whole" only
+/// as a whole. Where inputs can be turned away, the name of a file says what is expected: a file called good-... is
+/// taken, one called bad-... is not.
 int main(int argc, char** argv) {
-    if (argc != 2) {
-        std::cerr << "Usage: " << argv[0] << " FOLDER" << std::endl;
+    const bool onlyWhole = argc == 3 && std::string_view(argv[2]) == "whole";
+    if (argc != 2 && !onlyWhole) {
+        std::cerr << "Usage: " << argv[0] << " FOLDER [whole]" << std::endl;
         return EXIT_FAILURE;
     }
     std::vector<std::filesystem::path> files;
@@ -29,7 +32,7 @@ int main(int argc, char** argv) {
         std::cout << name << std::endl; // now, in case that the next line does not come back
         std::ifstream stream(file, std::ios::binary);
         const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(stream), {}};
-        for (std::size_t length = 0; length <= bytes.size(); ++length)
+        for (std::size_t length = onlyWhole ? bytes.size() : 0; length <= bytes.size(); ++length)
             LLVMFuzzerTestOneInput(bytes.data(), length);
         const std::optional<bool> taken = isTaken({bytes.begin(), bytes.end()});
         if (taken && !name.starts_with(*taken ? "good-" : "bad-")) {
