@@ -88,7 +88,7 @@ bool isHeardWhenChosen(std::string_view stored) {
 }
 
 std::optional<TimeOfDayChoice> timeOfMinutes(std::int64_t minutes) {
-    constexpr std::int64_t minutesOfDay = 24 * 60;
+    constexpr int minutesOfDay = 24 * 60;
     if (minutes < 0 || minutes >= minutesOfDay)
         return std::nullopt;
     return TimeOfDayChoice{.hour = static_cast<int>(minutes / 60), .minute = static_cast<int>(minutes % 60)};

@@ -37,10 +37,11 @@ std::optional<bool> toAnswer(const DoNotDisturbQuestion& question, const QDBusMe
                    ? std::optional(false)
                    : std::nullopt;
     const QVariant value = reply.arguments().value(0);
-    if (!question.mode.empty())
-        return value.typeId() == QMetaType::QStringList
-                   ? std::optional(value.toStringList().contains(toQString(question.mode)))
-                   : std::nullopt;
+    if (!question.mode.empty()) {
+        if (value.typeId() != QMetaType::QStringList)
+            return std::nullopt;
+        return value.toStringList().contains(toQString(question.mode));
+    }
     const QVariant content = value.value<QDBusVariant>().variant();
     return content.typeId() == QMetaType::Bool ? std::optional(content.toBool()) : std::nullopt;
 }

@@ -44,7 +44,10 @@ protected:
         else
             QMessageBox::keyPressEvent(event);
     }
-    void closeEvent(QCloseEvent* event) override { QDialog::closeEvent(event); }
+    void closeEvent(QCloseEvent* event) override {
+        // The message box's own would ignore it, or take it for one of the buttons.
+        QDialog::closeEvent(event); // NOLINT(bugprone-parent-virtual-call)
+    }
 };
 
 const QString savePanelTitle = QStringLiteral("Save As");
@@ -113,7 +116,7 @@ QString chosenFile(QFileDialog& dialog, const QString& suffix) {
         const QString selected = dialog.selectedFiles().value(0);
         if (selected.isEmpty()) // a place that is no folder of this machine
             return {};
-        const QString file = withSuffix(selected, suffix);
+        QString file = withSuffix(selected, suffix);
         // The dialog has asked about the name as it was typed. It could add the suffix itself, but then those of some
         // desktops do so only after they have asked.
         if (file == selected || mayReplace(QFileInfo(file)))
@@ -125,14 +128,14 @@ QString chosenFile(QFileDialog& dialog, const QString& suffix) {
 /// While it lives, this dialog is the one that is open.
 class Opened {
 public:
-    Opened(QPointer<QDialog>& open, QDialog& dialog) : open_(open), before_(open) { open = &dialog; }
+    Opened(QDialog*& open, QDialog& dialog) : open_(open), before_(std::exchange(open, &dialog)) {}
     ~Opened() { open_ = before_; }
     Opened(const Opened&) = delete;
     Opened& operator=(const Opened&) = delete;
 
 private:
-    QPointer<QDialog>& open_;
-    QPointer<QDialog> before_;
+    QDialog*& open_;
+    QDialog* before_;
 };
 
 } // namespace
@@ -149,9 +152,9 @@ void QtPanels::bringToFront() {
 }
 
 bool QtPanels::mayOpen() {
-    if (open_)
+    if (open_ != nullptr)
         activate(*open_);
-    return open_.isNull();
+    return open_ == nullptr;
 }
 
 QString QtPanels::startFolder() const {
@@ -166,10 +169,11 @@ std::optional<std::filesystem::path> QtPanels::runSavePanel(const SavePanel& pan
     if (!mayOpen())
         return std::nullopt;
     const SaveAnswer answer = askPortal(panel);
-    const std::optional<std::filesystem::path> file =
-        answer.outcome == SaveAnswer::Outcome::chosen   ? std::optional(answer.file)
-        : answer.outcome == SaveAnswer::Outcome::failed ? askOurselves(panel)
-                                                        : std::nullopt;
+    std::optional<std::filesystem::path> file;
+    if (answer.outcome == SaveAnswer::Outcome::chosen)
+        file = answer.file;
+    else if (answer.outcome == SaveAnswer::Outcome::failed)
+        file = askOurselves(panel);
     if (file)
         folder_ = QFile::decodeName(file->parent_path().c_str());
     return file;

@@ -5,7 +5,6 @@
 #include "platform/linux/SavePortal.h"
 
 #include <QDBusConnection>
-#include <QPointer>
 #include <QString>
 
 #include <chrono>
@@ -31,8 +30,8 @@ public:
 private:
     std::optional<QDBusConnection> portal_;
     std::chrono::milliseconds portalPatience_;
-    QPointer<QDialog> open_;
-    QString folder_; ///< where the last file went in this run
+    QDialog* open_ = nullptr; ///< lives in the call that shows it
+    QString folder_;          ///< where the last file went in this run
 
     /// Whether there is none yet; the one that is there comes to the front.
     bool mayOpen();

@@ -14,6 +14,8 @@ namespace {
 using Seconds = std::int64_t;
 
 constexpr Seconds secondsOfDay = 86400;
+constexpr Seconds secondsOfHour = 3600;
+constexpr Seconds secondsOfMinute = 60;
 
 /// More than the clocks of any two places have ever differed, and than a zone has ever been moved.
 constexpr Seconds furthestOffset = 2 * secondsOfDay;
@@ -53,7 +55,8 @@ Seconds localTime(Seconds instant) {
     constexpr Seconds daysBefore1970 = 719162;
     const Seconds days = 365 * yearsBefore + leapDays + fields.tm_yday - daysBefore1970;
     // A leap second, which zones under "right/" have, is of the minute that it ends.
-    return days * secondsOfDay + fields.tm_hour * 3600 + fields.tm_min * 60 + std::min(fields.tm_sec, 59);
+    return days * secondsOfDay + fields.tm_hour * secondsOfHour + fields.tm_min * secondsOfMinute +
+           std::min(fields.tm_sec, 59);
 }
 
 /// The first instant after `from` at which the clock is at another distance from UTC than at `from`; `to` when that is
@@ -127,7 +130,7 @@ std::optional<Date> SystemCalendar::at(Date date, TimeOfDay time) const {
         return std::nullopt;
     tzset();
     const Seconds midnight = floorDivide(localTime(*instant), secondsOfDay) * secondsOfDay;
-    return dateOf(firstInstantOf(midnight + time.hour * 3600 + time.minute * 60));
+    return dateOf(firstInstantOf(midnight + time.hour * secondsOfHour + time.minute * secondsOfMinute));
 }
 
 std::optional<Date> SystemCalendar::addingDays(Date date, std::int64_t days) const {
