@@ -254,6 +254,7 @@ int main(int argc, char** argv) {
     const auto rules = contenders();
     std::vector<std::string> names;
     std::vector<Line> lines;
+    lines.reserve(rules.size());
     for (const Contender& rule : rules)
         lines.push_back({rule.name, {}});
     for (auto seed = first; seed < first + count; ++seed) {

@@ -128,11 +128,12 @@ void checkRegistry(const PowerReading& reading, const Dictionary& registry) {
 }
 
 void checkState(const BatteryState& state, const PowerReading& reading) {
+    constexpr std::int64_t hour = 60; // minutes
     require(state.hasBattery == !reading.packs.empty(), "there is a battery where one counts");
     require(state.percent >= 0 && state.percent <= 100, "a percentage is one");
-    require(state.minutesToEmpty.value_or(0) >= 0 && state.minutesToEmpty.value_or(0) <= 48 * 60,
+    require(state.minutesToEmpty.value_or(0) >= 0 && state.minutesToEmpty.value_or(0) <= 48 * hour,
             "it lasts from now to two days");
-    require(state.minutesToFull.value_or(0) >= 0 && state.minutesToFull.value_or(0) <= 20 * 60,
+    require(state.minutesToFull.value_or(0) >= 0 && state.minutesToFull.value_or(0) <= 20 * hour,
             "it fills between now and twenty hours");
     require(!state.minutesToEmpty || (!state.pluggedIn && !state.isCharging), "only a battery in use runs empty");
     require(!state.minutesToFull || state.isCharging, "only a battery that takes charge fills");

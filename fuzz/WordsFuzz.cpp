@@ -102,8 +102,9 @@ void checkLook(const Lines& lines) {
     settings.themeName = word(lines, "theme");
     const DesktopLook look = lookOf(settings);
     require(look == lookOf(settings), "the same settings look the same");
-    if (settings.colorScheme == 1U || settings.colorScheme == 2U)
-        require(look.isDark == (settings.colorScheme == 1U), "what is said outright counts");
+    const std::uint32_t scheme = settings.colorScheme.value_or(0);
+    if (scheme == 1 || scheme == 2)
+        require(look.isDark == (scheme == 1), "what is said outright counts");
     if (look.accent)
         for (const double part : *look.accent)
             require(part >= 0 && part <= 1, "a colour is one");
