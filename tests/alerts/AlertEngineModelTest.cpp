@@ -138,7 +138,7 @@ private:
     }
 
     void charge() {
-        const std::int64_t threshold = dice_.of<std::int64_t>({prefs_.limit, prefs_.low, prefs_.lowPowerAt});
+        const auto threshold = dice_.of<std::int64_t>({prefs_.limit, prefs_.low, prefs_.lowPowerAt});
         if (dice_.chance(60) && threshold > least && threshold < most)
             state_.percent = threshold + dice_.of<std::int64_t>({-1, 0, 1});
         else if (dice_.chance(97))
@@ -159,7 +159,7 @@ private:
     void age() {
         state_.designCapacity = dice_.of<std::int64_t>({5000, 5000, 5000, 200, 1000, 3});
         const auto design = static_cast<double>(*state_.designCapacity);
-        const double health = dice_.of<double>({78.5, 79, 79.5, 79.98, 80, 80.02, 81, 81.98, 82, 82.02, 90, 101});
+        const auto health = dice_.of<double>({78.5, 79, 79.5, 79.98, 80, 80.02, 81, 81.98, 82, 82.02, 90, 101});
         state_.fullCapacity = static_cast<std::int64_t>(std::round(design * health / 100));
         if (dice_.chance(10))
             state_.fullCapacity = dice_.of<std::optional<std::int64_t>>({std::nullopt, 0, -1, -5001, 1});

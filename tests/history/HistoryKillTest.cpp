@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <sched.h>
-#include <signal.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -16,6 +15,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <csignal>
 #include <iterator>
 #include <random>
 #include <string>

@@ -65,7 +65,7 @@ TEST_P(HistoryZones, ThePlainRulesSayTheSameWhereTheClockIsSet) {
 }
 
 // They skip or repeat midnight, an hour of the night or half of one, a minute after midnight, a whole day, or nothing.
-INSTANTIATE_TEST_SUITE_P(, HistoryZones,
+INSTANTIATE_TEST_SUITE_P(Zones, HistoryZones,
                          testing::Values("Africa/Cairo", "America/Sao_Paulo", "America/St_Johns", "Asia/Kathmandu",
                                          "Australia/Lord_Howe", "Europe/Berlin", "Pacific/Apia", "UTC"),
                          [](const auto& zone) {

@@ -233,7 +233,7 @@ TEST_F(AppModelTest, SettlesSinceWhenItIsPluggedInBeforeItPublishesTheState) {
         order.push_back("since, with the state at " + std::to_string(running.state.get().percent));
     });
     const Subscription state = running.state.subscribe([&](const BatteryState&) {
-        order.push_back(running.pluggedSince.get() ? "state, plugged in" : "state, unplugged");
+        order.emplace_back(running.pluggedSince.get() ? "state, plugged in" : "state, unplugged");
     });
     order.clear();
     fake.powerSources.setBattery(65, true);

@@ -174,7 +174,7 @@ TEST_F(DesktopDay, NeitherMemoryNorDescriptorsGrow) {
     for (auto* each : {&allocated, &ofTheProcess})
         each->reserve(hours); // it is not what is measured
     descriptors.reserve(hours);
-    const std::size_t readings = static_cast<std::size_t>(fakes.powerSources.snapshots);
+    const int readings = fakes.powerSources.snapshots;
     for (int hour = 0; hour < hours; ++hour) {
         for (int minute = 0; minute < 60; ++minute) {
             laptop(minute);
@@ -195,7 +195,7 @@ TEST_F(DesktopDay, NeitherMemoryNorDescriptorsGrow) {
         }
     }
     // The minutes; in each hour two changes, an opening of the popover and a waking.
-    EXPECT_EQ(static_cast<std::size_t>(fakes.powerSources.snapshots), readings + hours * (60 + 4));
+    EXPECT_EQ(fakes.powerSources.snapshots, readings + hours * (60 + 4));
     const double growth = slope(allocated) * 24;
     const double processGrowth = slope(ofTheProcess) * 24;
     std::printf("%.0f bytes a day allocated, %.0f of the process, %zu descriptors\n", growth, processGrowth,

@@ -502,7 +502,7 @@ private:
     /// Another program writes the end of a snooze.
     void storeSnooze() {
         const double now = seconds(fake_.clock.now());
-        const Value value = dice_.of<Value>({now - 1, now, now + 1, now + 60, now + 600, "tomorrow", true, -1.0, 0});
+        const auto value = dice_.of<Value>({now - 1, now, now + 1, now + 60, now + 600, "tomorrow", true, -1.0, 0});
         note("stores the end of a snooze: " + std::to_string(value.number().value_or(0) - now) + " s from now");
         fake_.defaults.setObject("snoozeUntil", value);
         naive_.stored.insert_or_assign("snoozeUntil", value);

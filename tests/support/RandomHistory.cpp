@@ -130,7 +130,7 @@ private:
 
     /// If the clock is not set until then.
     double nextMidnight() const {
-        const double local = static_cast<double>(localClock_(static_cast<std::int64_t>(std::floor(now_))));
+        const auto local = static_cast<double>(localClock_(static_cast<std::int64_t>(std::floor(now_))));
         return std::floor(now_) + (std::floor(local / days) + 1) * days - local;
     }
 

@@ -100,7 +100,7 @@ double Recording::tone(double hertz, double from, double to) const {
 /// The power of each of the frequencies i * rate / window in a part that is not longer than the window.
 std::vector<double> Recording::powers(std::size_t from, std::size_t to) const {
     Spectrum values(window);
-    const double length = static_cast<double>(to - from);
+    const auto length = static_cast<double>(to - from);
     for (std::size_t i = from; i < to; ++i) {
         const double angle = 2 * std::numbers::pi * static_cast<double>(i - from) / length;
         values[i - from] = samples_[i] * (0.5 - 0.5 * std::cos(angle));

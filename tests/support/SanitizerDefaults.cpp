@@ -2,12 +2,14 @@
 
 /// How a build with sanitizers behaves, in every program of it and however that is started; the variables ASAN_OPTIONS
 /// and LSAN_OPTIONS still have the last word. The sanitizers call these by name, and libraries the last one.
+// NOLINTBEGIN(bugprone-reserved-identifier): the sanitizers' names
 extern "C" {
 __attribute__((visibility("default"))) const char* __asan_default_options();
 __attribute__((visibility("default"))) const char* __lsan_default_options();
 __attribute__((visibility("default"))) const char* __lsan_default_suppressions();
 __attribute__((visibility("default"))) int dlclose(void* handle);
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 extern "C" const char* __asan_default_options() {
     // umockdev shows its devices by preloading a library, which then comes before the sanitizer's own.

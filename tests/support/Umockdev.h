@@ -5,7 +5,7 @@
 #include <string>
 
 struct Fixture;
-typedef struct _UMockdevTestbed UMockdevTestbed;
+using UMockdevTestbed = struct _UMockdevTestbed; // NOLINT(bugprone-reserved-identifier): the library's name
 
 /// The power supplies of a machine that does not exist: while this object lives, /sys and udev show its devices and no
 /// others to this process. The process must have been started by umockdev-wrapper.

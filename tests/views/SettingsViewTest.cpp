@@ -131,8 +131,8 @@ TEST_F(SettingsViewTest, HasItsSectionsLabelsAndKeysFromTopToBottom) {
                   "[Export History as CSV…]",
                   "[Reset History…]",
                   "--",
-                  "macOS may also hold charging at 80% itself (Optimized Battery Charging, System Settings, Battery). "
-                  "Velmora can only remind you; it cannot control charging."}));
+                  ("macOS may also hold charging at 80% itself (Optimized Battery Charging, System Settings, Battery). "
+                   "Velmora can only remind you; it cannot control charging.")}));
 }
 
 TEST_F(SettingsViewTest, AsksInLinesThatCanBeRead) {

@@ -75,7 +75,10 @@ struct Indexed {
             glyph.push_back(index(place));
     }
 
-    std::size_t index(QPoint place) const { return static_cast<std::size_t>(place.y() * size.width() + place.x()); }
+    std::size_t index(QPoint place) const {
+        const int index = place.y() * size.width() + place.x();
+        return static_cast<std::size_t>(index);
+    }
 
     QSize size;
     std::vector<QRgb> colours;

@@ -6,8 +6,7 @@
 
 #include <QDBusConnectionInterface>
 
-#include <signal.h>
-
+#include <csignal>
 #include <fstream>
 
 /// Daemons that come, go, hang and talk nonsense.

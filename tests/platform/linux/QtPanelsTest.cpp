@@ -62,7 +62,7 @@ TEST_F(QtPanelsTest, TheSavePanelAddsTheSuffixWhereThereIsNone) {
                                                         {"battery.txt", "battery.txt"},
                                                         {".battery", ".battery.csv"}};
     for (const auto& [typed, given] : rows) {
-        whenShown("savePanel", [&](QDialog& dialog) { save(dialog, typed); });
+        whenShown("savePanel", [&, name = typed](QDialog& dialog) { save(dialog, name); });
         EXPECT_EQ(panels.runSavePanel(history), home.path / given);
     }
 }

@@ -251,8 +251,10 @@ TEST_F(TimeEstimateTest, ADerivedRateFollowsTheLoadWithinFifteenMinutes) {
 
 TEST_F(TimeEstimateTest, ARateDerivedFromCoarseStepsHoldsUntilTheNextIsOverdue) {
     // A step of 500 mWh each five minutes: 6 W.
-    for (int seconds = 10; seconds < 1510; seconds += 20)
-        estimate.update(draining(seconds, 50'000 - (seconds - 10) / 300 * 500, std::nullopt));
+    for (int seconds = 10; seconds < 1510; seconds += 20) {
+        const int steps = (seconds - 10) / 300;
+        estimate.update(draining(seconds, 50'000 - steps * 500, std::nullopt));
+    }
     for (const int seconds : {1510, 1600, 1700, 1809})
         EXPECT_EQ(estimate.update(draining(seconds, 47'500, std::nullopt)), toEmpty(475)) << seconds;
     // The next step has not come. If it came now, there would be two in twenty minutes: 3 W.
@@ -313,10 +315,10 @@ TEST_F(TimeEstimateTest, AnAmountThatIsHeldAtFullForAWhileDoesNotLengthenTheTime
 
 TEST_F(TimeEstimateAfterAChangeTest, ACorrectionOfTheGaugeIsNotTakenForALoad) {
     for (int seconds = 30; seconds <= 560; seconds += 10)
-        estimate.update(draining(seconds, 50'000 - (seconds - 20) / 10 * 28, 10'000)); // near 10 W
-    estimate.update(draining(620, 46'800, 10'000));                                    // 1688 mWh in a minute: 101 W
-    EXPECT_EQ(estimate.update(draining(679, 46'600, 10'000)), toEmpty(279));           // nothing is known for a minute
-    EXPECT_EQ(estimate.update(draining(710, 46'300, 10'000)), toEmpty(252));           // 20 W since, for a tenth
+        estimate.update(draining(seconds, 50'000 - (seconds - 20) / 10.0 * 28, 10'000)); // near 10 W
+    estimate.update(draining(620, 46'800, 10'000));                                      // 1688 mWh in a minute: 101 W
+    EXPECT_EQ(estimate.update(draining(679, 46'600, 10'000)), toEmpty(279)); // nothing is known for a minute
+    EXPECT_EQ(estimate.update(draining(710, 46'300, 10'000)), toEmpty(252)); // 20 W since, for a tenth
 }
 
 TEST_F(TimeEstimateTest, ACorrectionOfTheGaugeIsAsGoodABeginningAsAnyChange) {
@@ -328,14 +330,14 @@ TEST_F(TimeEstimateTest, ACorrectionOfTheGaugeIsAsGoodABeginningAsAnyChange) {
 
 TEST_F(TimeEstimateAfterAChangeTest, ABurstOfTenTimesTheReportedRateIsALoad) {
     for (int seconds = 30; seconds <= 560; seconds += 10)
-        estimate.update(draining(seconds, 50'000 - (seconds - 20) / 10 * 28, 10'000));
+        estimate.update(draining(seconds, 50'000 - (seconds - 20) / 10.0 * 28, 10'000));
     EXPECT_LT(estimate.update(draining(620, 46'830, 10'000)).toEmpty, 200); // 1658 mWh in a minute: 99.5 W
 }
 
 TEST_F(TimeEstimateTest, ADeadReportedRateMakesNoLoadImpossible) {
     settleOnBattery();
     for (int seconds = 75; seconds <= 1'875; seconds += 60)
-        estimate.update(draining(seconds, 50'000 - (seconds - 15) * 5 / 3, 0)); // 6 W
+        estimate.update(draining(seconds, 50'000 - (seconds - 15) * 5 / 3.0, 0)); // 6 W
     EXPECT_EQ(estimate.update(draining(1'935, 46'800, 0)), toEmpty(468));
 }
 
