@@ -27,7 +27,7 @@ TEST_PACKAGES=(appstream at-spi2-core binutils clang-format desktop-file-utils l
                systemd trayer tzdata xfce4-notifyd)
 
 # What tools/lint and tools/coverage need beyond that.
-CHECK_PACKAGES=(clang-tidy cppcheck gcovr)
+CHECK_PACKAGES=(clang clang-tidy cppcheck gcovr)
 
 # ensure_packages NAME...: installs those that are missing and says which; does nothing at all when none is.
 ensure_packages() {
