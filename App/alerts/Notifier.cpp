@@ -7,7 +7,6 @@
 #include "platform/Panels.h"
 
 #include <optional>
-#include <utility>
 
 namespace {
 

@@ -4,7 +4,6 @@
 #include "platform/ProcessInfo.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <utility>
 

@@ -23,8 +23,6 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include <utility>
-
 namespace {
 
 constexpr int margin = 20;

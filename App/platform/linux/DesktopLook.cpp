@@ -3,8 +3,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
-#include <utility>
 
 namespace {
 

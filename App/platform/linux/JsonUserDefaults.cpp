@@ -13,7 +13,6 @@
 #include <cerrno>
 #include <chrono>
 #include <cmath>
-#include <set>
 #include <thread>
 #include <utility>
 

@@ -8,7 +8,6 @@
 #include <QDBusVariant>
 #include <QTimer>
 
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>

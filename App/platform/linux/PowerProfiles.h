@@ -13,7 +13,6 @@
 
 #include <filesystem>
 #include <memory>
-#include <string>
 #include <vector>
 
 class SystemBus;

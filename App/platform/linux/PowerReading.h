@@ -8,7 +8,6 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
 #include <vector>
 
 /// What all power supplies of the machine say together, and its translation into the keys of `PowerSnapshot`.
