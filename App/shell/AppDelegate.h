@@ -18,7 +18,7 @@ class PopoverView;
 class SettingsView;
 class SettingsWindow;
 
-/// The program's presence on the screen: the status item, and the popover that opens from it.
+/// The program's presence on the screen: the status item, the popover that opens from it, and the settings window.
 class AppDelegate {
 public:
     /// `terminate` is asked to end the program.

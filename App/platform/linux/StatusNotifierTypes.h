@@ -6,7 +6,8 @@
 #include <QList>
 #include <QString>
 
-/// One size of an icon, signature (iiay): ARGB32, each pixel in network byte order, not premultiplied.
+/// One size of an icon, signature (iiay): ARGB32, each pixel in network byte order. Not premultiplied, but for
+/// a panel that takes it so.
 struct StatusNotifierPixmap {
     int width = 0;
     int height = 0;
