@@ -14,24 +14,24 @@ public:
 
     /// A button of a notification.
     struct Action {
-        std::string identifier;
-        std::string title;
+        std::string identifier; ///< what `Delegate::didReceive` is told
+        std::string title;      ///< what stands on it
         bool operator==(const Action&) const = default;
     };
 
     /// A kind of notifications with the buttons they have.
     struct Category {
-        std::string identifier;
-        std::vector<Action> actions;
+        std::string identifier;      ///< by which requests name it
+        std::vector<Action> actions; ///< in the order in which they are shown
         bool operator==(const Category&) const = default;
     };
 
     /// One notification. A request with an identifier that is still shown takes the place of what is there.
     struct Request {
-        std::string identifier;
-        std::string title;
-        std::string body;
-        std::string categoryIdentifier;
+        std::string identifier;           ///< by which it is replaced and taken back
+        std::string title;                ///< plain text, one line
+        std::string body;                 ///< plain text
+        std::string categoryIdentifier;   ///< of the category whose buttons it has; none for one that is not known
         std::optional<std::string> sound; ///< "default" or a name of `SystemSounds`; silent when empty
         bool operator==(const Request&) const = default;
     };

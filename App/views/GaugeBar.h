@@ -11,6 +11,7 @@ class GaugeBar final : public QProgressBar {
 public:
     explicit GaugeBar(QWidget* parent = nullptr);
 
+    /// The colours of what is filled and of the whole bar behind that.
     void setColors(const QColor& color, const QColor& track);
 
     QSize sizeHint() const override;

@@ -35,6 +35,7 @@ public:
 
     explicit HistoryChart(QWidget* parent = nullptr);
 
+    /// Shows this from now on; the sentence where there are fewer than two points, or nothing that draws them.
     void setContent(const Content& content);
 
 private:

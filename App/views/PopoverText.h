@@ -56,4 +56,5 @@ struct SummaryCells {
     bool operator==(const SummaryCells&) const = default;
 };
 
+/// The cells of this day.
 SummaryCells summaryCells(const HistoryStore::DaySummary& summary);

@@ -10,6 +10,7 @@
 /// What the settings form consists of, from the top, apart from how it is drawn. Every control is bound to a key of the
 /// preferences; one with an `enabledBy` can be operated only while that switch is on.
 struct SettingsControl {
+    /// A switch; a number with arrows; a choice of sounds; a time of day.
     enum class Kind { toggle, stepper, sound, time };
 
     Kind kind = Kind::toggle;
@@ -22,6 +23,7 @@ struct SettingsControl {
     bool asksPermission = false; ///< switching it on means that the user wants to be notified
 };
 
+/// Controls that stand together, from the top.
 struct SettingsSection {
     std::string header; ///< may be empty
     std::vector<SettingsControl> controls;

@@ -11,6 +11,7 @@ class StepperBox final : public QSpinBox {
     Q_OBJECT
 
 public:
+    /// What the user can choose: whole numbers from `least` to `most`, both included.
     StepperBox(int least, int most, QWidget* parent = nullptr);
 
     /// Shows a value that the user did not choose.

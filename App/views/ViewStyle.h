@@ -19,10 +19,13 @@ inline constexpr const char* glyphFolder = "glyphs";
 /// The fonts of the views, all from the desktop's own.
 enum class TextStyle { body, headline, callout, caption, caption2 };
 
+/// The desktop's font, as it is now, in the size and weight of a style.
 QFont textFont(TextStyle style);
 
 /// How wide a digit is in a font.
 using DigitWidth = std::function<double(const QFont& font, char digit)>;
+
+/// The same as the toolkit draws it, in pixels.
 double digitWidth(const QFont& font, char digit);
 
 /// The font if its digits are all as wide, so that numbers stay where they are while they change; else one that has

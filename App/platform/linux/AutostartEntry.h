@@ -17,6 +17,7 @@ struct AutostartEntry {
     /// Empty when no desktop, or not every one, starts something by it.
     static std::optional<AutostartEntry> parse(std::string_view text);
 
+    /// Whether the entry starts the bundle, or says that it is not to be started.
     enum class Switch { on, off };
 
     /// The content of the entry that starts the bundle in a folder, or says that it is not to be started. Empty when

@@ -9,7 +9,9 @@
 
 /// The numbers of one battery pack, straightened out. Units are milli-units: mWh and mW, or mAh and mA.
 struct BatteryPack {
+    /// The kernel's word; `unknown` also where there is none, or one that is not known here.
     enum class Status { unknown, charging, discharging, notCharging, full };
+    /// Energy in mWh, charge in mAh.
     enum class Unit { energy, charge };
 
     std::string name;   ///< the model's name, or the device's

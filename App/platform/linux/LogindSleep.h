@@ -24,7 +24,10 @@ public:
     /// Starts to follow logind.
     void start();
 
+    /// The machine is about to sleep; it waits until all who listen have returned, for as long as logind lets it.
     Observers<> willSleep;
+
+    /// The machine is awake again.
     Observers<> didWake;
 
 private Q_SLOTS:

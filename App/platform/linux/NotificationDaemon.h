@@ -61,15 +61,21 @@ public:
     /// when it failed or the daemon that showed it is gone.
     void notify(const Notification& notification, uint replaced, std::function<void(std::optional<uint>)> answer);
 
+    /// Takes a notification of the present daemon's off the screen; one that is not there any more is no error.
     void close(uint id);
 
 Q_SIGNALS:
+    /// `server` tells as much as will be known for now.
     void prepared();
+    /// There is no daemon, and none could be started.
     void absent();
     /// Another daemon or none; ids of the former one mean nothing any more.
     void replaced();
+    /// It is off the screen, whoever has closed it.
     void closed(uint id);
+    /// The user pressed the button with this key.
     void actionInvoked(uint id, const QString& key);
+    /// What lets a window of ours come to the front for the button that is pressed; sent before `actionInvoked`.
     void activationTokenGiven(uint id, const QString& token);
 
 private Q_SLOTS:

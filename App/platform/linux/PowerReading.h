@@ -13,10 +13,10 @@
 /// What all power supplies of the machine say together, and its translation into the keys of `PowerSnapshot`.
 struct PowerReading {
     std::vector<BatteryPack> packs; ///< those that count, by device name; empty without a battery
-    bool onExternalPower = true;
-    bool isCharging = false;
-    bool isCharged = false;
-    double currentCapacity = 0; ///< together with `maxCapacity`: the charge
+    bool onExternalPower = true;    ///< also without a battery, since the machine runs
+    bool isCharging = false;        ///< any pack takes charge; false without a battery
+    bool isCharged = false;         ///< all packs are full, or held at 95 % or more; false without a battery
+    double currentCapacity = 0;     ///< together with `maxCapacity`: the charge
     double maxCapacity = 100;
     std::optional<std::int64_t> adapterWatts; ///< whole watts
 

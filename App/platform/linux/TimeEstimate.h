@@ -13,6 +13,7 @@
 /// nothing is said until it can be trusted.
 class TimeEstimate {
 public:
+    /// Which way the charge goes; `none` while it stands still or that is not known, and then no time is told.
     enum class Flow { none, charging, discharging };
 
     /// What one reading of the batteries says. Amounts are in any one unit, rates in that unit per hour.
