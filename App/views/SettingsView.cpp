@@ -7,6 +7,7 @@
 #include "platform/MainLoop.h"
 #include "platform/UserDefaults.h"
 #include "platform/linux/MessageBoxText.h"
+#include "platform/linux/ToQString.h"
 #include "shell/AppModel.h"
 #include "views/SoundPicker.h"
 #include "views/StepperBox.h"
@@ -60,10 +61,6 @@ protected:
     }
 };
 
-QString text(const std::string& string) {
-    return QString::fromStdString(string);
-}
-
 } // namespace
 
 SettingsView::SettingsView(AppModel& theModel, const Platform& platform, QWidget* parent)
@@ -92,7 +89,7 @@ QBoxLayout* SettingsView::addSection(const std::string& header) {
     auto* layout = static_cast<QVBoxLayout*>(this->layout());
     if (!headers_.empty())
         layout->addSpacing(header.empty() ? 4 : 10);
-    auto* label = new QLabel(text(header), this);
+    auto* label = new QLabel(toQString(header), this);
     label->setObjectName(QStringLiteral("header"));
     label->setVisible(!header.empty());
     layout->addWidget(label);
@@ -121,8 +118,8 @@ void SettingsView::addRow(QBoxLayout* section, QLabel* label, QWidget* control) 
 }
 
 void SettingsView::addControl(QBoxLayout* section, const SettingsControl& control) {
-    auto* label = new QLabel(text(control.label));
-    label->setObjectName(text(control.key) + QLatin1String("Label"));
+    auto* label = new QLabel(toQString(control.label));
+    label->setObjectName(toQString(control.key) + QLatin1String("Label"));
     QWidget* widget = nullptr;
     switch (control.kind) {
     case SettingsControl::Kind::toggle:
@@ -138,12 +135,12 @@ void SettingsView::addControl(QBoxLayout* section, const SettingsControl& contro
         widget = makeTime(control);
         break;
     }
-    widget->setObjectName(text(control.key));
+    widget->setObjectName(toQString(control.key));
     widget->installEventFilter(this);
     addRow(section, label, widget);
     if (!control.enabledBy.empty()) {
         // Several are called "Sound"; what they belong to is seen above them, and heard by this.
-        widget->setAccessibleDescription(findChild<QWidget*>(text(control.enabledBy))->accessibleName());
+        widget->setAccessibleDescription(findChild<QWidget*>(toQString(control.enabledBy))->accessibleName());
         syncs_.emplace_back([this, widget, label, key = control.enabledBy] {
             const bool isOn = platform_.defaults.boolForKey(key);
             widget->setEnabled(isOn);
@@ -174,7 +171,7 @@ QWidget* SettingsView::makeStepper(const SettingsControl& control, QLabel* label
     syncs_.emplace_back([this, box, label, control] {
         const std::int64_t value = platform_.defaults.integerForKey(control.key);
         box->setStored(value);
-        label->setText(text(stepperLabel(control, value)));
+        label->setText(toQString(stepperLabel(control, value)));
         box->setAccessibleName(label->text());
     });
     connect(box, &StepperBox::chosen, this, [this, key = control.key](int value) {
@@ -288,7 +285,7 @@ void SettingsView::setLaunchAtLogin(bool on) {
     const std::optional<std::string> failure =
         on ? platform_.loginItem.registerItem() : platform_.loginItem.unregisterItem();
     loginError_->setVisible(failure.has_value());
-    loginError_->setText(failure ? text("Could not change Launch at Login: " + *failure) : QString());
+    loginError_->setText(failure ? toQString("Could not change Launch at Login: " + *failure) : QString());
     // What really is, not what was wanted.
     launchAtLogin_->setChecked(platform_.loginItem.isEnabled());
 }

@@ -2,21 +2,18 @@
 #include "views/SoundPicker.h"
 
 #include "platform/SystemSounds.h"
+#include "platform/linux/ToQString.h"
 #include "views/SettingsForm.h"
 
 namespace {
 
 constexpr int separatorAfter = 2; ///< choices that are no sound of ours
 
-QString text(std::string_view view) {
-    return QString::fromUtf8(view.data(), static_cast<qsizetype>(view.size()));
-}
-
 } // namespace
 
 SoundPicker::SoundPicker(SystemSounds& sounds, QWidget* parent) : QComboBox(parent), sounds_(sounds) {
     for (const SoundChoice& choice : soundChoices())
-        addItem(text(choice.shown), text(choice.stored));
+        addItem(toQString(choice.shown), toQString(choice.stored));
     insertSeparator(separatorAfter);
     setCurrentIndex(-1);
     connect(this, &QComboBox::activated, this, [this](int index) {
@@ -29,7 +26,7 @@ SoundPicker::SoundPicker(SystemSounds& sounds, QWidget* parent) : QComboBox(pare
 }
 
 void SoundPicker::setStored(const std::string& value) {
-    setCurrentIndex(findData(text(value)));
+    setCurrentIndex(findData(toQString(value)));
     if (!isVisible())
         sound = value; // nobody has changed it before their eyes
     else if (value != sound)

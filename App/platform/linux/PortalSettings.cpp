@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/PortalSettings.h"
 
+#include "platform/linux/AsText.h"
+
 #include <QDBusArgument>
 #include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
@@ -20,10 +22,6 @@ const QString gnome = QStringLiteral("org.gnome.desktop.interface");
 template <class T, int type>
 std::optional<T> as(const QVariant& value) {
     return value.typeId() == type ? std::optional<T>(value.value<T>()) : std::nullopt;
-}
-
-std::optional<std::string> asText(const QVariant& value) {
-    return value.typeId() == QMetaType::QString ? std::optional(value.toString().toStdString()) : std::nullopt;
 }
 
 std::optional<std::array<double, 3>> asColor(const QVariant& value) {

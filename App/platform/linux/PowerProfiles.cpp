@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/PowerProfiles.h"
 
+#include "platform/linux/AsText.h"
 #include "platform/linux/AskAgain.h"
 #include "platform/linux/ReadDescriptor.h"
 #include "platform/linux/SystemBus.h"
+#include "platform/linux/ToQString.h"
 
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
@@ -19,10 +21,6 @@ namespace {
 
 constexpr std::array names{PowerProfileChoice::newName, PowerProfileChoice::oldName};
 const char* const activeProfile = "ActiveProfile";
-
-QString toQString(std::string_view text) {
-    return QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 /// The object of a name: the same words, as a path.
 QString pathOf(const QString& name) {
@@ -90,10 +88,10 @@ void PowerProfiles::ask(const QString& name, int triesLeft) {
             askAgain(this, reply.error(), triesLeft, [this, name, triesLeft] { ask(name, triesLeft - 1); });
             return;
         }
-        if (reply.value().variant().typeId() != QMetaType::QString)
-            return;
-        choice_.daemons[name.toStdString()] = reply.value().variant().toString().toStdString();
-        update();
+        if (const auto profile = asText(reply.value().variant())) {
+            choice_.daemons[name.toStdString()] = *profile;
+            update();
+        }
     });
 }
 
@@ -102,9 +100,8 @@ void PowerProfiles::propertiesChanged(const QString& interface, const QVariantMa
     // What is asked again is asked by this name; the bus library ends the program where it can be none.
     if (std::ranges::find(names, interface.toStdString()) == names.end())
         return;
-    const QVariant profile = changed.value(QLatin1String(activeProfile));
-    if (profile.typeId() == QMetaType::QString) {
-        choice_.daemons[interface.toStdString()] = profile.toString().toStdString();
+    if (const auto profile = asText(changed.value(QLatin1String(activeProfile)))) {
+        choice_.daemons[interface.toStdString()] = *profile;
         update();
     } else if (invalidated.contains(QLatin1String(activeProfile))) {
         ask(interface, answerTries);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/XfconfSettings.h"
 
+#include "platform/linux/AsText.h"
+
 #include <QDBusArgument>
 #include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
@@ -14,10 +16,6 @@ const QString service = QStringLiteral("org.xfce.Xfconf");
 const QString path = QStringLiteral("/org/xfce/Xfconf");
 const QString interface = QStringLiteral("org.xfce.Xfconf");
 const QString channel = QStringLiteral("xsettings");
-
-std::optional<std::string> asText(const QVariant& value) {
-    return value.typeId() == QMetaType::QString ? std::optional(value.toString().toStdString()) : std::nullopt;
-}
 
 } // namespace
 
