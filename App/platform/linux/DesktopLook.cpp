@@ -1,17 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/DesktopLook.h"
 
+#include "platform/linux/AsciiLower.h"
+
 #include <algorithm>
 #include <charconv>
 
 namespace {
-
-std::string lowered(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return result;
-}
 
 void trimEnd(std::string_view& text) {
     while (!text.empty() && (text.back() == ' ' || text.back() == ','))
@@ -34,7 +29,7 @@ bool isStyle(std::string_view word) {
                                 "regular",    "normal",      "medium",   "semi-bold",      "bold",
                                 "ultra-bold", "heavy",       "black",    "italic",         "oblique",
                                 "roman",      "condensed",   "expanded", "semi-condensed", "semi-expanded"};
-    const std::string lower = lowered(word);
+    const std::string lower = asciiLower(word);
     return std::find(styles.begin(), styles.end(), lower) != styles.end();
 }
 
@@ -66,7 +61,7 @@ std::optional<DesktopLook::Font> fontOf(std::string_view description, double sca
 /// The names of themes are free; what they have in common is the word, mostly as the last one. "Arc-Darker" is a light
 /// theme with dark title bars.
 bool isDarkTheme(std::string_view name) {
-    const std::string theme = lowered(name);
+    const std::string theme = asciiLower(name);
     if (theme.ends_with("dark"))
         return true;
     for (std::size_t start = 0; start < theme.size();) {
@@ -79,7 +74,7 @@ bool isDarkTheme(std::string_view name) {
 }
 
 bool names(std::string_view desktops, std::string_view wanted) {
-    const std::string all = ':' + lowered(desktops) + ':';
+    const std::string all = ':' + asciiLower(desktops) + ':';
     return all.find(':' + std::string(wanted) + ':') != std::string::npos;
 }
 

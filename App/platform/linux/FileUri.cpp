@@ -1,17 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/FileUri.h"
 
-#include <algorithm>
+#include "platform/linux/AsciiLower.h"
+
 #include <charconv>
 #include <string>
 
 namespace {
-
-bool equalsIgnoringCase(std::string_view text, std::string_view lower) {
-    const auto lowered = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-    return std::equal(text.begin(), text.end(), lower.begin(), lower.end(),
-                      [&](char one, char other) { return lowered(one) == other; });
-}
 
 /// The text without its percent escapes. Of those some stand for what is in no file's name: the end of a text, and the
 /// slash, which would make folders out of one name.
@@ -37,13 +32,13 @@ std::optional<std::string> unescaped(std::string_view text) {
 
 std::optional<std::filesystem::path> fileOfUri(std::string_view uri) {
     constexpr std::string_view scheme = "file:";
-    if (!equalsIgnoringCase(uri.substr(0, scheme.size()), scheme))
+    if (asciiLower(uri.substr(0, scheme.size())) != scheme)
         return std::nullopt;
     std::string_view place = uri.substr(scheme.size());
     if (place.starts_with("//")) {
         place.remove_prefix(2);
         const std::string_view host = place.substr(0, place.find('/'));
-        if (!host.empty() && !equalsIgnoringCase(host, "localhost"))
+        if (!host.empty() && asciiLower(host) != "localhost")
             return std::nullopt;
         place.remove_prefix(host.size());
     }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/PowerSupply.h"
 
+#include "platform/linux/AsciiLower.h"
 #include "platform/linux/Utf8.h"
 
-#include <algorithm>
 #include <charconv>
 
 std::optional<std::string> PowerSupply::text(std::string_view attribute) const {
@@ -36,10 +36,7 @@ std::optional<double> PowerSupply::number(std::string_view attribute, std::strin
 }
 
 bool PowerSupply::isPeripheral() const {
-    auto scope = text("scope").value_or("");
-    std::transform(scope.begin(), scope.end(), scope.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return scope == "device";
+    return asciiLower(text("scope").value_or("")) == "device";
 }
 
 bool PowerSupply::isSystemBattery() const {
