@@ -2,21 +2,12 @@
 #include "views/PopoverText.h"
 
 #include "battery/FormatMinutes.h"
+#include "views/FixedDecimals.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
 
 namespace {
-
-/// Whatever the user's locale, with so many decimals.
-std::string fixed(double number, int decimals) {
-    std::array<char, 512> digits{}; // the longest double has 309 before the point
-    const auto result =
-        std::to_chars(digits.data(), digits.data() + digits.size(), number, std::chars_format::fixed, decimals);
-    return {digits.data(), result.ptr};
-}
 
 Tint healthTint(double health) {
     if (health > 90)

@@ -2,9 +2,7 @@
 #include "views/StatusItemText.h"
 
 #include "alerts/Prefs.h"
-
-#include <array>
-#include <cstdio>
+#include "views/FixedDecimals.h"
 
 namespace {
 
@@ -53,11 +51,8 @@ std::string statusItemToolTip(const BatteryState& state) {
         lines = std::to_string(state.percent) + "% · " + lines;
     const auto health = state.healthPercent();
     const auto label = state.healthLabel();
-    if (health && label) {
-        std::array<char, 64> percent{};
-        std::snprintf(percent.data(), percent.size(), "%.0f", *health);
-        lines += "\nHealth: " + std::string(percent.data()) + "% (" + *label + ")";
-    }
+    if (health && label)
+        lines += "\nHealth: " + fixed(*health, 0) + "% (" + *label + ")";
     if (state.cycleCount)
         lines += "\nCycles: " + std::to_string(*state.cycleCount);
     return lines;
