@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/QtPanels.h"
 
+#include "platform/linux/FileSuffix.h"
 #include "platform/linux/MessageBoxText.h"
 #include "platform/linux/PortalSavePanel.h"
 
@@ -18,6 +19,7 @@
 #include <QSettings>
 #include <QStandardPaths>
 
+#include <string>
 #include <utility>
 
 namespace {
@@ -104,19 +106,13 @@ bool mayReplace(const QFileInfo& file) {
     return box.clickedButton() == replace;
 }
 
-/// "name" becomes "name.csv".
-QString withSuffix(const QString& file, const QString& suffix) {
-    const bool hasSuffix = QFileInfo(file).fileName().lastIndexOf(QLatin1Char('.')) > 0;
-    return hasSuffix || suffix.isEmpty() ? file : file + QLatin1Char('.') + suffix;
-}
-
 /// Lets the user choose until there is a file that may be written; nothing when that was cancelled.
-QString chosenFile(QFileDialog& dialog, const QString& suffix) {
+QString chosenFile(QFileDialog& dialog, const std::string& suffix) {
     while (run(dialog)) {
         const QString selected = dialog.selectedFiles().value(0);
         if (selected.isEmpty()) // a place that is no folder of this machine
             return {};
-        QString file = withSuffix(selected, suffix);
+        QString file = QString::fromStdString(withSuffix(selected.toStdString(), suffix));
         // The dialog has asked about the name as it was typed. It could add the suffix itself, but then those of some
         // desktops do so only after they have asked.
         if (file == selected || mayReplace(QFileInfo(file)))
@@ -209,7 +205,8 @@ std::optional<std::filesystem::path> QtPanels::askOurselves(const SavePanel& pan
     dialog.setDirectory(startFolder());
     dialog.selectFile(QString::fromStdString(panel.suggestedName));
     const Opened opened(open_, dialog);
-    const QString file = chosenFile(dialog, QMimeDatabase().mimeTypeForName(contentType).preferredSuffix());
+    const QString file =
+        chosenFile(dialog, QMimeDatabase().mimeTypeForName(contentType).preferredSuffix().toStdString());
     if (file.isEmpty())
         return std::nullopt;
     return QFile::encodeName(file).toStdString();
