@@ -4,7 +4,6 @@
 #include "platform/Calendar.h"
 #include "platform/Clock.h"
 #include "platform/LoginItem.h"
-#include "platform/MainLoop.h"
 #include "platform/UserDefaults.h"
 #include "platform/linux/MessageBoxText.h"
 #include "platform/linux/ToQString.h"
@@ -123,7 +122,7 @@ void SettingsView::addControl(QBoxLayout* section, const SettingsControl& contro
     QWidget* widget = nullptr;
     switch (control.kind) {
     case SettingsControl::Kind::toggle:
-        widget = makeToggle(control, label);
+        widget = makeToggle(control);
         break;
     case SettingsControl::Kind::stepper:
         widget = makeStepper(control, label);
@@ -149,7 +148,7 @@ void SettingsView::addControl(QBoxLayout* section, const SettingsControl& contro
     }
 }
 
-QWidget* SettingsView::makeToggle(const SettingsControl& control, QLabel* /*label*/) {
+QWidget* SettingsView::makeToggle(const SettingsControl& control) {
     auto* toggle = new ToggleSwitch;
     syncs_.emplace_back([this, toggle, key = control.key] { toggle->setChecked(platform_.defaults.boolForKey(key)); });
     connect(toggle, &ToggleSwitch::clicked, this, [this, key = control.key](bool on) {
@@ -291,7 +290,7 @@ void SettingsView::setLaunchAtLogin(bool on) {
 }
 
 void SettingsView::askReset() {
-    if (confirmReset_ != nullptr)
+    if (confirmReset_)
         return;
     confirmReset_ = new QMessageBox(QMessageBox::Warning, QStringLiteral("Velmora"), QStringLiteral("Reset history?"),
                                     QMessageBox::NoButton, this);
@@ -303,7 +302,6 @@ void SettingsView::askReset() {
     confirmReset_->setDefaultButton(cancel);
     confirmReset_->setEscapeButton(cancel);
     connect(reset, &QAbstractButton::clicked, this, [this] { model.resetHistory(); });
-    connect(confirmReset_, &QObject::destroyed, this, [this] { confirmReset_ = nullptr; });
     confirmReset_->open(); // the form waits, the program does not
 }
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/Lifetime.h"
 #include "platform/Platform.h"
 #include "platform/Subscription.h"
 #include "views/SettingsForm.h"
 
+#include <QPointer>
 #include <QWidget>
 
 #include <functional>
@@ -39,16 +39,15 @@ private:
     ToggleSwitch* launchAtLogin_ = nullptr;
     QLabel* loginError_ = nullptr;
     QLabel* bundleNote_ = nullptr;
-    QMessageBox* confirmReset_ = nullptr; ///< while the question is open
+    QPointer<QMessageBox> confirmReset_; ///< while the question is open
     std::vector<QLabel*> headers_;
     std::vector<QLabel*> notes_;
     std::vector<std::function<void()>> syncs_; ///< each brings one control to what is stored
     std::vector<Subscription> observations_;
-    Lifetime lifetime_;
 
     QBoxLayout* addSection(const std::string& header);
     void addControl(QBoxLayout* section, const SettingsControl& control);
-    QWidget* makeToggle(const SettingsControl& control, QLabel* label);
+    QWidget* makeToggle(const SettingsControl& control);
     QWidget* makeStepper(const SettingsControl& control, QLabel* label);
     QWidget* makeSound(const SettingsControl& control);
     QWidget* makeTime(const SettingsControl& control);

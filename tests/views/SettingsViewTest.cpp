@@ -14,6 +14,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QTest>
 #include <QTimeEdit>
@@ -475,6 +476,17 @@ TEST_F(SettingsViewTest, TheProgramCanEndWhileTheQuestionIsOpen) {
     tooLate.start(std::chrono::seconds(10));
     QTimer::singleShot(0, [] { QCoreApplication::quit(); });
     EXPECT_EQ(QApplication::exec(), 0);
+    EXPECT_EQ(model.history.samples.size(), 1U) << "that was no answer";
+}
+
+TEST_F(SettingsViewTest, GoesAwayWithTheQuestionOpen) {
+    fake.powerSources.setBattery(64, false);
+    model.refresh(AppModel::Reason::timer);
+    find<QPushButton>("resetHistory").click();
+    const QPointer<QMessageBox> open = question();
+    ASSERT_FALSE(open.isNull());
+    window.reset(); // what the question tells a form that is half gone, the sanitizers see
+    EXPECT_TRUE(open.isNull());
     EXPECT_EQ(model.history.samples.size(), 1U) << "that was no answer";
 }
 
