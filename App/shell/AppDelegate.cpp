@@ -92,7 +92,7 @@ void AppDelegate::updateMenu() {
 }
 
 bool AppDelegate::popoverIsShown() const {
-    return popover && popover->isVisible();
+    return popover->isVisible();
 }
 
 void AppDelegate::togglePopover(std::optional<ScreenPoint> point) {
