@@ -28,6 +28,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 using namespace std::chrono_literals;
@@ -196,8 +197,9 @@ protected:
         wanted();
     }
 
-    /// The machine sleeps, and wakes with what the laptop then says.
+    /// The machine sleeps, and wakes with what the laptop then says. A popover is closed by that, and opened again.
     void sleep(Duration time, const std::function<void()>& meanwhile) {
+        const bool wasOpen = std::exchange(popoverIsOpen, false);
         wakings_ = 1;
         step("asleep", [&] {
             fakes.workspace.prepareForSleep();
@@ -208,6 +210,8 @@ protected:
         }); // nothing is read yet, and everything agrees on what was known before
         wakings_ = 0;
         step("awake", [&] { as(true, true, [&] { fakes.mainLoop.advance(3s); }); });
+        if (wasOpen)
+            step("the popover again", [&] { openPopover(); });
     }
 
     FakeStatusBar::Record& item() { return *fakes.statusBar.items.at(0); }
