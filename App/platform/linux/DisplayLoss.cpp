@@ -44,9 +44,10 @@ void beforeDisplayLoss(void (*function)()) {
 void noticeDisplayLoss(const QString& toolkitMessage) {
     // QUIRK: when a Wayland compositor goes away, which is how its session ends, the toolkit ends the process by
     // _exit(). It says so first, on the thread that notices: the one that listens to the compositor, or the main one.
-    if (lastFunction == nullptr || !toolkitMessage.startsWith(QLatin1String("The Wayland connection ")))
+    QCoreApplication* const application = QCoreApplication::instance(); // null when the program is ending already
+    if (lastFunction == nullptr || application == nullptr ||
+        !toolkitMessage.startsWith(QLatin1String("The Wayland connection ")))
         return;
-    QCoreApplication* const application = QCoreApplication::instance();
     if (QThread::currentThread() == application->thread()) {
         lastFunction.load()();
         return;
