@@ -85,13 +85,13 @@ void NotificationDaemon::start() {
                                        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"));
     message << QString(service);
     call(message, patience_.notify, [this](const QDBusPendingReply<QString>& reply) {
-        if (!ownerTold_ && !reply.isError())
+        if (ownerChanges_ == 0 && !reply.isError())
             setOwner(reply.value());
     });
 }
 
 void NotificationDaemon::setOwner(const QString& owner) {
-    ownerTold_ = true;
+    ++ownerChanges_;
     const QString former = std::exchange(owner_, owner);
     if (former.isEmpty() && asking_ == Asking::waiting) {
         // Our question has started it, and it will answer; now it can be expected to.
@@ -197,16 +197,19 @@ void NotificationDaemon::notify(const Notification& notification, uint replaced,
 
 void NotificationDaemon::send(const Notification& notification, uint replaced, int retries,
                               std::function<void(std::optional<uint>)> answer) {
-    // To replace means to replace what this very daemon shows; the one after it may have given the id to a stranger.
+    // The id is worth something only with the daemon that gave it, and from Qt 6.8 on a reply does not tell who sent
+    // it. So this very daemon is asked; where there is none, the bus starts the one that answers.
     const QString askedOf = owner_;
-    auto message = method(replaced != 0 ? askedOf : QString(service), "Notify");
+    auto message = method(askedOf.isEmpty() ? QString(service) : askedOf, "Notify");
     message << QStringLiteral("Velmora") << replaced << notification.icon << notification.summary << notification.body
             << notification.actions << notification.hints << -1;
     call(message, patience_.notify,
-         [this, notification, replaced, retries, askedOf,
+         [this, notification, replaced, retries, askedOf, changes = ownerChanges_,
           answer = std::move(answer)](const QDBusPendingReply<uint>& reply) {
              if (!reply.isError()) {
-                 answer(reply.reply().service() == owner_ ? std::optional(reply.value()) : std::nullopt);
+                 const bool isStillThere =
+                     askedOf.isEmpty() ? ownerChanges_ == changes + 1 && !owner_.isEmpty() : owner_ == askedOf;
+                 answer(isStillThere ? std::optional(reply.value()) : std::nullopt);
                  return;
              }
              // Once more where it is not on the screen: the daemon does not know the id, since it was closed a moment

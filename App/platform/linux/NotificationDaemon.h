@@ -90,8 +90,8 @@ private:
     QDBusConnection bus_;
     Patience patience_;
     QDBusServiceWatcher watcher_;
-    QString owner_; ///< the unique name of the connection; empty while there is none
-    bool ownerTold_ = false;
+    QString owner_;        ///< the unique name of the connection; empty while there is none
+    int ownerChanges_ = 0; ///< as far as we were told
     NotificationServer server_;
     Asking asking_ = Asking::notYet;
     bool mayAskAgain_ = false;

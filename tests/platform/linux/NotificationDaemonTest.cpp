@@ -20,6 +20,47 @@ protected:
     bool isSent(std::size_t times) {
         return waitUntil([&] { return daemon.sent.size() == times; });
     }
+
+    /// From now on the bus starts a daemon when one is called and there is none. It gives 1 as its first id.
+    void installDaemon() {
+        write(bus.services() / "notifications.service",
+              "[D-BUS Service]\nName=org.freedesktop.Notifications\n"
+              "Exec=/usr/bin/python3 -m dbusmock --session --template notification_daemon\n");
+        const QString dbus = QStringLiteral("org.freedesktop.DBus");
+        bus.call(dbus, QStringLiteral("/org/freedesktop/DBus"), dbus, QStringLiteral("ReloadConfig"));
+    }
+
+    /// What each notification was to take the place of that the installed daemon got; nothing while it is not there.
+    QList<uint> idsReplacedInTheInstalledOne() {
+        QList<uint> ids;
+        if (!bus.has(service))
+            return ids;
+        const QVariant calls = bus.call(service, QStringLiteral("/org/freedesktop/Notifications"),
+                                        QStringLiteral("org.freedesktop.DBus.Mock"), QStringLiteral("GetMethodCalls"),
+                                        {QStringLiteral("Notify")});
+        if (!calls.canConvert<QDBusArgument>())
+            return ids;
+        const auto argument = calls.value<QDBusArgument>();
+        for (argument.beginArray(); !argument.atEnd();) {
+            qulonglong time = 0;
+            QVariantList arguments;
+            argument.beginStructure();
+            argument >> time >> arguments;
+            argument.endStructure();
+            ids.append(arguments.value(1).toUInt());
+        }
+        argument.endArray();
+        return ids;
+    }
+
+    void killInstalledDaemon() {
+        const uint process = bus.connection().interface()->servicePid(service).value();
+        ASSERT_GT(process, 1U);
+        ::kill(static_cast<pid_t>(process), SIGKILL);
+        EXPECT_TRUE(waitUntil([&] { return !bus.has(service); }));
+    }
+
+    const QString service = QStringLiteral("org.freedesktop.Notifications");
 };
 
 namespace {
@@ -51,35 +92,28 @@ TEST_F(NotificationDaemonTest, IsSilentlyMissed) {
 }
 
 TEST_F(NotificationDaemonTest, IsStartedOnDemand) {
-    const QString service = QStringLiteral("org.freedesktop.Notifications");
-    write(bus.services() / "notifications.service",
-          "[D-BUS Service]\nName=org.freedesktop.Notifications\n"
-          "Exec=/usr/bin/python3 -m dbusmock --session --template notification_daemon\n");
+    installDaemon();
     start();
     center->add(request("low"));
-    EXPECT_TRUE(waitUntil([&] { return bus.has(service); }));
-    const auto notifies = [&] {
-        const QVariant calls = bus.call(service, QStringLiteral("/org/freedesktop/Notifications"),
-                                        QStringLiteral("org.freedesktop.DBus.Mock"), QStringLiteral("GetMethodCalls"),
-                                        {QStringLiteral("Notify")});
-        int count = 0;
-        const auto argument = calls.value<QDBusArgument>();
-        argument.beginArray();
-        for (; !argument.atEnd(); ++count) {
-            qulonglong time = 0;
-            QVariantList arguments;
-            argument.beginStructure();
-            argument >> time >> arguments;
-            argument.endStructure();
-        }
-        argument.endArray();
-        return count;
-    };
-    EXPECT_TRUE(waitUntil([&] { return notifies() == 1; }));
-    const uint process = bus.connection().interface()->servicePid(service).value();
-    ASSERT_GT(process, 1U);
-    ::kill(static_cast<pid_t>(process), SIGKILL);
-    EXPECT_TRUE(waitUntil([&] { return !bus.has(service); }));
+    EXPECT_TRUE(waitUntil([&] { return idsReplacedInTheInstalledOne() == QList<uint>{0}; }));
+    killInstalledDaemon();
+}
+
+TEST_F(NotificationDaemonTest, IsStartedAnewForWhatItDidNotLiveToAnswer) {
+    daemon.manners[QStringLiteral("Notify")] = Manner::waits;
+    daemon.appear();
+    start();
+    center->add(request("low"));
+    ASSERT_TRUE(waitUntil([&] { return daemon.count(QStringLiteral("Notify")) == 1; }));
+    installDaemon();
+    daemon.die();
+    ASSERT_TRUE(waitUntil([&] { return idsReplacedInTheInstalledOne() == QList<uint>{0}; }));
+    roundTrip(connection); // its answer has arrived
+    QCoreApplication::processEvents();
+    center->add(request("low"));
+    EXPECT_TRUE(waitUntil([&] { return idsReplacedInTheInstalledOne().size() == 2; }));
+    EXPECT_EQ(idsReplacedInTheInstalledOne(), (QList<uint>{0, 1})) << "what it has answered counts";
+    killInstalledDaemon();
 }
 
 TEST_F(NotificationDaemonTest, MayBeReplacedBetweenTwo) {
