@@ -85,16 +85,13 @@ PortalSavePanel::PortalSavePanel(QDBusConnection bus, std::chrono::milliseconds 
 }
 
 PortalSavePanel::~PortalSavePanel() {
-    if (call_ == nullptr || isOver_)
-        return;
-    if (!portal_.isEmpty()) {
+    if (hasTaken_ && !isOver_)
         closeRequest(bus_, request_);
+    if (call_ == nullptr)
         return;
-    }
     // A portal that was too slow may ask in the end, and nobody would wait for what the user says to it.
-    QDBusPendingCallWatcher* const call = std::exchange(call_, nullptr);
-    disconnect(call, nullptr, this, nullptr);
-    connect(call, &QDBusPendingCallWatcher::finished, call, [bus = bus_, call] {
+    disconnect(call_, nullptr, this, nullptr);
+    connect(call_, &QDBusPendingCallWatcher::finished, call_, [bus = bus_, call = call_] {
         call->deleteLater();
         if (const auto request = requestIn(call->reply()))
             closeRequest(bus, *request);
@@ -109,7 +106,7 @@ void PortalSavePanel::ask(const Question& question) {
     watcher_.addWatchedService(service);
     connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString& /*name*/, const QString& before) {
-                if (!before.isEmpty() && before == portal_)
+                if (!before.isEmpty() && hasTaken_)
                     portalLost();
             });
     auto message = QDBusMessage::createMethodCall(service, QStringLiteral("/org/freedesktop/portal/desktop"),
@@ -128,27 +125,28 @@ void PortalSavePanel::ask(const Question& question) {
                                         QCoreApplication::instance());
     connect(call_, &QDBusPendingCallWatcher::finished, this, &PortalSavePanel::replied);
     QTimer::singleShot(patience_, this, [this] {
-        if (portal_.isEmpty())
+        if (!hasTaken_)
             end({.outcome = SaveAnswer::Outcome::failed, .file = {}});
     });
 }
 
 void PortalSavePanel::follow(const QString& request) {
     request_ = request;
-    // From anybody, and compared on arrival with who took the question.
-    bus_.connect(QString(), request, requestInterface, QStringLiteral("Response"), this, SLOT(responded(QDBusMessage)));
+    // With the name, so that Qt drops what comes from anybody but its owner. The reply to the question does not tell
+    // who that is: from Qt 6.8 on replies have no sender.
+    bus_.connect(service, request, requestInterface, QStringLiteral("Response"), this, SLOT(responded(QDBusMessage)));
 }
 
 void PortalSavePanel::replied() {
-    call_->deleteLater();
-    const QDBusMessage reply = call_->reply();
-    const auto request = requestIn(reply);
+    QDBusPendingCallWatcher* const call = std::exchange(call_, nullptr);
+    call->deleteLater();
+    const auto request = requestIn(call->reply());
     if (!request) {
         isOver_ = true;
         end({.outcome = SaveAnswer::Outcome::failed, .file = {}});
         return;
     }
-    portal_ = reply.service();
+    hasTaken_ = true;
     sinceTaken_.start();
     if (*request != request_) // portals before 0.9 chose the path alone
         follow(*request);
@@ -159,12 +157,10 @@ void PortalSavePanel::replied() {
 void PortalSavePanel::responded(const QDBusMessage& signal) {
     if (isOver_ || signal.signature() != QLatin1String("ua{sv}"))
         return;
-    if (portal_.isEmpty()) { // the portal works in threads: a quick answer may come before the word that it will ask
+    if (!hasTaken_) { // the portal works in threads: a quick answer may come before the word that it will ask
         early_ = signal;
         return;
     }
-    if (signal.service() != portal_)
-        return;
     isOver_ = true;
     const QVariantList arguments = signal.arguments();
     std::vector<std::string> uris;

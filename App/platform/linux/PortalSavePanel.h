@@ -50,9 +50,9 @@ private:
     QDBusConnection bus_;
     std::chrono::milliseconds patience_;
     QDBusServiceWatcher watcher_;
-    QDBusPendingCallWatcher* call_ = nullptr;
-    QString request_; ///< its path
-    QString portal_;  ///< the connection that has taken the question; empty until then
+    QDBusPendingCallWatcher* call_ = nullptr; ///< the question, until the portal has said that it will ask
+    QString request_;                         ///< its path
+    bool hasTaken_ = false;                   ///< the portal has said so
     QElapsedTimer sinceTaken_;
     std::optional<QDBusMessage> early_;
     bool isOver_ = false; ///< for the portal
