@@ -29,10 +29,11 @@ constexpr std::array known{
     Known{"xfce4-panel", recolouring},
 };
 
-/// QUIRK: Xfce runs each plugin in a process of its own, named after its place in the panel: "panel-6-systray", cut off
-/// after 15 characters.
+/// QUIRK: Xfce runs each plugin in a process of its own. That of 4.18 is named after its place in the panel,
+/// "panel-6-systray", cut off after 15 characters; that of 4.20 after the program that runs plugins.
 bool isXfceTray(std::string_view process) {
-    return process.starts_with("panel-") && process.find("-systra") != std::string_view::npos;
+    return process == "wrapper-2.0" ||
+           (process.starts_with("panel-") && process.find("-systra") != std::string_view::npos);
 }
 
 } // namespace
