@@ -58,7 +58,10 @@ target_link_libraries(velmora_adapter_tests PRIVATE velmora_desktop velmora_desk
 target_compile_definitions(velmora_adapter_tests PRIVATE
     VELMORA_ICONS="${CMAKE_BINARY_DIR}/share/icons" VELMORA_PICTURES="${CMAKE_BINARY_DIR}/pictures")
 add_dependencies(velmora_adapter_tests icons percent_glyphs)
-set_source_files_properties(views/PopoverViewTest.cpp PROPERTIES COMPILE_OPTIONS -UQT_NO_KEYWORDS)
+set_source_files_properties(views/PopoverViewTest.cpp PROPERTIES
+    COMPILE_OPTIONS -UQT_NO_KEYWORDS SKIP_PRECOMPILE_HEADERS ON)
+velmora_precompile(velmora_adapter_tests <gtest/gtest.h> <QApplication> <QDBusArgument> <QDBusConnectionInterface>
+    <QDBusMessage> <QDBusVirtualObject> <QLabel> <QPushButton>)
 set_target_properties(velmora_adapter_tests PROPERTIES AUTOMOC ON CROSSCOMPILING_EMULATOR umockdev-wrapper)
 gtest_discover_tests(velmora_adapter_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 60)
 
