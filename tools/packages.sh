@@ -1,8 +1,9 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # shellcheck shell=bash
 # The Debian packages that the scripts need, and how they get there. Sourced, not run.
+# shellcheck disable=SC2034 # who sources this uses the lists
 
-# To build the program and to run it in a session that is there already.
+# To build the program and to run it in a session that is there.
 BUILD_PACKAGES=(cmake g++ libcanberra-dev libqcustomplot-dev libsimdjson-dev libudev-dev ninja-build pkg-config
                 qt6-base-dev qt6-svg-dev)
 
@@ -21,36 +22,157 @@ PACKAGE_PACKAGES=(debhelper dpkg-dev librsvg2-bin)
 # sway comes with a bar of its own; the toolkit shows windows in it by its Wayland plugin. By GTK the toolkit takes its
 # looks for those who ask for that. libfaketime sets the program's clock, strace sees what it asks the kernel for,
 # readelf of binutils how it was built. Screen readers hear of windows through at-spi2-core.
-TEST_PACKAGES=(appstream at-spi2-core binutils clang-format desktop-file-utils libbenchmark-dev libfaketime
-               libglib2.0-bin libgmock-dev libgtest-dev libumockdev-dev mako-notifier mate-notification-daemon
-               nlohmann-json3-dev power-profiles-daemon python3-dbusmock qt6-gtk-platformtheme qt6-wayland strace sway
-               systemd trayer tzdata xfce4-notifyd)
+TEST_PACKAGES=(appstream at-spi2-core binutils desktop-file-utils libbenchmark-dev libfaketime libglib2.0-bin
+               libgmock-dev libgtest-dev libumockdev-dev mako-notifier mate-notification-daemon nlohmann-json3-dev
+               power-profiles-daemon python3-dbusmock qt6-gtk-platformtheme qt6-wayland strace sway systemd trayer
+               tzdata xfce4-notifyd)
 
-# What tools/lint and tools/coverage need beyond that.
+# What tools/lint and tools/coverage need beyond that. Versions of clang-format disagree about some lines; the sources are
+# formatted with Debian 12's.
+FORMAT_PACKAGES=(clang-format-14)
 CHECK_PACKAGES=(clang clang-tidy cppcheck gcovr)
 
-# ensure_packages NAME...: installs those that are missing and says which; does nothing at all when none is.
+# For systems that call them otherwise: each of these packages, what its makers call it, and what shows that it is there.
+UPSTREAM='
+cmake                    | CMake 3.25                           | run:cmake
+g++                      | a C++20 compiler, GCC 12 or Clang 14 | run:c++
+libcanberra-dev          | libcanberra                          | module:libcanberra
+libqcustomplot-dev       | QCustomPlot 2.1, built with Qt 6     | include:qcustomplot*
+libsimdjson-dev          | simdjson 3                           | module:simdjson
+libudev-dev              | libudev, of systemd or eudev         | module:libudev
+ninja-build              | Ninja                                | run:ninja
+pkg-config               | pkg-config                           | run:pkg-config
+qt6-base-dev             | Qt 6.4, qtbase                       | module:Qt6Widgets
+qt6-svg-dev              | Qt 6.4, qtsvg                        | module:Qt6Svg
+adwaita-icon-theme       | Adwaita icons                        | share:icons/Adwaita
+dbus-daemon              | dbus-daemon                          | run:dbus-daemon
+dunst                    | dunst                                | run:dunst
+fonts-dejavu-core        | DejaVu fonts                         | share:fonts/*/*/DejaVuSans.ttf share:fonts/*/DejaVuSans.ttf
+hicolor-icon-theme       | hicolor icons                        | share:icons/hicolor/index.theme
+librsvg2-common          | librsvg with its GdkPixbuf loader    | lib:gdk-pixbuf-2.0/*/loaders/*svg*
+python3-gi               | PyGObject                            | python:gi
+umockdev                 | umockdev                             | run:umockdev-run
+xdotool                  | xdotool                              | run:xdotool
+xfce4-panel              | xfce4-panel                          | run:xfce4-panel
+xfconf                   | xfconf                               | run:xfconf-query
+xfwm4                    | xfwm4                                | run:xfwm4
+xvfb                     | Xvfb                                 | run:Xvfb
+x11-apps                 | xwd                                  | run:xwd
+xserver-xephyr           | Xephyr                               | run:Xephyr
+debhelper                | debhelper                            | run:dh
+dpkg-dev                 | the development tools of dpkg        | run:dpkg-shlibdeps
+librsvg2-bin             | rsvg-convert                         | run:rsvg-convert
+appstream                | appstreamcli                         | run:appstreamcli
+at-spi2-core             | at-spi2-core                         | share:dbus-1/services/org.a11y.Bus.service
+binutils                 | GNU binutils                         | run:readelf
+desktop-file-utils       | desktop-file-utils                   | run:desktop-file-validate
+libbenchmark-dev         | Google Benchmark                     | module:benchmark
+libfaketime              | libfaketime                          | lib:faketime/libfaketime.so.1
+libglib2.0-bin           | the commands of GLib                 | run:gdbus
+libgmock-dev             | GoogleMock                           | module:gmock
+libgtest-dev             | GoogleTest                           | module:gtest
+libumockdev-dev          | umockdev, for programs               | module:umockdev-1.0
+mako-notifier            | mako                                 | run:mako
+mate-notification-daemon | the notification daemon of MATE      | share:dbus-1/services/org.freedesktop.mate.Notifications.service
+nlohmann-json3-dev       | nlohmann/json 3.11                   | module:nlohmann_json
+power-profiles-daemon    | power-profiles-daemon                | run:powerprofilesctl
+python3-dbusmock         | python-dbusmock                      | python:dbusmock
+qt6-gtk-platformtheme    | Qt 6, its platform theme for GTK     | lib:qt6/plugins/platformthemes/libqgtk3.so
+qt6-wayland              | Qt 6, qtwayland                      | lib:qt6/plugins/platforms/libqwayland*
+strace                   | strace                               | run:strace
+sway                     | sway                                 | run:sway
+systemd                  | systemd                              | lib:systemd/user-generators/systemd-xdg-autostart-generator
+trayer                   | trayer                               | run:trayer
+tzdata                   | tzdata                               | share:zoneinfo/Europe/Berlin
+xfce4-notifyd            | xfce4-notifyd                        | lib:xfce4/notifyd/xfce4-notifyd
+clang                    | Clang                                | run:clang++
+clang-format-14          | clang-format 14                      | run:clang-format-14
+clang-tidy               | clang-tidy                           | run:clang-tidy
+cppcheck                 | cppcheck                             | run:cppcheck
+gcovr                    | gcovr                                | run:gcovr
+debootstrap              | debootstrap                          | run:debootstrap
+'
+
+# is_there KIND:WHAT...: whether the system has one of these.
+is_there() {
+    local probe what
+    for probe in "$@"; do
+        what=${probe#*:}
+        case "$probe" in
+            run:*) command -v "$what" ;;
+            module:*) pkg-config --exists "$what" ;;
+            python:*) /usr/bin/python3 -c "import $what" ;;
+            include:* | share:*) compgen -G "/usr/${probe/://}" ;;
+            lib:*) compgen -G "/usr/lib/$what" || compgen -G "/usr/lib64/$what" || compgen -G "/usr/lib/*/$what" ||
+                compgen -G "/usr/libexec/$what" ;;
+            *) false ;;
+        esac >/dev/null 2>&1 && return 0
+    done
+    return 1
+}
+
+# missing_upstream NAME...: what its makers call each of these packages whose contents the system does not have.
+missing_upstream() {
+    local name package upstream probe
+    for name in "$@"; do
+        while IFS='|' read -r package upstream probe; do
+            [ "${package// /}" = "$name" ] || continue
+            # shellcheck disable=SC2086 # one word for each place
+            is_there $probe || sed 's/^ *//; s/ *$//' <<<"$upstream"
+        done <<<"$UPSTREAM"
+    done
+}
+
+# as_root COMMAND...
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+# apt_get ARGUMENT...: waits for a lock that somebody else holds: a new machine updates itself in the background. apt
+# itself waits for one of its three locks.
+apt_get() {
+    local log status said=
+    log=$(mktemp)
+    while true; do
+        status=0
+        as_root env LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=-1 "$@" 2>"$log" ||
+            status=$?
+        if [ "$status" -eq 0 ] || ! grep -q '^E: Could not get lock' "$log"; then
+            break
+        fi
+        [ -n "$said" ] || echo "Another program is installing something; waiting for it to end."
+        said=yes
+        sleep 2
+    done
+    cat "$log" >&2
+    rm "$log"
+    return "$status"
+}
+
+# ensure_packages NAME...: installs those that are missing and says which; does nothing at all when none is. Where there
+# is no apt, it goes by what is there.
 ensure_packages() {
-    local name state missing=() root=()
+    local name state missing=()
+    if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
+        mapfile -t missing < <(missing_upstream "$@")
+        [ ${#missing[@]} -gt 0 ] || return 0
+        echo "There is no apt here that could install what is missing:" >&2
+        printf '    %s\n' "${missing[@]}" >&2
+        echo "Install that, then run this again." >&2
+        return 1
+    fi
     for name in "$@"; do
         state=$(dpkg-query --show --showformat='${db:Status-Status}' "$name" 2>/dev/null) || state=unknown
         [ "$state" = installed ] || missing+=("$name")
     done
     [ ${#missing[@]} -gt 0 ] || return 0
     echo "Missing Debian packages: ${missing[*]}"
-    if ! command -v apt-get >/dev/null; then
-        echo "There is no apt-get here. Install what these packages stand for, then run this again." >&2
+    if [ "$(id -u)" -ne 0 ] && ! command -v sudo >/dev/null; then
+        echo "Installing needs root, and there is no sudo. As root: apt-get install ${missing[*]}" >&2
         return 1
-    fi
-    if [ "$(id -u)" -ne 0 ]; then
-        if ! command -v sudo >/dev/null; then
-            echo "Installing needs root, and there is no sudo. As root: apt-get install ${missing[*]}" >&2
-            return 1
-        fi
-        root=(sudo)
     fi
     echo "Installing them with apt-get."
     # A source that cannot be reached at the moment need not be the one that has these packages: installing decides.
-    "${root[@]}" apt-get update || echo "apt-get update failed; going on with the lists that are here." >&2
-    "${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install --yes --no-install-recommends "${missing[@]}"
+    apt_get update || echo "apt-get update failed; going on with the lists that are here." >&2
+    apt_get install --yes --no-install-recommends "${missing[@]}"
 }
