@@ -8,10 +8,6 @@ preset=${1:-default}
 
 ensure_packages "${BUILD_PACKAGES[@]}" "${DESKTOP_PACKAGES[@]}" "${PACKAGE_PACKAGES[@]}" "${TEST_PACKAGES[@]}"
 
-echo "Checking the format of the C++ sources."
-find App tests benchmarks fuzz resources -name '*.h' -o -name '*.cpp' | sort |
-    xargs clang-format --dry-run -Werror --ferror-limit=1
-
 cmake --preset "$preset" -DVELMORA_TESTS=ON -DVELMORA_BENCHMARKS=ON
 cmake --build --preset "$preset"
 
