@@ -11,6 +11,7 @@ import unittest
 from pathlib import Path
 
 from support.case import ESTIMATING, HEALTH_AND_CYCLES, START_SECONDS, DesktopCase
+from support.installed import files_below
 from support.notifications import Listener
 from support.program import TOP, bundle
 
@@ -52,16 +53,6 @@ def pack(file):
     command = [TOP / "make_app.sh", "deb", os.environ.get("VELMORA_BUILD", TOP / "build/default"), file]
     subprocess.run(command, check=True, stdout=subprocess.DEVNULL, timeout=PACK_SECONDS)
     return file
-
-
-def files_below(folder):
-    """All that is no folder, each as what it leads to or None."""
-    names = (Path(at) / name for at, folders, names in os.walk(folder) for name in [*folders, *names])
-    return {
-        str(file.relative_to(folder)): os.readlink(file) if file.is_symlink() else None
-        for file in names
-        if file.is_symlink() or not file.is_dir()
-    }
 
 
 class Package(DesktopCase):
