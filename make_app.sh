@@ -65,8 +65,9 @@ umask 022
 # What debhelper takes from a folder: its rules, and what they name.
 pack=$work/velmora
 mkdir "$pack"
-cp -r "$here/packaging/debian" "$here/CHANGELOG.md" "$here/packaging/velmora.1" "$pack"
+cp -r "$here/packaging/debian" "$here/CHANGELOG.md" "$pack"
 make_bundle "$pack/Velmora.app"
+mv "$pack/Velmora.app/usr/share/man" "$pack" # nobody looks for a man page in the bundle
 for size in 16 22 24 32 48 64 128 256 512; do
     icons=$pack/icons/hicolor/${size}x$size/apps
     mkdir -p "$icons"

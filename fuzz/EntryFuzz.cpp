@@ -4,6 +4,8 @@
 #include "platform/linux/DesktopEntry.h"
 #include "support/GLibKeyFile.h"
 
+#include <filesystem>
+#include <utility>
 #include <vector>
 
 // An input is a desktop entry as somebody may have put it into the folder "autostart"; and, beside that, any text that
@@ -53,7 +55,9 @@ void checkReading(const std::string& text) {
 
 void checkWriting(const std::string& text) {
     if (!canBeDesktopEntryValue(text)) {
-        require(!AutostartEntry::text(text, "id", AutostartEntry::Switch::on), "what cannot be written is not");
+        for (const auto& [program, icon] :
+             {std::pair(text, std::string("icon")), std::pair(std::string("AppRun"), text)})
+            require(!AutostartEntry::text(program, icon, AutostartEntry::Switch::on), "what cannot be written is not");
         return;
     }
     const std::string file = "[Desktop Entry]\nName=" + desktopEntryValue(text) +
@@ -63,11 +67,12 @@ void checkWriting(const std::string& text) {
     require(GLibKeyFile(file).string("Name") == text, "others read back the same value");
     require(entry->command("Exec") == std::vector<std::string>{text, "second"}, "a word reads back the same");
 
+    const auto program = std::filesystem::path(text) / "AppRun";
     for (const auto state : {AutostartEntry::Switch::on, AutostartEntry::Switch::off}) {
-        const auto written = AutostartEntry::text(text, "id", state);
+        const auto written = AutostartEntry::text(program, std::filesystem::path(text) / "icon.svg", state);
         require(written.has_value(), "an entry can be written for every such folder");
         const auto read = AutostartEntry::parse(*written);
-        require(read && read->program == AutostartEntry::programOf(text), "it starts what is in the folder");
+        require(read && read->program == program, "it starts what is in the folder");
         require(read->isOn == (state == AutostartEntry::Switch::on), "it is on or off as it was asked");
         checkReading(*written);
     }

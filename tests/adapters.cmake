@@ -14,10 +14,10 @@ add_executable(velmora_adapter_tests
     history/HistoryDiskTest.cpp
     history/HistoryKillTest.cpp
     history/HistoryZonesTest.cpp
-    platform/linux/AppDirBundleTest.cpp
     platform/linux/AutostartLaunchTest.cpp
     platform/linux/CanberraSoundsTest.cpp
     platform/linux/DesktopEntryGLibTest.cpp
+    platform/linux/ExecutableBundleTest.cpp
     platform/linux/FixturesTest.cpp
     platform/linux/FreedesktopNotificationsTest.cpp
     platform/linux/GlyphImagesTest.cpp

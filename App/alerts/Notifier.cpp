@@ -33,7 +33,7 @@ Notifier::~Notifier() {
 }
 
 bool Notifier::available() const {
-    return bundle_.location().extension() == ".app" && bundle_.identifier();
+    return bundle_.identifier() && (bundle_.location().extension() == ".app" || bundle_.isInstalled());
 }
 
 void Notifier::setup() {

@@ -27,7 +27,8 @@ public:
     /// Called on the main thread when the user presses the snooze button.
     std::function<void()> onSnooze;
 
-    /// Whether the program runs as an application bundle: from a folder whose name ends in ".app", with an identifier.
+    /// Whether the program runs as an application bundle: from a folder whose name ends in ".app", with an identifier,
+    /// or as it is installed below a prefix.
     bool available() const;
 
     /// Gets ready to deliver. Called once.

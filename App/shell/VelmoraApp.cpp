@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "history/HistoryStore.h"
-#include "platform/linux/AppDirBundle.h"
 #include "platform/linux/CanberraSounds.h"
 #include "platform/linux/DesktopLookWatch.h"
 #include "platform/linux/DisplayCheck.h"
 #include "platform/linux/DisplayLoss.h"
+#include "platform/linux/ExecutableBundle.h"
 #include "platform/linux/FreedesktopNotifications.h"
 #include "platform/linux/JsonUserDefaults.h"
 #include "platform/linux/LibraryMessages.h"
@@ -117,10 +117,9 @@ int main(int argc, char** argv) {
     PowerProfiles processInfo(systemBus, "/sys");
     LogindSleep sleep(systemBus);
     SessionWorkspace workspace(sessionBus, signalEvents, sleep);
-    // Glyphs and sounds stand beside the executable, wherever the bundle was put.
-    const std::filesystem::path executable = AppDirBundle::runningExecutable();
-    const std::filesystem::path share = executable.parent_path().parent_path() / "share";
-    AppDirBundle bundle(executable);
+    const std::filesystem::path executable = ExecutableBundle::runningExecutable();
+    const std::filesystem::path share = ExecutableBundle::prefixOf(executable) / "share";
+    ExecutableBundle bundle(executable);
     const std::filesystem::path stateFolder = xdgStateHome() / "Velmora";
     QDir::setSearchPaths(QLatin1String(glyphFolder),
                          {QString::fromStdString((share / "icons/hicolor/scalable/status").string())});

@@ -40,8 +40,18 @@ TEST_F(NotifierTest, IsAvailableInAnApplicationBundle) {
     }
 }
 
+TEST_F(NotifierTest, IsAvailableWhereverItIsInstalled) {
+    fake.bundle.installed = true;
+    for (const char* prefix : {"/usr", "/usr/local", "/opt/velmora", "/gnu/store/velmora-0.1.0"}) {
+        fake.bundle.place = prefix;
+        EXPECT_TRUE(notifier->available()) << prefix;
+    }
+}
+
 TEST_F(NotifierTest, IsNotAvailableInABundleWithoutAnIdentifier) {
     fake.bundle.name.reset();
+    EXPECT_FALSE(notifier->available());
+    fake.bundle.installed = true;
     EXPECT_FALSE(notifier->available());
 }
 

@@ -47,16 +47,14 @@ std::optional<AutostartEntry> AutostartEntry::parse(std::string_view text) {
                               !entry->boolean("Hidden").value_or(false) && entry->boolean(gnomeSwitch).value_or(true)};
 }
 
-std::optional<std::string> AutostartEntry::text(const std::filesystem::path& bundle, std::string_view identifier,
+std::optional<std::string> AutostartEntry::text(const std::filesystem::path& program, const std::filesystem::path& icon,
                                                 Switch state) {
-    const std::string program = programOf(bundle).string();
-    const std::string icon = (bundle / std::string(identifier)).string() + ".svg";
-    if (!canBeDesktopEntryValue(program) || !canBeDesktopEntryValue(icon))
+    if (!canBeDesktopEntryValue(program.string()) || !canBeDesktopEntryValue(icon.string()))
         return std::nullopt;
     std::string text = "[Desktop Entry]\nType=Application\nName=Velmora\n";
-    text += "Exec=" + desktopEntryValue(commandLine(program)) + '\n';
-    text += "TryExec=" + desktopEntryValue(program) + '\n';
-    text += "Icon=" + desktopEntryValue(icon) + '\n';
+    text += "Exec=" + desktopEntryValue(commandLine(program.string())) + '\n';
+    text += "TryExec=" + desktopEntryValue(program.string()) + '\n';
+    text += "Icon=" + desktopEntryValue(icon.string()) + '\n';
     text += std::string(gnomeSwitch) + "=true\n";
     if (state == Switch::off)
         text += "Hidden=true\n";

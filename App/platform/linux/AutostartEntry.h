@@ -17,14 +17,11 @@ struct AutostartEntry {
     /// Empty when no desktop, or not every one, starts something by it.
     static std::optional<AutostartEntry> parse(std::string_view text);
 
-    /// Whether the entry starts the bundle, or says that it is not to be started.
+    /// Whether the entry starts the program, or says that it is not to be started.
     enum class Switch { on, off };
 
-    /// The content of the entry that starts the bundle in a folder, or says that it is not to be started. Empty when
-    /// there are characters in its path that an entry cannot hold.
-    static std::optional<std::string> text(const std::filesystem::path& bundle, std::string_view identifier,
+    /// The content of the entry that starts the program, or says that it is not to be started. Empty when there are
+    /// characters in one of the paths that an entry cannot hold.
+    static std::optional<std::string> text(const std::filesystem::path& program, const std::filesystem::path& icon,
                                            Switch state);
-
-    /// What is to be started in the bundle.
-    static std::filesystem::path programOf(const std::filesystem::path& bundle) { return bundle / "AppRun"; }
 };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/linux/ApplicationId.h"
+
 #include <QDBusConnection>
 #include <QObject>
 #include <QVariantMap>
@@ -12,7 +14,7 @@ class SessionApplication final : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr const char* name = "app.velmora.Velmora";
+    static constexpr const char* name = applicationId;
 
     explicit SessionApplication(QDBusConnection bus);
 

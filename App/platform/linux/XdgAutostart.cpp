@@ -87,7 +87,7 @@ bool XdgAutostart::starts(const fs::path& file) const {
     if (entry->tryExec && entry->tryExec->is_absolute() && cannotRun(*entry->tryExec))
         return false;
     std::error_code error;
-    return fs::equivalent(entry->program, AutostartEntry::programOf(bundle_.location()), error) && !error;
+    return fs::equivalent(entry->program, bundle_.program(), error) && !error;
 }
 
 bool XdgAutostart::isEnabled() const {
@@ -106,13 +106,13 @@ std::optional<std::string> XdgAutostart::registerItem() {
         return noBundle;
     if (isEnabled())
         return std::nullopt;
-    if (const auto error = cannotRun(AutostartEntry::programOf(bundle_.location())))
+    if (const auto error = cannotRun(bundle_.program()))
         return error.message();
     const fs::path own = file(configHome_, *identifier);
     const auto system = systemFile(*identifier);
     if (system && starts(*system) && isThere(own) && !isLink(own))
         return removeFile(own); // only it was in the way
-    return put(files_, own, AutostartEntry::text(bundle_.location(), *identifier, AutostartEntry::Switch::on));
+    return put(files_, own, AutostartEntry::text(bundle_.program(), bundle_.icon(), AutostartEntry::Switch::on));
 }
 
 std::optional<std::string> XdgAutostart::unregisterItem() {
@@ -125,5 +125,5 @@ std::optional<std::string> XdgAutostart::unregisterItem() {
     // Without its entry, the system's would hold; without its link, whoever manages it would bring it back.
     if (!systemFile(*identifier) && !isLink(own))
         return removeFile(own);
-    return put(files_, own, AutostartEntry::text(bundle_.location(), *identifier, AutostartEntry::Switch::off));
+    return put(files_, own, AutostartEntry::text(bundle_.program(), bundle_.icon(), AutostartEntry::Switch::off));
 }

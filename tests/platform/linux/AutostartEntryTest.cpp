@@ -3,17 +3,22 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <vector>
 
 using Switch = AutostartEntry::Switch;
 
 namespace {
 
-constexpr const char* id = "app.velmora.Velmora";
 const std::string head = "[Desktop Entry]\nType=Application\n";
 
 std::string exec(const std::string& command) {
     return head + "Exec=" + command + "\n";
+}
+
+/// Of a bundle in a folder.
+std::optional<std::string> entryOf(const std::filesystem::path& folder, Switch state = Switch::on) {
+    return AutostartEntry::text(folder / "AppRun", folder / "app.velmora.Velmora.svg", state);
 }
 
 bool isOn(const std::string& lines) {
@@ -25,19 +30,18 @@ bool isOn(const std::string& lines) {
 } // namespace
 
 TEST(AutostartEntry, SaysWhatIsStartedAndWhatHasToBeThere) {
-    EXPECT_EQ(AutostartEntry::text("/opt/Velmora.app", id, Switch::on),
-              "[Desktop Entry]\n"
-              "Type=Application\n"
-              "Name=Velmora\n"
-              "Exec=\"/opt/Velmora.app/AppRun\"\n"
-              "TryExec=/opt/Velmora.app/AppRun\n"
-              "Icon=/opt/Velmora.app/app.velmora.Velmora.svg\n"
-              "X-GNOME-Autostart-enabled=true\n");
+    EXPECT_EQ(entryOf("/opt/Velmora.app"), "[Desktop Entry]\n"
+                                           "Type=Application\n"
+                                           "Name=Velmora\n"
+                                           "Exec=\"/opt/Velmora.app/AppRun\"\n"
+                                           "TryExec=/opt/Velmora.app/AppRun\n"
+                                           "Icon=/opt/Velmora.app/app.velmora.Velmora.svg\n"
+                                           "X-GNOME-Autostart-enabled=true\n");
 }
 
 TEST(AutostartEntry, OffIsTheSameAndHidden) {
-    const std::string on = AutostartEntry::text("/opt/Velmora.app", id, Switch::on).value();
-    EXPECT_EQ(AutostartEntry::text("/opt/Velmora.app", id, Switch::off), on + "Hidden=true\n");
+    const std::string on = entryOf("/opt/Velmora.app").value();
+    EXPECT_EQ(entryOf("/opt/Velmora.app", Switch::off), on + "Hidden=true\n");
 }
 
 TEST(AutostartEntry, GetsBackWhatItWritesWhateverTheFolderIsCalled) {
@@ -46,19 +50,21 @@ TEST(AutostartEntry, GetsBackWhatItWritesWhateverTheFolderIsCalled) {
         for (const Switch state : {Switch::on, Switch::off}) {
             const std::string program = std::string(folder) + "/AppRun";
             const AutostartEntry written{.program = program, .tryExec = program, .isOn = state == Switch::on};
-            EXPECT_EQ(AutostartEntry::parse(AutostartEntry::text(folder, id, state).value()), written) << folder;
+            EXPECT_EQ(AutostartEntry::parse(entryOf(folder, state).value()), written) << folder;
         }
     }
 }
 
 TEST(AutostartEntry, IsNotWrittenForAFolderThatItCannotName) {
     for (const char* folder : {"/a\x01", "/a\x7f", "/latin1-\xfc", "/half-\xc3"})
-        EXPECT_EQ(AutostartEntry::text(folder, id, Switch::on), std::nullopt) << folder;
+        EXPECT_EQ(entryOf(folder), std::nullopt) << folder;
+    EXPECT_EQ(AutostartEntry::text("/opt/velmora", "/opt/\x01.svg", Switch::on), std::nullopt);
+    EXPECT_EQ(AutostartEntry::text("/opt/\x01", "/opt/velmora.svg", Switch::on), std::nullopt);
 }
 
 TEST(AutostartEntry, HandsAProgramThatDesktopsWouldNotFindToAShell) {
     const auto line = [](const char* folder) {
-        const std::string text = AutostartEntry::text(folder, id, Switch::on).value();
+        const std::string text = entryOf(folder).value();
         const std::size_t from = text.find("Exec=");
         return text.substr(from, text.find('\n', from) - from);
     };

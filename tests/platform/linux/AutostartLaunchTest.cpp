@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What desktops make of the entry that is written: the validator, GLib's launcher, systemd's generator.
-#include "platform/linux/AppDirBundle.h"
+#include "platform/linux/ExecutableBundle.h"
 #include "platform/linux/PosixFiles.h"
 #include "platform/linux/XdgAutostart.h"
+#include "support/InstalledPrefix.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
 
@@ -21,12 +22,13 @@ enum class Systemd {
 };
 
 struct Place {
-    const char* name; ///< of the bundle's folder
+    const char* name; ///< of the bundle's folder, or of its prefix
     Systemd systemd = Systemd::starts;
+    bool isPrefix = false; ///< rather than an AppDir
 };
 
 void PrintTo(const Place& place, std::ostream* out) {
-    *out << testing::PrintToString(place.name);
+    *out << testing::PrintToString(place.name) << (place.isPrefix ? ", a prefix" : "");
 }
 
 struct Result {
@@ -56,20 +58,24 @@ protected:
     TemporaryFolder folder;
     fs::path home = folder.path / "home";
     fs::path place = folder.path / GetParam().name;
+    fs::path started = place / (GetParam().isPrefix ? "bin/velmora" : "AppRun");
     fs::path note = folder.path / "note";
     fs::path entry = home / ".config/autostart/app.velmora.Velmora.desktop";
 
     void SetUp() override {
         fs::create_directories(home);
-        fs::create_directories(place / "usr/bin");
-        const fs::path program = place / "usr/bin/velmora";
+        const fs::path prefix = GetParam().isPrefix ? place : place / "usr";
+        makePrefix(prefix);
+        const fs::path program = prefix / "bin/velmora";
         write(program, "#!/bin/sh\nprintf '%s, %d arguments' \"$0\" \"$#\" >'" + note.string() + ".new'\nmv '" +
                            note.string() + ".new' '" + note.string() + "'\n");
         fs::permissions(program, fs::perms::owner_all);
-        fs::create_symlink("usr/bin/velmora", place / "AppRun");
-        write(place / "app.velmora.Velmora.desktop", "[Desktop Entry]\n");
+        if (!GetParam().isPrefix) {
+            fs::create_symlink("usr/bin/velmora", place / "AppRun");
+            write(place / "app.velmora.Velmora.desktop", "[Desktop Entry]\n");
+        }
 
-        const AppDirBundle bundle(program);
+        const ExecutableBundle bundle(program);
         PosixFiles files(folder.path / "data");
         XdgAutostart item(bundle, files, home / ".config", {});
         ASSERT_EQ(item.registerItem(), std::nullopt);
@@ -92,7 +98,7 @@ TEST_P(AutostartLaunch, GLibStartsTheProgram) {
     EXPECT_EQ(result.code, 0);
     EXPECT_EQ(result.output, "");
     EXPECT_TRUE(waitUntil([&] { return fs::exists(note); }));
-    EXPECT_EQ(contentOf(note), (place / "AppRun").string() + ", 0 arguments");
+    EXPECT_EQ(contentOf(note), started.string() + ", 0 arguments");
 }
 
 TEST_P(AutostartLaunch, SystemdMakesAServiceOfIt) {
@@ -110,4 +116,5 @@ INSTANTIATE_TEST_SUITE_P(Any, AutostartLaunch,
                          testing::Values(Place{"Velmora.app"}, Place{"my apps/Büro 日本 🔋"}, Place{"the \"new\" one's"},
                                          Place{"100%"}, Place{"%f %%u"}, Place{"a=b"}, Place{"$HOME `id` ${PATH}"},
                                          Place{"#1;~&|<>*?()[]{}!"}, Place{"line\nbreak\tand tab "},
-                                         Place{"back\\slash", Systemd::cannotTell}));
+                                         Place{"back\\slash", Systemd::cannotTell}, Place{"usr", Systemd::starts, true},
+                                         Place{"my programs/100%", Systemd::starts, true}));

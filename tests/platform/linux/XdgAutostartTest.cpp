@@ -18,10 +18,15 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// The program below a prefix.
+void putProgram(const fs::path& prefix) {
+    fs::create_directories(prefix / "bin");
+    write(prefix / "bin/velmora", "program");
+    fs::permissions(prefix / "bin/velmora", fs::perms::owner_all | fs::perms::others_exec | fs::perms::others_read);
+}
+
 void makeBundle(const fs::path& at) {
-    fs::create_directories(at / "usr/bin");
-    write(at / "usr/bin/velmora", "program");
-    fs::permissions(at / "usr/bin/velmora", fs::perms::owner_all | fs::perms::others_exec | fs::perms::others_read);
+    putProgram(at / "usr");
     fs::create_symlink("usr/bin/velmora", at / "AppRun");
 }
 
@@ -44,7 +49,7 @@ struct World {
     }
 
     static std::string entry(const fs::path& at, AutostartEntry::Switch state = AutostartEntry::Switch::on) {
-        return AutostartEntry::text(at, "app.velmora.Velmora", state).value();
+        return AutostartEntry::text(at / "AppRun", at / "app.velmora.Velmora.svg", state).value();
     }
     void putSystemEntry(const fs::path& configFolder, const std::string& content) const {
         write(configFolder / "autostart/app.velmora.Velmora.desktop", content);
@@ -87,6 +92,30 @@ TEST_F(XdgAutostartTest, WritesTheEntryOfTheBundleAndRemovesIt) {
     EXPECT_EQ(contentOf(own), entry(bundle.place));
     EXPECT_EQ(item.unregisterItem(), std::nullopt);
     EXPECT_TRUE(fs::is_empty(own.parent_path()));
+}
+
+TEST_F(XdgAutostartTest, NamesTheProgramAndTheIconOfAPrefix) {
+    bundle.place = folder.path / "usr";
+    bundle.installed = true;
+    EXPECT_EQ(item.registerItem(), "No such file or directory");
+    putProgram(bundle.place);
+    EXPECT_EQ(item.registerItem(), std::nullopt);
+    EXPECT_EQ(contentOf(own),
+              AutostartEntry::text(bundle.place / "bin/velmora",
+                                   bundle.place / "share/icons/hicolor/scalable/apps" / "app.velmora.Velmora.svg",
+                                   AutostartEntry::Switch::on));
+    EXPECT_TRUE(item.isEnabled());
+    fs::create_symlink("usr/bin/velmora", folder.path / "velmora");
+    putOwnEntry("[Desktop Entry]\nType=Application\nName=Mine\nExec=" + (folder.path / "velmora").string() + "\n");
+    EXPECT_TRUE(item.isEnabled()) << "by another name";
+    putOwnEntry(entry(folder.path / "Velmora.app"));
+    EXPECT_FALSE(item.isEnabled()) << "it starts another copy";
+    putSystemEntry(first, entry(folder.path / "Velmora.app"));
+    EXPECT_EQ(item.registerItem(), std::nullopt);
+    EXPECT_TRUE(item.isEnabled());
+    EXPECT_EQ(item.unregisterItem(), std::nullopt);
+    EXPECT_FALSE(item.isEnabled());
+    EXPECT_EQ(contentOf(own), AutostartEntry::text(bundle.program(), bundle.icon(), AutostartEntry::Switch::off));
 }
 
 TEST_F(XdgAutostartTest, LeavesAloneWhatAlreadyStartsIt) {

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/linux/AppDirBundle.h"
+#include "platform/linux/ExecutableBundle.h"
+
+#include "platform/linux/ApplicationId.h"
+#include "platform/linux/GlyphName.h"
 
 #include <algorithm>
+#include <array>
 #include <system_error>
 
 namespace fs = std::filesystem;
@@ -9,7 +13,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view suffix = ".desktop";
-// A bundle has four entries; the rest is for what its user may put there.
+// An AppDir has four entries; the rest is for what its user may put there.
 constexpr int maxEntries = 100;
 // The longest name that can be on the message bus, where the identifier of an application is used as one.
 constexpr std::size_t maxLength = 255;
@@ -44,22 +48,69 @@ std::optional<std::string> desktopEntry(const fs::path& folder) {
     return error ? std::nullopt : found;
 }
 
+fs::path programBelow(const fs::path& prefix) {
+    return prefix / "bin/velmora";
+}
+
+fs::path iconBelow(const fs::path& prefix) {
+    return prefix / "share/icons/hicolor/scalable/apps" / (std::string(applicationId) + ".svg");
+}
+
+/// Whether all that is installed with the program is below the prefix; of many files of a kind, one stands for all.
+bool isInstalledBelow(const fs::path& prefix) {
+    const std::array files = {
+        programBelow(prefix),
+        prefix / "share/applications" / (std::string(applicationId) + std::string(suffix)),
+        iconBelow(prefix),
+        prefix / "share/icons/hicolor/scalable/status" / (glyphIconName("battery.100") + ".svg"),
+        prefix / "share/sounds/velmora/Glass.wav",
+        prefix / "lib/velmora/velmora-chart.so",
+        prefix / "lib/velmora/velmora-sound.so",
+    };
+    return std::all_of(files.begin(), files.end(), [](const fs::path& file) {
+        std::error_code error;
+        return fs::is_regular_file(file, error);
+    });
+}
+
 } // namespace
 
-AppDirBundle::AppDirBundle(const fs::path& executable) : location_(executable.parent_path()) {
+ExecutableBundle::ExecutableBundle(const fs::path& executable) : location_(executable.parent_path()) {
+    bool isInAppDir = false;
     for (fs::path folder = location_; folder.has_relative_path(); folder = folder.parent_path()) {
         std::error_code error;
         if (!fs::equivalent(folder / "AppRun", executable, error) || error)
             continue;
+        isInAppDir = true;
         if (auto name = desktopEntry(folder)) {
             location_ = folder;
             identifier_ = std::move(name);
             return;
         }
     }
+    // Below an AppDir is a whole prefix, but what is wrong with the AppDir is not mended by that.
+    if (isInAppDir || location_.filename() != "bin")
+        return;
+    if (const fs::path prefix = prefixOf(executable); isInstalledBelow(prefix)) {
+        location_ = prefix;
+        identifier_ = applicationId;
+        isInstalled_ = true;
+    }
 }
 
-fs::path AppDirBundle::runningExecutable() {
+fs::path ExecutableBundle::program() const {
+    return isInstalled_ ? programBelow(location_) : location_ / "AppRun";
+}
+
+fs::path ExecutableBundle::icon() const {
+    return isInstalled_ ? iconBelow(location_) : location_ / (identifier_.value_or("") + ".svg");
+}
+
+fs::path ExecutableBundle::runningExecutable() {
     std::error_code error;
     return fs::read_symlink("/proc/self/exe", error);
+}
+
+fs::path ExecutableBundle::prefixOf(const fs::path& executable) {
+    return executable.parent_path().parent_path();
 }

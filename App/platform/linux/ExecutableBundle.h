@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/Bundle.h"
+
+/// The bundle that an executable stands in, found by where that is:
+/// - an AppDir: the nearest folder above whose "AppRun" is the executable, with one desktop entry in it;
+/// - or, in no AppDir, a prefix: the executable is in its "bin" beside the program, and all that is installed with it
+/// is
+///   there as well. Of a build folder that is not true, because it has no desktop entry.
+/// Looked for once; the bundle is where it was when the program was started.
+class ExecutableBundle final : public Bundle {
+public:
+    /// `executable` is an absolute path without links.
+    explicit ExecutableBundle(const std::filesystem::path& executable);
+
+    /// The executable that this process runs; empty where the system does not tell.
+    static std::filesystem::path runningExecutable();
+
+    /// The folder whose "share" and "lib" belong to an executable: in every kind of bundle, and in a build folder, it
+    /// is two above.
+    static std::filesystem::path prefixOf(const std::filesystem::path& executable);
+
+    std::filesystem::path location() const override { return location_; }
+    std::optional<std::string> identifier() const override { return identifier_; }
+    bool isInstalled() const override { return isInstalled_; }
+    std::filesystem::path program() const override;
+    std::filesystem::path icon() const override;
+
+private:
+    std::filesystem::path location_;
+    std::optional<std::string> identifier_;
+    bool isInstalled_ = false;
+};
