@@ -24,7 +24,7 @@ PACKAGE_PACKAGES=(debhelper dpkg-dev librsvg2-bin)
 TEST_PACKAGES=(appstream at-spi2-core binutils clang-format desktop-file-utils libbenchmark-dev libfaketime
                libglib2.0-bin libgmock-dev libgtest-dev libumockdev-dev mako-notifier mate-notification-daemon
                nlohmann-json3-dev power-profiles-daemon python3-dbusmock qt6-gtk-platformtheme qt6-wayland strace sway
-               systemd trayer tzdata xfce4-notifyd)
+               systemd tint2 tzdata xfce4-notifyd)
 
 # What tools/lint and tools/coverage need beyond that.
 CHECK_PACKAGES=(clang clang-tidy cppcheck gcovr)
