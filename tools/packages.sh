@@ -24,7 +24,7 @@ PACKAGE_PACKAGES=(debhelper dpkg-dev librsvg2-bin)
 # readelf of binutils how it was built. Screen readers hear of windows through at-spi2-core.
 TEST_PACKAGES=(appstream at-spi2-core binutils desktop-file-utils libbenchmark-dev libfaketime libglib2.0-bin
                libgmock-dev libgtest-dev libumockdev-dev mako-notifier mate-notification-daemon nlohmann-json3-dev
-               power-profiles-daemon python3-dbusmock qt6-gtk-platformtheme qt6-wayland strace sway systemd trayer
+               power-profiles-daemon python3-dbusmock qt6-gtk-platformtheme qt6-wayland strace sway systemd tint2
                tzdata xfce4-notifyd)
 
 # What tools/lint and tools/coverage need beyond that. Versions of clang-format disagree about some lines; the sources are
@@ -82,7 +82,7 @@ qt6-wayland              | Qt 6, qtwayland                      | lib:qt6/plugin
 strace                   | strace                               | run:strace
 sway                     | sway                                 | run:sway
 systemd                  | systemd                              | lib:systemd/user-generators/systemd-xdg-autostart-generator
-trayer                   | trayer                               | run:trayer
+tint2                    | tint2                                | run:tint2
 tzdata                   | tzdata                               | share:zoneinfo/Europe/Berlin
 xfce4-notifyd            | xfce4-notifyd                        | lib:xfce4/notifyd/xfce4-notifyd
 clang                    | Clang                                | run:clang++

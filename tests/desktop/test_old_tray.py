@@ -16,6 +16,16 @@ TRAY_SECONDS = 15
 CHANGE_SECONDS = 2
 TITLE = "Velmora"
 
+# A panel that has nothing but a tray, at its right end.
+CONFIGURATION = f"""rounded = 0
+background_color = #e0e0e0 100
+panel_items = FS
+panel_position = top center horizontal
+panel_size = 100% {TRAY.height}
+panel_background_id = 1
+systray_icon_size = 24
+"""
+
 # An item of ours in a tray that cannot colour it: the glyph and its outline.
 GLYPH, OUTLINE = bytes.fromhex("cccccc"), bytes.fromhex("0a0a0a")
 
@@ -24,10 +34,10 @@ class OldTray(DesktopCase):
     def setUp(self):
         self.screen = self.desktop(panel=False)
         self.machine = self.laptop()
-        command = ["trayer", "--edge", "top", "--align", "right", "--widthtype", "percent", "--width", "100"]
-        command += ["--heighttype", "pixel", "--height", TRAY.height]
-        self.tray = self.screen.start("trayer", command)
-        self.soon(lambda: self.screen.windows("panel"), TRAY_SECONDS, lambda: f"the tray is ready; {self.tray.errors}")
+        configuration = self.screen.folder / "tint2rc"
+        configuration.write_text(CONFIGURATION, encoding="utf-8")
+        self.tray = self.screen.start("tint2", ["tint2", "-c", configuration])
+        self.soon(lambda: self.screen.windows("tint2"), TRAY_SECONDS, lambda: f"the tray is ready; {self.tray.errors}")
 
     def find_item(self):
         """The box of what has the colours of our pictures in the tray; None while nothing has."""

@@ -37,6 +37,9 @@ OUTSIDE_THE_BUNDLE = {
 # What the program and its module of the chart are linked with, as far as it must be named.
 DEPENDENCIES = {"libcanberra0", "libqcustomplot2.1-qt6", "libqt6dbus6", "libqt6svg6", "libqt6widgets6", "libudev1"}
 
+# The element for the developer is newer than 0.16, which takes nothing but its predecessor, and 1.0 complains of that.
+UNKNOWN_TO_OLD_APPSTREAM = ["unknown-tag developer"]
+
 
 def output_of(*command):
     """What a program writes; it must have nothing to complain about."""
@@ -47,6 +50,11 @@ def output_of(*command):
     if done.returncode != 0 or done.stderr:
         raise AssertionError(f"{command}: {done.returncode}, {done.stdout}{done.stderr}")
     return done.stdout
+
+
+def appstream_version():
+    """The first number of it."""
+    return int(re.search(r"(\d+)\.", output_of("appstreamcli", "--version"))[1])
 
 
 def pack(file):
@@ -95,7 +103,8 @@ class Package(DesktopCase):
         share = self.root / "usr/share"
         self.assertEqual(output_of("desktop-file-validate", share / f"applications/{ID}.desktop"), "")
         verdict = output_of("appstreamcli", "validate", "--no-net", share / f"metainfo/{ID}.metainfo.xml")
-        self.assertNotRegex(verdict, r"(?m)^[EWI]:")
+        expected = UNKNOWN_TO_OLD_APPSTREAM if appstream_version() < 1 else []
+        self.assertEqual(re.findall(r"(?m)^[EWI]: \S+ (.*)", verdict), expected)
         page = output_of("man", "--warnings", "--encoding=UTF-8", "--local-file", self.root / f"{MAN_PAGE}.gz")
         self.assertIn("defaults.json", page)
 

@@ -2,12 +2,19 @@
 """A program's own clock on the wall, which can be set; what counts the time since the start of the machine is left as it
 is. (The kernel has no such clock for a single program, so the library libfaketime stands before its calls.)"""
 
+import os
 from pathlib import Path
 
 from .laptop import PRELOAD
+from .program import TOP
 
 LIBRARY = "faketime/libfaketimeMT.so.1"
 SHARED_MEMORY = Path("/dev/shm")
+
+
+def plain_fstat():
+    """What keeps the library and the simulated laptop's from waiting for each other."""
+    return Path(os.environ.get("VELMORA_PLAIN_FSTAT", TOP / "build/default/bin/velmora_plain_fstat.so")).resolve(True)
 
 
 class WallClock:
@@ -30,7 +37,7 @@ class WallClock:
         """Of a program that goes by this clock, on a simulated laptop."""
         library = next(Path("/usr/lib").glob(f"*/{LIBRARY}"))
         return {
-            "LD_PRELOAD": f"{PRELOAD}:{library}",
+            "LD_PRELOAD": f"{PRELOAD}:{plain_fstat()}:{library}",
             "FAKETIME_TIMESTAMP_FILE": str(self._file),
             "FAKETIME_NO_CACHE": "1",
             "FAKETIME_DONT_FAKE_MONOTONIC": "1",

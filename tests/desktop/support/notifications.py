@@ -2,7 +2,6 @@
 """Real daemons that show notifications on a private desktop: started by us, asked or looked at to learn
 what they show."""
 
-import json
 import os
 import shutil
 import subprocess
@@ -19,6 +18,7 @@ NAME = "org.freedesktop.Notifications"
 PATH = "/org/freedesktop/Notifications"
 DUNST = "org.dunstproject.cmd0"
 LIBRARIES = Path("/usr/lib")
+MATE_PLACES = (LIBRARIES, Path("/usr/libexec"))  # the latter since Debian 13
 ICON = TOP / "resources/icons/hicolor/scalable/apps/app.velmora.Velmora.svg"
 
 
@@ -214,7 +214,8 @@ class Mate(Daemon):
     window_class = "mate-notification-daemon"
 
     def command(self):
-        return [LIBRARIES / "mate-notification-daemon/mate-notification-daemon"]
+        places = [place / "mate-notification-daemon/mate-notification-daemon" for place in MATE_PLACES]
+        return [next(filter(Path.exists, places))]
 
 
 class Mako(Daemon):
@@ -226,8 +227,9 @@ class Mako(Daemon):
         return ["mako"]
 
     def count(self):
-        answer = self._run("makoctl", "list")
-        return sum(len(group) for group in json.loads(answer)["data"])
+        # Asked as its tool does, which writes the answer in another form in each version.
+        (notifications,) = self.desktop.bus.call(NAME, "/fr/emersion/Mako", "fr.emersion.Mako", "ListNotifications")
+        return len(notifications)
 
     def press(self):
         """It draws nothing to press, so its tool does it, for the latest."""

@@ -2,6 +2,7 @@
 #include "platform/linux/SystemCalendar.h"
 
 #include "support/CalendarContract.h"
+#include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -208,11 +209,30 @@ TEST(SystemCalendar, KeepsAFractionUnlessTheClockSkipsIt) {
         << "also the second pass of an hour is itself";
 }
 
-// The zones under "right/" count leap seconds: the 27th of them is 2016-12-31 23:59:60 UTC, which date(1) confirms.
+namespace {
+
+/// The zone file of a UTC whose only leap second is 2016-12-31 23:59:60, in the oldest form of tzfile(5). Debian's
+/// tzdata no longer has zones that count leap seconds, but users can have their own.
+constexpr char leapSecondZone[] = "TZif\0"                           // the first version
+                                  "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0"   // fifteen bytes that mean nothing
+                                  "\0\0\0\0\0\0\0\0"                 // no indicators
+                                  "\0\0\0\1\0\0\0\0\0\0\0\1\0\0\0\4" // a leap second, no change, a type, a name
+                                  "\0\0\0\0\0\0UTC\0"                // the type and its name
+                                  "\x58\x68\x46\x80\0\0\0\1";        // from 2016-12-31 23:59:60 a second more
+constexpr std::time_t leapSecond = 0x58684680;
+
+} // namespace
+
 TEST(SystemCalendar, GivesALeapSecondToTheDayThatItEnds) {
-    const TimeZone zone("right/UTC");
+    const TemporaryFolder folder;
+    const std::filesystem::path file = folder.path / "zone";
+    write(file, std::string(leapSecondZone, sizeof leapSecondZone - 1));
+    const TimeZone zone(file.c_str());
+    std::tm fields{};
+    ::localtime_r(&leapSecond, &fields);
+    ASSERT_EQ(fields.tm_sec, 60) << "the zone counts it";
+
     const SystemCalendar calendar;
-    constexpr std::time_t leapSecond = 1483228826;
     for (const double after : {-1.0, 0.0, 0.5}) {
         const Calendar::Day day = calendar.day(at(leapSecond) + Duration(after));
         EXPECT_EQ(day.start, at(leapSecond - 86400));
