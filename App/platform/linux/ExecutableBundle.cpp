@@ -53,7 +53,7 @@ fs::path programBelow(const fs::path& prefix) {
 }
 
 fs::path iconBelow(const fs::path& prefix) {
-    return prefix / "share/icons/hicolor/scalable/apps" / (std::string(applicationId) + ".svg");
+    return prefix / "share/icons/hicolor/scalable/apps" / std::string(applicationId).append(".svg");
 }
 
 /// Whether all that is installed with the program is below the prefix; of many files of a kind, one stands for all.
