@@ -57,6 +57,7 @@ target_link_libraries(velmora_adapter_tests PRIVATE velmora_desktop velmora_desk
 # The glyphs as they are built: the drawn ones and those with numbers. And where pictures go for a person to look at.
 target_compile_definitions(velmora_adapter_tests PRIVATE
     VELMORA_ICONS="${CMAKE_BINARY_DIR}/share/icons" VELMORA_PICTURES="${CMAKE_BINARY_DIR}/pictures")
+file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/pictures)
 add_dependencies(velmora_adapter_tests icons percent_glyphs)
 set_source_files_properties(views/PopoverViewTest.cpp PROPERTIES
     COMPILE_OPTIONS -UQT_NO_KEYWORDS SKIP_PRECOMPILE_HEADERS ON)

@@ -96,7 +96,6 @@ protected:
 
     static void picture(QWidget& window, const char* name) {
         const QString folder = QStringLiteral(VELMORA_PICTURES);
-        ASSERT_TRUE(QDir().mkpath(folder));
         ASSERT_TRUE(window.grab().save(folder + QLatin1Char('/') + QLatin1String(name)));
     }
 

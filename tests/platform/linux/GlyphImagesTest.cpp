@@ -3,7 +3,6 @@
 
 #include "support/Contrast.h"
 
-#include <QDir>
 #include <QPainter>
 #include <gtest/gtest.h>
 
@@ -218,6 +217,5 @@ TEST(GlyphImages, AreLeftAsAPicture) {
         }
     }
     painter.end();
-    ASSERT_TRUE(QDir().mkpath(QStringLiteral(VELMORA_PICTURES)));
     EXPECT_TRUE(sheet.save(QStringLiteral(VELMORA_PICTURES "/glyphs.png")));
 }
