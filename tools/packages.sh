@@ -25,7 +25,7 @@ PACKAGE_PACKAGES=(debhelper dpkg-dev librsvg2-bin)
 TEST_PACKAGES=(appstream at-spi2-core binutils desktop-file-utils libbenchmark-dev libfaketime libglib2.0-bin
                libgmock-dev libgtest-dev libumockdev-dev mako-notifier mate-notification-daemon nlohmann-json3-dev
                power-profiles-daemon python3-dbusmock qt6-gtk-platformtheme qt6-wayland strace sway systemd tint2
-               tzdata xfce4-notifyd)
+               tzdata xdg-desktop-portal xdg-desktop-portal-gtk xfce4-notifyd)
 
 # What tools/lint and tools/coverage need beyond that. Versions of clang-format disagree about some lines; the sources are
 # formatted with Debian 12's.
@@ -84,6 +84,8 @@ sway                     | sway                                 | run:sway
 systemd                  | systemd                              | lib:systemd/user-generators/systemd-xdg-autostart-generator
 tint2                    | tint2                                | run:tint2
 tzdata                   | tzdata                               | share:zoneinfo/Europe/Berlin
+xdg-desktop-portal       | xdg-desktop-portal                   | lib:xdg-desktop-portal
+xdg-desktop-portal-gtk   | xdg-desktop-portal-gtk               | lib:xdg-desktop-portal-gtk
 xfce4-notifyd            | xfce4-notifyd                        | lib:xfce4/notifyd/xfce4-notifyd
 clang                    | Clang                                | run:clang++
 clang-format-14          | clang-format 14                      | run:clang-format-14

@@ -7,7 +7,6 @@
 #include "support/WaitUntil.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QFileDialog>
 #include <QKeyEvent>

@@ -3,12 +3,10 @@
 
 #include "platform/Bundle.h"
 
-/// The bundle that an executable stands in, found by where that is:
-/// - an AppDir: the nearest folder above whose "AppRun" is the executable, with one desktop entry in it;
-/// - or, in no AppDir, a prefix: the executable is in its "bin" beside the program, and all that is installed with it
-/// is
-///   there as well. Of a build folder that is not true, because it has no desktop entry.
-/// Looked for once; the bundle is where it was when the program was started.
+/// The bundle that an executable stands in, found by where that is. An AppDir: the nearest folder above whose "AppRun"
+/// is the executable, with one desktop entry in it. Or, in no AppDir, a prefix: the executable is in its "bin", and all
+/// that is installed with it is there as well; a build folder is none, because it has no desktop entry. Looked for
+/// once; the bundle is where it was when the program was started.
 class ExecutableBundle final : public Bundle {
 public:
     /// `executable` is an absolute path without links.
