@@ -32,7 +32,7 @@ TEST_PACKAGES=(appstream at-spi2-core binutils desktop-file-utils libbenchmark-d
 FORMAT_PACKAGES=(clang-format-14)
 CHECK_PACKAGES=(clang clang-tidy cppcheck gcovr)
 
-# For systems that call them otherwise: each of these packages, what its makers call it, and what shows that it is there.
+# For systems that call them otherwise: each of these packages, its upstream name, and what shows that it is there.
 UPSTREAM='
 cmake                    | CMake 3.25                           | run:cmake
 g++                      | a C++20 compiler, GCC 12 or Clang 14 | run:c++
@@ -113,15 +113,13 @@ is_there() {
     return 1
 }
 
-# missing_upstream NAME...: what its makers call each of these packages whose contents the system does not have.
+# missing_upstream NAME...: the upstream name of each of these packages whose contents the system does not have.
 missing_upstream() {
     local name package upstream probe
     for name in "$@"; do
-        while IFS='|' read -r package upstream probe; do
-            [ "${package// /}" = "$name" ] || continue
-            # shellcheck disable=SC2086 # one word for each place
-            is_there $probe || sed 's/^ *//; s/ *$//' <<<"$upstream"
-        done <<<"$UPSTREAM"
+        IFS='|' read -r package upstream probe < <(grep "^$name " <<<"$UPSTREAM" || echo)
+        # shellcheck disable=SC2086 # one word for each place
+        is_there $probe || sed 's/^ *//; s/ *$//' <<<"${upstream:-$name}"
     done
 }
 
@@ -130,20 +128,19 @@ as_root() {
     if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
 }
 
-# apt_get ARGUMENT...: waits for a lock that somebody else holds: a new machine updates itself in the background. apt
-# itself waits for one of its three locks.
+# apt_get ARGUMENT...: waits for a lock that another program holds, such as what updates a new machine in the background.
+# apt itself waits for the locks of dpkg, but not for those of its lists and of what it has downloaded. What it says of
+# them is in English for this; what it complains of is seen when it has ended.
 apt_get() {
-    local log status said=
+    local log status held said=
     log=$(mktemp)
     while true; do
         status=0
-        as_root env LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=-1 "$@" 2>"$log" ||
-            status=$?
-        if [ "$status" -eq 0 ] || ! grep -q '^E: Could not get lock' "$log"; then
-            break
-        fi
-        [ -n "$said" ] || echo "Another program is installing something; waiting for it to end."
-        said=yes
+        as_root env LC_ALL=C DEBIAN_FRONTEND=noninteractive apt-get -o DPkg::Lock::Timeout=-1 "$@" 2>"$log" || status=$?
+        held=$(grep -m 1 -E '^E: Could not get lock .*(held by|11:)' "$log") || break
+        [ "$status" -ne 0 ] || break
+        [ "$said" = "$held" ] || echo "Waiting: ${held#E: }"
+        said=$held
         sleep 2
     done
     cat "$log" >&2
@@ -155,7 +152,8 @@ apt_get() {
 # is no apt, it goes by what is there.
 ensure_packages() {
     local name state missing=()
-    if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
+    # Other systems can have both commands as tools; none of what they have is installed by them.
+    if ! command -v apt-get >/dev/null || ! dpkg-query --show base-files >/dev/null 2>&1; then
         mapfile -t missing < <(missing_upstream "$@")
         [ ${#missing[@]} -gt 0 ] || return 0
         echo "There is no apt here that could install what is missing:" >&2

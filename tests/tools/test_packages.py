@@ -35,8 +35,9 @@ class Packages(unittest.TestCase):
         no package is installed."""
         self.have_commands_except("apt-get", "dpkg-query", "sudo", "sleep")
         cases = "".join(f"{count}) {answer} ;;\n" for count, answer in enumerate(answers[:-1], 1))
-        self.command("apt-get", f'echo "$@" >>{self.calls}\ncase $(wc -l <{self.calls}) in\n{cases}*) {answers[-1]}\nesac')
-        self.command("dpkg-query", "exit 1")
+        note = f'echo "$LC_ALL $@" >>{self.calls}'
+        self.command("apt-get", f"{note}\ncase $(wc -l <{self.calls}) in\n{cases}*) {answers[-1]}\nesac")
+        self.command("dpkg-query", 'for name; do [ "$name" != base-files ] || exit 0; done; exit 1')
         self.command("sudo", '"$@"')
         self.command("sleep", ":")
 
@@ -60,14 +61,23 @@ class Packages(unittest.TestCase):
         self.have_commands_except()
         names = self.output_of("".join(f'printf "%s\\n" "${{{name}_PACKAGES[@]}}"\n' for name in LISTS)).split()
         rows = [row.split("|") for row in self.output_of('echo "$UPSTREAM"').strip().splitlines()]
-        known = [name.strip() for name, _upstream, _probe in rows] # and debootstrap, which tools/newcomer needs
-        self.assertEqual(sorted(known), sorted([*names, "debootstrap"]))
+        known = [name.strip() for name, _upstream, _probe in rows]
+        self.assertEqual(sorted(known), sorted([*names, "debootstrap"]))  # which tools/newcomer needs
+
+    def test_names_what_it_does_not_know_by_the_name_that_it_was_given(self):
+        self.have_commands_except()
+        self.assertEqual(self.output_of("missing_upstream no-such-package xvfb"), "no-such-package\n")
 
     def test_without_apt_goes_on_where_all_is_there(self):
         self.have_commands_except("apt-get", "dpkg-query")
         self.assertEqual(self.output_of(f"ensure_packages {INSTALLED}"), "")
 
-    def test_without_apt_names_what_is_missing_as_its_makers_do(self):
+    def test_without_packages_of_debian_goes_by_what_is_there(self):
+        self.have_commands_except("dpkg-query")
+        self.command("dpkg-query", "exit 1")
+        self.assertEqual(self.output_of(f"ensure_packages {INSTALLED}"), "")
+
+    def test_without_apt_names_what_is_missing_by_its_upstream_name(self):
         self.have_commands_except("apt-get", "dpkg-query", "ninja", "pkg-config")
         done = self.run_bash(f"ensure_packages {INSTALLED}")
         self.assertEqual(done.returncode, 1)
@@ -77,13 +87,21 @@ class Packages(unittest.TestCase):
         self.assertNotIn("xdotool", missing)
 
     def test_waits_while_another_program_holds_the_lock_of_apt(self):
-        held = "echo 'E: Could not get lock /var/lib/apt/lists/lock. It is held by process 1' >&2; exit 100"
+        held = "echo 'E: Could not get lock /var/lib/apt/lists/lock. It is held by process 1 (apt)' >&2; exit 100"
         self.have_apt(held, held, "exit 0", held, "exit 0")
         done = self.run_bash("ensure_packages dunst")
         self.assertEqual((done.returncode, done.stderr), (0, ""))
-        self.assertEqual(done.stdout.count("waiting"), 2) # for each of the two calls
-        calls = self.calls.read_text(encoding="utf-8").splitlines()
-        self.assertEqual([call.split()[2] for call in calls], ["update"] * 3 + ["install"] * 2)
+        # Once for each of the two calls.
+        waits = [line for line in done.stdout.splitlines() if line.startswith("Waiting: ")]
+        self.assertEqual(waits, ["Waiting: Could not get lock /var/lib/apt/lists/lock. It is held by process 1 (apt)"] * 2)
+        calls = [call.split() for call in self.calls.read_text(encoding="utf-8").splitlines()]
+        # In English, or it would not be understood; and with what makes apt wait for dpkg by itself.
+        self.assertEqual({tuple(call[:3]) for call in calls}, {("C", "-o", "DPkg::Lock::Timeout=-1")})
+        self.assertEqual([call[3] for call in calls], ["update"] * 3 + ["install"] * 2)
+
+    def test_does_not_wait_for_a_lock_that_nobody_holds(self):
+        self.have_apt("echo 'E: Could not get lock /x/lock - open (37: No locks available)' >&2; exit 100")
+        self.assertEqual(self.run_bash("ensure_packages dunst").returncode, 100)
 
     def test_goes_on_when_only_the_lists_cannot_be_renewed(self):
         self.have_apt("echo 'E: Failed to fetch' >&2; exit 100", "exit 0")
