@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-/// By what desktops know the program: its name on the session bus, and that of its desktop entry, its icon and its
+/// The name that desktops know the program by: its name on the session bus, and that of its desktop entry, its icon and its
 /// AppStream component.
 inline constexpr const char* applicationId = "app.velmora.Velmora";

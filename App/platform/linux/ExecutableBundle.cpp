@@ -79,16 +79,18 @@ ExecutableBundle::ExecutableBundle(const fs::path& executable) : location_(execu
     bool isInAppDir = false;
     for (fs::path folder = location_; folder.has_relative_path(); folder = folder.parent_path()) {
         std::error_code error;
-        if (!fs::equivalent(folder / "AppRun", executable, error) || error)
+        const fs::path appRun = folder / "AppRun";
+        isInAppDir = isInAppDir || fs::exists(appRun, error);
+        if (!fs::equivalent(appRun, executable, error) || error)
             continue;
-        isInAppDir = true;
         if (auto name = desktopEntry(folder)) {
             location_ = folder;
             identifier_ = std::move(name);
             return;
         }
     }
-    // Below an AppDir is a whole prefix, but what is wrong with the AppDir is not mended by that.
+    // The prefix in an AppDir is none of its own. An AppDir that something else starts may be gone at the next login,
+    // as an AppImage is when it has ended.
     if (isInAppDir || location_.filename() != "bin")
         return;
     if (const fs::path prefix = prefixOf(executable); isInstalledBelow(prefix)) {

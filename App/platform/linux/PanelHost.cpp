@@ -26,14 +26,14 @@ constexpr std::array known{
     // QUIRK: swaybar hands the pictures to its drawing library as they come, which takes them as premultiplied;
     // otherwise every shape gets a bright rim.
     Known{"swaybar", {.showsLabel = false, .recolours = false, .premultiplied = true}},
+    Known{"wrapper-", recolouring}, // Xfce 4.20: what runs a plugin of its panel, with the version of plugins
     Known{"xfce4-panel", recolouring},
 };
 
-/// QUIRK: Xfce runs each plugin in a process of its own. That of 4.18 is named after its place in the panel,
-/// "panel-6-systray", cut off after 15 characters; that of 4.20 after the program that runs plugins.
+/// QUIRK: Xfce 4.18 names the process of each plugin after its place in the panel: "panel-6-systray", cut off after 15
+/// characters.
 bool isXfceTray(std::string_view process) {
-    return process == "wrapper-2.0" ||
-           (process.starts_with("panel-") && process.find("-systra") != std::string_view::npos);
+    return process.starts_with("panel-") && process.find("-systra") != std::string_view::npos;
 }
 
 } // namespace

@@ -186,7 +186,13 @@ TEST_F(AppDirTest, CountsBeforeThePrefixInIt) {
     EXPECT_EQ(found.program(), bundle / "AppRun");
 }
 
-TEST_F(AppDirTest, IsNoneWithAPrefixAlone) {
+TEST_F(AppDirTest, IsNoneWhereSomethingElseStartsIt) {
+    fs::remove(bundle / "AppRun");
+    write(bundle / "AppRun", "#!/bin/sh");
+    isNoBundle("a script, as in an AppImage");
+}
+
+TEST_F(AppDirTest, IsAPrefixWithoutAnAppRun) {
     fs::remove(bundle / "AppRun");
     const ExecutableBundle found(program);
     EXPECT_EQ(found.location(), bundle / "usr");
