@@ -43,6 +43,7 @@ class Packages(unittest.TestCase):
 
     def command(self, name, script):
         file = self.commands / name
+        file.unlink(missing_ok=True)  # what may be there is a link to the system's own
         file.write_text(f"#!/bin/sh\n{script}\n", encoding="utf-8")
         file.chmod(0o755)
 
@@ -102,6 +103,24 @@ class Packages(unittest.TestCase):
     def test_does_not_wait_for_a_lock_that_nobody_holds(self):
         self.have_apt("echo 'E: Could not get lock /x/lock - open (37: No locks available)' >&2; exit 100")
         self.assertEqual(self.run_bash("ensure_packages dunst").returncode, 100)
+
+    def test_asks_sudo_where_the_user_is_not_root(self):
+        self.have_apt("exit 0")
+        self.command("id", "echo 1000")
+        self.command("sudo", f'echo "$@" >>{self.calls}')
+        self.assertEqual(self.run_bash("ensure_packages dunst").returncode, 0)
+        calls = self.calls.read_text(encoding="utf-8").splitlines()
+        self.assertEqual([call.split()[0] for call in calls], ["env"] * 2)
+        self.assertTrue(calls[1].endswith(" install --yes --no-install-recommends dunst"), calls[1])
+
+    def test_says_what_root_has_to_do_where_there_is_no_sudo(self):
+        self.have_apt("exit 0")
+        self.command("id", "echo 1000")
+        (self.commands / "sudo").unlink()
+        done = self.run_bash("ensure_packages dunst")
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("apt-get install dunst", done.stderr)
+        self.assertFalse(self.calls.exists())
 
     def test_goes_on_when_only_the_lists_cannot_be_renewed(self):
         self.have_apt("echo 'E: Failed to fetch' >&2; exit 100", "exit 0")
