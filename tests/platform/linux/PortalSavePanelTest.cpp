@@ -325,7 +325,7 @@ TEST_F(PortalSavePanelTest, TimersGoOnAndThereIsOnePanelAtATime) {
         portal.respond(portal.asked.first().request, 1);
     });
     EXPECT_EQ(panels.runSavePanel(history), std::nullopt);
-    EXPECT_EQ(ticks, 3);
+    EXPECT_GE(ticks, 3); // the answer takes its time on the bus
     EXPECT_EQ(portal.asked.size(), 1);
 }
 
