@@ -22,6 +22,7 @@ add_executable(velmora_adapter_tests
     platform/linux/FreedesktopNotificationsTest.cpp
     platform/linux/GlyphImagesTest.cpp
     platform/linux/JsonUserDefaultsTest.cpp
+    platform/linux/LibraryMessagesTest.cpp
     platform/linux/LogindSleepTest.cpp
     platform/linux/Main.cpp
     platform/linux/NotificationDaemonTest.cpp
