@@ -18,8 +18,7 @@ public:
     /// The name of the bundle's desktop entry without its suffix; empty outside a bundle.
     virtual std::optional<std::string> identifier() const = 0;
 
-    /// Whether the bundle is what is installed below a prefix, which has no name by which to tell it; false outside
-    /// one.
+    /// Whether the bundle is what is installed below a prefix, whose folder has any name; false outside a bundle.
     virtual bool isInstalled() const = 0;
 
     /// What starts the bundle, for instance "/opt/Velmora.app/AppRun" or "/usr/bin/velmora". Of no use outside one.

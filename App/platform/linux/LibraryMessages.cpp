@@ -25,8 +25,8 @@ int drop(int /*level*/, const void* /*fields*/, std::size_t /*count*/, void* /*d
 } // namespace
 
 void dropLibraryMessages() {
-    // QUIRK: libdbus aborts when it takes a call for wrong, and QtDBus makes such a call when a signal of a service is
-    // asked for just after a bus has gone: it waits for the answer of a question that could not be sent.
+    // QUIRK: libdbus aborts when one of its functions is called with wrong arguments. QtDBus does that when a program
+    // connects to a service's signal just after the bus has gone: it waits for the reply to a call that was not sent.
     ::setenv("DBUS_FATAL_WARNINGS", "0", 1);
     void* library = ::dlopen("libglib-2.0.so.0", RTLD_LAZY | RTLD_NOLOAD);
     if (library == nullptr)

@@ -13,7 +13,7 @@ SHARED_MEMORY = Path("/dev/shm")
 
 
 def plain_fstat():
-    """What keeps the library and the simulated laptop's from waiting for each other."""
+    """The preload that keeps libfaketime and umockdev from waiting for each other."""
     return Path(os.environ.get("VELMORA_PLAIN_FSTAT", TOP / "build/default/bin/velmora_plain_fstat.so")).resolve(True)
 
 
