@@ -4,9 +4,9 @@
 #include "MonthOfSamples.h"
 #include "history/HistoryFile.h"
 #include "history/HistoryStore.h"
-#include "platform/linux/FileDescriptor.h"
-#include "platform/linux/PosixFiles.h"
-#include "platform/linux/SystemCalendar.h"
+#include "platform/linux/files/FileDescriptor.h"
+#include "platform/linux/files/PosixFiles.h"
+#include "platform/linux/session/SystemCalendar.h"
 #include "support/FakeClock.h"
 #include "support/TemporaryFolder.h"
 

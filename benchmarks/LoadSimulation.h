@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/linux/TimeEstimate.h"
+#include "platform/linux/power/TimeEstimate.h"
 
 #include <cstdint>
 #include <string>

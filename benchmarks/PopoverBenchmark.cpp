@@ -4,9 +4,9 @@
 #include "history/HistoryFile.h"
 #include "support/FakePlatform.h"
 #include "support/PopoverScene.h"
-#include "views/ChartPoints.h"
-#include "views/HistoryChart.h"
-#include "views/PopoverView.h"
+#include "views/popover/HistoryChart.h"
+#include "views/popover/PopoverView.h"
+#include "views/text/ChartPoints.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -5,8 +5,8 @@
 #include "alerts/Prefs.h"
 #include "shell/AppModel.h"
 #include "support/FakePlatform.h"
-#include "views/SettingsView.h"
-#include "views/SettingsWindow.h"
+#include "views/settings/SettingsView.h"
+#include "views/settings/SettingsWindow.h"
 
 #include <QApplication>
 #include <QPixmap>

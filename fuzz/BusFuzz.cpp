@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "AnyValue.h"
 #include "Target.h"
-#include "platform/linux/DBusMenu.h"
-#include "platform/linux/DesktopLookWatch.h"
-#include "platform/linux/LogindSleep.h"
-#include "platform/linux/NotificationDaemon.h"
-#include "platform/linux/PowerProfiles.h"
-#include "platform/linux/QtMainLoop.h"
-#include "platform/linux/SessionApplication.h"
-#include "platform/linux/StatusNotifierItem.h"
-#include "platform/linux/SystemBus.h"
+#include "platform/linux/appearance/AppearanceWatch.h"
+#include "platform/linux/notifications/NotificationDaemon.h"
+#include "platform/linux/panel/DBusMenu.h"
+#include "platform/linux/panel/StatusNotifierItem.h"
+#include "platform/linux/power/PowerProfiles.h"
+#include "platform/linux/session/LogindSleep.h"
+#include "platform/linux/session/QtMainLoop.h"
+#include "platform/linux/session/SessionApplication.h"
+#include "platform/linux/session/SystemBus.h"
 #include "support/PrivateBus.h"
 
 #include <QDBusMessage>
@@ -119,7 +119,7 @@ private:
 /// What the settings of the portal come to, worked out from what was sent.
 class PortalModel {
 public:
-    DesktopLook look() const { return lookOf(settings_); }
+    Appearance look() const { return appearanceOf(settings_); }
     void forget() { settings_ = {}; }
 
     void set(const QString& space, const QString& key, const AnyValue& sent) {
@@ -184,8 +184,8 @@ private:
     World& world_ = World::get();
 
     PortalModel portalModel_;
-    DesktopLook look_;
-    DesktopLookWatch portalSettings_{world_.own, [this](const DesktopLook& look) { look_ = look; }};
+    Appearance look_;
+    AppearanceWatch portalSettings_{world_.own, [this](const Appearance& look) { look_ = look; }};
 
     std::map<QString, QString> profilesModel_;
     PowerProfiles profiles_{world_.systemBus, "/there is no such folder"};

@@ -3,13 +3,13 @@
 #include "alerts/AlertEngine.h"
 #include "alerts/Prefs.h"
 #include "battery/BatteryState.h"
-#include "platform/linux/JsonUserDefaults.h"
+#include "platform/linux/files/JsonUserDefaults.h"
 #include "support/FakeCalendar.h"
 #include "support/FakeFiles.h"
 #include "support/FakeMainLoop.h"
-#include "views/SettingsForm.h"
-#include "views/StatusItemText.h"
-#include "views/TimeText.h"
+#include "views/text/SettingsForm.h"
+#include "views/text/StatusItemText.h"
+#include "views/text/TimeText.h"
 
 #include <QCoreApplication>
 #include <QJsonDocument>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Target.h"
-#include "platform/linux/AutostartEntry.h"
-#include "platform/linux/DesktopEntry.h"
+#include "platform/linux/session/AutostartEntry.h"
+#include "platform/linux/session/DesktopEntry.h"
 #include "support/GLibKeyFile.h"
 
 #include <filesystem>

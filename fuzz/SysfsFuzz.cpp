@@ -2,11 +2,11 @@
 #include "Target.h"
 #include "alerts/Prefs.h"
 #include "battery/BatteryReader.h"
-#include "platform/linux/PowerReading.h"
+#include "platform/linux/power/PowerReading.h"
 #include "support/FakePowerSources.h"
 #include "support/FakeProcessInfo.h"
-#include "views/PopoverText.h"
-#include "views/StatusItemText.h"
+#include "views/text/PopoverText.h"
+#include "views/text/StatusItemText.h"
 
 #include <algorithm>
 #include <array>

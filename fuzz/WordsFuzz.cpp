@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "Target.h"
-#include "platform/linux/DesktopLook.h"
-#include "platform/linux/DevicePoint.h"
-#include "platform/linux/GlyphName.h"
-#include "platform/linux/NotificationConsent.h"
-#include "platform/linux/NotificationPlan.h"
-#include "platform/linux/PanelHost.h"
-#include "platform/linux/PowerProfileChoice.h"
-#include "platform/linux/Utf8.h"
+#include "platform/GlyphName.h"
+#include "platform/linux/appearance/AppearanceSettings.h"
+#include "platform/linux/files/Utf8.h"
+#include "platform/linux/notifications/NotificationConsent.h"
+#include "platform/linux/notifications/NotificationPlan.h"
+#include "platform/linux/panel/DevicePoint.h"
+#include "platform/linux/panel/PanelHost.h"
+#include "platform/linux/power/PowerProfileChoice.h"
 #include "support/FakeFiles.h"
 
 #include <algorithm>
@@ -100,8 +100,8 @@ void checkLook(const Lines& lines) {
         settings.textScale = numbers<double, 1>(*scale)[0];
     settings.fontName = word(lines, "font");
     settings.themeName = word(lines, "theme");
-    const DesktopLook look = lookOf(settings);
-    require(look == lookOf(settings), "the same settings look the same");
+    const Appearance look = appearanceOf(settings);
+    require(look == appearanceOf(settings), "the same settings look the same");
     const std::uint32_t scheme = settings.colorScheme.value_or(0);
     if (scheme == 1 || scheme == 2)
         require(look.isDark == (scheme == 1), "what is said outright counts");

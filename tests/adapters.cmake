@@ -14,53 +14,53 @@ add_executable(velmora_adapter_tests
     history/HistoryDiskTest.cpp
     history/HistoryKillTest.cpp
     history/HistoryZonesTest.cpp
-    platform/linux/AutostartLaunchTest.cpp
-    platform/linux/CanberraSoundsTest.cpp
-    platform/linux/DesktopEntryGLibTest.cpp
-    platform/linux/ExecutableBundleTest.cpp
-    platform/linux/FixturesTest.cpp
-    platform/linux/FreedesktopNotificationsTest.cpp
-    platform/linux/GlyphImagesTest.cpp
-    platform/linux/JsonUserDefaultsTest.cpp
-    platform/linux/LibraryMessagesTest.cpp
-    platform/linux/LogindSleepTest.cpp
+    platform/linux/session/AutostartLaunchTest.cpp
+    platform/linux/sound/CanberraSoundsTest.cpp
+    platform/linux/session/DesktopEntryGLibTest.cpp
+    platform/linux/session/ExecutableBundleTest.cpp
+    platform/linux/power/FixturesTest.cpp
+    platform/linux/notifications/FreedesktopNotificationsTest.cpp
+    platform/linux/panel/GlyphImagesTest.cpp
+    platform/linux/files/JsonUserDefaultsTest.cpp
+    platform/linux/session/LibraryMessagesTest.cpp
+    platform/linux/session/LogindSleepTest.cpp
     platform/linux/Main.cpp
-    platform/linux/NotificationDaemonTest.cpp
-    platform/linux/NotificationSoundTest.cpp
-    platform/linux/PanelBarTest.cpp
-    platform/linux/PortalSavePanelTest.cpp
-    platform/linux/PortalSettingsTest.cpp
-    platform/linux/PosixFilesTest.cpp
-    platform/linux/PowerProfilesTest.cpp
-    platform/linux/QtPanelsTest.cpp
-    platform/linux/StatusNotifierItemTest.cpp
-    platform/linux/SysfsPowerSourcesTest.cpp
-    platform/linux/SystemCalendarTest.cpp
-    platform/linux/XdgAutostartTest.cpp
-    platform/linux/XdgFoldersTest.cpp
-    platform/linux/XfconfSettingsTest.cpp
+    platform/linux/notifications/NotificationDaemonTest.cpp
+    platform/linux/notifications/NotificationSoundTest.cpp
+    platform/linux/panel/PanelBarTest.cpp
+    platform/linux/dialogs/PortalSavePanelTest.cpp
+    platform/linux/appearance/PortalSettingsTest.cpp
+    platform/linux/files/PosixFilesTest.cpp
+    platform/linux/power/PowerProfilesTest.cpp
+    platform/linux/dialogs/QtPanelsTest.cpp
+    platform/linux/panel/StatusNotifierItemTest.cpp
+    platform/linux/power/SysfsPowerSourcesTest.cpp
+    platform/linux/session/SystemCalendarTest.cpp
+    platform/linux/session/XdgAutostartTest.cpp
+    platform/linux/files/XdgFoldersTest.cpp
+    platform/linux/appearance/XfconfSettingsTest.cpp
     shell/AppDelegateTest.cpp
     support/DiskFaults.cpp
     support/FakeNotificationDaemon.cpp
     support/PrivateBus.cpp
     support/Umockdev.cpp
     support/Watcher.h
-    views/DesktopPaletteTest.cpp
-    views/PopoverTest.cpp
-    views/PopoverViewTest.cpp
-    views/RingViewTest.cpp
-    views/SettingsViewTest.cpp
-    views/TabularFontTest.cpp
-    views/TimeTextTest.cpp
+    views/style/DesktopPaletteTest.cpp
+    views/popover/PopoverTest.cpp
+    views/popover/PopoverViewTest.cpp
+    views/popover/RingViewTest.cpp
+    views/settings/SettingsViewTest.cpp
+    views/style/TabularFontTest.cpp
+    views/text/TimeTextTest.cpp
 )
-target_link_libraries(velmora_adapter_tests PRIVATE velmora_desktop velmora_desktop_test_support velmora_options
+target_link_libraries(velmora_adapter_tests PRIVATE velmora_app velmora_linux velmora_desktop_test_support velmora_options
     GTest::gtest PkgConfig::umockdev Qt6::Test QCustomPlotQt6::QCustomPlotQt6)
 # The glyphs as they are built: the drawn ones and those with numbers. And where pictures go for a person to look at.
 target_compile_definitions(velmora_adapter_tests PRIVATE
     VELMORA_ICONS="${CMAKE_BINARY_DIR}/share/icons" VELMORA_PICTURES="${CMAKE_BINARY_DIR}/pictures")
 file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/pictures)
 add_dependencies(velmora_adapter_tests icons percent_glyphs)
-set_source_files_properties(views/PopoverViewTest.cpp PROPERTIES
+set_source_files_properties(views/popover/PopoverViewTest.cpp PROPERTIES
     COMPILE_OPTIONS -UQT_NO_KEYWORDS SKIP_PRECOMPILE_HEADERS ON)
 velmora_precompile(velmora_adapter_tests <gtest/gtest.h> <QApplication> <QDBusArgument> <QDBusConnectionInterface>
     <QDBusMessage> <QDBusVirtualObject> <QLabel> <QPushButton>)
@@ -69,13 +69,13 @@ gtest_discover_tests(velmora_adapter_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEO
 
 # The alert sounds as they are built, and what plays them.
 target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_SOUNDS="${CMAKE_BINARY_DIR}/share/sounds/velmora")
-target_sources(velmora_adapter_tests PRIVATE ${CMAKE_SOURCE_DIR}/App/platform/linux/CanberraOutput.cpp)
+target_sources(velmora_adapter_tests PRIVATE ${CMAKE_SOURCE_DIR}/App/platform/linux/sound/CanberraOutput.cpp)
 target_link_libraries(velmora_adapter_tests PRIVATE PkgConfig::canberra)
 add_dependencies(velmora_adapter_tests sounds velmora_chart velmora_sound)
 
 # The popover and the settings in every state, as pictures to look at.
 add_executable(velmora_gallery gallery/Gallery.cpp gallery/Pictures.cpp gallery/SettingsStates.cpp)
-target_link_libraries(velmora_gallery PRIVATE velmora_desktop velmora_test_support velmora_options)
+target_link_libraries(velmora_gallery PRIVATE velmora_views velmora_test_support velmora_options)
 target_compile_definitions(velmora_gallery PRIVATE VELMORA_ICONS="${CMAKE_BINARY_DIR}/share/icons")
 add_dependencies(velmora_gallery icons percent_glyphs velmora_chart)
 foreach(scale 1 2)

@@ -2,13 +2,13 @@
 # The program with its windows through days of virtual time.
 
 add_executable(velmora_day_tests
-    platform/linux/QtMainLoopTest.cpp
+    platform/linux/session/QtMainLoopTest.cpp
     shell/DayMain.cpp
     shell/DesktopDayTest.cpp
     shell/SurfacesTest.cpp
     support/PlainProgram.cpp
 )
-target_link_libraries(velmora_day_tests PRIVATE velmora_desktop velmora_test_support velmora_options GTest::gtest
+target_link_libraries(velmora_day_tests PRIVATE velmora_app velmora_linux velmora_test_support velmora_options GTest::gtest
     Qt6::Test QCustomPlotQt6::QCustomPlotQt6)
 target_compile_definitions(velmora_day_tests PRIVATE VELMORA_ICONS="${CMAKE_BINARY_DIR}/share/icons")
 set_source_files_properties(shell/SurfacesTest.cpp PROPERTIES COMPILE_OPTIONS -UQT_NO_KEYWORDS)

@@ -5,12 +5,13 @@
 #include "platform/Clock.h"
 #include "platform/UserDefaults.h"
 #include "platform/Workspace.h"
-#include "views/Popover.h"
-#include "views/PopoverView.h"
-#include "views/SettingsView.h"
-#include "views/SettingsWindow.h"
-#include "views/StatusItemText.h"
-#include "views/TimeText.h"
+#include "shell/HeapMemory.h"
+#include "views/popover/Popover.h"
+#include "views/popover/PopoverView.h"
+#include "views/settings/SettingsView.h"
+#include "views/settings/SettingsWindow.h"
+#include "views/text/StatusItemText.h"
+#include "views/text/TimeText.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -30,6 +31,9 @@ void AppDelegate::applicationDidFinishLaunching() {
     statusItem->setAction([this](std::optional<ScreenPoint> point) { togglePopover(point); });
     updateMenu();
     popover = std::make_unique<Popover>();
+    // The chart and the table are made from copies of a week of samples, which the allocator would keep for the next
+    // time; but that may be in hours.
+    QObject::connect(popover.get(), &Popover::closed, &giveBackFreeMemory);
     bag.push_back(model.state.subscribe([this](const BatteryState&) { queueUpdate(); }));
     bag.push_back(platform_.defaults.onChange([this] { queueUpdate(); }));
     bag.push_back(model.snoozeUntil.subscribe([this](std::optional<Date>) { queueMenu(); }));

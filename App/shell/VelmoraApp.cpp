@@ -1,34 +1,35 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "history/HistoryStore.h"
-#include "platform/linux/CanberraSounds.h"
-#include "platform/linux/DesktopLookWatch.h"
-#include "platform/linux/DisplayCheck.h"
-#include "platform/linux/DisplayLoss.h"
-#include "platform/linux/ExecutableBundle.h"
-#include "platform/linux/FreedesktopNotifications.h"
-#include "platform/linux/JsonUserDefaults.h"
-#include "platform/linux/LibraryMessages.h"
-#include "platform/linux/LogindSleep.h"
-#include "platform/linux/NotificationConsent.h"
-#include "platform/linux/PanelBar.h"
-#include "platform/linux/PosixFiles.h"
-#include "platform/linux/PowerProfiles.h"
-#include "platform/linux/QtMainLoop.h"
-#include "platform/linux/QtPanels.h"
-#include "platform/linux/SessionApplication.h"
-#include "platform/linux/SessionWorkspace.h"
-#include "platform/linux/SysfsPowerSources.h"
-#include "platform/linux/SystemBus.h"
-#include "platform/linux/SystemCalendar.h"
-#include "platform/linux/SystemClock.h"
-#include "platform/linux/TerminationSignals.h"
-#include "platform/linux/XEmbedItem.h"
-#include "platform/linux/XdgAutostart.h"
-#include "platform/linux/XdgFolders.h"
+#include "platform/linux/appearance/AppearanceWatch.h"
+#include "platform/linux/dialogs/QtPanels.h"
+#include "platform/linux/files/JsonUserDefaults.h"
+#include "platform/linux/files/PosixFiles.h"
+#include "platform/linux/files/XdgFolders.h"
+#include "platform/linux/notifications/FreedesktopNotifications.h"
+#include "platform/linux/notifications/NotificationConsent.h"
+#include "platform/linux/panel/PanelBar.h"
+#include "platform/linux/panel/XEmbedItem.h"
+#include "platform/linux/power/PowerProfiles.h"
+#include "platform/linux/power/SysfsPowerSources.h"
+#include "platform/linux/session/DisplayCheck.h"
+#include "platform/linux/session/DisplayLoss.h"
+#include "platform/linux/session/ExecutableBundle.h"
+#include "platform/linux/session/LibraryMessages.h"
+#include "platform/linux/session/LogindSleep.h"
+#include "platform/linux/session/QtMainLoop.h"
+#include "platform/linux/session/SessionApplication.h"
+#include "platform/linux/session/SessionWorkspace.h"
+#include "platform/linux/session/SystemBus.h"
+#include "platform/linux/session/SystemCalendar.h"
+#include "platform/linux/session/SystemClock.h"
+#include "platform/linux/session/TerminationSignals.h"
+#include "platform/linux/session/XdgAutostart.h"
+#include "platform/linux/sound/CanberraSounds.h"
+#include "platform/qt/PluginLoader.h"
 #include "shell/AppDelegate.h"
 #include "shell/HeapMemory.h"
-#include "views/DesktopPalette.h"
-#include "views/ViewStyle.h"
+#include "views/style/DesktopPalette.h"
+#include "views/style/ViewStyle.h"
 
 #include <QApplication>
 #include <QDBusConnection>
@@ -117,8 +118,8 @@ int main(int argc, char** argv) {
     PowerProfiles processInfo(systemBus, "/sys");
     LogindSleep sleep(systemBus);
     SessionWorkspace workspace(sessionBus, signalEvents, sleep);
-    const std::filesystem::path executable = ExecutableBundle::runningExecutable();
-    const std::filesystem::path share = ExecutableBundle::prefixOf(executable) / "share";
+    const std::filesystem::path executable = runningExecutable();
+    const std::filesystem::path share = prefixOf(executable) / "share";
     ExecutableBundle bundle(executable);
     const std::filesystem::path stateFolder = xdgStateHome() / "Velmora";
     QDir::setSearchPaths(QLatin1String(glyphFolder),
@@ -143,11 +144,11 @@ int main(int argc, char** argv) {
     delegate.applicationDidFinishLaunching();
     workspace.start();
     notifications.start(); // before anything happens that there may be a reminder of
-    DesktopLookWatch look(sessionBus,
-                          [palette = QApplication::palette(), font = QApplication::font()](const auto& changed) {
-                              QApplication::setPalette(desktopPalette(palette, changed));
-                              QApplication::setFont(desktopFont(font, changed));
-                          });
+    AppearanceWatch look(sessionBus,
+                         [palette = QApplication::palette(), font = QApplication::font()](const auto& changed) {
+                             QApplication::setPalette(desktopPalette(palette, changed));
+                             QApplication::setFont(desktopFont(font, changed));
+                         });
     // Nothing in the panel waits for what these have to say, so that the panel gets its answers first.
     mainLoop.after(untilPanelHasItem, [&] {
         processInfo.start();

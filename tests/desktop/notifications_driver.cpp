@@ -4,10 +4,10 @@
 // reads lines from the file descriptor, "show IDENTIFIER SOUND TITLE" (the sound "-" is none) and "withdraw
 // IDENTIFIER", and writes what comes back: "pressed ACTION", "played SOUND". It ends with its input.
 #include "platform/SystemSounds.h"
-#include "platform/linux/FreedesktopNotifications.h"
-#include "platform/linux/PosixFiles.h"
-#include "platform/linux/QtMainLoop.h"
-#include "platform/linux/XdgFolders.h"
+#include "platform/linux/files/PosixFiles.h"
+#include "platform/linux/files/XdgFolders.h"
+#include "platform/linux/notifications/FreedesktopNotifications.h"
+#include "platform/linux/session/QtMainLoop.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>

@@ -6,10 +6,10 @@
 #include "gallery/Pictures.h"
 #include "gallery/SettingsStates.h"
 #include "support/PopoverScene.h"
-#include "views/DesktopPalette.h"
-#include "views/Popover.h"
-#include "views/PopoverView.h"
-#include "views/ViewStyle.h"
+#include "views/popover/Popover.h"
+#include "views/popover/PopoverView.h"
+#include "views/style/DesktopPalette.h"
+#include "views/style/ViewStyle.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -5,9 +5,9 @@
 #include "gallery/Pictures.h"
 #include "shell/AppModel.h"
 #include "support/FakePlatform.h"
-#include "views/SettingsForm.h"
-#include "views/SettingsView.h"
-#include "views/SettingsWindow.h"
+#include "views/settings/SettingsView.h"
+#include "views/settings/SettingsWindow.h"
+#include "views/text/SettingsForm.h"
 
 #include <QAbstractButton>
 #include <QCoreApplication>

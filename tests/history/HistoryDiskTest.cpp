@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "history/HistoryFile.h"
 #include "history/HistoryStore.h"
-#include "platform/linux/PosixFiles.h"
-#include "platform/linux/TerminationSignals.h"
+#include "platform/linux/files/PosixFiles.h"
+#include "platform/linux/session/TerminationSignals.h"
 #include "support/FakeCalendar.h"
 #include "support/FakeClock.h"
 #include "support/OrdinaryUser.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "history/HistoryStore.h"
-#include "platform/linux/PosixFiles.h"
+#include "platform/linux/files/PosixFiles.h"
 #include "support/FakeCalendar.h"
 #include "support/FakeClock.h"
 #include "support/TemporaryFolder.h"

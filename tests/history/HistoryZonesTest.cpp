@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "history/HistoryStore.h"
-#include "platform/linux/SystemCalendar.h"
+#include "platform/linux/session/SystemCalendar.h"
 #include "support/RandomHistory.h"
 
 #include <gtest/gtest.h>

@@ -4,8 +4,8 @@
 #include "alerts/Prefs.h"
 #include "support/FakePlatform.h"
 #include "support/WaitUntil.h"
-#include "views/Popover.h"
-#include "views/TimeText.h"
+#include "views/popover/Popover.h"
+#include "views/text/TimeText.h"
 
 #include <QApplication>
 #include <QPushButton>

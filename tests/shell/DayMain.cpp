@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/HeapMemory.h"
-#include "views/ViewStyle.h"
+#include "views/style/ViewStyle.h"
 
 #include <QApplication>
 #include <QDir>

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "history/HistoryFile.h"
-#include "platform/linux/PosixFiles.h"
-#include "platform/linux/SystemCalendar.h"
+#include "platform/linux/files/PosixFiles.h"
+#include "platform/linux/session/SystemCalendar.h"
 #include "shell/AppDelegate.h"
 #include "shell/HeapMemory.h"
 #include "support/FakePlatform.h"
 #include "support/Soak.h"
 #include "support/TemporaryFolder.h"
-#include "views/ToggleSwitch.h"
+#include "views/settings/ToggleSwitch.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/linux/SystemCalendar.h"
+#include "platform/linux/session/SystemCalendar.h"
 #include "shell/AppDelegate.h"
 #include "support/Environment.h"
 #include "support/FakePlatform.h"
 #include "support/PlainProgram.h"
-#include "views/LinkButton.h"
-#include "views/Popover.h"
-#include "views/RingView.h"
-#include "views/StepperBox.h"
-#include "views/ToggleSwitch.h"
-#include "views/ViewStyle.h"
+#include "views/popover/LinkButton.h"
+#include "views/popover/Popover.h"
+#include "views/popover/RingView.h"
+#include "views/settings/StepperBox.h"
+#include "views/settings/ToggleSwitch.h"
+#include "views/style/ViewStyle.h"
 
 #include <QApplication>
 #include <QComboBox>

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "platform/SystemSounds.h"
-#include "platform/linux/FreedesktopNotifications.h"
-#include "platform/linux/QtMainLoop.h"
+#include "platform/linux/notifications/FreedesktopNotifications.h"
+#include "platform/linux/session/QtMainLoop.h"
 #include "support/FakeFiles.h"
 #include "support/FakeNotificationDaemon.h"
 #include "support/FakeSystemSounds.h"

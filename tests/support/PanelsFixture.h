@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/linux/QtMainLoop.h"
-#include "platform/linux/QtPanels.h"
+#include "platform/linux/dialogs/QtPanels.h"
+#include "platform/linux/session/QtMainLoop.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "views/ViewStyle.h"
+#include "views/style/ViewStyle.h"
 
 #include <QApplication>
 #include <QDir>

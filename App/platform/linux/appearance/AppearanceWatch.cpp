@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/appearance/AppearanceWatch.h"
+
+#include <utility>
+
+AppearanceWatch::AppearanceWatch(const QDBusConnection& bus, std::function<void(const Appearance&)> changed)
+    : changed_(std::move(changed))
+    , portal_(bus, [this] { update(); })
+    , xfce_(bus, [this] { update(); }) {}
+
+void AppearanceWatch::start(bool isXfce) {
+    portal_.start();
+    if (isXfce)
+        xfce_.start();
+}
+
+void AppearanceWatch::update() {
+    const Appearance look = appearanceOf(portal_.settings(), xfce_.settings());
+    if (std::exchange(look_, look) != look)
+        changed_(look);
+}

@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/dialogs/PortalSavePanel.h"
+
+#include "platform/qt/ToQString.h"
+
+#include <QCoreApplication>
+#include <QDBusArgument>
+#include <QDBusMetaType>
+#include <QDBusObjectPath>
+#include <QDBusPendingCallWatcher>
+#include <QList>
+#include <QRandomGenerator>
+#include <QTimer>
+#include <QVariantMap>
+
+#include <limits>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+/// What can be chosen, as the portal takes it: (us), where 1 is a MIME type, and (sa(us)).
+struct FilterRule {
+    uint kind = 1;
+    QString pattern;
+};
+struct Filter {
+    QString name;
+    QList<FilterRule> rules;
+};
+
+QDBusArgument& operator<<(QDBusArgument& argument, const FilterRule& rule) {
+    argument.beginStructure();
+    argument << rule.kind << rule.pattern;
+    argument.endStructure();
+    return argument;
+}
+const QDBusArgument& operator>>(const QDBusArgument& argument, FilterRule& rule) {
+    argument.beginStructure();
+    argument >> rule.kind >> rule.pattern;
+    argument.endStructure();
+    return argument;
+}
+QDBusArgument& operator<<(QDBusArgument& argument, const Filter& filter) {
+    argument.beginStructure();
+    argument << filter.name << filter.rules;
+    argument.endStructure();
+    return argument;
+}
+const QDBusArgument& operator>>(const QDBusArgument& argument, Filter& filter) {
+    argument.beginStructure();
+    argument >> filter.name >> filter.rules;
+    argument.endStructure();
+    return argument;
+}
+
+const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
+const QString requestInterface = QStringLiteral("org.freedesktop.portal.Request");
+
+/// Takes a question back; the portal takes its dialog away.
+void closeRequest(const QDBusConnection& bus, const QString& request) {
+    auto message = QDBusMessage::createMethodCall(service, request, requestInterface, QStringLiteral("Close"));
+    message.setAutoStartService(false);
+    bus.send(message);
+}
+
+std::optional<QString> requestIn(const QDBusMessage& reply) {
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != QLatin1String("o"))
+        return std::nullopt;
+    return reply.arguments().at(0).value<QDBusObjectPath>().path();
+}
+
+} // namespace
+
+PortalSavePanel::PortalSavePanel(QDBusConnection bus, std::chrono::milliseconds patience)
+    : bus_(std::move(bus))
+    , patience_(patience) {
+    setObjectName(QStringLiteral("portalSavePanel"));
+    setAttribute(Qt::WA_DontShowOnScreen);
+    qDBusRegisterMetaType<FilterRule>();
+    qDBusRegisterMetaType<QList<FilterRule>>();
+    qDBusRegisterMetaType<Filter>();
+    qDBusRegisterMetaType<QList<Filter>>();
+}
+
+PortalSavePanel::~PortalSavePanel() {
+    if (hasTaken_ && !isOver_)
+        closeRequest(bus_, request_);
+    if (call_ == nullptr)
+        return;
+    // A portal that was too slow may ask in the end, and nobody would wait for what the user says to it.
+    disconnect(call_, nullptr, this, nullptr);
+    connect(call_, &QDBusPendingCallWatcher::finished, call_, [bus = bus_, call = call_] {
+        call->deleteLater();
+        if (const auto request = requestIn(call->reply()))
+            closeRequest(bus, *request);
+    });
+}
+
+void PortalSavePanel::ask(const Question& question) {
+    const QString token = QStringLiteral("velmora%1").arg(QRandomGenerator::global()->generate());
+    follow(toQString(portalRequestPath(bus_.baseService().toStdString(), token.toStdString())));
+    watcher_.setConnection(bus_);
+    watcher_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
+    watcher_.addWatchedService(service);
+    connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString& /*name*/, const QString& before) {
+                if (!before.isEmpty() && hasTaken_)
+                    portalLost();
+            });
+    auto message = QDBusMessage::createMethodCall(service, QStringLiteral("/org/freedesktop/portal/desktop"),
+                                                  QStringLiteral("org.freedesktop.portal.FileChooser"),
+                                                  QStringLiteral("SaveFile"));
+    const QList<Filter> filters{{.name = question.typeName, .rules = {{.kind = 1, .pattern = question.contentType}}}};
+    message << question.parentWindow << question.title
+            << QVariantMap{{QStringLiteral("handle_token"), token},
+                           {QStringLiteral("modal"), true},
+                           {QStringLiteral("filters"), QVariant::fromValue(filters)},
+                           {QStringLiteral("current_name"), question.name},
+                           // A text of bytes with the zero at its end.
+                           {QStringLiteral("current_folder"), question.folder + '\0'}};
+    // Without a limit of its own, so that a late answer is heard too; and it may have to outlive this dialog.
+    call_ = new QDBusPendingCallWatcher(bus_.asyncCall(message, std::numeric_limits<int>::max()),
+                                        QCoreApplication::instance());
+    connect(call_, &QDBusPendingCallWatcher::finished, this, &PortalSavePanel::replied);
+    QTimer::singleShot(patience_, this, [this] {
+        if (!hasTaken_)
+            end({.outcome = SaveAnswer::Outcome::failed, .file = {}});
+    });
+}
+
+void PortalSavePanel::follow(const QString& request) {
+    request_ = request;
+    // With the name, so that Qt drops what comes from anybody but its owner. The reply to the question does not tell
+    // who that is: from Qt 6.8 on replies have no sender.
+    bus_.connect(service, request, requestInterface, QStringLiteral("Response"), this, SLOT(responded(QDBusMessage)));
+}
+
+void PortalSavePanel::replied() {
+    QDBusPendingCallWatcher* const call = std::exchange(call_, nullptr);
+    call->deleteLater();
+    const auto request = requestIn(call->reply());
+    if (!request) {
+        isOver_ = true;
+        end({.outcome = SaveAnswer::Outcome::failed, .file = {}});
+        return;
+    }
+    hasTaken_ = true;
+    sinceTaken_.start();
+    if (*request != request_) // portals before 0.9 chose the path alone
+        follow(*request);
+    if (early_)
+        responded(*std::exchange(early_, std::nullopt));
+}
+
+void PortalSavePanel::responded(const QDBusMessage& signal) {
+    if (isOver_ || signal.signature() != QLatin1String("ua{sv}"))
+        return;
+    if (!hasTaken_) { // the portal works in threads: a quick answer may come before the word that it will ask
+        early_ = signal;
+        return;
+    }
+    isOver_ = true;
+    const QVariantList arguments = signal.arguments();
+    std::vector<std::string> uris;
+    for (const QString& uri : qdbus_cast<QVariantMap>(arguments.at(1)).value(QStringLiteral("uris")).toStringList())
+        uris.push_back(uri.toStdString());
+    end(saveAnswer(arguments.at(0).toUInt(), uris, std::chrono::milliseconds(sinceTaken_.elapsed())));
+}
+
+void PortalSavePanel::portalLost() {
+    if (isOver_)
+        return;
+    isOver_ = true;
+    end({}); // its dialog may have been in use; another one would come as a surprise
+}
+
+void PortalSavePanel::end(const SaveAnswer& answer) {
+    answer_ = answer;
+    done(answer.outcome == SaveAnswer::Outcome::chosen ? Accepted : Rejected);
+}

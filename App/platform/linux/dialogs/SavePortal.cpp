@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/dialogs/SavePortal.h"
+
+#include "platform/linux/dialogs/FileUri.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <optional>
+
+SaveAnswer saveAnswer(std::uint32_t response, const std::vector<std::string>& uris, std::chrono::milliseconds after) {
+    constexpr std::uint32_t done = 0;
+    constexpr std::uint32_t endedOtherwise = 2;
+    constexpr std::chrono::milliseconds tooQuick(500); // for a person, who has to see the dialog before closing it
+    // QUIRK: GTK's dialog says this when Esc or its window's button closes it. A portal says it too when the program
+    // that should show the dialog cannot be started, which is known at once.
+    if (response >= endedOtherwise && after < tooQuick)
+        return {.outcome = SaveAnswer::Outcome::failed, .file = {}};
+    if (response != done)
+        return {};
+    if (const auto file = uris.empty() ? std::nullopt : fileOfUri(uris.front()))
+        return {.outcome = SaveAnswer::Outcome::chosen, .file = *file};
+    return {};
+}
+
+std::string portalRequestPath(std::string_view uniqueName, std::string_view token) {
+    std::string sender(uniqueName.substr(uniqueName.starts_with(':') ? 1 : 0));
+    std::replace(sender.begin(), sender.end(), '.', '_');
+    return "/org/freedesktop/portal/desktop/request/" + sender + '/' + std::string(token);
+}
+
+std::string portalParentWindow(std::string_view platform, std::uint64_t window) {
+    if (platform != "xcb" || window == 0)
+        return {};
+    std::array<char, 16> digits{};
+    char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), window, 16).ptr;
+    return "x11:" + std::string(digits.data(), end);
+}

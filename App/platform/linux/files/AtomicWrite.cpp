@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/files/AtomicWrite.h"
+
+#include "platform/linux/files/FileDescriptor.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <utility>
+
+namespace fs = std::filesystem;
+
+// A temporary file is locked from its making to its end, and the kernel drops the lock of a process that has died. So
+// one whose lock is free is left over, unless it has been made just now: who makes one looks, once it is locked,
+// whether it is still there. File systems without locks keep what is left over.
+
+namespace {
+
+constexpr std::string_view randomPart = "XXXXXX"; // of mkostemp
+
+std::error_code lastError() {
+    return {errno, std::system_category()};
+}
+
+template <class Call>
+auto uninterrupted(Call call) {
+    auto result = call();
+    while (result < 0 && errno == EINTR)
+        result = call();
+    return result;
+}
+
+/// What the names of the temporary files of `target` begin with. It carries our name, because other programs make
+/// hidden files with random endings too.
+std::string prefixOf(const fs::path& target) {
+    return "." + target.filename().string() + ".velmora-";
+}
+
+bool fitsIntoAName(const std::string& prefix) {
+    return prefix.size() + randomPart.size() <= NAME_MAX;
+}
+
+struct TemporaryFile {
+    std::string path;
+    FileDescriptor descriptor;
+};
+
+/// Without a descriptor when it fails, with the reason in errno.
+TemporaryFile makeTemporaryFile(const fs::path& target) {
+    std::string prefix = prefixOf(target);
+    if (!fitsIntoAName(prefix))
+        prefix = ".velmora-";
+    constexpr int attempts = 10; // the first one succeeds unless another process is starting at this very moment
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        std::string path = (target.parent_path() / (prefix + std::string(randomPart))).string();
+        FileDescriptor descriptor(uninterrupted([&] { return ::mkostemp(path.data(), O_CLOEXEC); })); // 0600
+        if (!descriptor)
+            return {};
+        if (::flock(descriptor.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+            continue; // it is just being removed
+        struct stat status {};
+        if (::fstat(descriptor.get(), &status) == 0 && status.st_nlink > 0)
+            return {std::move(path), std::move(descriptor)};
+    }
+    errno = EBUSY;
+    return {};
+}
+
+std::error_code writeAll(int descriptor, std::string_view content) {
+    while (!content.empty()) {
+        const ssize_t count = uninterrupted([&] { return ::write(descriptor, content.data(), content.size()); });
+        if (count < 0)
+            return lastError();
+        if (count == 0)
+            return std::make_error_code(std::errc::io_error);
+        content.remove_prefix(static_cast<std::size_t>(count));
+    }
+    if (uninterrupted([&] { return ::fsync(descriptor); }) != 0)
+        return lastError();
+    return {};
+}
+
+/// Without this a rename may be lost when the power fails. Where a folder may not be read, or cannot be synchronised on
+/// its own, it is done with the file system that `file` is on.
+std::error_code syncFolder(const fs::path& folder, int file) {
+    const FileDescriptor descriptor(
+        uninterrupted([&] { return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+    if (descriptor && uninterrupted([&] { return ::fsync(descriptor.get()); }) == 0)
+        return {};
+    if ((descriptor && errno == EIO) || ::syncfs(file) != 0)
+        return lastError();
+    return {};
+}
+
+/// What the user takes away from the modes of new files. umask() tells it only by setting another one, which would be
+/// that of the other threads' files meanwhile.
+mode_t userMask() {
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;) {
+        mode_t mask = 0;
+        if (word == "Umask:" && status >> std::oct >> mask)
+            return mask;
+    }
+    return 077;
+}
+
+/// Of a file that is there, or that the user's programs would make now.
+mode_t usualMode(const fs::path& file) {
+    struct stat status {};
+    if (::stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode))
+        return status.st_mode & 07777;
+    return 0666 & ~userMask();
+}
+
+void removeIfLeftOver(const fs::path& file) {
+    // Neither through a link nor waiting for a pipe. Writing, because some network file systems want that for a lock.
+    const FileDescriptor descriptor(::open(file.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    struct stat status {};
+    if (!descriptor || ::fstat(descriptor.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
+        status.st_uid != ::geteuid())
+        return;
+    if (::flock(descriptor.get(), LOCK_EX | LOCK_NB) == 0)
+        ::unlink(file.c_str());
+}
+
+} // namespace
+
+std::error_code writeAtomically(const fs::path& target, std::string_view content, Access access) {
+    // Who links a file to a device means that nothing is kept, not that the device becomes a file.
+    struct stat status {};
+    if (::stat(target.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode))
+        return std::make_error_code(std::errc::operation_not_supported);
+    const TemporaryFile temporary = makeTemporaryFile(target);
+    if (!temporary.descriptor)
+        return lastError();
+    std::error_code error = writeAll(temporary.descriptor.get(), content);
+    if (!error && access == Access::asUsual)
+        ::fchmod(temporary.descriptor.get(), usualMode(target)); // some file systems know no modes
+    if (!error && ::rename(temporary.path.c_str(), target.c_str()) != 0)
+        error = lastError();
+    if (error) {
+        ::unlink(temporary.path.c_str());
+        return error;
+    }
+    return syncFolder(target.parent_path(), temporary.descriptor.get());
+}
+
+void removeLeftovers(const fs::path& target) {
+    const std::string prefix = prefixOf(target);
+    const auto isOurs = [&prefix](std::string_view name) {
+        const auto isRandom = [](char letter) {
+            return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') ||
+                   (letter >= '0' && letter <= '9');
+        };
+        return name.size() == prefix.size() + randomPart.size() && name.starts_with(prefix) &&
+               std::all_of(name.begin() + static_cast<std::ptrdiff_t>(prefix.size()), name.end(), isRandom);
+    };
+    std::error_code error;
+    for (fs::directory_iterator entry(target.parent_path(), error), end; !error && entry != end;
+         entry.increment(error)) {
+        if (isOurs(entry->path().filename().native()))
+            removeIfLeftOver(entry->path());
+    }
+}

@@ -1,0 +1,231 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/notifications/FreedesktopNotifications.h"
+
+#include "platform/MainLoop.h"
+#include "platform/SystemSounds.h"
+#include "platform/linux/session/SessionApplication.h"
+
+#include <QGuiApplication>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr const char* activationVariable = "XDG_ACTIVATION_TOKEN";
+
+QVariantMap hintsOf(const NotificationPlan& plan, const NotificationCenter::Request& request) {
+    QVariantMap hints{
+        // A byte; as any other type it is ignored by some.
+        {QStringLiteral("urgency"), QVariant::fromValue(static_cast<uchar>(plan.urgency))},
+        {QStringLiteral("category"), QString::fromStdString(request.categoryIdentifier)},
+        {QStringLiteral("desktop-entry"), QLatin1String(SessionApplication::name)},
+        {QStringLiteral("x-velmora-identifier"), QString::fromStdString(request.identifier)},
+    };
+    if (plan.suppressSound)
+        hints.insert(QStringLiteral("suppress-sound"), true);
+    if (plan.soundName)
+        hints.insert(QStringLiteral("sound-name"), QString::fromStdString(*plan.soundName));
+    if (plan.soundFile)
+        hints.insert(QStringLiteral("sound-file"), QString::fromStdString(*plan.soundFile));
+    return hints;
+}
+
+} // namespace
+
+FreedesktopNotifications::FreedesktopNotifications(QDBusConnection bus, MainLoop& loop, SystemSounds& sounds,
+                                                   SoundFile soundFile, NotificationConsent consent,
+                                                   const std::filesystem::path& icon,
+                                                   NotificationDaemon::Patience patience)
+    : loop_(loop)
+    , sounds_(sounds)
+    , soundFile_(std::move(soundFile))
+    , consent_(std::move(consent))
+    , icon_(icon.is_absolute() ? QString::fromStdString(icon.string()) : QLatin1String(SessionApplication::name))
+    , daemon_(std::move(bus), patience) {
+    connect(&daemon_, &NotificationDaemon::prepared, this, &FreedesktopNotifications::sendAll);
+    connect(&daemon_, &NotificationDaemon::absent, this, &FreedesktopNotifications::dropAll);
+    connect(&daemon_, &NotificationDaemon::replaced, this, &FreedesktopNotifications::forgetIds);
+    connect(&daemon_, &NotificationDaemon::closed, this, &FreedesktopNotifications::closed);
+    connect(&daemon_, &NotificationDaemon::actionInvoked, this, &FreedesktopNotifications::actionInvoked);
+    connect(&daemon_, &NotificationDaemon::activationTokenGiven, this, &FreedesktopNotifications::activationTokenGiven);
+}
+
+void FreedesktopNotifications::getAuthorizationStatus(std::function<void(AuthorizationStatus)> answer) {
+    loop_.async([answer = std::move(answer), status = consent_.status()] { answer(status); });
+}
+
+void FreedesktopNotifications::requestAuthorization(Options /*options*/) {
+    consent_.give();
+}
+
+void FreedesktopNotifications::add(Request request) {
+    if (delegate_ != nullptr && QGuiApplication::focusWindow() != nullptr) {
+        const Options options = delegate_->willPresent(request);
+        if (!options.alert && !options.list)
+            return;
+        if (!options.sound)
+            request.sound.reset();
+    }
+    const std::string identifier = request.identifier;
+    entries_[identifier].next = std::move(request);
+    sendNext(identifier);
+}
+
+void FreedesktopNotifications::removeDelivered(const std::vector<std::string>& identifiers) {
+    for (const std::string& identifier : identifiers) {
+        const auto found = entries_.find(identifier);
+        if (found == entries_.end())
+            continue;
+        Entry& entry = found->second;
+        entry.next.reset();
+        entry.isWithdrawn = entry.isBusy;
+        if (const uint id = std::exchange(entry.id, 0); id != 0)
+            daemon_.close(id);
+        tidy(identifier);
+    }
+}
+
+void FreedesktopNotifications::sendAll() {
+    std::vector<std::string> waiting;
+    for (const auto& [identifier, entry] : entries_) {
+        if (entry.next)
+            waiting.push_back(identifier);
+    }
+    for (const std::string& identifier : waiting)
+        sendNext(identifier);
+}
+
+void FreedesktopNotifications::dropAll() {
+    for (auto& [identifier, entry] : entries_)
+        entry.next.reset();
+    std::erase_if(entries_, [](const auto& entry) { return !entry.second.isBusy; });
+}
+
+void FreedesktopNotifications::forgetIds() {
+    for (auto& [identifier, entry] : entries_)
+        entry.id = 0;
+    std::erase_if(entries_, [](const auto& entry) { return !entry.second.isBusy && !entry.second.next; });
+}
+
+void FreedesktopNotifications::sendNext(const std::string& identifier) {
+    Entry& entry = entries_[identifier];
+    if (entry.isBusy || !entry.next || !daemon_.prepare())
+        return;
+    entry.isBusy = true;
+    daemon_.askDoNotDisturb([this, identifier](std::optional<bool> doNotDisturb) {
+        entries_[identifier].isBusy = false;
+        // Meanwhile it may have been withdrawn, and the daemon may be another.
+        if (entries_[identifier].next && daemon_.prepare())
+            send(identifier, doNotDisturb);
+        else
+            tidy(identifier);
+    });
+}
+
+void FreedesktopNotifications::send(const std::string& identifier, std::optional<bool> doNotDisturb) {
+    Entry& entry = entries_[identifier];
+    const Request request = *std::exchange(entry.next, std::nullopt);
+    entry.isBusy = true;
+    entry.isWithdrawn = false;
+    entry.coming = actionsOf(request.categoryIdentifier);
+    const NotificationPlan plan = planNotification(daemon_.server(), doNotDisturb, request, entry.coming, soundFile_);
+    QStringList actions;
+    for (const std::string& text : plan.actions)
+        actions.append(QString::fromStdString(text));
+    daemon_.notify({.icon = icon_,
+                    .summary = QString::fromStdString(request.title),
+                    .body = QString::fromStdString(plan.body),
+                    .actions = actions,
+                    .hints = hintsOf(plan, request)},
+                   entry.id,
+                   [this, identifier, sound = plan.playsSound ? request.sound : std::nullopt](std::optional<uint> id) {
+                       sent(identifier, id, sound);
+                   });
+}
+
+void FreedesktopNotifications::sent(const std::string& identifier, std::optional<uint> id,
+                                    const std::optional<std::string>& ownSound) {
+    Entry& entry = entries_[identifier];
+    entry.isBusy = false;
+    const bool isWithdrawn = std::exchange(entry.isWithdrawn, false) && !entry.next;
+    if (id && isWithdrawn) {
+        daemon_.close(*id);
+    } else if (id) {
+        entry.id = *id;
+        entry.actions = entry.coming;
+        // What is shown is heard, and only that; the next one brings its own sound.
+        if (ownSound && !entry.next)
+            play(*ownSound);
+    }
+    sendNext(identifier);
+    tidy(identifier);
+}
+
+void FreedesktopNotifications::tidy(const std::string& identifier) {
+    const auto found = entries_.find(identifier);
+    if (found != entries_.end() && !found->second.isBusy && !found->second.next && found->second.id == 0)
+        entries_.erase(found);
+}
+
+void FreedesktopNotifications::play(const std::string& sound) {
+    if (sound == "default")
+        sounds_.playDefault();
+    else
+        sounds_.play(sound);
+}
+
+void FreedesktopNotifications::closed(uint id) {
+    if (const auto found = find(id); found != entries_.end()) {
+        found->second.id = 0;
+        tidy(std::string(found->first));
+    }
+}
+
+void FreedesktopNotifications::actionInvoked(uint id, const QString& key) {
+    const auto found = find(id);
+    if (found == entries_.end())
+        return;
+    const std::string identifier = key.toStdString();
+    std::vector<Action>& actions = found->second.actions;
+    if (std::none_of(actions.begin(), actions.end(), [&](const Action& one) { return one.identifier == identifier; }))
+        return;
+    actions.clear();
+    const QByteArray token = std::exchange(found->second.activationToken, {}).toUtf8();
+    // QUIRK: mako leaves it on the screen. But what is about to take its place has the same id, and stays.
+    if (!found->second.isBusy) {
+        daemon_.close(std::exchange(found->second.id, 0));
+        tidy(std::string(found->first));
+    }
+    if (delegate_ == nullptr)
+        return;
+    if (token.isEmpty()) {
+        delegate_->didReceive(identifier, [] {});
+        return;
+    }
+    // A window that is opened by this takes the focus by right; none that is opened later may try with it.
+    qputenv(activationVariable, token);
+    delegate_->didReceive(identifier, [&loop = loop_, token] {
+        loop.async([token] {
+            if (qgetenv(activationVariable) == token)
+                qunsetenv(activationVariable);
+        });
+    });
+}
+
+void FreedesktopNotifications::activationTokenGiven(uint id, const QString& token) {
+    if (const auto found = find(id); found != entries_.end())
+        found->second.activationToken = token;
+}
+
+std::vector<NotificationCenter::Action> FreedesktopNotifications::actionsOf(const std::string& category) const {
+    const auto found = std::find_if(categories_.begin(), categories_.end(),
+                                    [&](const Category& one) { return one.identifier == category; });
+    return found == categories_.end() ? std::vector<Action>() : found->actions;
+}
+
+std::map<std::string, FreedesktopNotifications::Entry>::iterator FreedesktopNotifications::find(uint id) {
+    return id == 0 ? entries_.end() : std::find_if(entries_.begin(), entries_.end(), [id](const auto& entry) {
+        return entry.second.id == id;
+    });
+}

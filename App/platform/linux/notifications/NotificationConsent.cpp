@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/notifications/NotificationConsent.h"
+
+#include "platform/Files.h"
+
+#include <string_view>
+#include <tuple>
+
+using Status = NotificationCenter::AuthorizationStatus;
+
+namespace {
+
+constexpr std::string_view given = "authorized\n";
+
+} // namespace
+
+NotificationConsent::NotificationConsent(Files& files, const std::filesystem::path& folder)
+    : files_(files)
+    , file_(file(folder)) {}
+
+Status NotificationConsent::status() const {
+    if (!status_)
+        status_ = files_.read(file_, given.size()) == given ? Status::authorized : Status::notDetermined;
+    return *status_;
+}
+
+void NotificationConsent::give() {
+    if (status() == Status::authorized)
+        return;
+    status_ = Status::authorized;
+    // On failure there is nothing better to do than to ask again at the next start.
+    std::ignore = files_.replace(file_, given);
+}

@@ -1,0 +1,246 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/notifications/NotificationDaemon.h"
+
+#include "platform/qt/ToQString.h"
+
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+#include <QTimer>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr QLatin1String service("org.freedesktop.Notifications");
+constexpr QLatin1String path("/org/freedesktop/Notifications");
+constexpr QLatin1String interface("org.freedesktop.Notifications");
+
+QDBusMessage method(const QString& name, const char* member) {
+    return QDBusMessage::createMethodCall(name, path, interface, QString::fromLatin1(member));
+}
+
+constexpr std::chrono::milliseconds readyInterval(200);
+
+/// QUIRK: GNOME's has its name before it has the object that is called.
+bool isNotReady(const QDBusError& error) {
+    return error.type() == QDBusError::UnknownMethod || error.type() == QDBusError::UnknownObject ||
+           error.type() == QDBusError::UnknownInterface;
+}
+
+std::optional<bool> toAnswer(const DoNotDisturbQuestion& question, const QDBusMessage& reply) {
+    if (reply.type() == QDBusMessage::ErrorMessage)
+        return !question.refusedOff.empty() && reply.errorName() == toQString(question.refusedOff)
+                   ? std::optional(false)
+                   : std::nullopt;
+    const QVariant value = reply.arguments().value(0);
+    if (!question.mode.empty()) {
+        if (value.typeId() != QMetaType::QStringList)
+            return std::nullopt;
+        return value.toStringList().contains(toQString(question.mode));
+    }
+    const QVariant content = value.value<QDBusVariant>().variant();
+    return content.typeId() == QMetaType::Bool ? std::optional(content.toBool()) : std::nullopt;
+}
+
+} // namespace
+
+NotificationDaemon::NotificationDaemon(QDBusConnection bus, Patience patience)
+    : bus_(std::move(bus))
+    , patience_(patience) {}
+
+template <class Function>
+void NotificationDaemon::call(const QDBusMessage& message, std::chrono::milliseconds limit, Function done) {
+    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message, static_cast<int>(limit.count())), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+            [done = std::move(done)](QDBusPendingCallWatcher* finished) {
+                finished->deleteLater();
+                done(*finished);
+            });
+}
+
+void NotificationDaemon::start() {
+    watcher_.setConnection(bus_);
+    watcher_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
+    watcher_.addWatchedService(service);
+    connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString& /*name*/, const QString& /*before*/, const QString& now) { setOwner(now); });
+    // From anybody, and compared with the owner on arrival: some daemons send signals to us alone, and anybody could.
+    const struct {
+        const char* signal;
+        const char* signature;
+        const char* slot;
+    } wanted[] = {{"NotificationClosed", "uu", SLOT(notificationClosed(uint, uint, QDBusMessage))},
+                  {"ActionInvoked", "us", SLOT(actionInvokedBy(uint, QString, QDBusMessage))},
+                  {"ActivationToken", "us", SLOT(activationToken(uint, QString, QDBusMessage))}};
+    // With the signature: of arguments of other types the bus library ends the program.
+    for (const auto& [signal, signature, slot] : wanted)
+        bus_.connect(QString(), path, interface, QString::fromLatin1(signal), {}, QString::fromLatin1(signature), this,
+                     slot);
+
+    auto message =
+        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"));
+    message << QString(service);
+    call(message, patience_.notify, [this](const QDBusPendingReply<QString>& reply) {
+        if (ownerChanges_ == 0 && !reply.isError())
+            setOwner(reply.value());
+    });
+}
+
+void NotificationDaemon::setOwner(const QString& owner) {
+    ++ownerChanges_;
+    const QString former = std::exchange(owner_, owner);
+    if (former.isEmpty() && asking_ == Asking::waiting) {
+        // Our question has started it, and it will answer; now it can be expected to.
+        QTimer::singleShot(patience_.abilities, this, [this, question = question_] { stopWaitingFor(question); });
+        return;
+    }
+    const bool isAwaited = asking_ == Asking::waiting;
+    ++question_;
+    asking_ = Asking::notYet;
+    server_ = {};
+    Q_EMIT replaced();
+    if (!isAwaited)
+        return;
+    // Once more, and not for ever: it may be our question that ends a daemon that is started by it.
+    if (std::exchange(mayAskAgain_, false))
+        askAbilities();
+    else
+        Q_EMIT absent();
+}
+
+bool NotificationDaemon::prepare() {
+    if (asking_ == Asking::notYet) {
+        mayAskAgain_ = true;
+        askAbilities();
+    }
+    return asking_ == Asking::done;
+}
+
+void NotificationDaemon::askAbilities() {
+    asking_ = Asking::waiting;
+    askInformation(++question_);
+    if (!owner_.isEmpty())
+        QTimer::singleShot(patience_.abilities, this, [this, question = question_] { stopWaitingFor(question); });
+}
+
+void NotificationDaemon::askInformation(int question) {
+    // This comes before the rest: an absent daemon is started by it, and one that has just started may not be ready.
+    call(method(service, "GetServerInformation"), patience_.notify,
+         [this, question](const QDBusPendingReply<QString, QString, QString, QString>& information) {
+             if (question != question_)
+                 return;
+             if (information.isError() && owner_.isEmpty()) {
+                 asking_ = Asking::notYet;
+                 Q_EMIT absent();
+             } else if (information.isError() && asking_ == Asking::waiting && isNotReady(information.error())) {
+                 QTimer::singleShot(readyInterval, this, [this, question] {
+                     if (question == question_ && asking_ == Asking::waiting)
+                         askInformation(question);
+                 });
+             } else {
+                 askCapabilities(question, information.isError() ? QString() : information.argumentAt<0>());
+             }
+         });
+}
+
+void NotificationDaemon::askCapabilities(int question, const QString& name) {
+    call(method(service, "GetCapabilities"), patience_.notify,
+         [this, question, name](const QDBusPendingReply<QStringList>& capabilities) {
+             settle(question, name, capabilities.isError() ? QStringList() : capabilities.value());
+         });
+}
+
+void NotificationDaemon::stopWaitingFor(int question) {
+    if (question != question_ || asking_ != Asking::waiting)
+        return;
+    asking_ = Asking::done;
+    Q_EMIT prepared();
+}
+
+void NotificationDaemon::settle(int question, const QString& name, const QStringList& capabilities) {
+    if (question != question_)
+        return;
+    std::vector<std::string> texts;
+    for (const QString& capability : capabilities)
+        texts.push_back(capability.toStdString());
+    // Also when it is late: later notifications have the use of it.
+    server_ = notificationServer(name.toStdString(), texts);
+    stopWaitingFor(question);
+}
+
+void NotificationDaemon::askDoNotDisturb(std::function<void(std::optional<bool>)> answer) {
+    if (!server_.doNotDisturb) {
+        QMetaObject::invokeMethod(
+            this, [answer = std::move(answer)] { answer(std::nullopt); }, Qt::QueuedConnection);
+        return;
+    }
+    const DoNotDisturbQuestion question = doNotDisturbQuestion(*server_.doNotDisturb);
+    auto message = QDBusMessage::createMethodCall(question.service.empty() ? owner_ : toQString(question.service),
+                                                  toQString(question.path), toQString(question.interface),
+                                                  toQString(question.method));
+    for (const std::string_view argument : question.arguments)
+        message << toQString(argument);
+    message.setAutoStartService(false);
+    call(message, patience_.doNotDisturb, [question, answer = std::move(answer)](const QDBusPendingCall& pending) {
+        answer(toAnswer(question, pending.reply()));
+    });
+}
+
+void NotificationDaemon::notify(const Notification& notification, uint replaced,
+                                std::function<void(std::optional<uint>)> answer) {
+    send(notification, replaced, 1, std::move(answer));
+}
+
+void NotificationDaemon::send(const Notification& notification, uint replaced, int retries,
+                              std::function<void(std::optional<uint>)> answer) {
+    // The id is worth something only with the daemon that gave it, and from Qt 6.8 on a reply does not tell who sent
+    // it. So this very daemon is asked; where there is none, the bus starts the one that answers.
+    const QString askedOf = owner_;
+    auto message = method(askedOf.isEmpty() ? QString(service) : askedOf, "Notify");
+    message << QStringLiteral("Velmora") << replaced << notification.icon << notification.summary << notification.body
+            << notification.actions << notification.hints << -1;
+    call(message, patience_.notify,
+         [this, notification, replaced, retries, askedOf, changes = ownerChanges_,
+          answer = std::move(answer)](const QDBusPendingReply<uint>& reply) {
+             if (!reply.isError()) {
+                 const bool isStillThere =
+                     askedOf.isEmpty() ? ownerChanges_ == changes + 1 && !owner_.isEmpty() : owner_ == askedOf;
+                 answer(isStillThere ? std::optional(reply.value()) : std::nullopt);
+                 return;
+             }
+             // Once more where it is not on the screen: the daemon does not know the id, since it was closed a moment
+             // ago, or it went away before it answered.
+             const bool isGone = !askedOf.isEmpty() && askedOf != owner_;
+             const bool isRefused = replaced != 0 && reply.error().type() != QDBusError::NoReply;
+             if (retries > 0 && (isGone || isRefused))
+                 send(notification, 0, retries - 1, answer);
+             else
+                 answer(std::nullopt);
+         });
+}
+
+void NotificationDaemon::close(uint id) {
+    auto message = method(owner_, "CloseNotification");
+    message << id;
+    message.setAutoStartService(false);
+    bus_.send(message);
+}
+
+void NotificationDaemon::notificationClosed(uint id, uint /*reason*/, const QDBusMessage& message) {
+    if (message.service() == owner_)
+        Q_EMIT closed(id);
+}
+
+void NotificationDaemon::actionInvokedBy(uint id, const QString& key, const QDBusMessage& message) {
+    if (message.service() == owner_)
+        Q_EMIT actionInvoked(id, key);
+}
+
+void NotificationDaemon::activationToken(uint id, const QString& token, const QDBusMessage& message) {
+    if (message.service() == owner_)
+        Q_EMIT activationTokenGiven(id, token);
+}

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/notifications/NotificationPlan.h"
+
+#include <algorithm>
+
+namespace {
+
+bool contains(const std::vector<std::string>& texts, std::string_view text) {
+    return std::find(texts.begin(), texts.end(), text) != texts.end();
+}
+
+/// Every reminder is normal: the user switched it on, and "low" comes without a banner on GNOME and is not kept in
+/// Plasma's history. Only the low battery cannot wait: critical, it stays until it is seen. But that also breaks
+/// through do-not-disturb and into full screen, so it is chosen only where the desktop tells that the user is not to be
+/// left alone; where it does not tell, the user's wish for quiet may be there and counts.
+NotificationUrgency urgency(std::string_view identifier, std::optional<bool> doNotDisturb) {
+    const bool mayInsist = doNotDisturb.has_value() && !*doNotDisturb;
+    return identifier == "low" && mayInsist ? NotificationUrgency::critical : NotificationUrgency::normal;
+}
+
+std::string escaped(std::string_view text) {
+    std::string result;
+    for (const char character : text) {
+        switch (character) {
+        case '&':
+            result += "&amp;";
+            break;
+        case '<':
+            result += "&lt;";
+            break;
+        case '>':
+            result += "&gt;";
+            break;
+        default:
+            result += character;
+        }
+    }
+    return result;
+}
+
+void planSound(NotificationPlan& plan, const NotificationServer& server, bool doNotDisturb,
+               const std::optional<std::string>& sound, const SoundFile& soundFile) {
+    // Without a hint some daemons have a sound of their own.
+    plan.suppressSound = !sound || !server.playsSounds;
+    if (!sound)
+        return;
+    if (!server.playsSounds) {
+        plan.playsSound = !doNotDisturb;
+    } else if (*sound == "default") {
+        plan.soundName = "message-new-instant";
+    } else if (const auto file = soundFile(*sound); file && file->is_absolute()) {
+        // QUIRK: GNOME does not look at the file when there is a name, and its sound theme has none of our names. A
+        // replacement is heard again only with a file.
+        plan.soundFile = file->string();
+    } else {
+        plan.soundName = *sound;
+    }
+}
+
+} // namespace
+
+NotificationServer notificationServer(std::string_view name, const std::vector<std::string>& capabilities) {
+    // QUIRK: the capability "sound" alone says little: MATE plays files only, Cinnamon its own sound, and both whenever
+    // they like. GNOME has always played them, Plasma does when it says so.
+    const bool playsSounds = name == "gnome-shell" || (name == "Plasma" && contains(capabilities, "sound"));
+    return {.drawsActions = contains(capabilities, "actions"),
+            .parsesBody = contains(capabilities, "body-markup"),
+            .playsSounds = playsSounds,
+            .doNotDisturb = doNotDisturbSource(name)};
+}
+
+NotificationPlan planNotification(const NotificationServer& server, std::optional<bool> doNotDisturb,
+                                  const NotificationCenter::Request& request,
+                                  const std::vector<NotificationCenter::Action>& actions, const SoundFile& soundFile) {
+    NotificationPlan plan;
+    plan.urgency = urgency(request.identifier, doNotDisturb);
+    plan.body = server.parsesBody ? escaped(request.body) : request.body;
+    if (server.drawsActions) {
+        for (const auto& action : actions) {
+            plan.actions.push_back(action.identifier);
+            plan.actions.push_back(action.title);
+        }
+    }
+    planSound(plan, server, doNotDisturb.value_or(false), request.sound, soundFile);
+    return plan;
+}

@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/panel/DBusMenu.h"
+
+#include "dbusmenuadaptor.h"
+
+#include <QGuiApplication>
+
+#include <algorithm>
+#include <utility>
+
+DBusMenu::DBusMenu(QDBusConnection bus) {
+    registerMenuTypes();
+    new DbusmenuAdaptor(this); // owned by this object, as adaptors are
+    bus.registerObject(QLatin1String(path), this);
+}
+
+void DBusMenu::setEntries(std::vector<StatusItem::MenuEntry> entries) {
+    QList<int> ids;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const bool isTheSame = i < entries_.size() && entries_[i].label == entries[i].label;
+        ids.append(isTheSame ? ids_[static_cast<qsizetype>(i)] : ++lastId_);
+    }
+    entries_ = std::move(entries);
+    if (std::exchange(ids_, ids) != ids)
+        Q_EMIT LayoutUpdated(++revision_, 0);
+}
+
+QString DBusMenu::textDirection() {
+    return QGuiApplication::isRightToLeft() ? QStringLiteral("rtl") : QStringLiteral("ltr");
+}
+
+const StatusItem::MenuEntry* DBusMenu::entry(int id) const {
+    const auto found = std::ranges::find(ids_, id);
+    return found == ids_.end() ? nullptr : &entries_[static_cast<std::size_t>(found - ids_.begin())];
+}
+
+QVariantMap DBusMenu::properties(int id, const QStringList& names) const {
+    QVariantMap all;
+    if (id == 0) {
+        all.insert(QStringLiteral("children-display"), QStringLiteral("submenu"));
+    } else {
+        // An underscore marks a mnemonic; a real one is written twice.
+        QString label = QString::fromStdString(entry(id)->label);
+        label.replace(QLatin1Char('_'), QLatin1String("__"));
+        all.insert(QStringLiteral("label"), label);
+        all.insert(QStringLiteral("enabled"), true);
+        all.insert(QStringLiteral("visible"), true);
+    }
+    if (names.isEmpty())
+        return all;
+    QVariantMap wanted;
+    for (const QString& name : names) {
+        if (all.contains(name))
+            wanted.insert(name, all.value(name));
+    }
+    return wanted;
+}
+
+void DBusMenu::refuse(int id) const {
+    if (calledFromDBus())
+        sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("There is no menu item %1.").arg(id));
+}
+
+uint DBusMenu::GetLayout(int parentId, int recursionDepth, const QStringList& propertyNames, MenuLayout& layout) {
+    if (!isItem(parentId)) {
+        refuse(parentId);
+        return revision_;
+    }
+    layout = {.id = parentId, .properties = properties(parentId, propertyNames), .children = {}};
+    if (parentId != 0 || recursionDepth == 0)
+        return revision_;
+    for (const int id : ids_)
+        layout.children.append({.id = id, .properties = properties(id, propertyNames), .children = {}});
+    return revision_;
+}
+
+MenuItems DBusMenu::GetGroupProperties(const QList<int>& ids, const QStringList& propertyNames) const {
+    MenuItems items;
+    for (const int id : ids.isEmpty() ? QList<int>{0} + ids_ : ids) {
+        if (isItem(id))
+            items.append({.id = id, .properties = properties(id, propertyNames)});
+    }
+    return items;
+}
+
+QDBusVariant DBusMenu::GetProperty(int id, const QString& name) const {
+    const QVariant value = isItem(id) ? properties(id, {}).value(name) : QVariant();
+    if (!value.isValid() && calledFromDBus())
+        sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("Menu item %1 has no %2.").arg(id).arg(name));
+    return QDBusVariant(value);
+}
+
+void DBusMenu::Event(int id, const QString& eventId, const QDBusVariant& /*data*/, uint /*timestamp*/) {
+    if (!isItem(id)) {
+        refuse(id);
+        return;
+    }
+    if (id == 0 || eventId != QLatin1String("clicked"))
+        return;
+    // On a later turn: the panel gets its answer first, whatever the entry does.
+    const auto action = entry(id)->action;
+    QMetaObject::invokeMethod(
+        this, [action] { action(); }, Qt::QueuedConnection);
+}
+
+QList<int> DBusMenu::EventGroup(const MenuEvents& events) {
+    QList<int> unknown;
+    for (const MenuEvent& event : events) {
+        if (isItem(event.id))
+            Event(event.id, event.eventId, event.data, event.timestamp);
+        else
+            unknown.append(event.id);
+    }
+    return unknown;
+}
+
+bool DBusMenu::AboutToShow(int id) const {
+    if (!isItem(id))
+        refuse(id);
+    return false;
+}
+
+QList<int> DBusMenu::AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors) const {
+    for (const int id : ids) {
+        if (!isItem(id))
+            idErrors.append(id);
+    }
+    return {};
+}

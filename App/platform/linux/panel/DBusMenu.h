@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/StatusBar.h"
+#include "platform/linux/panel/MenuTypes.h"
+
+#include <QDBusConnection>
+#include <QDBusContext>
+#include <QList>
+#include <QObject>
+
+#include <vector>
+
+/// A flat menu, exported for the panel to draw (com.canonical.dbusmenu). Item 0 is the root. An entry that says
+/// something new is a new item: in a menu that is open, a click on the words of the old one must not do what the new
+/// ones say.
+class DBusMenu final : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_PROPERTY(uint Version READ version)
+    Q_PROPERTY(QString TextDirection READ textDirection)
+    Q_PROPERTY(QString Status READ status)
+    Q_PROPERTY(QStringList IconThemePath READ iconThemePath)
+
+public:
+    static constexpr const char* path = "/MenuBar";
+
+    /// Exports the menu at `path`.
+    explicit DBusMenu(QDBusConnection bus);
+
+    /// Replaces what is in the menu, and tells the panel where that reads differently.
+    void setEntries(std::vector<StatusItem::MenuEntry> entries);
+    const std::vector<StatusItem::MenuEntry>& entries() const { return entries_; }
+
+    // What the panel asks; the names are those of the interface.
+    uint GetLayout(int parentId, int recursionDepth, const QStringList& propertyNames, MenuLayout& layout);
+    MenuItems GetGroupProperties(const QList<int>& ids, const QStringList& propertyNames) const;
+    QDBusVariant GetProperty(int id, const QString& name) const;
+    void Event(int id, const QString& eventId, const QDBusVariant& data, uint timestamp);
+    QList<int> EventGroup(const MenuEvents& events);
+    bool AboutToShow(int id) const;
+    QList<int> AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors) const;
+
+Q_SIGNALS:
+    void LayoutUpdated(uint revision, int parent);
+    void ItemActivationRequested(int id, uint timestamp);
+
+private:
+    std::vector<StatusItem::MenuEntry> entries_;
+    QList<int> ids_; ///< of the entries
+    int lastId_ = 0;
+    uint revision_ = 1;
+
+    static uint version() { return 3; }
+    static QString textDirection();
+    static QString status() { return QStringLiteral("normal"); }
+    static QStringList iconThemePath() { return {}; }
+    const StatusItem::MenuEntry* entry(int id) const;
+    bool isItem(int id) const { return id == 0 || entry(id) != nullptr; }
+    QVariantMap properties(int id, const QStringList& names) const;
+    void refuse(int id) const;
+};

@@ -1,0 +1,220 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/panel/StatusNotifierItem.h"
+
+#include "platform/GlyphName.h"
+#include "platform/linux/files/FileDescriptor.h"
+#include "platform/linux/files/ReadDescriptor.h"
+#include "platform/linux/panel/Screens.h"
+#include "statusnotifieritemadaptor.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+#include <QtEndian>
+
+#include <fcntl.h>
+
+#include <utility>
+
+namespace {
+
+constexpr QLatin1String watcherName("org.kde.StatusNotifierWatcher");
+constexpr QLatin1String watcherPath("/StatusNotifierWatcher");
+
+/// The name of a process; empty when there is none, or it may not be seen.
+std::string processName(uint process) {
+    const FileDescriptor file(::open(("/proc/" + std::to_string(process) + "/comm").c_str(), O_RDONLY | O_CLOEXEC));
+    std::string name = file ? readDescriptor(file.get(), 64).value_or("") : "";
+    if (name.ends_with('\n'))
+        name.pop_back();
+    return name;
+}
+
+/// As the protocol has it: the bytes A, R, G, B of each pixel in this order, not premultiplied.
+StatusNotifierPixmap toPixmap(const QImage& image, bool premultiplied) {
+    const QImage native =
+        image.convertToFormat(premultiplied ? QImage::Format_ARGB32_Premultiplied : QImage::Format_ARGB32);
+    const qsizetype rowSize = qsizetype{4} * native.width();
+    StatusNotifierPixmap pixmap{
+        .width = native.width(), .height = native.height(), .pixels = {rowSize * native.height(), Qt::Uninitialized}};
+    for (int y = 0; y < native.height(); ++y)
+        qToBigEndian<quint32>(native.constScanLine(y), native.width(), pixmap.pixels.data() + y * rowSize);
+    return pixmap;
+}
+
+} // namespace
+
+StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, const GlyphImages& glyphs,
+                                       std::function<void(bool)> hostChanged)
+    : bus_(std::move(bus))
+    , glyphs_(glyphs)
+    , hostChanged_(std::move(hostChanged))
+    , menu_(bus_)
+    , watcherWatch_(watcherName, bus_, QDBusServiceWatcher::WatchForOwnerChange) {
+    registerStatusNotifierTypes();
+    new StatusNotifierItemAdaptor(this); // owned by this object, as adaptors are
+    bus_.registerObject(QLatin1String(path), this);
+    // Every change of the owner, not only its coming: one watcher may take the name over from another.
+    connect(&watcherWatch_, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] { findHost(); });
+    for (const char* change : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"})
+        bus_.connect(watcherName, watcherPath, watcherName, QString::fromLatin1(change), this, SLOT(askForHost()));
+    findHost();
+}
+
+StatusNotifierItem::~StatusNotifierItem() {
+    bus_.unregisterObject(QLatin1String(path));
+}
+
+void StatusNotifierItem::findHost() {
+    auto message = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetConnectionUnixProcessID"));
+    message << QString(watcherName);
+    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, owner = ++owner_](QDBusPendingCallWatcher* call) {
+        call->deleteLater();
+        if (owner != owner_)
+            return;
+        const QDBusPendingReply<uint> reply = *call;
+        const bool isThere =
+            !reply.isError() || reply.error().name() != QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner");
+        if (!isThere) {
+            hostChanged_(false);
+            return;
+        }
+        host_ = panelHost(reply.isError() ? "" : processName(reply.value()));
+        updateIcon();
+        registerWithWatcher();
+        askForHost();
+    });
+}
+
+void StatusNotifierItem::askForHost() {
+    auto message = QDBusMessage::createMethodCall(
+        watcherName, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+    message << QString(watcherName) << QStringLiteral("IsStatusNotifierHostRegistered");
+    message.setAutoStartService(false);
+    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, owner = owner_](QDBusPendingCallWatcher* call) {
+        call->deleteLater();
+        if (owner != owner_)
+            return; // a panel that has left must not be taken for one that is there
+        const QDBusPendingReply<QDBusVariant> reply = *call;
+        // A watcher may run with no panel behind it; one that does not tell is believed to have one.
+        hostChanged_(reply.isError() || reply.value().variant().toBool());
+    });
+}
+
+void StatusNotifierItem::registerWithWatcher() {
+    auto message = QDBusMessage::createMethodCall(watcherName, watcherPath, watcherName,
+                                                  QStringLiteral("RegisterStatusNotifierItem"));
+    // QUIRK: GNOME's extension loses items that register by a well-known name.
+    message << bus_.baseService();
+    message.setAutoStartService(false);
+    bus_.asyncCall(message);
+}
+
+bool StatusNotifierItem::knowsSymbol(std::string_view name) const {
+    return glyphs_.has(name);
+}
+
+std::string StatusNotifierItem::symbol() const {
+    const bool needsNumber = !host_.showsLabel && !content_.numberSymbol.empty();
+    return needsNumber ? content_.numberSymbol : content_.symbol;
+}
+
+void StatusNotifierItem::updateIcon() {
+    if (std::exchange(shownSymbol_, symbol()) != shownSymbol_)
+        Q_EMIT NewIcon();
+}
+
+void StatusNotifierItem::show(const Content& content) {
+    const Content before = std::exchange(content_, content);
+    updateIcon();
+    if (before.title != content.title || before.widestTitle != content.widestTitle)
+        Q_EMIT XAyatanaNewLabel(label(), labelGuide());
+    if (before.toolTip != content.toolTip)
+        Q_EMIT NewToolTip();
+}
+
+void StatusNotifierItem::setAction(std::function<void(std::optional<ScreenPoint>)> action) {
+    action_ = std::move(action);
+}
+
+void StatusNotifierItem::setMenu(std::vector<MenuEntry> entries) {
+    menu_.setEntries(std::move(entries));
+}
+
+void StatusNotifierItem::act(std::optional<ScreenPoint> point) {
+    // On a later turn: the panel gets its answer first.
+    QMetaObject::invokeMethod(
+        this,
+        [this, point] {
+            if (action_)
+                action_(point);
+        },
+        Qt::QueuedConnection);
+}
+
+void StatusNotifierItem::Activate(int x, int y) {
+    act(toLogical({x, y}, allScreens()));
+}
+
+void StatusNotifierItem::SecondaryActivate(int x, int y) {
+    Activate(x, y);
+}
+
+void StatusNotifierItem::ContextMenu(int x, int y) {
+    // On a later turn: the panel gets its answer first.
+    QMetaObject::invokeMethod(
+        this, [this, point = toLogical({x, y}, allScreens())] { panelMenu_.show(menu_.entries(), point); },
+        Qt::QueuedConnection);
+}
+
+void StatusNotifierItem::Scroll(int /*delta*/, const QString& /*orientation*/) {}
+
+void StatusNotifierItem::ProvideXdgActivationToken(const QString& token) {
+    // The toolkit takes it from there when the next window asks for the focus.
+    qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+}
+
+void StatusNotifierItem::XAyatanaSecondaryActivate(uint /*timestamp*/) {
+    act(std::nullopt);
+}
+
+QString StatusNotifierItem::iconAccessibleDesc() const {
+    return QString::fromStdString(content_.accessibilityDescription);
+}
+
+QString StatusNotifierItem::iconName() const {
+    // Panels prefer a name to pictures, also where they cannot colour what it names.
+    const bool byName = host_.recolours && !shownSymbol_.empty();
+    return byName ? QString::fromStdString(glyphIconName(shownSymbol_)) : QString();
+}
+
+StatusNotifierPixmaps StatusNotifierItem::iconPixmap() const {
+    StatusNotifierPixmaps pixmaps;
+    if (!host_.recolours && !shownSymbol_.empty()) {
+        for (const QImage& image : glyphs_.images(shownSymbol_))
+            pixmaps.append(toPixmap(image, host_.premultiplied));
+    }
+    return pixmaps;
+}
+
+QString StatusNotifierItem::iconThemePath() const {
+    return QString::fromStdString(glyphs_.iconTheme().string());
+}
+
+StatusNotifierToolTip StatusNotifierItem::toolTip() const {
+    // All lines in the title: some panels show only that.
+    return {.iconName = {}, .iconPixmap = {}, .title = QString::fromStdString(content_.toolTip), .text = {}};
+}
+
+QString StatusNotifierItem::label() const {
+    return QString::fromStdString(content_.title);
+}
+
+QString StatusNotifierItem::labelGuide() const {
+    return QString::fromStdString(content_.widestTitle);
+}

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/power/ChangeReports.h"
+
+#include "platform/MainLoop.h"
+
+#include <array>
+#include <utility>
+
+namespace {
+
+constexpr Duration leastInterval{1};
+/// Seconds from one look to the next: 1, 2, 5 and 15 seconds after the report.
+constexpr std::array<Duration, 4> pauses{Duration(1), Duration(1), Duration(3), Duration(10)};
+
+} // namespace
+
+ChangeReports::ChangeReports(MainLoop& loop, const Clock& clock, std::function<void()> report,
+                             std::function<bool()> look)
+    : loop_(loop)
+    , clock_(clock)
+    , report_(std::move(report))
+    , look_(std::move(look)) {}
+
+void ChangeReports::event() {
+    if (reportIsDue_)
+        return;
+    const Duration since = clock_.uptime() - lastReport_;
+    if (!reported_ || since >= leastInterval) {
+        reportNow();
+        return;
+    }
+    reportIsDue_ = true;
+    loop_.after(leastInterval - since, lifetime_.guard([this] { reportNow(); }));
+}
+
+void ChangeReports::settle() {
+    if (!looking_)
+        startLooking();
+}
+
+void ChangeReports::reportNow() {
+    reported_ = true;
+    reportIsDue_ = false;
+    lastReport_ = clock_.uptime();
+    startLooking();
+    report_();
+}
+
+void ChangeReports::startLooking() {
+    looking_ = true;
+    scheduleLook(0, ++round_);
+}
+
+void ChangeReports::scheduleLook(std::size_t number, unsigned long round) {
+    loop_.after(pauses[number], lifetime_.guard([this, number, round] {
+        if (round != round_)
+            return;
+        looking_ = number + 1 < pauses.size();
+        if (looking_)
+            scheduleLook(number + 1, round);
+        // A report that is about to go out reads anyway.
+        if (!reportIsDue_ && look_()) {
+            lastReport_ = clock_.uptime();
+            reported_ = true;
+            report_();
+        }
+    }));
+}

@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/power/PowerProfiles.h"
+
+#include "platform/linux/files/ReadDescriptor.h"
+#include "platform/linux/session/AskAgain.h"
+#include "platform/linux/session/SystemBus.h"
+#include "platform/qt/AsText.h"
+#include "platform/qt/ToQString.h"
+
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace {
+
+constexpr std::array names{PowerProfileChoice::newName, PowerProfileChoice::oldName};
+const char* const activeProfile = "ActiveProfile";
+
+/// The object of a name: the same words, as a path.
+QString pathOf(const QString& name) {
+    return QLatin1Char('/') + QString(name).replace(QLatin1Char('.'), QLatin1Char('/'));
+}
+
+} // namespace
+
+PowerProfiles::PowerProfiles(SystemBus& bus, const std::filesystem::path& sysfs)
+    : bus_(bus)
+    , firmwareFile_(sysfs / "firmware/acpi/platform_profile") {}
+
+void PowerProfiles::start() {
+    subscriptions_.push_back(bus_.onConnected([this] { follow(); }));
+    subscriptions_.push_back(bus_.onLost([this] { forgetDaemons(); }));
+    firmware_ = FileDescriptor(::open(firmwareFile_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (firmware_) {
+        // sysfs tells changes as urgent data.
+        firmwareEvents_ = std::make_unique<QSocketNotifier>(firmware_.get(), QSocketNotifier::Exception);
+        connect(firmwareEvents_.get(), &QSocketNotifier::activated, this, [this] { readFirmware(); });
+        readFirmware();
+    }
+    if (bus_.connection().isConnected())
+        follow();
+}
+
+Subscription PowerProfiles::onPowerStateChanged(std::function<void()> callback) {
+    return observers_.add(std::move(callback));
+}
+
+void PowerProfiles::follow() {
+    QDBusConnection connection = bus_.connection();
+    watcher_ = std::make_unique<QDBusServiceWatcher>();
+    watcher_->setConnection(connection);
+    watcher_->setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
+    for (const std::string_view one : names) {
+        const QString name = toQString(one);
+        watcher_->addWatchedService(name);
+        connection.connect(name, pathOf(name), QStringLiteral("org.freedesktop.DBus.Properties"),
+                           QStringLiteral("PropertiesChanged"), {}, QStringLiteral("sa{sv}as"), this,
+                           SLOT(propertiesChanged(QString, QVariantMap, QStringList)));
+        ask(name, answerTries);
+    }
+    connect(watcher_.get(), &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString& name, const QString& /*before*/, const QString& now) {
+                if (now.isEmpty()) {
+                    choice_.daemons.erase(name.toStdString());
+                    update();
+                } else {
+                    ask(name, answerTries);
+                }
+            });
+}
+
+void PowerProfiles::ask(const QString& name, int triesLeft) {
+    auto message = QDBusMessage::createMethodCall(name, pathOf(name), QStringLiteral("org.freedesktop.DBus.Properties"),
+                                                  QStringLiteral("Get"));
+    message << name << QString::fromLatin1(activeProfile);
+    message.setAutoStartService(false);
+    auto* watcher = new QDBusPendingCallWatcher(bus_.connection().asyncCall(message), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, name, triesLeft](QDBusPendingCallWatcher* call) {
+        call->deleteLater();
+        const QDBusPendingReply<QDBusVariant> reply = *call;
+        if (reply.isError()) {
+            askAgain(this, reply.error(), triesLeft, [this, name, triesLeft] { ask(name, triesLeft - 1); });
+            return;
+        }
+        if (const auto profile = asText(reply.value().variant())) {
+            choice_.daemons[name.toStdString()] = *profile;
+            update();
+        }
+    });
+}
+
+void PowerProfiles::propertiesChanged(const QString& interface, const QVariantMap& changed,
+                                      const QStringList& invalidated) {
+    // What is asked again is asked by this name; the bus library ends the program where it can be none.
+    if (std::ranges::find(names, interface.toStdString()) == names.end())
+        return;
+    if (const auto profile = asText(changed.value(QLatin1String(activeProfile)))) {
+        choice_.daemons[interface.toStdString()] = *profile;
+        update();
+    } else if (invalidated.contains(QLatin1String(activeProfile))) {
+        ask(interface, answerTries);
+    }
+}
+
+void PowerProfiles::forgetDaemons() {
+    choice_.daemons.clear();
+    update();
+}
+
+void PowerProfiles::readFirmware() {
+    const bool isThere = ::lseek(firmware_.get(), 0, SEEK_SET) == 0;
+    choice_.firmware = isThere ? readDescriptor(firmware_.get(), 4096) : std::nullopt;
+    // The file of a driver that has gone away is ready for ever.
+    if (!choice_.firmware)
+        firmwareEvents_->setEnabled(false);
+    update();
+}
+
+void PowerProfiles::update() {
+    if (std::exchange(isLowPower_, choice_.isLowPower()) != isLowPower_)
+        observers_.notify();
+}

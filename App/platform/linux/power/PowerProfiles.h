@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/Observers.h"
+#include "platform/ProcessInfo.h"
+#include "platform/linux/files/FileDescriptor.h"
+#include "platform/linux/power/PowerProfileChoice.h"
+
+#include <QDBusMessage>
+#include <QDBusServiceWatcher>
+#include <QObject>
+#include <QSocketNotifier>
+
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+class SystemBus;
+
+/// The power profile: as power-profiles-daemon tells it on the system bus, under its new name or its old one, else as
+/// the firmware does.
+class PowerProfiles final : public QObject, public ProcessInfo {
+    Q_OBJECT
+
+public:
+    /// `sysfs` is where the kernel's tree is mounted, "/sys".
+    PowerProfiles(SystemBus& bus, const std::filesystem::path& sysfs);
+
+    /// Starts to follow the daemon and the firmware.
+    void start();
+
+    bool isLowPowerModeEnabled() const override { return isLowPower_; }
+    [[nodiscard]] Subscription onPowerStateChanged(std::function<void()> callback) override;
+
+private Q_SLOTS:
+    void propertiesChanged(const QString& interface, const QVariantMap& changed, const QStringList& invalidated);
+
+private:
+    SystemBus& bus_;
+    std::filesystem::path firmwareFile_;
+    FileDescriptor firmware_;
+    std::unique_ptr<QSocketNotifier> firmwareEvents_;
+    std::unique_ptr<QDBusServiceWatcher> watcher_;
+    PowerProfileChoice choice_;
+    bool isLowPower_ = false;
+    Observers<> observers_;
+    std::vector<Subscription> subscriptions_;
+
+    void follow();
+    void ask(const QString& name, int triesLeft);
+    void forgetDaemons();
+    void readFirmware();
+    void update();
+};

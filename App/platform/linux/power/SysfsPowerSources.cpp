@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/power/SysfsPowerSources.h"
+
+#include "platform/Clock.h"
+#include "platform/linux/power/SysfsScan.h"
+#include "platform/linux/power/UdevMonitor.h"
+
+#include <utility>
+
+namespace {
+
+/// Batteries that cannot be read for so long are gone.
+constexpr Duration patience{10};
+
+} // namespace
+
+class SysfsPowerSources::Observation final : public Notification {
+public:
+    Observation(SysfsPowerSources& owner, std::function<void()> changed)
+        : owner_(owner)
+        , reports(owner.loop_, owner.clock_, std::move(changed), [this] { return look(); }) {
+        owner_.observation_ = this;
+    }
+    ~Observation() override { owner_.observation_ = nullptr; }
+    Observation(const Observation&) = delete;
+    Observation& operator=(const Observation&) = delete;
+
+private:
+    SysfsPowerSources& owner_;
+
+    bool look() {
+        const bool differs = owner_.scan() != owner_.given_;
+        // What came to light only now, such as a status that lagged behind its plug, needs a round of its own to
+        // settle.
+        if (owner_.isUnsettled())
+            reports.settle();
+        return differs;
+    }
+
+public:
+    ChangeReports reports;
+    std::unique_ptr<UdevMonitor> monitor;
+};
+
+SysfsPowerSources::SysfsPowerSources(const std::filesystem::path& sysfs, const Clock& clock, MainLoop& loop)
+    : folder_(sysfs / "class/power_supply")
+    , clock_(clock)
+    , loop_(loop) {}
+
+SysfsPowerSources::~SysfsPowerSources() = default;
+
+SysfsPowerSources::Descriptions SysfsPowerSources::scan() {
+    const auto supplies = scanPowerSupplies(folder_);
+    PowerReading reading = PowerReading::of(supplies);
+    const Duration uptime = clock_.uptime();
+    if (reading.failsAfter(lastGood_, supplies)) {
+        const Duration awake = uptime - clock_.slept();
+        if (!failingSince_)
+            failingSince_ = awake;
+        if (awake - *failingSince_ < patience)
+            return lastGoodDescriptions_;
+    }
+    failingSince_.reset();
+    auto forEstimate = reading.forTimeEstimate();
+    forEstimate.uptime = uptime;
+    forEstimate.slept = clock_.slept();
+    lastGoodDescriptions_ = {.battery = reading.description(estimate_.update(forEstimate)),
+                             .registry = reading.registry()};
+    lastGood_ = std::move(reading);
+    return lastGoodDescriptions_;
+}
+
+PowerSnapshot SysfsPowerSources::snapshot() {
+    given_ = scan();
+    // What is unsettled now is looked at again soon, so that nobody waits a minute for it.
+    if (observation_ != nullptr && isUnsettled())
+        observation_->reports.settle();
+    return {.sources = std::vector<std::optional<Value>>{Value(given_.battery)},
+            .batteryProperties = [registry = given_.registry] { return std::optional(Value(registry)); }};
+}
+
+std::unique_ptr<PowerSources::Notification> SysfsPowerSources::notify(std::function<void()> changed) {
+    auto observation = std::make_unique<Observation>(*this, std::move(changed));
+    // Without udev the looks after an unsettled reading, and the program's own refresh, are what is left.
+    observation->monitor = UdevMonitor::start([reports = &observation->reports] { reports->event(); });
+    // Whatever happened just before the start may still be settling.
+    observation->reports.settle();
+    return observation;
+}

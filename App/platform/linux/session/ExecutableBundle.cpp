@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/session/ExecutableBundle.h"
+
+#include "platform/GlyphName.h"
+#include "platform/linux/session/ApplicationId.h"
+#include "platform/qt/PluginLoader.h"
+
+#include <algorithm>
+#include <array>
+#include <system_error>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view suffix = ".desktop";
+// An AppDir has four entries; the rest is for what its user may put there.
+constexpr int maxEntries = 100;
+// The longest name that can be on the message bus, where the identifier of an application is used as one.
+constexpr std::size_t maxLength = 255;
+
+/// Whether it can be an application's identifier: words of plain letters, digits, "_" and "-", joined by dots.
+bool isIdentifier(std::string_view text) {
+    const auto isAllowed = [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '-' ||
+               c == '.';
+    };
+    return !text.empty() && text.size() <= maxLength && std::all_of(text.begin(), text.end(), isAllowed) &&
+           text.find("..") == std::string_view::npos && text.front() != '.' && text.back() != '.';
+}
+
+/// The name of the one desktop entry in the folder; empty when there is none or more than one.
+std::optional<std::string> desktopEntry(const fs::path& folder) {
+    std::optional<std::string> found;
+    std::error_code error;
+    int entries = 0;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+        if (++entries > maxEntries)
+            return std::nullopt;
+        const std::string file = entry->path().filename().string();
+        std::error_code unknown;
+        if (!file.ends_with(suffix) || !entry->is_regular_file(unknown))
+            continue;
+        const std::string name = file.substr(0, file.size() - suffix.size());
+        if (found || !isIdentifier(name))
+            return std::nullopt;
+        found = name;
+    }
+    return error ? std::nullopt : found;
+}
+
+fs::path programBelow(const fs::path& prefix) {
+    return prefix / "bin/velmora";
+}
+
+fs::path iconBelow(const fs::path& prefix) {
+    return prefix / "share/icons/hicolor/scalable/apps" / std::string(applicationId).append(".svg");
+}
+
+/// Whether all that is installed with the program is below the prefix; of many files of a kind, one stands for all.
+bool isInstalledBelow(const fs::path& prefix) {
+    const std::array files = {
+        programBelow(prefix),
+        prefix / "share/applications" / (std::string(applicationId) + std::string(suffix)),
+        iconBelow(prefix),
+        prefix / "share/icons/hicolor/scalable/status" / (glyphIconName("battery.100") + ".svg"),
+        prefix / "share/sounds/velmora/Glass.wav",
+        prefix / "lib/velmora/velmora-chart.so",
+        prefix / "lib/velmora/velmora-sound.so",
+    };
+    return std::all_of(files.begin(), files.end(), [](const fs::path& file) {
+        std::error_code error;
+        return fs::is_regular_file(file, error);
+    });
+}
+
+} // namespace
+
+ExecutableBundle::ExecutableBundle(const fs::path& executable) : location_(executable.parent_path()) {
+    bool isInAppDir = false;
+    for (fs::path folder = location_; folder.has_relative_path(); folder = folder.parent_path()) {
+        std::error_code error;
+        const fs::path appRun = folder / "AppRun";
+        isInAppDir = isInAppDir || fs::exists(appRun, error);
+        if (!fs::equivalent(appRun, executable, error) || error)
+            continue;
+        if (auto name = desktopEntry(folder)) {
+            location_ = folder;
+            identifier_ = std::move(name);
+            return;
+        }
+    }
+    // The prefix in an AppDir is none of its own. An AppDir that something else starts may be gone at the next login,
+    // as an AppImage is when it has ended.
+    if (isInAppDir || location_.filename() != "bin")
+        return;
+    if (const fs::path prefix = prefixOf(executable); isInstalledBelow(prefix)) {
+        location_ = prefix;
+        identifier_ = applicationId;
+        isInstalled_ = true;
+    }
+}
+
+fs::path ExecutableBundle::program() const {
+    return isInstalled_ ? programBelow(location_) : location_ / "AppRun";
+}
+
+fs::path ExecutableBundle::icon() const {
+    return isInstalled_ ? iconBelow(location_) : location_ / (identifier_.value_or("") + ".svg");
+}

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/session/LogindSleep.h"
+
+#include "platform/linux/session/AskAgain.h"
+#include "platform/linux/session/SystemBus.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+
+namespace {
+
+constexpr QLatin1String service("org.freedesktop.login1");
+constexpr QLatin1String path("/org/freedesktop/login1");
+constexpr QLatin1String manager("org.freedesktop.login1.Manager");
+
+} // namespace
+
+LogindSleep::LogindSleep(SystemBus& bus) : bus_(bus) {}
+
+void LogindSleep::start() {
+    subscriptions_.push_back(bus_.onConnected([this] { follow(); }));
+    if (bus_.connection().isConnected())
+        follow();
+}
+
+void LogindSleep::follow() {
+    QDBusConnection connection = bus_.connection();
+    asleep_ = false;
+    // With the signature: of an argument of another type the bus library ends the program.
+    connection.connect(service, path, manager, QStringLiteral("PrepareForSleep"), {}, QStringLiteral("b"), this,
+                       SLOT(prepareForSleep(bool)));
+    watcher_ = std::make_unique<QDBusServiceWatcher>(service, connection, QDBusServiceWatcher::WatchForOwnerChange);
+    // A lock is only as good as the logind that gave it.
+    connect(watcher_.get(), &QDBusServiceWatcher::serviceOwnerChanged, this, [this] { takeLock(answerTries); });
+    takeLock(answerTries);
+}
+
+void LogindSleep::takeLock(int triesLeft) {
+    auto message = QDBusMessage::createMethodCall(service, path, manager, QStringLiteral("Inhibit"));
+    message << QStringLiteral("sleep") << QStringLiteral("Velmora")
+            << QStringLiteral("The history has to be on the disk first") << QStringLiteral("delay");
+    message.setAutoStartService(false);
+    const int request = ++request_;
+    auto* watcher = new QDBusPendingCallWatcher(bus_.connection().asyncCall(message), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+            [this, request, triesLeft](QDBusPendingCallWatcher* call) {
+                call->deleteLater();
+                const QDBusPendingReply<QDBusUnixFileDescriptor> reply = *call;
+                // A lock that arrives when the machine is already on its way to sleep would only hold that up.
+                if (request != request_ || asleep_)
+                    return;
+                if (reply.isError())
+                    askAgain(this, reply.error(), triesLeft, [this, request, triesLeft] {
+                        if (request == request_ && !asleep_)
+                            takeLock(triesLeft - 1);
+                    });
+                else
+                    lock_ = reply.value();
+            });
+}
+
+void LogindSleep::prepareForSleep(bool goesToSleep) {
+    asleep_ = goesToSleep;
+    if (goesToSleep) {
+        willSleep.notify();
+        lock_.reset();
+        return;
+    }
+    takeLock(answerTries);
+    didWake.notify();
+}

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/session/SessionApplication.h"
+
+#include "applicationadaptor.h"
+
+#include <QDBusError>
+#include <QDBusMessage>
+
+#include <utility>
+
+namespace {
+
+constexpr QLatin1String path("/app/velmora/Velmora");
+constexpr QLatin1String interface("org.freedesktop.Application");
+constexpr int answerMilliseconds = 5000;
+
+} // namespace
+
+SessionApplication::SessionApplication(QDBusConnection bus) : bus_(std::move(bus)) {
+    new ApplicationAdaptor(this); // owned by this object, as adaptors are
+    bus_.registerObject(path, this);
+}
+
+bool SessionApplication::claim() {
+    return bus_.registerService(QLatin1String(name));
+}
+
+bool SessionApplication::activateOther() {
+    // The right to take the focus came to this start, and is handed on.
+    QVariantMap platformData;
+    const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
+    if (!token.isEmpty())
+        platformData.insert(QStringLiteral("activation-token"), token);
+    const QString startup = qEnvironmentVariable("DESKTOP_STARTUP_ID");
+    if (!startup.isEmpty())
+        platformData.insert(QStringLiteral("desktop-startup-id"), startup);
+    auto message = QDBusMessage::createMethodCall(QLatin1String(name), path, interface, QStringLiteral("Activate"));
+    message << platformData;
+    message.setAutoStartService(false);
+    const QDBusMessage answer = bus_.call(message, QDBus::Block, answerMilliseconds);
+    // One that does not answer is there all the same.
+    return QDBusError(answer).type() != QDBusError::ServiceUnknown &&
+           answer.errorName() != QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner");
+}
+
+void SessionApplication::Activate(const QVariantMap& platformData) {
+    const QByteArray token = platformData.value(QStringLiteral("activation-token")).toString().toUtf8();
+    if (!token.isEmpty())
+        qputenv("XDG_ACTIVATION_TOKEN", token);
+    // On a later turn: the other start gets its answer first and can end.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (activated_)
+                activated_();
+        },
+        Qt::QueuedConnection);
+}
+
+void SessionApplication::Open(const QStringList& /*uris*/, const QVariantMap& platformData) {
+    Activate(platformData);
+}
+
+void SessionApplication::ActivateAction(const QString& /*actionName*/, const QVariantList& /*parameter*/,
+                                        const QVariantMap& /*platformData*/) {}

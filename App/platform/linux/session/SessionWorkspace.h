@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/Observers.h"
+#include "platform/Workspace.h"
+#include "platform/linux/session/TerminationSignals.h"
+
+#include <QDBusConnection>
+#include <QObject>
+
+class LogindSleep;
+
+/// The session, which ends with a signal or with the session bus, and the machine's sleep.
+class SessionWorkspace final : public QObject, public Workspace {
+    Q_OBJECT
+
+public:
+    SessionWorkspace(QDBusConnection sessionBus, TerminationSignals& signalEvents, LogindSleep& sleep);
+
+    /// Starts to listen.
+    void start();
+
+    [[nodiscard]] Subscription onWillSleep(std::function<void()> callback) override;
+    [[nodiscard]] Subscription onDidWake(std::function<void()> callback) override;
+    [[nodiscard]] Subscription onSessionEnd(std::function<void()> callback) override;
+
+private Q_SLOTS:
+    void endSession();
+
+private:
+    QDBusConnection sessionBus_;
+    TerminationSignals& signalEvents_;
+    LogindSleep& sleep_;
+    Observers<> sessionEnd_;
+};

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/session/SystemBus.h"
+
+#include "platform/MainLoop.h"
+
+#include <sys/socket.h>
+#include <sys/un.h>
+
+#include <string_view>
+#include <utility>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+QString connectionName(int attempt) {
+    return QStringLiteral("velmora-system-%1").arg(attempt);
+}
+
+/// What a bus answers to everybody: the ways in which it lets one in. The zero comes first in every conversation.
+constexpr std::string_view question("\0AUTH\r\n", 7);
+
+/// A line to who listens at the socket, with the question on its way; none when nobody listens.
+FileDescriptor lineTo(const fs::path& socket) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const std::string path = socket.string();
+    if (path.empty() || path.size() >= sizeof address.sun_path)
+        return {};
+    path.copy(address.sun_path, path.size());
+    FileDescriptor line(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    if (!line || ::connect(line.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+        ::send(line.get(), question.data(), question.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(question.size()))
+        return {};
+    return line;
+}
+
+} // namespace
+
+SystemBus::SystemBus(fs::path socket, MainLoop& loop)
+    : socket_(std::move(socket))
+    , loop_(loop)
+    , connection_(connectionName(0))
+    , watch_([this] {
+        watchSocket();
+        hangUp(); // it may be the one before that has not answered
+        tryToConnect();
+        // The socket is there a moment before somebody listens at it.
+        loop_.after(Duration(1), lifetime_.guard([this] { tryToConnect(); }));
+    }) {}
+
+SystemBus::~SystemBus() {
+    QDBusConnection::disconnectFromBus(connectionName(attempt_));
+}
+
+fs::path SystemBus::usualSocket() {
+    const QString address = qEnvironmentVariable("DBUS_SYSTEM_BUS_ADDRESS");
+    const QString prefix = QStringLiteral("unix:path=");
+    if (address.startsWith(prefix))
+        return QString(address.mid(prefix.size())).section(QLatin1Char(','), 0, 0).toStdString();
+    // An address of another kind is nothing that could be watched: then there is no system bus.
+    return address.isEmpty() ? "/run/dbus/system_bus_socket" : "";
+}
+
+void SystemBus::start() {
+    watchSocket();
+    tryToConnect();
+}
+
+void SystemBus::watchSocket() {
+    watch_.watch({socket_});
+}
+
+void SystemBus::tryToConnect() {
+    if (connection_.isConnected() || line_)
+        return;
+    line_ = lineTo(socket_);
+    if (!line_)
+        return;
+    answer_ = std::make_unique<QSocketNotifier>(line_.get(), QSocketNotifier::Read);
+    QObject::connect(answer_.get(), &QSocketNotifier::activated, this, &SystemBus::answered);
+}
+
+void SystemBus::answered() {
+    char first = 0;
+    const bool isAlive = ::recv(line_.get(), &first, 1, MSG_DONTWAIT) == 1;
+    hangUp();
+    if (isAlive)
+        connectNow();
+}
+
+void SystemBus::hangUp() {
+    if (!answer_)
+        return;
+    answer_->setEnabled(false);
+    answer_.release()->deleteLater(); // it may be the one that is calling
+    line_ = FileDescriptor();
+}
+
+void SystemBus::connectNow() {
+    QDBusConnection::disconnectFromBus(connectionName(attempt_));
+    connection_ = QDBusConnection::connectToBus(QStringLiteral("unix:path=") + QString::fromStdString(socket_.string()),
+                                                connectionName(++attempt_));
+    if (!connection_.isConnected())
+        return;
+    connection_.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                        QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
+                        SLOT(connectionLost()));
+    connected_.notify();
+}
+
+void SystemBus::connectionLost() {
+    lost_.notify();
+    // The next bus may already be listening, with its socket made before we knew of the loss.
+    tryToConnect();
+}

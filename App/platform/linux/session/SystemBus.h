@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/Lifetime.h"
+#include "platform/Observers.h"
+#include "platform/linux/files/FileDescriptor.h"
+#include "platform/linux/files/FolderWatch.h"
+
+#include <QDBusConnection>
+#include <QObject>
+#include <QSocketNotifier>
+
+#include <filesystem>
+#include <memory>
+
+class MainLoop;
+
+/// The system bus, which may be absent, appear late, hang, and be restarted under us. The socket that it listens at is
+/// watched, so that nothing has to be tried again and again. And since the bus library waits for a bus that hangs, and
+/// the whole program with it, the bus is first asked a question of our own, which can be left unanswered.
+class SystemBus final : public QObject {
+    Q_OBJECT
+
+public:
+    /// `socket` is where the bus listens.
+    SystemBus(std::filesystem::path socket, MainLoop& loop);
+    ~SystemBus() override;
+
+    /// Where the bus of this machine listens: what DBUS_SYSTEM_BUS_ADDRESS names, else the usual place.
+    static std::filesystem::path usualSocket();
+
+    /// Connects soon if the bus is there, and from now on whenever it comes.
+    void start();
+
+    /// The present connection; not connected while there is no bus.
+    QDBusConnection connection() const { return connection_; }
+
+    /// Calls back at each new connection; signals of the bus have to be subscribed to again then.
+    [[nodiscard]] Subscription onConnected(std::function<void()> callback) {
+        return connected_.add(std::move(callback));
+    }
+
+    /// Calls back when the connection is lost.
+    [[nodiscard]] Subscription onLost(std::function<void()> callback) { return lost_.add(std::move(callback)); }
+
+private Q_SLOTS:
+    void connectionLost();
+
+private:
+    std::filesystem::path socket_;
+    MainLoop& loop_;
+    QDBusConnection connection_;
+    Observers<> connected_;
+    Observers<> lost_;
+    FolderWatch watch_;
+    int attempt_ = 0;
+    FileDescriptor line_; ///< while the question is open
+    std::unique_ptr<QSocketNotifier> answer_;
+    Lifetime lifetime_;
+
+    void tryToConnect();
+    void answered();
+    void hangUp();
+    void connectNow();
+    void watchSocket();
+};

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/popover/GaugeBar.h"
+
+#include <QPainter>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int thickness = 6;
+
+} // namespace
+
+GaugeBar::GaugeBar(QWidget* parent) : QProgressBar(parent) {
+    setTextVisible(false);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void GaugeBar::setColors(const QColor& color, const QColor& track) {
+    color_ = color;
+    track_ = track;
+    update();
+}
+
+QSize GaugeBar::sizeHint() const {
+    return {4 * thickness, thickness};
+}
+
+void GaugeBar::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    const QRectF bar = rect();
+    const qreal radius = bar.height() / 2;
+    painter.setBrush(track_);
+    painter.drawRoundedRect(bar, radius, radius);
+    const qreal share = maximum() > minimum() ? qreal(value() - minimum()) / (maximum() - minimum()) : 0;
+    if (share <= 0)
+        return;
+    QRectF filled = bar;
+    filled.setWidth(std::max(bar.height(), bar.width() * share)); // as a dot at least
+    if (layoutDirection() == Qt::RightToLeft)
+        filled.moveRight(bar.right());
+    painter.setBrush(color_);
+    painter.drawRoundedRect(filled, radius, radius);
+}

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/popover/HistoryChart.h"
+
+#include "platform/qt/PluginLoader.h"
+#include "views/popover/HistoryPlot.h"
+#include "views/style/ViewStyle.h"
+
+#include <QLabel>
+#include <QStackedLayout>
+
+namespace {
+
+/// Null when there is none for us.
+HistoryPlot* loadPlot(QWidget* parent) {
+    const auto make = reinterpret_cast<decltype(&makeHistoryPlot)>(pluginFunction("velmora-chart", "makeHistoryPlot"));
+    return make != nullptr ? make(parent) : nullptr;
+}
+
+} // namespace
+
+HistoryChart::HistoryChart(QWidget* parent)
+    : QWidget(parent)
+    , layers_(new QStackedLayout(this))
+    , empty_(new QLabel(QStringLiteral("Collecting history… a graph appears after a few minutes."), this)) {
+    setObjectName(QStringLiteral("historyChart"));
+    layers_->setContentsMargins(0, 0, 0, 0);
+    empty_->setObjectName(QStringLiteral("historyChartEmpty"));
+    empty_->setTextFormat(Qt::PlainText);
+    empty_->setAlignment(Qt::AlignCenter);
+    empty_->setWordWrap(true);
+    layers_->addWidget(empty_);
+}
+
+void HistoryChart::setContent(const Content& content) {
+    QPalette colors = palette();
+    colors.setColor(QPalette::WindowText, content.secondary);
+    empty_->setPalette(colors);
+    empty_->setFont(textFont(TextStyle::caption));
+    const bool hasLine = content.points.size() >= 2;
+    if (hasLine && plot_ == nullptr && (plot_ = loadPlot(this)) != nullptr)
+        layers_->addWidget(plot_);
+    if (!hasLine || plot_ == nullptr) { // everything else can be used
+        layers_->setCurrentWidget(empty_);
+        setAccessibleName(empty_->text());
+        return;
+    }
+    plot_->setContent(content);
+    layers_->setCurrentWidget(plot_);
+    setAccessibleName(QString::fromStdString(chartDescription(content.points, content.days)));
+}

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "views/text/ChartPoints.h"
+
+#include <QWidget>
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+class HistoryPlot;
+class QLabel;
+class QStackedLayout;
+
+/// The charge over the last days as a line, with a dashed rule at the charge limit; a sentence instead while there is
+/// not enough to draw.
+class HistoryChart final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// What it shows.
+    struct Content {
+        std::vector<Point> points;
+        std::vector<Date> marks;           ///< on the time axis
+        Date since;                        ///< the left edge
+        Date now;                          ///< the right edge
+        std::int64_t days = 1;             ///< in the window
+        std::optional<std::int64_t> limit; ///< percent; empty for no rule
+        QColor line;                       ///< of the charge
+        QColor rule;                       ///< of the limit
+        QColor ruleText;                   ///< of what stands at it
+        QColor secondary;                  ///< of the marks and of the sentence
+    };
+
+    explicit HistoryChart(QWidget* parent = nullptr);
+
+    /// Shows this from now on; the sentence where there are fewer than two points, or nothing that draws them.
+    void setContent(const Content& content);
+
+private:
+    QStackedLayout* layers_;
+    QLabel* empty_;
+    HistoryPlot* plot_ = nullptr; ///< made when there is something to draw
+};

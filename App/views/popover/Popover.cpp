@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/popover/Popover.h"
+
+#include "views/popover/ThinScrollBar.h"
+#include "views/style/ViewStyle.h"
+#include "views/text/PopoverPlacement.h"
+
+#include <QCursor>
+#include <QEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QLayout>
+#include <QPainter>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace {
+
+bool isWaylandSession() {
+    return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
+/// On plain X11 a popup window closes at a click anywhere. Under Wayland, and on X servers that run inside it, a click
+/// on somebody else's window never reaches a popup; a tool window that closes when it loses the focus does better
+/// there.
+Qt::WindowFlags popoverFlags() {
+    const bool plainX11 = QGuiApplication::platformName() == QLatin1String("xcb") && !isWaylandSession();
+    return plainX11 ? Qt::Popup | Qt::FramelessWindowHint
+                    : Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;
+}
+
+QScreen* screenAt(std::optional<ScreenPoint> point) {
+    QScreen* screen = point ? QGuiApplication::screenAt(QPoint(point->x, point->y)) : nullptr;
+    return screen != nullptr ? screen : QGuiApplication::primaryScreen();
+}
+
+/// Longer than anybody reads without moving the pointer, and shorter than desktops wait before they lock the screen.
+constexpr auto longestLook = std::chrono::minutes(2);
+
+constexpr int scrollBarGap = 2; ///< between the scroll bar and the sides
+
+/// A line around the window, before everything that is in it.
+class Border final : public QWidget {
+public:
+    explicit Border(QWidget* parent) : QWidget(parent) { setAttribute(Qt::WA_TransparentForMouseEvents); }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QColor line = palette().color(QPalette::WindowText);
+        line.setAlpha(60);
+        QPainter painter(this);
+        // As areas: a pen lies across the edges, and half of it outside.
+        for (const QRect& side : QRegion(rect()) - QRegion(rect().adjusted(1, 1, -1, -1)))
+            painter.fillRect(side, line);
+    }
+};
+
+} // namespace
+
+Popover::Popover()
+    : QWidget(nullptr, popoverFlags())
+    , area_(new QScrollArea(this))
+    , scrollBar_(new ThinScrollBar(area_->verticalScrollBar(), this))
+    , border_(new Border(this)) {
+    setObjectName(QStringLiteral("popover"));
+    setWindowTitle(QStringLiteral("Velmora"));
+    area_->setFrameShape(QFrame::NoFrame);
+    area_->setWidgetResizable(true);
+    area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // it would take its width from the content
+    area_->setFocusPolicy(Qt::NoFocus);
+    area_->verticalScrollBar()->setAccessibleName(QStringLiteral("Scroll"));
+    untilNobodyLooks_.setSingleShot(true);
+    untilNobodyLooks_.setInterval(longestLook);
+    connect(&untilNobodyLooks_, &QTimer::timeout, this, &Popover::closeUnlessPointerMoves);
+}
+
+void Popover::setContent(QWidget* content) {
+    area_->setWidget(content);
+    content->setFocusPolicy(Qt::ClickFocus);
+}
+
+void Popover::showAt(std::optional<ScreenPoint> point) {
+    if (point && isCredible(*point, isWaylandSession()))
+        point_ = point;
+    place();
+    show();
+    place(); // now that what is inside has its fonts
+    raise();
+    activateWindow();
+    // A popup holds the keyboard and the pointer, which a screen locker needs for itself.
+    pointer_ = QCursor::pos();
+    if (windowType() == Qt::Popup)
+        untilNobodyLooks_.start();
+    // Nothing is chosen until the user takes the keyboard.
+    if (QWidget* content = area_->widget())
+        content->setFocus();
+}
+
+void Popover::closeUnlessPointerMoves() {
+    const QPoint before = std::exchange(pointer_, QCursor::pos());
+    if (pointer_ == before)
+        hide();
+    else
+        untilNobodyLooks_.start();
+}
+
+void Popover::place() {
+    const QScreen* screen = screenAt(point_);
+    QWidget* content = area_->widget();
+    if (screen == nullptr || content == nullptr)
+        return;
+    const QRect available = screen->availableGeometry();
+    // What is inside what is inside tells its new height by such an event only.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    content->layout()->activate();
+    const int wanted = content->layout()->hasHeightForWidth() ? content->layout()->totalHeightForWidth(popoverWidth)
+                                                              : content->sizeHint().height();
+    // A fixed size is also what makes tiling compositors let it float.
+    setFixedSize(popoverWidth, std::min(wanted, available.height()));
+    area_->setGeometry(rect());
+    border_->setGeometry(rect());
+    const QRect side = rect().marginsRemoved({scrollBarGap, scrollBarGap, scrollBarGap, scrollBarGap});
+    scrollBar_->setGeometry(isRightToLeft() ? side.left() : side.right() + 1 - ThinScrollBar::thickness, side.top(),
+                            ThinScrollBar::thickness, side.height());
+    const ScreenPoint corner = placePopover(
+        point_, {available.x(), available.y(), available.width(), available.height()}, width(), this->height());
+    move(corner.x, corner.y);
+}
+
+bool Popover::wasJustClosed() const {
+    constexpr qint64 sameClickMilliseconds = 250;
+    return sinceClosed_.isValid() && sinceClosed_.elapsed() < sameClickMilliseconds;
+}
+
+bool Popover::event(QEvent* event) {
+    if (event->type() == QEvent::WindowDeactivate)
+        hide();
+    return QWidget::event(event);
+}
+
+void Popover::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape)
+        hide();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void Popover::hideEvent(QHideEvent* event) {
+    sinceClosed_.start();
+    untilNobodyLooks_.stop();
+    Q_EMIT closed();
+    QWidget::hideEvent(event);
+}

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/Lifetime.h"
+#include "platform/Platform.h"
+#include "platform/Subscription.h"
+#include "views/style/ViewStyle.h"
+#include "views/text/PopoverText.h"
+
+#include <QWidget>
+
+#include <functional>
+#include <vector>
+
+class AppModel;
+class DailySummaryView;
+class GaugeBar;
+class HistoryChart;
+class LinkButton;
+class QLabel;
+class RingView;
+class SegmentedPicker;
+
+/// The content of the popover: the ring with what it means, the details, the history as chart and table, and the ways
+/// to the settings and out. It follows the model while it is on the screen, and does nothing while it is not.
+class PopoverView final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// What its two buttons do.
+    PopoverView(AppModel& model, const Platform& platform, std::function<void()> openSettings,
+                std::function<void()> quit, QWidget* parent = nullptr);
+    ~PopoverView() override;
+
+    /// Brings everything up to date, also while it is not on the screen; to be called before it is shown.
+    void rebuild();
+
+    /// How often it has been brought up to date, so that a test can see that nothing is done behind a closed popover.
+    int rebuilds() const { return rebuilds_; }
+
+Q_SIGNALS:
+    /// Its height may have changed.
+    void resized();
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    /// A label with a value at the other end of the line.
+    struct Row {
+        QWidget* widget = nullptr;
+        QLabel* label = nullptr;
+        QLabel* value = nullptr;
+    };
+
+    AppModel& model;
+    Platform platform_;
+    std::function<void()> openSettings;
+    int range = 1; ///< days in the chart, 1 or 7
+    int rebuilds_ = 0;
+    bool isQueued_ = false;
+
+    QWidget* noBattery_;
+    QLabel* noBatterySymbol_;
+    QLabel* noBatteryTitle_;
+    QLabel* noBatteryNote_;
+    QWidget* battery_;
+    RingView* ring_;
+    QLabel* state_;
+    QLabel* pluggedIn_;
+    QWidget* snooze_;
+    QLabel* snoozeText_;
+    LinkButton* cancel_;
+    QWidget* cycles_;
+    Row cycleRow_;
+    GaugeBar* cycleBar_;
+    std::vector<Row> details_;
+    SegmentedPicker* picker_;
+    HistoryChart* chart_;
+    DailySummaryView* summary_;
+    QLabel* note_;
+
+    std::vector<Subscription> observations_;
+    Lifetime lifetime_;
+
+    static Row makeRow(const char* name, QWidget* parent);
+    QWidget* makeNoBattery();
+    QWidget* makeBattery();
+    QWidget* makeHeader();
+    QWidget* makeCycles();
+    QWidget* makeFooter(std::function<void()> quit);
+    void queueRebuild();
+    void showNoBattery();
+    void showHeader(const BatteryState& state, Date now);
+    void showCycles(const BatteryState& state);
+    void showDetails(const BatteryState& state);
+    void showChart(Date now);
+    QColor color(Tint tint, Use use = Use::text) const;
+    QColor trackColor() const;
+    void setText(QLabel* label, const QString& text, TextStyle style, Tint tint);
+    void setRow(const Row& row, const QString& label, const QString& value, Tint tint);
+};

@@ -1,0 +1,322 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/settings/SettingsView.h"
+
+#include "platform/Calendar.h"
+#include "platform/Clock.h"
+#include "platform/LoginItem.h"
+#include "platform/UserDefaults.h"
+#include "platform/qt/MessageBoxText.h"
+#include "platform/qt/ToQString.h"
+#include "shell/AppModel.h"
+#include "views/settings/SoundPicker.h"
+#include "views/settings/StepperBox.h"
+#include "views/settings/TimeBox.h"
+#include "views/settings/ToggleSwitch.h"
+#include "views/style/ViewStyle.h"
+
+#include <QAbstractSpinBox>
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPainter>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int margin = 20;
+constexpr int rowMargin = 12;
+constexpr int rowHeight = 34;
+
+/// The ground that the rows of one section stand on, with lines between them.
+class Card final : public QWidget {
+public:
+    explicit Card(QWidget* parent) : QWidget(parent) {
+        auto* layout = new QVBoxLayout(this);
+        layout->setContentsMargins(0, 3, 0, 3);
+        layout->setSpacing(0);
+    }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QColor line = palette().color(QPalette::WindowText);
+        line.setAlphaF(0.12F);
+        painter.setPen(line);
+        painter.setBrush(palette().color(QPalette::Base));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 8, 8);
+        painter.setRenderHint(QPainter::Antialiasing, false);
+        bool isFirst = true;
+        for (const QObject* child : children()) {
+            const auto* row = qobject_cast<const QWidget*>(child);
+            if (row == nullptr || !row->isVisible())
+                continue;
+            if (!isFirst)
+                painter.drawLine(rowMargin, row->y(), width() - rowMargin, row->y());
+            isFirst = false;
+        }
+    }
+};
+
+} // namespace
+
+SettingsView::SettingsView(AppModel& theModel, const Platform& platform, QWidget* parent)
+    : QWidget(parent)
+    , model(theModel)
+    , platform_(platform) {
+    setObjectName(QStringLiteral("settingsView"));
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(margin, margin, margin, margin);
+    layout->setSpacing(6);
+    for (const SettingsSection& section : settingsSections()) {
+        QBoxLayout* rows = addSection(section.header);
+        for (const SettingsControl& control : section.controls)
+            addControl(rows, control);
+    }
+    addGeneral();
+    layout->addStretch(1);
+    style();
+    readAgain();
+    observations_.push_back(platform_.defaults.onChange([this] { sync(); }));
+}
+
+SettingsView::~SettingsView() = default;
+
+QBoxLayout* SettingsView::addSection(const std::string& header) {
+    auto* layout = static_cast<QVBoxLayout*>(this->layout());
+    if (!headers_.empty())
+        layout->addSpacing(header.empty() ? 4 : 10);
+    auto* label = new QLabel(toQString(header), this);
+    label->setObjectName(QStringLiteral("header"));
+    label->setVisible(!header.empty());
+    layout->addWidget(label);
+    headers_.push_back(label);
+    auto* card = new Card(this);
+    card->setObjectName(QStringLiteral("section"));
+    layout->addWidget(card);
+    return static_cast<QBoxLayout*>(card->layout());
+}
+
+void SettingsView::addRow(QBoxLayout* section, QLabel* label, QWidget* control) {
+    auto* row = new QWidget(section->parentWidget());
+    row->setObjectName(QStringLiteral("row"));
+    row->setMinimumHeight(rowHeight);
+    auto* line = new QHBoxLayout(row);
+    line->setContentsMargins(rowMargin, 3, rowMargin, 3);
+    label->setParent(row);
+    label->setWordWrap(true);
+    label->setTextFormat(Qt::PlainText);
+    label->setBuddy(control);
+    control->setParent(row);
+    control->setAccessibleName(label->text());
+    line->addWidget(label, 1);
+    line->addWidget(control);
+    section->addWidget(row);
+}
+
+void SettingsView::addControl(QBoxLayout* section, const SettingsControl& control) {
+    auto* label = new QLabel(toQString(control.label));
+    label->setObjectName(toQString(control.key) + QLatin1String("Label"));
+    QWidget* widget = nullptr;
+    switch (control.kind) {
+    case SettingsControl::Kind::toggle:
+        widget = makeToggle(control);
+        break;
+    case SettingsControl::Kind::stepper:
+        widget = makeStepper(control, label);
+        break;
+    case SettingsControl::Kind::sound:
+        widget = makeSound(control);
+        break;
+    case SettingsControl::Kind::time:
+        widget = makeTime(control);
+        break;
+    }
+    widget->setObjectName(toQString(control.key));
+    widget->installEventFilter(this);
+    addRow(section, label, widget);
+    if (!control.enabledBy.empty()) {
+        // Several are called "Sound"; what they belong to is seen above them, and heard by this.
+        widget->setAccessibleDescription(findChild<QWidget*>(toQString(control.enabledBy))->accessibleName());
+        syncs_.emplace_back([this, widget, label, key = control.enabledBy] {
+            const bool isOn = platform_.defaults.boolForKey(key);
+            widget->setEnabled(isOn);
+            label->setEnabled(isOn);
+        });
+    }
+}
+
+QWidget* SettingsView::makeToggle(const SettingsControl& control) {
+    auto* toggle = new ToggleSwitch;
+    syncs_.emplace_back([this, toggle, key = control.key] { toggle->setChecked(platform_.defaults.boolForKey(key)); });
+    connect(toggle, &ToggleSwitch::clicked, this, [this, key = control.key](bool on) {
+        platform_.defaults.setObject(key, on);
+        sync();
+    });
+    if (control.asksPermission) {
+        // Whoever switches it on; but a question that comes out of nothing, with no form to be seen, would frighten.
+        connect(toggle, &ToggleSwitch::toggled, this, [this](bool on) {
+            if (on && isVisible())
+                model.notifier.requestIfNeeded();
+        });
+    }
+    return toggle;
+}
+
+QWidget* SettingsView::makeStepper(const SettingsControl& control, QLabel* label) {
+    auto* box = new StepperBox(static_cast<int>(control.least), static_cast<int>(control.most));
+    syncs_.emplace_back([this, box, label, control] {
+        const std::int64_t value = platform_.defaults.integerForKey(control.key);
+        box->setStored(value);
+        label->setText(toQString(stepperLabel(control, value)));
+        box->setAccessibleName(label->text());
+    });
+    connect(box, &StepperBox::chosen, this, [this, key = control.key](int value) {
+        platform_.defaults.setObject(key, value);
+        sync();
+    });
+    return box;
+}
+
+QWidget* SettingsView::makeSound(const SettingsControl& control) {
+    auto* picker = new SoundPicker(platform_.sounds);
+    syncs_.emplace_back([this, picker, key = control.key] {
+        picker->setStored(platform_.defaults.stringForKey(key).value_or("default"));
+    });
+    connect(picker, &SoundPicker::chosen, this,
+            [this, key = control.key](const std::string& value) { platform_.defaults.setObject(key, value); });
+    return picker;
+}
+
+QWidget* SettingsView::makeTime(const SettingsControl& control) {
+    auto* box = new TimeBox;
+    syncs_.emplace_back([this, box, key = control.key] {
+        box->setStored(platform_.defaults.integerForKey(key), platform_.calendar.timeOfDay(platform_.clock.now()));
+    });
+    connect(box, &TimeBox::chosen, this,
+            [this, key = control.key](int minutes) { platform_.defaults.setObject(key, minutes); });
+    return box;
+}
+
+void SettingsView::addGeneral() {
+    QBoxLayout* general = addSection("General");
+    launchAtLogin_ = new ToggleSwitch;
+    launchAtLogin_->setObjectName(QStringLiteral("launchAtLogin"));
+    connect(launchAtLogin_, &ToggleSwitch::clicked, this, [this](bool on) { setLaunchAtLogin(on); });
+    addRow(general, new QLabel(QStringLiteral("Launch at Login")), launchAtLogin_);
+    loginError_ = addNote(general, "loginError", {});
+    loginError_->setVisible(false);
+    const auto addButton = [&](const char* name, const QString& label, auto action) {
+        auto* row = new QWidget(general->parentWidget());
+        row->setMinimumHeight(rowHeight);
+        auto* line = new QHBoxLayout(row);
+        line->setContentsMargins(rowMargin, 3, rowMargin, 3);
+        auto* button = new QPushButton(label, row);
+        button->setObjectName(QLatin1String(name));
+        button->setAutoDefault(false);
+        connect(button, &QPushButton::clicked, this, action);
+        line->addWidget(button);
+        line->addStretch(1);
+        general->addWidget(row);
+    };
+    addButton("exportHistory", QStringLiteral("Export History as CSV…"), [this] { model.exportHistoryCSV(); });
+    addButton("resetHistory", QStringLiteral("Reset History…"), [this] { askReset(); });
+    bundleNote_ =
+        addNote(general, "bundleNote",
+                QStringLiteral("Notifications need Velmora to run as an app bundle (see make_app.sh). Run from "
+                               "the command line, alerts cannot be delivered."));
+    bundleNote_->setVisible(!model.notifier.available());
+    QBoxLayout* last = addSection({});
+    addNote(last, "chargingNote",
+            QStringLiteral("macOS may also hold charging at 80% itself (Optimized Battery Charging, System Settings, "
+                           "Battery). Velmora can only remind you; it cannot control charging."));
+}
+
+QLabel* SettingsView::addNote(QBoxLayout* section, const char* name, const QString& words) {
+    auto* note = new QLabel(words, section->parentWidget());
+    note->setObjectName(QLatin1String(name));
+    note->setTextFormat(Qt::PlainText);
+    note->setWordWrap(true);
+    note->setContentsMargins(rowMargin, 6, rowMargin, 6);
+    section->addWidget(note);
+    notes_.push_back(note);
+    return note;
+}
+
+void SettingsView::readAgain() {
+    launchAtLogin_->setChecked(platform_.loginItem.isEnabled());
+    sync();
+}
+
+void SettingsView::sync() {
+    for (const auto& each : syncs_)
+        each();
+}
+
+void SettingsView::style() {
+    for (QLabel* header : headers_)
+        header->setFont(textFont(TextStyle::headline));
+    for (QLabel* note : notes_) {
+        Tint tint = Tint::secondary;
+        if (note == loginError_)
+            tint = Tint::red;
+        else if (note == bundleNote_)
+            tint = Tint::orange;
+        QPalette colors = palette();
+        colors.setColor(QPalette::WindowText, tintColor(tint, palette()));
+        note->setPalette(colors);
+        note->setFont(textFont(TextStyle::caption));
+    }
+    // On dark cards the frames of fields are not seen, so their ground tells where they are.
+    const bool isDark =
+        palette().color(QPalette::Window).lightness() < palette().color(QPalette::WindowText).lightness();
+    for (auto* box : findChildren<QAbstractSpinBox*>()) {
+        QPalette colors = palette();
+        if (isDark)
+            colors.setColor(QPalette::Base, palette().color(QPalette::Button));
+        box->setPalette(colors);
+    }
+}
+
+void SettingsView::setLaunchAtLogin(bool on) {
+    const std::optional<std::string> failure =
+        on ? platform_.loginItem.registerItem() : platform_.loginItem.unregisterItem();
+    loginError_->setVisible(failure.has_value());
+    loginError_->setText(failure ? toQString("Could not change Launch at Login: " + *failure) : QString());
+    // What really is, not what was wanted.
+    launchAtLogin_->setChecked(platform_.loginItem.isEnabled());
+}
+
+void SettingsView::askReset() {
+    if (confirmReset_)
+        return;
+    confirmReset_ = new QMessageBox(QMessageBox::Warning, QStringLiteral("Velmora"), QStringLiteral("Reset history?"),
+                                    QMessageBox::NoButton, this);
+    confirmReset_->setObjectName(QStringLiteral("confirmReset"));
+    confirmReset_->setAttribute(Qt::WA_DeleteOnClose);
+    setExplanation(*confirmReset_, QStringLiteral("This deletes all saved battery samples used for the chart."));
+    const QAbstractButton* reset = confirmReset_->addButton(QStringLiteral("Reset"), QMessageBox::DestructiveRole);
+    QPushButton* cancel = confirmReset_->addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
+    confirmReset_->setDefaultButton(cancel);
+    confirmReset_->setEscapeButton(cancel);
+    connect(reset, &QAbstractButton::clicked, this, [this] { model.resetHistory(); });
+    confirmReset_->open(); // the form waits, the program does not
+}
+
+bool SettingsView::eventFilter(QObject* watched, QEvent* event) {
+    // The wheel scrolls the form; only what was chosen by keyboard or click turns with it.
+    const auto* widget = qobject_cast<QWidget*>(watched);
+    if (event->type() == QEvent::Wheel && widget != nullptr && !widget->hasFocus()) {
+        event->ignore();
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+void SettingsView::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::FontChange)
+        style();
+}

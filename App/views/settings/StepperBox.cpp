@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/settings/StepperBox.h"
+
+#include <algorithm>
+#include <limits>
+
+StepperBox::StepperBox(int least, int most, QWidget* parent) : QSpinBox(parent), least_(least), most_(most) {
+    setRange(least, most);
+    setAccelerated(true);
+    setKeyboardTracking(false); // a number that is being typed is not meant yet
+    connect(this, &QSpinBox::valueChanged, this, [this](int value) {
+        if (!isSetting_)
+            choose(value);
+    });
+}
+
+void StepperBox::setStored(std::int64_t stored) {
+    using Limits = std::numeric_limits<int>;
+    const auto shown = static_cast<int>(std::clamp<std::int64_t>(stored, Limits::min(), Limits::max()));
+    const int minimumShown = std::min(least_, shown);
+    const int maximumShown = std::max(most_, shown);
+    isSetting_ = true;
+    // A new range, even the same one, lets go of the arrow that the user holds.
+    if (minimum() != minimumShown || maximum() != maximumShown)
+        setRange(minimumShown, maximumShown);
+    if (value() != shown) // else what is being typed stays
+        setValue(shown);
+    isSetting_ = false;
+}
+
+void StepperBox::stepBy(int steps) {
+    // From beyond the range the first step leads into it.
+    const auto wanted = std::int64_t{value()} + steps;
+    const auto next = static_cast<int>(std::clamp<std::int64_t>(wanted, least_, most_));
+    if (next != value())
+        choose(next);
+}
+
+void StepperBox::choose(int value) {
+    const int inside = std::clamp(value, least_, most_);
+    setStored(inside);
+    Q_EMIT chosen(inside);
+}

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/settings/TimeBox.h"
+
+#include "views/text/SettingsForm.h"
+#include "views/text/TimeText.h"
+
+#include <QEvent>
+#include <QLineEdit>
+#include <QLocale>
+#include <QSignalBlocker>
+
+TimeBox::TimeBox(QWidget* parent) : QTimeEdit(parent) {
+    setDisplayFormat(shortTimeFormat(QLocale::system()));
+    setKeyboardTracking(false); // a time that is being typed is not meant yet
+    setWrapping(true);          // after 23 comes 0
+    lineEdit()->installEventFilter(this);
+    connect(this, &QTimeEdit::timeChanged, this, [this](QTime time) {
+        constexpr int minutesOfHour = 60;
+        Q_EMIT chosen(time.hour() * minutesOfHour + time.minute());
+    });
+}
+
+void TimeBox::setStored(std::int64_t minutes, Calendar::TimeOfDay otherwise) {
+    const auto stored = timeOfMinutes(minutes);
+    const QTime shown = stored ? QTime(stored->hour, stored->minute) : QTime(otherwise.hour, otherwise.minute);
+    if (shown == time())
+        return; // what is being typed stays
+    const QSignalBlocker quiet(this);
+    setTime(shown);
+}
+
+bool TimeBox::eventFilter(QObject* watched, QEvent* event) {
+    // The toolkit only puts the cursor there, where no more digits fit in. When the field is done with the click, what
+    // was clicked is selected.
+    if (watched == lineEdit() && event->type() == QEvent::MouseButtonRelease) {
+        QMetaObject::invokeMethod(
+            this, [this] { setSelectedSection(currentSection()); }, Qt::QueuedConnection);
+    }
+    return QTimeEdit::eventFilter(watched, event);
+}

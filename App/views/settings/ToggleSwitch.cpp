@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/settings/ToggleSwitch.h"
+
+#include "views/style/ViewStyle.h"
+
+#include <QPainter>
+
+namespace {
+
+constexpr QSize trackSize(38, 22);
+constexpr int room = 3; ///< around it, for the focus ring
+constexpr qreal knobGap = 2.5;
+
+} // namespace
+
+ToggleSwitch::ToggleSwitch(QWidget* parent) : QCheckBox(parent) {
+    setFixedSize(sizeHint());
+}
+
+QSize ToggleSwitch::sizeHint() const {
+    return trackSize + QSize(2 * room, 2 * room);
+}
+
+bool ToggleSwitch::hitButton(const QPoint& point) const {
+    return rect().contains(point);
+}
+
+void ToggleSwitch::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setOpacity(isEnabled() ? 1 : 0.45);
+    const QRectF track(QPointF(room, room), QSizeF(trackSize));
+    const qreal radius = track.height() / 2;
+    QColor off = palette().color(QPalette::Active, QPalette::WindowText); // it is pale enough by the opacity
+    off.setAlphaF(0.35F);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(isChecked() ? tintColor(Tint::accent, palette(), Use::graphics) : off);
+    painter.drawRoundedRect(track, radius, radius);
+    QRectF knob(0, 0, track.height() - 2 * knobGap, track.height() - 2 * knobGap);
+    const bool atRight = isChecked() != (layoutDirection() == Qt::RightToLeft);
+    knob.moveCenter(QPointF(atRight ? track.right() - radius : track.left() + radius, track.center().y()));
+    painter.setBrush(Qt::white);
+    painter.drawEllipse(knob);
+    if (hasFocus()) {
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+        painter.drawRoundedRect(track.marginsAdded({2, 2, 2, 2}), radius + 2, radius + 2);
+    }
+}

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/style/DesktopPalette.h"
+
+#include "views/style/ViewStyle.h"
+
+namespace {
+
+QPalette darkPalette() {
+    const QColor text(0xf2, 0xf2, 0xf2);
+    QPalette palette(QColor(0x3a, 0x3a, 0x3d), QColor(0x2a, 0x2a, 0x2c));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText})
+        palette.setColor(role, text);
+    palette.setColor(QPalette::BrightText, Qt::white);
+    palette.setColor(QPalette::Base, QColor(0x1e, 0x1e, 0x20));
+    palette.setColor(QPalette::AlternateBase, QColor(0x26, 0x26, 0x28));
+    palette.setColor(QPalette::ToolTipBase, QColor(0x3a, 0x3a, 0x3d));
+    palette.setColor(QPalette::PlaceholderText, QColor(0xf2, 0xf2, 0xf2, 0x80));
+    palette.setColor(QPalette::Link, QColor(0x6c, 0xb2, 0xf5));
+    palette.setColor(QPalette::LinkVisited, QColor(0xc0, 0x9a, 0xf0));
+    palette.setColor(QPalette::Highlight, QColor(0x3d, 0x8e, 0xe6));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor(0x90, 0x90, 0x92));
+    return palette;
+}
+
+} // namespace
+
+QPalette desktopPalette(const QPalette& own, const Appearance& look) {
+    QPalette palette = look.isDark.value_or(false) ? darkPalette() : own;
+    if (look.accent) {
+        const auto part = [&](std::size_t i) { return static_cast<float>((*look.accent)[i]); };
+        const QColor accent = QColor::fromRgbF(part(0), part(1), part(2));
+        palette.setColor(QPalette::Highlight, accent);
+        const bool whiteIsSeen = contrast(accent, Qt::white) >= contrast(accent, Qt::black);
+        palette.setColor(QPalette::HighlightedText, whiteIsSeen ? Qt::white : Qt::black);
+    }
+    return palette;
+}
+
+QFont desktopFont(const QFont& own, const Appearance& look) {
+    QFont font = own;
+    if (look.font) {
+        font.setFamilies({QString::fromStdString(look.font->family)});
+        if (look.font->points > 0)
+            font.setPointSizeF(look.font->points);
+    }
+    return font;
+}

@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/style/ViewStyle.h"
+
+#include <QFontDatabase>
+#include <QFontMetricsF>
+#include <QGuiApplication>
+
+#include <algorithm>
+#include <cmath>
+#include <string_view>
+
+namespace {
+
+/// Of the size of the desktop's font.
+double relativeSize(TextStyle style) {
+    switch (style) {
+    case TextStyle::body:
+    case TextStyle::headline:
+        return 1;
+    case TextStyle::callout:
+        return 0.95;
+    case TextStyle::caption:
+        return 0.88;
+    case TextStyle::caption2:
+        return 0.8;
+    }
+    return 1;
+}
+
+double luminance(const QColor& color) {
+    const auto linear = [](double channel) {
+        return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+QColor mixed(const QColor& one, const QColor& other, double share) {
+    const auto mix = [share](double a, double b) { return static_cast<float>(a * share + b * (1 - share)); };
+    const QColor color = QColor::fromRgbF(mix(one.redF(), other.redF()), mix(one.greenF(), other.greenF()),
+                                          mix(one.blueF(), other.blueF()));
+    return QColor(color.rgb()); // as it arrives on the screen
+}
+
+/// The colour itself, or as near to it as can be read on the background.
+QColor readable(const QColor& color, const QColor& background, Use use) {
+    const double leastContrast = use == Use::text ? 4.5 : 3;
+    const QColor away = luminance(background) > 0.18 ? Qt::black : Qt::white;
+    QColor found = color;
+    for (double share = 0.97; contrast(found, background) < leastContrast && share >= 0; share -= 0.03)
+        found = mixed(color, away, share);
+    return QColor(found.rgb());
+}
+
+QColor wanted(Tint tint, const QPalette& palette) {
+    switch (tint) {
+    case Tint::primary:
+        return palette.color(QPalette::WindowText);
+    case Tint::secondary:
+        return mixed(palette.color(QPalette::WindowText), palette.color(QPalette::Window), 0.65);
+    case Tint::accent:
+        return palette.color(QPalette::Highlight);
+    case Tint::green:
+        return {0x2e, 0xb8, 0x50};
+    case Tint::orange:
+        return {0xf5, 0x8a, 0x07};
+    case Tint::red:
+        return {0xf0, 0x3c, 0x32};
+    case Tint::yellow:
+        return {0xf2, 0xc0, 0x0c};
+    }
+    return {};
+}
+
+} // namespace
+
+QFont textFont(TextStyle style) {
+    QFont font = QGuiApplication::font();
+    const double size = relativeSize(style);
+    if (font.pointSizeF() > 0)
+        font.setPointSizeF(font.pointSizeF() * size);
+    else
+        font.setPixelSize(std::max(1, static_cast<int>(std::lround(font.pixelSize() * size))));
+    if (style == TextStyle::headline)
+        font.setBold(true);
+    return font;
+}
+
+double digitWidth(const QFont& font, char digit) {
+    return QFontMetricsF(font).horizontalAdvance(QLatin1Char(digit));
+}
+
+QFont tabularFont(const QFont& font, const DigitWidth& width) {
+    const auto isTabular = [&width](const QFont& candidate) {
+        constexpr double nothing = 0.01; // pixels
+        constexpr std::string_view others = "123456789";
+        const double first = width(candidate, '0');
+        return std::all_of(others.begin(), others.end(),
+                           [&](char digit) { return std::abs(width(candidate, digit) - first) < nothing; });
+    };
+    if (isTabular(font))
+        return font;
+    QFont other = font;
+    other.setFamilies({QStringLiteral("sans-serif")});
+    if (!isTabular(other))
+        other.setFamilies({QFontDatabase::systemFont(QFontDatabase::FixedFont).family()});
+    return other;
+}
+
+QColor tintColor(Tint tint, const QPalette& palette, Use use) {
+    return readable(wanted(tint, palette), palette.color(QPalette::Window), use);
+}
+
+double contrast(const QColor& one, const QColor& other) {
+    const double first = luminance(one);
+    const double second = luminance(other);
+    return (std::max(first, second) + 0.05) / (std::min(first, second) + 0.05);
+}

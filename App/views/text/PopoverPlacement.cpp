@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/text/PopoverPlacement.h"
+
+#include <algorithm>
+
+namespace {
+
+/// Keeps a stretch of `length` inside `from`..`from + room`; one that is longer keeps its beginning visible.
+int inside(int start, int length, int from, int room) {
+    return std::max(from, std::min(start, from + room - length));
+}
+
+/// How far a stretch of which the item is a part may reach into the screen and still be a panel.
+constexpr int thickestPanel = 64;
+
+enum class Panel { top, bottom, left, right };
+
+/// Which edge of the screen the panel with that point is on. In a corner, and away from all edges, it is taken for one
+/// of those along the upper and lower edge, which are the usual ones.
+Panel panelAt(ScreenPoint point, const ScreenRect& available) {
+    const int right = available.x + available.width;
+    const int bottom = available.y + available.height;
+    const Panel usual = point.y > available.y + available.height / 2 ? Panel::bottom : Panel::top;
+    // Where the panels are not part of what is available, the point tells which one it is on.
+    const bool isBeside = point.x < available.x || point.x >= right;
+    const bool isOverOrUnder = point.y < available.y || point.y >= bottom;
+    if (isOverOrUnder)
+        return usual;
+    if (!isBeside && (point.y < available.y + thickestPanel || point.y >= bottom - thickestPanel))
+        return usual;
+    if (point.x < available.x + thickestPanel)
+        return Panel::left;
+    return point.x >= right - thickestPanel ? Panel::right : usual;
+}
+
+} // namespace
+
+ScreenPoint placePopover(std::optional<ScreenPoint> point, const ScreenRect& available, int width, int height) {
+    const ScreenPoint anchor = point.value_or(ScreenPoint{available.x + available.width, available.y});
+    ScreenPoint corner{anchor.x - width / 2, anchor.y - height / 2};
+    switch (point ? panelAt(anchor, available) : Panel::top) {
+    case Panel::top:
+        corner.y = anchor.y;
+        break;
+    case Panel::bottom:
+        corner.y = anchor.y - height;
+        break;
+    case Panel::left:
+        corner.x = anchor.x;
+        break;
+    case Panel::right:
+        corner.x = anchor.x - width;
+        break;
+    }
+    return {inside(corner.x, width, available.x, available.width),
+            inside(corner.y, height, available.y, available.height)};
+}
+
+bool isCredible(ScreenPoint point, bool waylandSession) {
+    constexpr int itemSize = 48; // the largest item that such a panel shows
+    const auto isInItem = [](int place) { return place >= 0 && place < itemSize; };
+    return !waylandSession || !isInItem(point.x) || !isInItem(point.y);
+}

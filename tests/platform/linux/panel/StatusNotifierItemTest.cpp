@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/panel/StatusNotifierItem.h"
+
+#include "support/PrivateBus.h"
+#include "support/WaitUntil.h"
+#include "support/Watcher.h"
+
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QDBusVirtualObject>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <vector>
+
+namespace {
+
+/// A watcher that does not say whether it has a panel before the test lets it.
+class SlowWatcher final : public QDBusVirtualObject {
+public:
+    SlowWatcher(const PrivateBus& bus, const QString& name)
+        : connection_(QDBusConnection::connectToBus(bus.address(), name)) {
+        connection_.registerVirtualObject(Watcher::path(), this);
+        connection_.registerService(Watcher::serviceName());
+    }
+    ~SlowWatcher() override { QDBusConnection::disconnectFromBus(connection_.name()); }
+    SlowWatcher(const SlowWatcher&) = delete;
+    SlowWatcher& operator=(const SlowWatcher&) = delete;
+
+    bool wasAsked() const { return question_.type() == QDBusMessage::MethodCallMessage; }
+    void leave() { connection_.unregisterService(Watcher::serviceName()); }
+    void answer(bool hasHost) { connection_.send(question_.createReply(QVariant::fromValue(QDBusVariant(hasHost)))); }
+
+    QString introspect(const QString& /*path*/) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
+        if (message.member() == QLatin1String("Get")) {
+            message.setDelayedReply(true);
+            question_ = message;
+        } else {
+            connection.send(message.createReply());
+        }
+        return true;
+    }
+
+private:
+    QDBusConnection connection_;
+    QDBusMessage question_;
+};
+
+class StatusNotifierItemTest : public testing::Test {
+protected:
+    PrivateBus bus;
+    QDBusConnection connection = QDBusConnection::connectToBus(bus.address(), QStringLiteral("item"));
+    GlyphImages glyphs{VELMORA_ICONS};
+    std::vector<bool> hosts;
+    std::unique_ptr<StatusNotifierItem> item;
+
+    ~StatusNotifierItemTest() override {
+        item.reset();
+        QDBusConnection::disconnectFromBus(QStringLiteral("item"));
+    }
+
+    void start() {
+        item = std::make_unique<StatusNotifierItem>(connection, glyphs,
+                                                    [this](bool isThere) { hosts.push_back(isThere); });
+    }
+
+    bool registersWith(const Watcher& watcher, qsizetype times) {
+        return waitUntil([&] { return watcher.items.size() == times; });
+    }
+
+    static StatusItem::Content content() {
+        return {.symbol = "battery.75",
+                .numberSymbol = "",
+                .accessibilityDescription = "Battery",
+                .title = " 80%",
+                .widestTitle = " 100%",
+                .toolTip = "80% · On battery"};
+    }
+};
+
+/// Counts what the item tells the panel.
+struct Signals {
+    explicit Signals(StatusNotifierItem& item) {
+        QObject::connect(&item, &StatusNotifierItem::NewIcon, &item, [this] { ++icons; });
+        QObject::connect(&item, &StatusNotifierItem::NewToolTip, &item, [this] { ++toolTips; });
+        QObject::connect(&item, &StatusNotifierItem::XAyatanaNewLabel, &item, [this] { ++labels; });
+    }
+    int icons = 0;
+    int toolTips = 0;
+    int labels = 0;
+};
+
+} // namespace
+
+TEST_F(StatusNotifierItemTest, RegistersByItsUniqueName) {
+    Watcher watcher(bus, QStringLiteral("a"));
+    watcher.takeName();
+    start();
+    ASSERT_TRUE(registersWith(watcher, 1));
+    EXPECT_EQ(watcher.items.first(), connection.baseService());
+    EXPECT_TRUE(waitUntil([&] { return hosts == std::vector{true}; }));
+}
+
+TEST_F(StatusNotifierItemTest, TellsWhetherAPanelIsBehindTheWatcher) {
+    Watcher watcher(bus, QStringLiteral("a"));
+    watcher.hasHost = false;
+    watcher.takeName();
+    start();
+    ASSERT_TRUE(registersWith(watcher, 1));
+    ASSERT_TRUE(waitUntil([&] { return hosts == std::vector{false}; }));
+    watcher.hasHost = true;
+    Q_EMIT watcher.StatusNotifierHostRegistered();
+    ASSERT_TRUE(waitUntil([&] { return hosts == std::vector{false, true}; }));
+}
+
+TEST_F(StatusNotifierItemTest, TellsThatThereIsNoPanelAndRegistersWhenOneComes) {
+    start();
+    ASSERT_TRUE(waitUntil([&] { return hosts == std::vector{false}; }));
+    Watcher watcher(bus, QStringLiteral("a"));
+    watcher.takeName();
+    ASSERT_TRUE(registersWith(watcher, 1));
+    ASSERT_TRUE(waitUntil([&] { return hosts == std::vector{false, true}; }));
+    watcher.leave();
+    ASSERT_TRUE(waitUntil([&] { return hosts == std::vector{false, true, false}; }));
+    watcher.takeName();
+    ASSERT_TRUE(registersWith(watcher, 2));
+}
+
+TEST_F(StatusNotifierItemTest, DoesNotBelieveTheAnswerOfAWatcherThatHasLeft) {
+    SlowWatcher slow(bus, QStringLiteral("a"));
+    start();
+    ASSERT_TRUE(waitUntil([&] { return slow.wasAsked(); }));
+    slow.leave();
+    ASSERT_TRUE(waitUntil([&] { return hosts == std::vector{false}; }));
+    slow.answer(true);
+    Watcher next(bus, QStringLiteral("b"));
+    next.hasHost = false;
+    next.takeName();
+    ASSERT_TRUE(registersWith(next, 1));
+    ASSERT_TRUE(waitUntil([&] { return hosts.size() >= 2; }));
+    EXPECT_EQ(hosts, (std::vector{false, false}));
+}
+
+TEST_F(StatusNotifierItemTest, FollowsAWatcherThatTakesTheNameOverAndTheOneThatGetsItBack) {
+    Watcher first(bus, QStringLiteral("a"));
+    Watcher second(bus, QStringLiteral("b"));
+    first.takeNameAndQueue();
+    start();
+    ASSERT_TRUE(registersWith(first, 1));
+    second.takeName();
+    ASSERT_TRUE(registersWith(second, 1));
+    second.leave();
+    ASSERT_TRUE(registersWith(first, 2));
+}
+
+TEST_F(StatusNotifierItemTest, OffersPicturesToAPanelThatItDoesNotKnow) {
+    Watcher watcher(bus, QStringLiteral("a"));
+    watcher.takeName();
+    start();
+    ASSERT_TRUE(registersWith(watcher, 1));
+    item->show(content());
+    EXPECT_EQ(item->property("IconName").toString(), QString());
+    const auto pixmaps = item->property("IconPixmap").value<StatusNotifierPixmaps>();
+    ASSERT_EQ(pixmaps.size(), 7);
+    for (const StatusNotifierPixmap& pixmap : pixmaps) {
+        EXPECT_EQ(pixmap.width, pixmap.height);
+        ASSERT_EQ(pixmap.pixels.size(), 4 * pixmap.width * pixmap.height);
+        // In the level, at half height: opaque, and light.
+        const qsizetype pixel = 4 * (pixmap.width * (pixmap.height / 2) + pixmap.width * 5 / 16);
+        EXPECT_EQ(pixmap.pixels.mid(pixel, 4), QByteArray("\xFF\xCC\xCC\xCC", 4)) << pixmap.width;
+        EXPECT_EQ(pixmap.pixels.at(0), 0) << "the corner is transparent";
+    }
+}
+
+TEST_F(StatusNotifierItemTest, CarriesTheNumberInTheIconWhereNoLabelIsShown) {
+    Watcher watcher(bus, QStringLiteral("a"));
+    watcher.takeName();
+    start();
+    ASSERT_TRUE(registersWith(watcher, 1));
+    StatusItem::Content numbered = content();
+    item->show(numbered);
+    const auto plain = item->property("IconPixmap").value<StatusNotifierPixmaps>();
+    numbered.numberSymbol = "percent.80.level";
+    Signals told(*item);
+    item->show(numbered);
+    EXPECT_EQ(told.icons, 1);
+    const auto number = item->property("IconPixmap").value<StatusNotifierPixmaps>();
+    ASSERT_EQ(number.size(), plain.size());
+    EXPECT_NE(number.first().pixels, plain.first().pixels);
+}
+
+TEST_F(StatusNotifierItemTest, TellsThePanelOnlyWhatItDoesNotHave) {
+    start();
+    item->show(content());
+    Signals told(*item);
+    item->show(content());
+    EXPECT_EQ(told.icons + told.toolTips + told.labels, 0);
+    StatusItem::Content changed = content();
+    changed.toolTip = "79% · On battery";
+    item->show(changed);
+    EXPECT_EQ(told.toolTips, 1);
+    changed.title = " 79%";
+    item->show(changed);
+    EXPECT_EQ(told.labels, 1);
+    changed.symbol = "battery.50";
+    item->show(changed);
+    EXPECT_EQ(told.icons, 1);
+    EXPECT_EQ(told.icons + told.toolTips + told.labels, 3);
+}

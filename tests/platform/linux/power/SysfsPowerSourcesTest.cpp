@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/power/SysfsPowerSources.h"
+
+#include "battery/BatteryReader.h"
+#include "platform/linux/power/UdevMonitor.h"
+#include "support/FakeClock.h"
+#include "support/FakeMainLoop.h"
+#include "support/FakeProcessInfo.h"
+#include "support/Umockdev.h"
+#include "support/WaitUntil.h"
+
+#include <gtest/gtest.h>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+class SysfsPowerSourcesTest : public testing::Test {
+protected:
+    SimulatedSupplies supplies;
+    FakeClock clock;
+    FakeMainLoop loop{clock};
+    FakeProcessInfo processInfo;
+    SysfsPowerSources sources{"/sys", clock, loop};
+    BatteryReader reader{sources, processInfo};
+    int changes = 0;
+    std::unique_ptr<PowerSources::Notification> notification;
+
+    /// A laptop at 50 %, on battery at 10 W.
+    void addLaptop() {
+        supplies.add("BAT0", {{"type", "Battery"},
+                              {"status", "Discharging"},
+                              {"present", "1"},
+                              {"capacity", "50"},
+                              {"energy_now", "25000000"},
+                              {"energy_full", "50000000"},
+                              {"energy_full_design", "50000000"},
+                              {"power_now", "10000000"},
+                              {"voltage_now", "12000000"}});
+        supplies.add("AC", {{"type", "Mains"}, {"online", "0"}});
+    }
+
+    void observe() {
+        notification = sources.notify([this] { ++changes; });
+    }
+
+    /// Runs the event loop until so many changes were told.
+    bool waitForChanges(int count) {
+        return waitUntil([&] { return changes >= count; });
+    }
+};
+
+} // namespace
+
+TEST_F(SysfsPowerSourcesTest, ReadsTheFilesAnewEachTime) {
+    addLaptop();
+    EXPECT_EQ(reader.read().percent, 50);
+    supplies.set("BAT0", "capacity", "49");
+    EXPECT_EQ(reader.read().percent, 49);
+}
+
+TEST_F(SysfsPowerSourcesTest, FollowsABatteryThatComesAndGoes) {
+    EXPECT_FALSE(reader.read().hasBattery);
+    addLaptop();
+    EXPECT_TRUE(reader.read().hasBattery);
+    supplies.remove("BAT0");
+    EXPECT_TRUE(reader.read().hasBattery);
+    loop.advance(11s);
+    EXPECT_FALSE(reader.read().hasBattery);
+}
+
+TEST_F(SysfsPowerSourcesTest, TakesAnEmptyBayAtItsWordWhenItStaysEmpty) {
+    addLaptop();
+    const BatteryState good = reader.read();
+    supplies.set("BAT0", "present", "0");
+    EXPECT_EQ(reader.read(), good);
+    loop.advance(9s);
+    EXPECT_EQ(reader.read(), good);
+    loop.advance(2s);
+    EXPECT_FALSE(reader.read().hasBattery);
+}
+
+TEST_F(SysfsPowerSourcesTest, GivesTheLastGoodValuesForAWhileWhenReadsFail) {
+    addLaptop();
+    const BatteryState good = reader.read();
+    loop.advance(60s);
+    for (const char* attribute : {"capacity", "energy_now", "energy_full", "status", "type"})
+        supplies.fail("BAT0", attribute);
+    EXPECT_EQ(reader.read(), good);
+    loop.advance(9s);
+    EXPECT_EQ(reader.read(), good);
+    loop.advance(2s);
+    EXPECT_FALSE(reader.read().hasBattery);
+    loop.advance(60s);
+    EXPECT_FALSE(reader.read().hasBattery);
+}
+
+TEST_F(SysfsPowerSourcesTest, HasNoLessPatienceBecauseTheMachineSleptMeanwhile) {
+    addLaptop();
+    const BatteryState good = reader.read();
+    supplies.set("BAT0", "present", "0");
+    EXPECT_EQ(reader.read(), good);
+    clock.suspend(1h);
+    loop.advance(9s);
+    EXPECT_EQ(reader.read().percent, 50);
+    loop.advance(2s);
+    EXPECT_FALSE(reader.read().hasBattery);
+}
+
+TEST_F(SysfsPowerSourcesTest, TellsOnItsOwnWhenPatienceIsOver) {
+    addLaptop();
+    reader.read();
+    observe();
+    loop.advance(60s);
+    reader.read();
+    for (const char* attribute : {"capacity", "energy_now", "energy_full"})
+        supplies.fail("BAT0", attribute);
+    EXPECT_TRUE(reader.read().hasBattery);
+    changes = 0;
+    loop.advance(20s);
+    EXPECT_EQ(changes, 1);
+    EXPECT_FALSE(reader.read().hasBattery);
+}
+
+TEST_F(SysfsPowerSourcesTest, TellsTheTimeFifteenSecondsAfterTheStart) {
+    addLaptop();
+    EXPECT_EQ(reader.read().minutesToEmpty, std::nullopt);
+    observe();
+    loop.advance(14s);
+    EXPECT_EQ(changes, 0);
+    loop.advance(1s);
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(reader.read().minutesToEmpty, 150);
+}
+
+TEST_F(SysfsPowerSourcesTest, IsQuietOnceEverythingIsSettled) {
+    addLaptop();
+    reader.read();
+    observe();
+    loop.advance(16s);
+    reader.read();
+    changes = 0;
+    loop.advance(1h);
+    EXPECT_EQ(changes, 0);
+    EXPECT_EQ(loop.waiting(), 0U);
+}
+
+TEST_F(SysfsPowerSourcesTest, PassesAnEventOnAtOnceAndWhatLagsBehindItLater) {
+    addLaptop();
+    reader.read();
+    observe();
+    loop.advance(60s);
+    reader.read();
+    changes = 0;
+    supplies.set("AC", "online", "1");
+    supplies.event("AC");
+    ASSERT_TRUE(waitForChanges(1));
+    EXPECT_TRUE(reader.read().pluggedIn);
+    loop.advance(1s);
+    EXPECT_EQ(changes, 1) << "nothing differs from what was given";
+    supplies.set("BAT0", "status", "Charging");
+    loop.advance(1s);
+    EXPECT_EQ(changes, 2);
+    EXPECT_TRUE(reader.read().isCharging);
+}
+
+TEST_F(SysfsPowerSourcesTest, TellsTheTimeSoonAlsoWhenTheStatusLagsBehindThePlug) {
+    addLaptop();
+    reader.read();
+    observe();
+    loop.advance(60s);
+    reader.read();
+    supplies.set("AC", "online", "1");
+    changes = 0;
+    supplies.event("AC");
+    ASSERT_TRUE(waitForChanges(1));
+    reader.read();
+    loop.advance(1500ms);
+    supplies.set("BAT0", "status", "Charging");
+    loop.advance(1s);
+    EXPECT_TRUE(reader.read().isCharging);
+    loop.advance(30s);
+    EXPECT_EQ(reader.read().minutesToFull, 150);
+    changes = 0;
+    loop.advance(1h);
+    EXPECT_EQ(changes, 0) << "and then it is quiet";
+    EXPECT_EQ(loop.waiting(), 0U);
+}
+
+TEST_F(SysfsPowerSourcesTest, IgnoresEventsOfPeripherals) {
+    addLaptop();
+    supplies.add("mouse", {{"type", "Battery"}, {"scope", "Device"}, {"capacity", "80"}});
+    reader.read();
+    observe();
+    loop.advance(60s);
+    reader.read();
+    changes = 0;
+    supplies.event("mouse");
+    supplies.event("AC");
+    ASSERT_TRUE(waitForChanges(1));
+    EXPECT_EQ(changes, 1);
+    loop.advance(2s); // where a second event would be passed on
+    EXPECT_EQ(changes, 1);
+}
+
+TEST_F(SysfsPowerSourcesTest, SaysNothingOnceNobodyListens) {
+    addLaptop();
+    reader.read();
+    observe();
+    notification.reset();
+    supplies.set("AC", "online", "1");
+    supplies.event("AC");
+    loop.advance(60s);
+    // The event is in before this one of a new listener.
+    observe();
+    supplies.event("AC");
+    ASSERT_TRUE(waitForChanges(1));
+    EXPECT_EQ(changes, 1);
+}
+
+TEST_F(SysfsPowerSourcesTest, StartsTheTimeAnewAfterSleep) {
+    addLaptop();
+    reader.read();
+    loop.advance(60s);
+    EXPECT_TRUE(reader.read().minutesToEmpty);
+    clock.suspend(24h);
+    EXPECT_EQ(reader.read().minutesToEmpty, std::nullopt);
+    loop.advance(20s);
+    EXPECT_TRUE(reader.read().minutesToEmpty);
+}

@@ -1,0 +1,467 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/power/TimeEstimate.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <optional>
+#include <ostream>
+
+void PrintTo(const TimeEstimate::Minutes& minutes, std::ostream* out) {
+    *out << minutes.toEmpty.value_or(-1) << " min to empty, " << minutes.toFull.value_or(-1) << " min to full";
+}
+
+namespace {
+
+using Flow = TimeEstimate::Flow;
+using Minutes = TimeEstimate::Minutes;
+using Reading = TimeEstimate::Reading;
+
+const Minutes unknown{};
+
+Minutes toEmpty(std::int64_t minutes) {
+    return {.toEmpty = minutes, .toFull = std::nullopt};
+}
+
+Minutes toFull(std::int64_t minutes) {
+    return {.toEmpty = std::nullopt, .toFull = minutes};
+}
+
+/// A reading on battery: mWh stored, mW drawn (none where the firmware tells none).
+Reading draining(double seconds, double now, std::optional<double> drawn) {
+    Reading reading;
+    reading.uptime = Duration(1000 + seconds);
+    reading.slept = Duration(70);
+    reading.flow = Flow::discharging;
+    reading.batteries = "BAT0/energy ";
+    reading.now = now;
+    reading.rate = drawn ? std::optional(-*drawn) : std::nullopt;
+    reading.slowest = 500;
+    return reading;
+}
+
+/// A reading while charging: mWh still to be stored, mW taken in.
+Reading filling(double seconds, double remaining, std::optional<double> taken) {
+    Reading reading = draining(seconds, 50'000 - remaining, std::nullopt);
+    reading.flow = Flow::charging;
+    reading.onExternalPower = true;
+    reading.remaining = remaining;
+    reading.rate = taken;
+    return reading;
+}
+
+struct TimeEstimateTest : ::testing::Test {
+    TimeEstimate estimate;
+
+    /// Takes readings until a time is told: 50 Wh at 10 W.
+    void settleOnBattery() {
+        estimate.update(draining(0, 50'000, 10'000));
+        ASSERT_EQ(estimate.update(draining(15, 50'000, 10'000)), toEmpty(300));
+    }
+};
+
+TEST_F(TimeEstimateTest, TellsATimeAfterFifteenSecondsAndTwoReadings) {
+    EXPECT_EQ(estimate.update(draining(0, 50'000, 10'000)), unknown);
+    EXPECT_EQ(estimate.update(draining(10, 50'000, 10'000)), unknown);
+    EXPECT_EQ(estimate.update(draining(14.9, 50'000, 10'000)), unknown);
+    EXPECT_EQ(estimate.update(draining(15, 50'000, 10'000)), toEmpty(300));
+}
+
+TEST_F(TimeEstimateTest, TellsATimeAtTheSecondReadingWhenThatIsLater) {
+    EXPECT_EQ(estimate.update(draining(0, 50'000, 10'000)), unknown);
+    EXPECT_EQ(estimate.update(draining(60, 50'000, 10'000)), toEmpty(300));
+}
+
+TEST_F(TimeEstimateTest, ChargingIsTimedByWhatIsStillToBeStored) {
+    EXPECT_EQ(estimate.update(filling(0, 20'000, 40'000)), unknown);
+    EXPECT_EQ(estimate.update(filling(15, 20'000, 40'000)), toFull(30));
+    EXPECT_EQ(estimate.update(filling(16, 1, 40'000)), toFull(0));
+}
+
+TEST_F(TimeEstimateTest, TellsNoTimeWhenNothingIsLeftToStoreAndItStillCharges) {
+    estimate.update(filling(0, 0, 40'000));
+    EXPECT_EQ(estimate.update(filling(15, 0, 40'000)), unknown);
+}
+
+TEST_F(TimeEstimateTest, DistrustsTheReadingsOfTheFirstTenSeconds) {
+    estimate.update(draining(0, 50'000, 90'000));
+    estimate.update(draining(5, 50'000, 90'000));
+    estimate.update(draining(9.9, 50'000, 90'000));
+    EXPECT_EQ(estimate.update(draining(15, 50'000, 10'000)), toEmpty(300));
+}
+
+TEST_F(TimeEstimateTest, TrustsAReadingFromTheTenthSecondOn) {
+    estimate.update(draining(0, 50'000, 10'000));
+    estimate.update(draining(10, 50'000, 20'000));
+    // The new rate is only beginning to weigh in.
+    const auto minutes = estimate.update(draining(15, 50'000, 10'000)).toEmpty;
+    ASSERT_TRUE(minutes);
+    EXPECT_LT(*minutes, 200);
+    EXPECT_GE(*minutes, 150);
+}
+
+TEST_F(TimeEstimateTest, TakesAStepInTheLoadOverWithinMinutes) {
+    settleOnBattery();
+    // After three minutes, 63 % of the step from 10 W to 20 W: 16.32 W.
+    const double smoothed = 10'000 + 10'000 * (1 - std::exp(-1));
+    const auto expected = static_cast<std::int64_t>(50'000 / smoothed * 60);
+    EXPECT_EQ(expected, 183);
+    EXPECT_EQ(estimate.update(draining(195, 50'000, 20'000)), toEmpty(expected));
+}
+
+TEST_F(TimeEstimateTest, AMomentarySpikeHardlyMovesTheTime) {
+    settleOnBattery();
+    const auto minutes = estimate.update(draining(16, 50'000, 40'000)).toEmpty;
+    ASSERT_TRUE(minutes);
+    EXPECT_GT(*minutes, 290);
+    EXPECT_LT(*minutes, 300);
+}
+
+TEST_F(TimeEstimateTest, TheStepDoesNotDependOnHowOftenOneReads) {
+    for (const int step : {1, 5, 30, 240}) {
+        TimeEstimate often;
+        often.update(draining(0, 50'000, 10'000));
+        often.update(draining(15, 50'000, 10'000));
+        Minutes minutes;
+        for (int seconds = step; seconds <= 240; seconds += step)
+            minutes = often.update(draining(15 + seconds, 50'000, 20'000));
+        EXPECT_EQ(minutes, toEmpty(172)) << step; // 50 Wh at 17.36 W
+    }
+}
+
+TEST_F(TimeEstimateTest, ReadingTwiceAtOneInstantChangesNothing) {
+    settleOnBattery();
+    EXPECT_EQ(estimate.update(draining(15, 50'000, 90'000)), toEmpty(300));
+}
+
+TEST_F(TimeEstimateTest, StartsAnewWhenSomethingElseBegins) {
+    const auto unplugged = [](double seconds) { return draining(seconds, 50'000, 10'000); };
+    struct Row {
+        const char* what;
+        void (*change)(Reading&);
+    };
+    const Row rows[] = {
+        {"another direction", [](Reading& reading) { reading.flow = Flow::charging; }},
+        {"another source of power", [](Reading& reading) { reading.onExternalPower = true; }},
+        {"another pack", [](Reading& reading) { reading.batteries = "BAT0/energy BAT1/energy "; }},
+        {"sleep", [](Reading& reading) { reading.slept += Duration(1); }},
+        {"a clock that went back", [](Reading& reading) { reading.uptime = Duration(999); }},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        TimeEstimate running;
+        running.update(unplugged(0));
+        ASSERT_EQ(running.update(unplugged(60)), toEmpty(300));
+        Reading changed = unplugged(61);
+        changed.remaining = 50'000;
+        row.change(changed);
+        changed.rate = changed.flow == Flow::charging ? 20'000 : -20'000;
+        EXPECT_EQ(running.update(changed), unknown);
+        EXPECT_TRUE(running.isSettling());
+        changed.uptime += Duration(14.9);
+        EXPECT_EQ(running.update(changed), unknown);
+        changed.uptime += Duration(0.1);
+        const Minutes minutes = running.update(changed);
+        EXPECT_EQ(minutes, changed.flow == Flow::charging ? toFull(150) : toEmpty(150)); // nothing of the old 10 W
+    }
+}
+
+TEST_F(TimeEstimateTest, GoesOnWhenNothingElseBegan) {
+    settleOnBattery();
+    Reading reading = draining(16, 49'990, 10'000);
+    reading.slept += Duration(0.9); // the clocks behind it are read one after the other
+    reading.slowest = 400;
+    reading.remaining = 7;
+    EXPECT_EQ(estimate.update(reading), toEmpty(299));
+}
+
+TEST_F(TimeEstimateTest, ForgetsTheOldRateAndTheOldAmountsAtANewStart) {
+    estimate.update(draining(0, 50'000, std::nullopt));
+    estimate.update(draining(10, 50'000, std::nullopt));
+    EXPECT_EQ(estimate.update(draining(70, 49'000, std::nullopt)), toEmpty(49)); // 1 Wh in a minute
+    Reading charging = filling(71, 1'000, std::nullopt);
+    charging.now = 60'000; // more than the run before began with, so that a rate could be made of the two
+    estimate.update(charging);
+    charging.uptime += Duration(10);
+    estimate.update(charging);
+    charging.uptime += Duration(59);
+    EXPECT_EQ(estimate.update(charging), unknown);
+}
+
+TEST_F(TimeEstimateTest, DerivesTheRateFromReadingsAMinuteApartWhereNoneIsReported) {
+    estimate.update(draining(0, 50'000, std::nullopt));
+    estimate.update(draining(10, 50'000, std::nullopt));
+    EXPECT_EQ(estimate.update(draining(69, 49'900, std::nullopt)), unknown);
+    EXPECT_EQ(estimate.update(draining(70, 49'900, std::nullopt)), toEmpty(499)); // 6 W
+}
+
+TEST_F(TimeEstimateTest, TheDistrustedReadingsAreNoBaseForADerivedRate) {
+    estimate.update(draining(0, 60'000, std::nullopt));
+    estimate.update(draining(9, 60'000, std::nullopt));
+    estimate.update(draining(20, 50'000, std::nullopt));
+    EXPECT_EQ(estimate.update(draining(79, 49'900, std::nullopt)), unknown);
+    EXPECT_EQ(estimate.update(draining(80, 49'900, std::nullopt)), toEmpty(499));
+}
+
+TEST_F(TimeEstimateTest, DerivesTheRateOfChargingToo) {
+    estimate.update(filling(0, 20'000, std::nullopt));
+    estimate.update(filling(10, 20'000, std::nullopt));
+    EXPECT_EQ(estimate.update(filling(70, 19'000, std::nullopt)), toFull(19));
+}
+
+TEST_F(TimeEstimateTest, DerivesTheRateFromTwoReadingsFarApartToo) {
+    estimate.update(draining(0, 50'000, std::nullopt));
+    estimate.update(draining(10, 50'000, std::nullopt));
+    EXPECT_EQ(estimate.update(draining(1'210, 48'000, std::nullopt)), toEmpty(480)); // 2 Wh in twenty minutes
+}
+
+TEST_F(TimeEstimateTest, DerivesNothingUntilTheAmountHasMoved) {
+    estimate.update(draining(0, 50'000, std::nullopt));
+    for (int seconds = 60; seconds <= 300; seconds += 60)
+        EXPECT_EQ(estimate.update(draining(seconds, 50'000, std::nullopt)), unknown) << seconds;
+    EXPECT_EQ(estimate.update(draining(360, 49'500, std::nullopt)), toEmpty(495)); // 0.5 Wh in five minutes
+}
+
+TEST_F(TimeEstimateTest, DerivesNothingFromAnAmountThatMovesTheWrongWay) {
+    estimate.update(draining(0, 50'000, std::nullopt));
+    estimate.update(draining(10, 50'000, std::nullopt));
+    EXPECT_EQ(estimate.update(draining(70, 51'000, std::nullopt)), unknown);
+    TimeEstimate charging;
+    charging.update(filling(0, 20'000, std::nullopt));
+    charging.update(filling(10, 20'000, std::nullopt));
+    EXPECT_EQ(charging.update(filling(70, 21'000, std::nullopt)), unknown);
+}
+
+TEST_F(TimeEstimateTest, DerivesTheRateWhereTheReportedOneIsAlwaysNothing) {
+    estimate.update(draining(0, 50'000, 0));
+    estimate.update(draining(10, 50'000, 0));
+    EXPECT_EQ(estimate.update(draining(15, 50'000, 0)), unknown);
+    EXPECT_EQ(estimate.update(draining(70, 49'900, 0)), toEmpty(499));
+}
+
+TEST_F(TimeEstimateTest, ADerivedRateFollowsTheLoadWithinFifteenMinutes) {
+    double now = 90'000;
+    Minutes minutes;
+    for (int seconds = 0; seconds <= 3600; seconds += 60) {
+        minutes = estimate.update(draining(seconds, now, std::nullopt));
+        now -= seconds < 2700 ? 100 : 1'000; // 6 W for 45 minutes, then 60 W for fifteen
+    }
+    EXPECT_EQ(minutes, toEmpty(70)); // 70.5 Wh at the last fifteen minutes' 60 W
+}
+
+TEST_F(TimeEstimateTest, ARateDerivedFromCoarseStepsHoldsUntilTheNextIsOverdue) {
+    // A step of 500 mWh each five minutes: 6 W.
+    for (int seconds = 10; seconds < 1510; seconds += 20) {
+        const int steps = (seconds - 10) / 300;
+        estimate.update(draining(seconds, 50'000 - steps * 500, std::nullopt));
+    }
+    for (const int seconds : {1510, 1600, 1700, 1809})
+        EXPECT_EQ(estimate.update(draining(seconds, 47'500, std::nullopt)), toEmpty(475)) << seconds;
+    // The next step has not come. If it came now, there would be two in twenty minutes: 3 W.
+    EXPECT_EQ(estimate.update(draining(2'410, 47'500, std::nullopt)), toEmpty(950));
+}
+
+TEST_F(TimeEstimateTest, StepsWithinAMinuteAreNotTakenForARateOfTheirOwn) {
+    estimate.update(draining(0, 50'000, std::nullopt));
+    estimate.update(draining(10, 50'000, std::nullopt));
+    estimate.update(draining(69, 49'500, std::nullopt));
+    EXPECT_EQ(estimate.update(draining(370, 49'500, std::nullopt)), toEmpty(594)); // 0.5 Wh in six minutes, not in one
+}
+
+TEST_F(TimeEstimateTest, ANewBeginningAtTheFirstChangeLosesNoTime) {
+    estimate.update(draining(0, 50'000, std::nullopt));
+    estimate.update(draining(10, 50'000, std::nullopt));
+    EXPECT_EQ(estimate.update(draining(70, 49'900, std::nullopt)), toEmpty(499));
+    EXPECT_EQ(estimate.update(draining(75, 49'880, std::nullopt)), toEmpty(450)); // 120 mWh in 65 s, not yet from 70 on
+    EXPECT_EQ(estimate.update(draining(130, 49'780, std::nullopt)), toEmpty(414)); // 120 mWh in 60 s
+}
+
+/// Reads 10 W at seconds 0 and 10, and as first change 10 mWh less at second 20.
+struct TimeEstimateAfterAChangeTest : TimeEstimateTest {
+    TimeEstimateAfterAChangeTest() {
+        estimate.update(draining(0, 60'010, 10'000));
+        estimate.update(draining(10, 50'010, 10'000));
+        estimate.update(draining(20, 50'000, 10'000));
+    }
+};
+
+TEST_F(TimeEstimateAfterAChangeTest, WhatHasGoneOutWeighsInForThePartOfFifteenMinutesThatItCovers) {
+    EXPECT_EQ(estimate.update(draining(79, 49'600, 10'000)), toEmpty(297));  // less than a minute tells nothing
+    EXPECT_EQ(estimate.update(draining(110, 49'500, 10'000)), toEmpty(270)); // 20 W, for a tenth: 11 W
+    EXPECT_EQ(estimate.update(draining(470, 47'500, 10'000)), toEmpty(190)); // 20 W, for one half: 15 W
+}
+
+TEST_F(TimeEstimateAfterAChangeTest, OnlyWhatHasGoneOutCountsAfterFifteenMinutes) {
+    for (int minutes = 1; minutes < 15; ++minutes)
+        estimate.update(draining(20 + 60 * minutes, 50'000 - 200 * minutes, 10'000)); // 12 W
+    EXPECT_EQ(estimate.update(draining(920, 47'000, 10'000)), toEmpty(235));
+    EXPECT_EQ(estimate.update(draining(1'820, 43'000, 10'000)), toEmpty(161)); // the last fifteen minutes' 16 W
+    EXPECT_EQ(estimate.update(draining(3'620, 35'000, 10'000)), toEmpty(131)); // and the last half hour's, unread
+}
+
+TEST_F(TimeEstimateAfterAChangeTest, AnAmountThatMovesTheWrongWayLeavesTheReportedRateAlone) {
+    estimate.update(draining(60, 50'400, 10'000));
+    EXPECT_EQ(estimate.update(draining(120, 50'500, 10'000)), toEmpty(303));
+}
+
+TEST_F(TimeEstimateTest, AnAmountThatIsHeldAtFullForAWhileDoesNotLengthenTheTime) {
+    for (int seconds = 0; seconds <= 600; seconds += 60)
+        EXPECT_EQ(estimate.update(draining(seconds, 50'000, 10'000)), seconds == 0 ? unknown : toEmpty(300));
+    EXPECT_EQ(estimate.update(draining(660, 49'990, 10'000)), toEmpty(299)); // 10 mWh in ten minutes means nothing
+    // From second 660 on, 12 W.
+    estimate.update(draining(710, 49'990 - 166, 10'000));
+    EXPECT_EQ(estimate.update(draining(1'560, 46'990, 10'000)), toEmpty(234));
+}
+
+TEST_F(TimeEstimateAfterAChangeTest, ACorrectionOfTheGaugeIsNotTakenForALoad) {
+    for (int seconds = 30; seconds <= 560; seconds += 10)
+        estimate.update(draining(seconds, 50'000 - (seconds - 20) / 10.0 * 28, 10'000)); // near 10 W
+    estimate.update(draining(620, 46'800, 10'000));                                      // 1688 mWh in a minute: 101 W
+    EXPECT_EQ(estimate.update(draining(679, 46'600, 10'000)), toEmpty(279)); // nothing is known for a minute
+    EXPECT_EQ(estimate.update(draining(710, 46'300, 10'000)), toEmpty(252)); // 20 W since, for a tenth
+}
+
+TEST_F(TimeEstimateTest, ACorrectionOfTheGaugeIsAsGoodABeginningAsAnyChange) {
+    estimate.update(draining(0, 51'000, 10'000));
+    estimate.update(draining(10, 51'000, 10'000));
+    estimate.update(draining(20, 50'000, 10'000));
+    EXPECT_EQ(estimate.update(draining(110, 49'500, 10'000)), toEmpty(270)); // 20 W, for a tenth
+}
+
+TEST_F(TimeEstimateAfterAChangeTest, ABurstOfTenTimesTheReportedRateIsALoad) {
+    for (int seconds = 30; seconds <= 560; seconds += 10)
+        estimate.update(draining(seconds, 50'000 - (seconds - 20) / 10.0 * 28, 10'000));
+    EXPECT_LT(estimate.update(draining(620, 46'830, 10'000)).toEmpty, 200); // 1658 mWh in a minute: 99.5 W
+}
+
+TEST_F(TimeEstimateTest, ADeadReportedRateMakesNoLoadImpossible) {
+    settleOnBattery();
+    for (int seconds = 75; seconds <= 1'875; seconds += 60)
+        estimate.update(draining(seconds, 50'000 - (seconds - 15) * 5 / 3.0, 0)); // 6 W
+    EXPECT_EQ(estimate.update(draining(1'935, 46'800, 0)), toEmpty(468));
+}
+
+TEST_F(TimeEstimateTest, EachRunBeginsAtItsOwnFirstChange) {
+    estimate.update(draining(0, 50'000, 10'000));
+    for (int seconds = 20; seconds <= 200; seconds += 30)
+        estimate.update(draining(seconds, 50'000 - seconds, 10'000));
+    estimate.update(filling(201, 0, std::nullopt));
+    for (int seconds = 210; seconds <= 810; seconds += 60)
+        estimate.update(draining(seconds, 50'000, 10'000));
+    EXPECT_EQ(estimate.update(draining(870, 49'990, 10'000)), toEmpty(299));
+}
+
+TEST_F(TimeEstimateTest, WhileChargingTheReportedRateAloneCounts) {
+    estimate.update(filling(0, 20'000, 10'000));
+    estimate.update(filling(10, 20'000, 10'000));
+    estimate.update(filling(20, 19'000, 10'000));
+    estimate.update(filling(30, 18'000, 10'000));
+    EXPECT_EQ(estimate.update(filling(460, 10'000, 10'000)), toFull(60));
+}
+
+TEST_F(TimeEstimateTest, KeepsAReportedRateThroughAGapOfFiveMinutes) {
+    settleOnBattery();
+    EXPECT_EQ(estimate.update(draining(315, 49'005, std::nullopt)), toEmpty(294));
+    // After that it is no rate any more, and the derived one takes over: 995 mWh in 300 s.
+    EXPECT_EQ(estimate.update(draining(316, 49'005, std::nullopt)), toEmpty(246));
+}
+
+TEST_F(TimeEstimateTest, ARateThatFallsToNothingIsAtLastUnknown) {
+    settleOnBattery();
+    EXPECT_NE(estimate.update(draining(75, 50'000, 0)), unknown);
+    EXPECT_EQ(estimate.update(draining(1'000, 50'000, 0)), unknown);
+}
+
+TEST_F(TimeEstimateTest, DerivesTheRateWhereTheReportedOneHasDiedDown) {
+    settleOnBattery();
+    estimate.update(draining(75, 49'000, 0));
+    EXPECT_EQ(estimate.update(draining(615, 40'000, 0)), toEmpty(40)); // 10 Wh in ten minutes
+}
+
+TEST_F(TimeEstimateTest, ARateOfTheWrongSignTellsNoTime) {
+    estimate.update(draining(0, 50'000, -10'000));
+    EXPECT_EQ(estimate.update(draining(15, 50'000, -10'000)), unknown);
+    EXPECT_EQ(estimate.update(draining(60, 50'000, -10'000)), unknown);
+    TimeEstimate charging;
+    charging.update(filling(0, 20'000, -10'000));
+    EXPECT_EQ(charging.update(filling(60, 20'000, -10'000)), unknown);
+}
+
+TEST_F(TimeEstimateTest, ARateBelowTheSlowestTellsNoTime) {
+    estimate.update(draining(0, 10'000, 499.9));
+    EXPECT_EQ(estimate.update(draining(15, 10'000, 499.9)), unknown);
+    TimeEstimate justEnough;
+    justEnough.update(draining(0, 10'000, 500));
+    EXPECT_EQ(justEnough.update(draining(15, 10'000, 500)), toEmpty(1200));
+    TimeEstimate derived;
+    derived.update(draining(0, 10'000, std::nullopt));
+    derived.update(draining(10, 10'000, std::nullopt));
+    EXPECT_EQ(derived.update(draining(110, 9'987, std::nullopt)), unknown); // 468 mW
+    EXPECT_NE(derived.update(draining(120, 9'984, std::nullopt)), unknown); // 524 mW
+}
+
+TEST_F(TimeEstimateTest, ARateOfNothingTellsNoTimeEvenWithoutALimit) {
+    Reading reading = draining(0, 10'000, 0);
+    reading.slowest = 0;
+    estimate.update(reading);
+    reading.uptime += Duration(15);
+    EXPECT_EQ(estimate.update(reading), unknown);
+}
+
+TEST_F(TimeEstimateTest, TellsNoTimeBeyondTwoDaysToEmptyOrTwentyHoursToFull) {
+    const auto lasting = [](double amount) {
+        TimeEstimate fresh;
+        fresh.update(draining(0, amount, 1'000));
+        return fresh.update(draining(15, amount, 1'000));
+    };
+    EXPECT_EQ(lasting(48'000), toEmpty(2880));
+    EXPECT_EQ(lasting(48'001), unknown);
+    EXPECT_EQ(lasting(20'001), toEmpty(1200));
+    const auto taking = [](double amount) {
+        TimeEstimate fresh;
+        fresh.update(filling(0, amount, 1'000));
+        return fresh.update(filling(15, amount, 1'000));
+    };
+    EXPECT_EQ(taking(20'000), toFull(1200));
+    EXPECT_EQ(taking(20'001), unknown);
+}
+
+TEST_F(TimeEstimateTest, RoundsDownToWholeMinutes) {
+    estimate.update(draining(0, 50'000, 10'000));
+    EXPECT_EQ(estimate.update(draining(15, 9'999, 10'000)), toEmpty(59));
+    EXPECT_EQ(estimate.update(draining(16, 10'000, 10'000)), toEmpty(60));
+    EXPECT_EQ(estimate.update(draining(17, 100, 10'000)), toEmpty(0));
+}
+
+TEST_F(TimeEstimateTest, TellsNoTimeWhileNothingFlows) {
+    Reading held = draining(0, 50'000, 10'000);
+    held.flow = Flow::none;
+    held.onExternalPower = true;
+    for (const double seconds : {0.0, 15.0, 60.0, 3600.0}) {
+        held.uptime = Duration(1000 + seconds);
+        EXPECT_EQ(estimate.update(held), unknown) << seconds;
+        EXPECT_FALSE(estimate.isSettling()) << seconds;
+    }
+}
+
+TEST_F(TimeEstimateTest, TellsNoTimeWithoutKnowingWhatIsStored) {
+    Reading reading = draining(0, 0, 10'000);
+    reading.now.reset();
+    estimate.update(reading);
+    reading.uptime += Duration(60);
+    EXPECT_EQ(estimate.update(reading), unknown);
+}
+
+TEST_F(TimeEstimateTest, IsSettlingOnlyDuringTheFirstFifteenSecondsOfARun) {
+    EXPECT_FALSE(estimate.isSettling());
+    estimate.update(draining(0, 50'000, std::nullopt));
+    EXPECT_TRUE(estimate.isSettling());
+    estimate.update(draining(14.9, 50'000, std::nullopt));
+    EXPECT_TRUE(estimate.isSettling());
+    estimate.update(draining(15, 50'000, std::nullopt));
+    EXPECT_FALSE(estimate.isSettling());
+    estimate.update(filling(16, 100, 5'000));
+    EXPECT_TRUE(estimate.isSettling());
+}
+
+} // namespace

@@ -1,0 +1,114 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Which room of App/ may include headers of which, and what the core may include at all.
+
+What links which is said by App/CMakeLists.txt; this also sees arrows inside a target, and headers that need no linking.
+"""
+
+import re
+import unittest
+from pathlib import Path
+
+APP = Path(__file__).resolve().parents[2] / "App"
+
+PORTS = "platform"
+QT = "platform/qt"
+DECIDES = [PORTS, "battery", "history", "alerts"]
+FILES = "platform/linux/files"
+SESSION = "platform/linux/session"
+ADAPTER = [PORTS, QT, FILES]
+MODEL = "shell/model"
+WIDGET = [*DECIDES, QT, MODEL, "views/text", "views/style"]
+
+# Every room includes itself and these.
+MAY_INCLUDE = {
+    PORTS: [],
+    "battery": [PORTS],
+    "history": [PORTS, "battery"],
+    "alerts": [PORTS, "battery"],
+    QT: [PORTS],
+    "platform/linux/appearance": ADAPTER,
+    "platform/linux/dialogs": ADAPTER,
+    FILES: ADAPTER,
+    "platform/linux/notifications": [*ADAPTER, SESSION],
+    "platform/linux/panel": ADAPTER,
+    "platform/linux/power": [*ADAPTER, SESSION],
+    SESSION: ADAPTER,
+    "platform/linux/sound": ADAPTER,
+    "views/text": DECIDES,
+    "views/style": [*DECIDES, QT, "views/text"],
+    "views/popover": WIDGET,
+    "views/settings": WIDGET,
+    MODEL: DECIDES,
+    "shell/delegate": [*WIDGET, "views/popover", "views/settings"],
+}
+# The folder shell has three rooms; main, which makes everything and may include everything, is not asked.
+SHELL = {"AppModel": MODEL, "Published": MODEL, "AppDelegate": "shell/delegate", "HeapMemory": "shell/delegate"}
+MAIN = "shell/VelmoraApp.cpp"
+
+# Made at build time, in no room.
+GENERATED = re.compile(r"\w+adaptor\.h$")
+
+
+def sources():
+    return sorted(file.relative_to(APP) for file in APP.rglob("*") if file.suffix in (".h", ".cpp"))
+
+
+def room(file):
+    return SHELL[file.stem] if file.parent.name == "shell" else str(file.parent)
+
+
+def includes(file):
+    return re.findall(r'^#\s*include ([<"].+[>"])', (APP / file).read_text(encoding="utf-8"), re.MULTILINE)
+
+
+def own(file):
+    return [Path(name.strip('"')) for name in includes(file) if name.startswith('"') and not GENERATED.search(name[:-1])]
+
+
+def core():
+    """The files of the core's target, with all headers of ours that they include."""
+    files = set()
+    for lists in APP.rglob("CMakeLists.txt"):
+        for listed in re.findall(r"velmora_sources\(velmora_core\s([^)]*)\)", lists.read_text(encoding="utf-8")):
+            files |= {lists.parent.relative_to(APP) / name for name in listed.split()}
+    todo = list(files)
+    while todo:
+        new = set(own(todo.pop())) - files
+        files |= new
+        todo += new
+    return files
+
+
+class Arrows(unittest.TestCase):
+    def test_every_folder_is_a_room(self):
+        self.assertEqual({room(file) for file in sources() if str(file) != MAIN}, set(MAY_INCLUDE))
+
+    def test_every_include_is_an_arrow_that_is_allowed(self):
+        for file in sources():
+            if str(file) == MAIN:
+                continue
+            here = room(file)
+            for header in own(file):
+                with self.subTest(file=str(file), header=str(header)):
+                    self.assertTrue((APP / header).is_file(), "a header is named by its path below App/")
+                    self.assertIn(room(header), [here, *MAY_INCLUDE[here]])
+
+    def test_the_core_includes_the_standard_library_alone(self):
+        files = core()
+        self.assertIn(Path("shell/AppModel.cpp"), files)
+        for file in files:
+            for name in includes(file):
+                if name.startswith("<"):
+                    with self.subTest(file=str(file), header=name):
+                        self.assertRegex(name, r"^<([a-z_]+|simdjson\.h)>$")
+
+    def test_every_file_is_listed_by_its_folder(self):
+        for file in sources():
+            if file.suffix == ".cpp":
+                with self.subTest(file=str(file)):
+                    lists = (APP / file.parent / "CMakeLists.txt").read_text(encoding="utf-8")
+                    self.assertIn(file.name, re.findall(r"[\w.]+", lists))
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/popover/Popover.h"
+
+#include "alerts/Prefs.h"
+#include "support/PopoverScene.h"
+#include "support/WaitUntil.h"
+#include "views/popover/PopoverView.h"
+#include "views/popover/ThinScrollBar.h"
+#include "views/style/ViewStyle.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCursor>
+#include <QLayout>
+#include <QScreen>
+#include <QScrollArea>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+#include <QWheelEvent>
+#include <gtest/gtest.h>
+
+namespace {
+
+class PopoverTest : public testing::Test {
+protected:
+    PopoverScene scene;
+    Popover popover;
+    const QFont usualFont = QApplication::font();
+    PopoverView* content = nullptr;
+
+    ~PopoverTest() override { QApplication::setFont(usualFont); }
+
+    void open() {
+        content = new PopoverView(
+            scene.started(), scene.fake.platform(), [] {}, [] {});
+        popover.setContent(content);
+        QObject::connect(content, &PopoverView::resized, &popover, &Popover::place);
+        content->rebuild();
+        popover.showAt(std::nullopt);
+    }
+    void unfold() { content->findChild<QAbstractButton*>(QStringLiteral("dailySummaryDisclosure"))->click(); }
+    void useFont(double times) {
+        QFont large = usualFont;
+        large.setPointSizeF(usualFont.pointSizeF() * times);
+        QApplication::setFont(large);
+        QCoreApplication::processEvents();
+        scene.fake.mainLoop.runDue();
+        QCoreApplication::processEvents();
+    }
+    ThinScrollBar& scrollBar() { return *popover.findChild<ThinScrollBar*>(); }
+    int available() { return popover.screen()->availableGeometry().height(); }
+    /// Everything that is seen leaves the margins free.
+    void expectMargins() {
+        EXPECT_EQ(popover.width(), 340);
+        EXPECT_EQ(content->width(), 340);
+        for (const auto* widget : content->findChildren<QWidget*>()) {
+            if (!widget->isVisible())
+                continue;
+            const int left = widget->mapTo(content, QPoint()).x();
+            EXPECT_GE(left, 16) << widget->objectName().toStdString();
+            EXPECT_LE(left + widget->width(), 340 - 16) << widget->objectName().toStdString();
+        }
+    }
+};
+
+} // namespace
+
+TEST_F(PopoverTest, IsAsWideAsItsContentAndAsHigh) {
+    open();
+    EXPECT_EQ(popover.height(), content->layout()->totalHeightForWidth(340));
+    EXPECT_LT(popover.height(), available());
+    EXPECT_EQ(content->height(), popover.height());
+    EXPECT_FALSE(scrollBar().isVisible());
+    expectMargins();
+}
+
+TEST_F(PopoverTest, HasALineAroundItThatTakesNoClicks) {
+    open();
+    const QImage picture = popover.grab().toImage();
+    const QColor line = picture.pixelColor(0, 0);
+    EXPECT_NE(line, picture.pixelColor(1, 1));
+    EXPECT_EQ(picture.pixelColor(picture.width() - 1, picture.height() / 2), line);
+    EXPECT_EQ(picture.pixelColor(picture.width() / 2, picture.height() - 1), line);
+    auto* button = content->findChild<QAbstractButton*>(QStringLiteral("quitButton"));
+    EXPECT_EQ(QApplication::widgetAt(button->mapToGlobal(button->rect().center())), button);
+}
+
+TEST_F(PopoverTest, KeepsItsMarginsWithAScrollBarAndTextTwiceAsLarge) {
+    Prefs::setSnoozeUntil(scene.fake.defaults, scene.fake.clock.now() + 1h);
+    scene.battery(64, true, true, 605);
+    open();
+    unfold();
+    useFont(2);
+    EXPECT_EQ(popover.height(), available());
+    EXPECT_TRUE(scrollBar().isVisible());
+    expectMargins();
+    // The handle is on the margin, and it is seen.
+    const QRect bar(scrollBar().mapTo(&popover, QPoint()), scrollBar().size());
+    EXPECT_GE(bar.left(), 340 - 16);
+    EXPECT_LT(bar.right(), 340 - 1);
+    const QImage picture = popover.grab().toImage();
+    EXPECT_NE(picture.pixelColor(bar.center().x(), bar.top() + 60), picture.pixelColor(4, bar.top() + 60));
+    picture.save(QStringLiteral(VELMORA_PICTURES "/popover-scrolls.png"));
+}
+
+TEST_F(PopoverTest, ScrollsByWheelAndByItsBar) {
+    open();
+    unfold();
+    useFont(3);
+    ASSERT_TRUE(scrollBar().isVisible());
+    auto* view = popover.findChild<QScrollArea*>()->viewport();
+    QWheelEvent wheel(QPointF(50, 50), view->mapToGlobal(QPointF(50, 50)), {}, QPoint(0, -240), Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(view, &wheel);
+    EXPECT_GT(scrollBar().value(), 0);
+    EXPECT_LT(content->y(), 0);
+    scrollBar().setValue(scrollBar().maximum());
+    EXPECT_EQ(content->y() + content->height(), popover.height());
+    scrollBar().setValue(0);
+    EXPECT_EQ(content->y(), 0);
+    // And to where the keyboard goes.
+    auto* quit = content->findChild<QWidget*>(QStringLiteral("quitButton"));
+    for (int i = 0; i < 20 && !quit->hasFocus(); ++i)
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    ASSERT_TRUE(quit->hasFocus());
+    EXPECT_TRUE(view->rect().contains(quit->mapTo(view, quit->rect().center())));
+    useFont(1);
+    unfold();
+    EXPECT_FALSE(scrollBar().isVisible());
+    EXPECT_EQ(content->y(), 0);
+}
+
+TEST_F(PopoverTest, EscapeClosesItWhereverTheKeyboardIs) {
+    open();
+    QTest::keyClick(&popover, Qt::Key_A);
+    EXPECT_TRUE(popover.isVisible());
+    QTest::keyClick(&popover, Qt::Key_Escape);
+    EXPECT_FALSE(popover.isVisible());
+    popover.showAt(std::nullopt);
+    auto* quit = content->findChild<QWidget*>(QStringLiteral("quitButton"));
+    quit->setFocus();
+    QTest::keyClick(quit, Qt::Key_Escape);
+    EXPECT_FALSE(popover.isVisible());
+}
+
+TEST_F(PopoverTest, ClosesWhenTheUserTurnsToAnotherWindow) {
+    open();
+    ASSERT_TRUE(waitUntil([&] { return popover.isActiveWindow(); }));
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    EXPECT_TRUE(waitUntil([&] { return !popover.isVisible(); }));
+    EXPECT_TRUE(other.isVisible());
+}
+
+TEST_F(PopoverTest, APopupClosesWhenNobodyMovesThePointer) {
+    // It keeps a screen locker from what that needs.
+    popover.setWindowFlags(Qt::Popup);
+    open();
+    const auto timers = popover.findChildren<QTimer*>(QString(), Qt::FindDirectChildrenOnly);
+    ASSERT_EQ(timers.size(), 1);
+    EXPECT_TRUE(timers.first()->isActive());
+    EXPECT_EQ(timers.first()->interval(), 120'000);
+    const QSignalSpy looks(timers.first(), &QTimer::timeout);
+    QCursor::setPos(QCursor::pos() + QPoint(1, 1));
+    timers.first()->start(0);
+    EXPECT_TRUE(waitUntil([&] { return !popover.isVisible(); }));
+    EXPECT_EQ(looks.count(), 2) << "it had been moved before the first";
+    EXPECT_FALSE(timers.first()->isActive());
+}
+
+TEST_F(PopoverTest, AnyOtherWindowStays) {
+    open();
+    for (const auto* timer : popover.findChildren<QTimer*>(QString(), Qt::FindDirectChildrenOnly))
+        EXPECT_FALSE(timer->isActive());
+}
+
+TEST_F(PopoverTest, KnowsForAMomentThatItWasClosed) {
+    open();
+    EXPECT_FALSE(popover.wasJustClosed()) << "it is only just open";
+    popover.hide();
+    EXPECT_TRUE(popover.wasJustClosed());
+    EXPECT_TRUE(waitUntil([&] { return !popover.wasJustClosed(); }, 5s));
+}
+
+TEST_F(PopoverTest, ShowsNoScrollBarWhereAllOfItFits) {
+    open();
+    for (double times = 0.8; times < 1.3; times += 0.02) {
+        useFont(times);
+        ASSERT_LT(popover.height(), available());
+        EXPECT_FALSE(scrollBar().isVisible()) << times << " times the font: " << scrollBar().maximum() << " more than "
+                                              << popover.height() << ", content " << content->height();
+    }
+}

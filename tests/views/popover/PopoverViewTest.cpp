@@ -1,0 +1,493 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/popover/PopoverView.h"
+
+#include "alerts/Prefs.h"
+#include "support/PopoverScene.h"
+#include "views/popover/Popover.h"
+#include "views/style/ViewStyle.h"
+#include "views/text/ChartPoints.h"
+#include "views/text/TimeText.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QLabel>
+#include <QLayout>
+#include <QProgressBar>
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+#include <qcustomplot.h>
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct PopoverViewTest : ::testing::Test {
+    PopoverScene scene;
+    int quits = 0;
+    int settings = 0;
+    std::unique_ptr<PopoverView> view;
+
+    PopoverView& shown() {
+        if (!view) {
+            view = std::make_unique<PopoverView>(
+                scene.started(), scene.fake.platform(), [this] { ++settings; }, [this] { ++quits; });
+            view->setFixedWidth(340);
+            view->rebuild();
+            view->show();
+        }
+        return *view;
+    }
+    template <class Widget = QWidget>
+    Widget* find(const char* name) {
+        return shown().findChild<Widget*>(QLatin1String(name));
+    }
+    /// Whether the user sees it.
+    bool sees(const char* name) {
+        const auto* widget = find(name);
+        return widget != nullptr && widget->isVisible();
+    }
+    /// The text of a label that is seen.
+    std::optional<std::string> text(const char* name) {
+        if (!sees(name))
+            return std::nullopt;
+        return find<QLabel>(name)->text().toStdString();
+    }
+    QColor colorOf(const char* name) { return find(name)->palette().color(QPalette::WindowText); }
+    QColor tint(Tint tint, Use use = Use::text) { return tintColor(tint, shown().palette(), use); }
+
+    /// Labels with values, from the top, as they are seen.
+    std::vector<std::string> details() {
+        std::vector<std::string> rows;
+        for (const auto* value : shown().findChildren<QLabel*>(QStringLiteral("detailValue"))) {
+            if (value->isVisible())
+                rows.push_back(value->accessibleName().toStdString());
+        }
+        return rows;
+    }
+    void settle() {
+        QCoreApplication::processEvents();
+        scene.fake.mainLoop.runDue();
+        QCoreApplication::processEvents();
+    }
+    QCustomPlot* plot() { return find<QCustomPlot>("historyChartPlot"); }
+    QCPItemStraightLine* rule() { return plot()->findChild<QCPItemStraightLine*>(QStringLiteral("limitRule")); }
+    QCPItemText* annotation() { return plot()->findChild<QCPItemText*>(QStringLiteral("limitAnnotation")); }
+};
+
+} // namespace
+
+TEST_F(PopoverViewTest, ShowsThreeLinesWithoutABattery) {
+    scene.fake.powerSources.sources = std::vector<std::optional<Value>>();
+    EXPECT_EQ(text("noBatteryTitle"), "No battery found");
+    EXPECT_EQ(text("noBatteryNote"), "This Mac does not report a battery, so Velmora stays quiet.");
+    EXPECT_TRUE(sees("noBatterySymbol"));
+    const QImage symbol = find<QLabel>("noBatterySymbol")->pixmap().toImage();
+    EXPECT_EQ(symbol.size(), QSize(36, 36));
+    int drawn = 0;
+    for (int x = 0; x < symbol.width(); ++x)
+        drawn += symbol.pixelColor(x, 18) == tint(Tint::secondary);
+    EXPECT_GT(drawn, 1) << "it is drawn, from the bundle's own glyphs";
+    for (const char* name : {"ring", "cycles", "rangePicker", "historyChart", "dailySummary", "detailRow"})
+        EXPECT_FALSE(sees(name)) << name;
+    EXPECT_EQ(text("note"), "Velmora can only remind you. A Mac app cannot stop the charger.");
+    EXPECT_TRUE(sees("settingsButton"));
+    EXPECT_TRUE(sees("quitButton"));
+}
+
+TEST_F(PopoverViewTest, ShowsWhatTheBatteryDoes) {
+    scene.battery(64, true, true, 45);
+    EXPECT_EQ(text("stateText"), "Charging, 45 min to full");
+    EXPECT_EQ(find("ring")->accessibleName(), QStringLiteral("64 %, charging"));
+    EXPECT_FALSE(sees("noBattery"));
+    EXPECT_EQ(find("ring")->size(), QSize(104, 104));
+}
+
+TEST_F(PopoverViewTest, TellsHowLongItHasBeenPluggedIn) {
+    scene.fake.files.files.clear();
+    shown();
+    scene.fake.mainLoop.advance(2h + 5min);
+    EXPECT_EQ(text("pluggedInText"), "Plugged in for 2 h 5 min");
+    scene.battery(64, false, false);
+    scene.fake.mainLoop.advance(1min);
+    EXPECT_EQ(text("pluggedInText"), std::nullopt);
+}
+
+TEST_F(PopoverViewTest, TellsTheSnoozeAndCancelsItAtOnce) {
+    EXPECT_FALSE((shown(), sees("snooze")));
+    scene.started().snooze();
+    settle();
+    const Date until = scene.fake.clock.now() + 1h;
+    EXPECT_EQ(text("snoozeText"), "Alerts snoozed until " + shortTime(until).toStdString());
+    EXPECT_EQ(find<QAbstractButton>("cancelSnooze")->text(), QStringLiteral("Cancel"));
+    find<QAbstractButton>("cancelSnooze")->click();
+    settle();
+    EXPECT_FALSE(sees("snooze"));
+    EXPECT_EQ(Prefs::snoozeUntil(scene.fake.defaults, scene.fake.clock), std::nullopt);
+}
+
+TEST_F(PopoverViewTest, ShowsTheCycleCountAsAGauge) {
+    for (const auto& [cycles, value, words, tinted] :
+         std::vector<std::tuple<int, int, const char*, Tint>>{{650, 650, "650 of 1000", Tint::accent},
+                                                              {750, 750, "750 of 1000", Tint::orange},
+                                                              {1200, 1000, "1200 of 1000", Tint::red}}) {
+        scene.registry(cycles, 4600);
+        shown();
+        scene.started().refresh(AppModel::Reason::event);
+        settle();
+        EXPECT_EQ(text("cycleLabel"), "Cycle count");
+        EXPECT_EQ(text("cycleValue"), words);
+        EXPECT_EQ(find<QProgressBar>("cycleBar")->value(), value);
+        EXPECT_EQ(find<QProgressBar>("cycleBar")->maximum(), 1000);
+        const QImage bar = find("cycleBar")->grab().toImage();
+        EXPECT_EQ(bar.pixelColor(bar.width() / 4, bar.height() / 2), tint(tinted, Use::graphics)) << cycles;
+    }
+}
+
+TEST_F(PopoverViewTest, ShowsNoGaugeWhereCyclesAreNotCounted) {
+    scene.fake.powerSources.registry = Value(Dictionary{});
+    EXPECT_FALSE((shown(), sees("cycles")));
+    EXPECT_TRUE(details().empty());
+}
+
+TEST_F(PopoverViewTest, ShowsTheDetailsInOrderEachReadAsOne) {
+    EXPECT_EQ((shown(), details()), (std::vector<std::string>{"Battery health: 92% · Good", "Temperature: 31.2 °C",
+                                                              "Power out: 7.6 W", "Adapter: 65 W"}));
+    scene.battery(80, false, false);
+    scene.registry(312, 4600, 0);
+    scene.started().refresh(AppModel::Reason::event);
+    settle();
+    EXPECT_EQ(details(), (std::vector<std::string>{"Battery health: 92% · Good", "Temperature: 31.2 °C"}));
+}
+
+TEST_F(PopoverViewTest, ColoursTheHealth) {
+    for (const auto& [full, tinted] : std::vector<std::pair<int, Tint>>{
+             {4600, Tint::green}, {4500, Tint::orange}, {4000, Tint::orange}, {3995, Tint::red}}) {
+        scene.registry(312, full);
+        shown();
+        scene.started().refresh(AppModel::Reason::event);
+        settle();
+        EXPECT_EQ(colorOf("detailValue"), tint(tinted)) << full;
+    }
+    EXPECT_EQ(colorOf("detailLabel"), tint(Tint::primary));
+}
+
+TEST_F(PopoverViewTest, ColoursTheRing) {
+    const auto arc = [this] {
+        const QImage ring = find("ring")->grab().toImage();
+        return ring.pixelColor(ring.width() / 2 + 4, 6); // just right of the top, where the arc begins
+    };
+    scene.battery(20, false, false);
+    EXPECT_EQ((shown(), arc()), tint(Tint::red, Use::graphics));
+    for (const auto& [percent, plugged, charging, tinted] :
+         std::vector<std::tuple<int, bool, bool, Tint>>{{21, false, false, Tint::accent},
+                                                        {50, true, true, Tint::green},
+                                                        {100, true, false, Tint::green},
+                                                        {50, true, false, Tint::accent}}) {
+        scene.battery(percent, plugged, charging);
+        scene.started().refresh(AppModel::Reason::event);
+        settle();
+        EXPECT_EQ(arc(), tint(tinted, Use::graphics)) << percent;
+    }
+}
+
+TEST_F(PopoverViewTest, SaysThatTheHistoryIsBeingCollected) {
+    scene.fake.files.files.clear();
+    EXPECT_EQ((shown(), text("historyChartEmpty")), "Collecting history… a graph appears after a few minutes.");
+    EXPECT_EQ(plot(), nullptr);
+    EXPECT_EQ(find("historyChartEmpty")->font(), textFont(TextStyle::caption));
+    EXPECT_EQ(colorOf("historyChartEmpty"), tint(Tint::secondary));
+    EXPECT_EQ(find<QLabel>("historyChartEmpty")->alignment(), Qt::AlignCenter);
+    EXPECT_EQ(find("historyChartEmpty")->size(), find("historyChart")->size());
+    EXPECT_TRUE(sees("dailySummary")) << "one sample is a day already";
+    scene.fake.mainLoop.advance(1min);
+    settle();
+    EXPECT_FALSE(sees("historyChartEmpty"));
+    EXPECT_TRUE(plot()->isVisible());
+}
+
+TEST_F(PopoverViewTest, TheChartShowsExactlyTheWindowThatIsPicked) {
+    shown();
+    const double now = scene.fake.clock.now().time_since_epoch().count();
+    EXPECT_EQ(plot()->xAxis->range().lower, now - 86400);
+    EXPECT_EQ(plot()->xAxis->range().upper, now);
+    EXPECT_EQ(plot()->yAxis2->range(), QCPRange(0, 100));
+    EXPECT_EQ(find("historyChart")->height(), 110);
+    const auto choices = find("rangePicker")->findChildren<QAbstractButton*>();
+    ASSERT_EQ(choices.size(), 2);
+    EXPECT_EQ(choices.at(0)->text(), QStringLiteral("24 hours"));
+    EXPECT_EQ(choices.at(1)->text(), QStringLiteral("7 days"));
+    EXPECT_TRUE(choices.at(0)->isChecked());
+    choices.at(1)->click();
+    EXPECT_EQ(plot()->xAxis->range().lower, now - 7 * 86400);
+    EXPECT_TRUE(
+        find("historyChart")->accessibleName().startsWith(QStringLiteral("Charge of the last 7 days, lowest ")));
+}
+
+TEST_F(PopoverViewTest, TheChartIsMarkedAtNothingHalfAndAllOfTheCharge) {
+    shown();
+    const QCPAxis* axis = plot()->yAxis2;
+    const auto marks = axis->ticker().dynamicCast<QCPAxisTickerText>();
+    ASSERT_NE(marks, nullptr);
+    EXPECT_EQ(
+        marks->ticks(),
+        (QMap<double, QString>{{0, QStringLiteral("0%")}, {50, QStringLiteral("50%")}, {100, QStringLiteral("100%")}}));
+    EXPECT_TRUE(axis->visible() && axis->tickLabels() && axis->grid()->visible());
+    EXPECT_FALSE(plot()->yAxis->visible());
+}
+
+TEST_F(PopoverViewTest, TheChartDrawsThePointsAndNoLineOverAGap) {
+    shown();
+    const auto data = plot()->graph(0)->data();
+    const std::vector<Point> expected = points(scene.started().history, scene.fake.clock.now() - 24h);
+    ASSERT_EQ(data->size(), static_cast<int>(expected.size()) + 1) << "the night is one gap";
+    int gaps = 0;
+    for (const QCPGraphData& each : *data)
+        gaps += std::isnan(each.value) ? 1 : 0;
+    EXPECT_EQ(gaps, 1);
+    EXPECT_EQ(plot()->graph(0)->pen().color(), tint(Tint::accent, Use::graphics));
+    EXPECT_EQ(plot()->graph(0)->lineStyle(), QCPGraph::lsLine);
+    EXPECT_TRUE(plot()->graph(0)->scatterStyle().isNone());
+}
+
+TEST_F(PopoverViewTest, TheChartMarksTheLimitAndFollowsThePreference) {
+    shown();
+    EXPECT_TRUE(rule()->visible());
+    EXPECT_EQ(rule()->point1->coords().y(), 80);
+    EXPECT_EQ(rule()->pen().color(), tint(Tint::yellow, Use::graphics));
+    EXPECT_EQ(annotation()->color(), tint(Tint::yellow));
+    EXPECT_EQ(rule()->pen().widthF(), 1.5);
+    EXPECT_EQ(rule()->pen().capStyle(), Qt::FlatCap);
+    EXPECT_EQ(rule()->pen().joinStyle(), Qt::MiterJoin);
+    EXPECT_EQ(rule()->pen().miterLimit(), 10);
+    EXPECT_EQ(rule()->pen().dashOffset(), 0);
+    ASSERT_EQ(rule()->pen().dashPattern().size(), 2) << "counted in widths of the pen";
+    EXPECT_DOUBLE_EQ(rule()->pen().dashPattern().at(0) * 1.5, 5);
+    EXPECT_DOUBLE_EQ(rule()->pen().dashPattern().at(1) * 1.5, 3);
+    plot()->replot();
+    EXPECT_EQ(annotation()->right->pixelPosition().x(), plot()->axisRect()->right() + 1);
+    EXPECT_EQ(annotation()->bottom->pixelPosition().y(), plot()->yAxis2->coordToPixel(80));
+    EXPECT_EQ(annotation()->padding().bottom(), 1);
+    EXPECT_EQ(annotation()->text(), QStringLiteral("Limit 80%"));
+    EXPECT_EQ(annotation()->font().pixelSize(), 9);
+    scene.fake.defaults.setObject("limit", Value(100));
+    settle();
+    EXPECT_EQ(annotation()->text(), QStringLiteral("Limit 100%"));
+    plot()->replot();
+    EXPECT_GE(annotation()->topLeft->pixelPosition().y(), 0) << "whole above the plot";
+    const int points = plot()->graph(0)->data()->size();
+    scene.fake.defaults.setObject("limitEnabled", Value(false));
+    settle();
+    EXPECT_FALSE(rule()->visible());
+    EXPECT_FALSE(annotation()->visible());
+    EXPECT_EQ(plot()->graph(0)->data()->size(), points);
+}
+
+TEST_F(PopoverViewTest, TheChartWritesTheLimitOverTheLine) {
+    shown();
+    const QList<QCPLayerable*> fromBelow = plot()->layer(QStringLiteral("main"))->children();
+    const auto line = fromBelow.indexOf(plot()->graph(0));
+    EXPECT_GE(line, 0);
+    EXPECT_GT(fromBelow.indexOf(rule()), line);
+    EXPECT_GT(fromBelow.indexOf(annotation()), fromBelow.indexOf(rule()));
+}
+
+TEST_F(PopoverViewTest, StandsInOneColumnFromTheRingToTheButtons) {
+    scene.started().snooze();
+    settle();
+    int above = -1;
+    for (const char* name : {"ring", "cycleLabel", "cycleBar", "detailRow", "rangePicker", "historyChart",
+                             "dailySummary", "note", "settingsButton"}) {
+        const int top = find(name)->mapTo(&shown(), QPoint()).y();
+        EXPECT_GT(top, above) << name;
+        above = top;
+    }
+    const auto place = [this](const char* name) { return find(name)->mapTo(&shown(), QPoint()); };
+    EXPECT_EQ(place("settingsButton").y(), place("quitButton").y());
+    EXPECT_LT(place("settingsButton").x(), place("quitButton").x());
+    EXPECT_LT(place("stateText").y(), place("pluggedInText").y());
+    EXPECT_LT(place("pluggedInText").y(), place("snoozeText").y());
+    EXPECT_GT(place("stateText").x(), place("ring").x() + 104);
+    EXPECT_GT(place("cancelSnooze").x(), place("snoozeText").x());
+    EXPECT_EQ(shown().layout()->spacing(), 14);
+    EXPECT_EQ(find("battery")->layout()->spacing(), 14);
+}
+
+TEST_F(PopoverViewTest, SaysTheMoreImportantThingsLouder) {
+    scene.started().snooze();
+    settle();
+    for (const auto& [name, style, tinted] :
+         std::vector<std::tuple<const char*, TextStyle, Tint>>{{"stateText", TextStyle::headline, Tint::primary},
+                                                               {"pluggedInText", TextStyle::caption, Tint::secondary},
+                                                               {"snoozeText", TextStyle::caption, Tint::secondary},
+                                                               {"cycleLabel", TextStyle::body, Tint::primary},
+                                                               {"cycleValue", TextStyle::body, Tint::secondary},
+                                                               {"note", TextStyle::caption2, Tint::secondary}}) {
+        EXPECT_EQ(find(name)->font(), textFont(style)) << name;
+        EXPECT_EQ(colorOf(name), tint(tinted)) << name;
+    }
+    const auto values = shown().findChildren<QLabel*>(QStringLiteral("detailValue"));
+    EXPECT_EQ(values.at(1)->palette().color(QPalette::WindowText), tint(Tint::secondary)) << "the temperature";
+    EXPECT_EQ(find("dailySummaryDisclosure")->font(), textFont(TextStyle::callout));
+    scene.fake.powerSources.sources = std::vector<std::optional<Value>>();
+    scene.started().refresh(AppModel::Reason::event);
+    settle();
+    EXPECT_EQ(find("noBatteryTitle")->font(), textFont(TextStyle::headline));
+    EXPECT_EQ(find("noBatteryNote")->font(), textFont(TextStyle::caption));
+    EXPECT_EQ(colorOf("noBatteryNote"), tint(Tint::secondary));
+}
+
+TEST_F(PopoverViewTest, TheDailySummaryUnfolds) {
+    shown();
+    EXPECT_TRUE(sees("dailySummary"));
+    EXPECT_FALSE(sees("dailySummaryTable"));
+    QSignalSpy resized(&shown(), &PopoverView::resized);
+    find<QAbstractButton>("dailySummaryDisclosure")->click();
+    EXPECT_EQ(resized.size(), 1);
+    EXPECT_EQ(text("dailySummary.0.Day"), "Day");
+    EXPECT_EQ(text("dailySummary.0.Charging"), "Charging");
+    const auto rows = scene.started().history.dailySummaries(7, scene.fake.clock.now());
+    ASSERT_EQ(rows.size(), 7U);
+    EXPECT_EQ(text("dailySummary.1.Avg"), std::to_string(rows[0].avgPercent) + "%");
+    EXPECT_EQ(text("dailySummary.7.Range"), summaryCells(rows[6]).range);
+    EXPECT_EQ(find("dailySummary.1.Avg")->accessibleName(),
+              dayText(rows[0].day) + QStringLiteral(", Avg: %1%").arg(rows[0].avgPercent));
+    EXPECT_EQ(text("dailySummary.7.Charging"), summaryCells(rows[6]).charging);
+    EXPECT_EQ(find("dailySummary.8.Day"), nullptr);
+}
+
+TEST_F(PopoverViewTest, TheDailySummaryHasFourColumns) {
+    shown();
+    find<QAbstractButton>("dailySummaryDisclosure")->click();
+    QCoreApplication::processEvents();
+    int left = -1;
+    for (const auto& [title, width, alignment] :
+         std::vector<std::tuple<const char*, int, Qt::Alignment>>{{"Day", 0, Qt::AlignLeading},
+                                                                  {"Avg", 38, Qt::AlignTrailing},
+                                                                  {"Range", 68, Qt::AlignTrailing},
+                                                                  {"Charging", 62, Qt::AlignTrailing}}) {
+        const QByteArray header = QByteArray("dailySummary.0.") + title;
+        const QByteArray cell = QByteArray("dailySummary.1.") + title;
+        EXPECT_EQ(text(header), title);
+        EXPECT_EQ(colorOf(header), tint(Tint::secondary));
+        EXPECT_EQ(colorOf(cell), shown().palette().color(QPalette::WindowText));
+        for (const QByteArray& name : {header, cell}) {
+            EXPECT_GE(find(name)->width(), width) << title;
+            EXPECT_EQ(find<QLabel>(name)->alignment() & Qt::AlignHorizontal_Mask, alignment) << title;
+            EXPECT_EQ(find(name)->x(), find(header)->x()) << title;
+        }
+        EXPECT_GT(find(header)->x(), left) << title;
+        left = find(header)->x();
+    }
+    EXPECT_EQ(text("dailySummary.1.Day"), dayText(scene.fake.clock.now()).toStdString());
+    EXPECT_GT(find("dailySummary.2.Day")->y(), find("dailySummary.1.Day")->y());
+}
+
+TEST_F(PopoverViewTest, TheDailySummaryLosesItsRowsWithTheHistory) {
+    shown();
+    find<QAbstractButton>("dailySummaryDisclosure")->click();
+    scene.started().resetHistory();
+    settle();
+    EXPECT_FALSE(sees("dailySummary"));
+    EXPECT_TRUE(sees("historyChartEmpty"));
+    scene.fake.mainLoop.advance(1min);
+    settle();
+    EXPECT_EQ(text("dailySummary.1.Charging"), "–");
+    EXPECT_FALSE(sees("dailySummary.2.Day"));
+}
+
+TEST_F(PopoverViewTest, HasButtonsThatDoWhatTheySay) {
+    shown();
+    find<QAbstractButton>("settingsButton")->click();
+    find<QAbstractButton>("quitButton")->click();
+    EXPECT_EQ(settings, 1);
+    EXPECT_EQ(quits, 1);
+    EXPECT_EQ(find<QAbstractButton>("settingsButton")->text(), QStringLiteral("Settings…"));
+    EXPECT_EQ(find<QAbstractButton>("quitButton")->text(), QStringLiteral("Quit"));
+}
+
+TEST_F(PopoverViewTest, FollowsTheModelOnceARefreshWhileItIsShownAndNotAtAllWhileItIsHidden) {
+    shown();
+    settle();
+    int before = shown().rebuilds();
+    scene.battery(30, false, false);
+    scene.started().refresh(AppModel::Reason::event);
+    settle();
+    EXPECT_EQ(shown().rebuilds(), before + 1);
+    EXPECT_EQ(text("stateText"), "On battery, estimating time left…");
+    shown().hide();
+    before = shown().rebuilds();
+    scene.fake.mainLoop.advance(2h);
+    scene.started().snooze();
+    scene.fake.defaults.setObject("limit", Value(60));
+    settle();
+    EXPECT_EQ(shown().rebuilds(), before);
+}
+
+TEST_F(PopoverViewTest, FollowsThePaletteWhileItIsShown) {
+    shown();
+    const QPalette light = QApplication::palette();
+    QPalette dark(QColor(45, 45, 48), QColor(42, 42, 44));
+    QApplication::setPalette(dark);
+    settle();
+    EXPECT_EQ(colorOf("detailValue"), tintColor(Tint::green, dark));
+    EXPECT_GE(contrast(colorOf("detailValue"), dark.color(QPalette::Window)), 4.5);
+    QApplication::setPalette(light);
+}
+
+TEST_F(PopoverViewTest, NamesEverythingThatCanBeOperated) {
+    for (const auto* button : shown().findChildren<QAbstractButton*>()) {
+        EXPECT_FALSE(button->text().isEmpty() && button->accessibleName().isEmpty());
+        EXPECT_NE(button->focusPolicy() & Qt::TabFocus, 0) << button->text().toStdString();
+    }
+}
+
+TEST_F(PopoverViewTest, NothingIsCutOffWithTextTwiceAsLarge) {
+    const QFont usual = QApplication::font();
+    QFont large = usual;
+    large.setPointSizeF(usual.pointSizeF() * 2);
+    scene.battery(64, true, true, 605);
+    Prefs::setSnoozeUntil(scene.fake.defaults, scene.fake.clock.now() + 1h);
+    Popover popover;
+    popover.setContent(&shown());
+    PopoverView* content = view.release(); // the popover's own by now
+    QObject::connect(content, &PopoverView::resized, &popover, &Popover::place);
+    popover.showAt(std::nullopt);
+    content->findChild<QAbstractButton*>(QStringLiteral("dailySummaryDisclosure"))->click();
+    QApplication::setFont(large); // while it is open
+    settle();
+    for (const auto* label : content->findChildren<QLabel*>()) {
+        if (!label->isVisible())
+            continue;
+        const int needed = label->wordWrap() ? label->heightForWidth(label->width()) : label->sizeHint().height();
+        EXPECT_GE(label->height(), needed) << label->text().toStdString();
+        EXPECT_GE(label->width(), label->minimumSizeHint().width()) << label->text().toStdString();
+    }
+    popover.grab().save(QStringLiteral(VELMORA_PICTURES "/popover-large-text.png"));
+    QApplication::setFont(usual);
+}
+
+TEST(ViewStyle, HasFontsInStepsFromTheDesktopsOwn) {
+    const auto size = [](TextStyle style) { return textFont(style).pointSizeF(); };
+    EXPECT_EQ(size(TextStyle::body), QApplication::font().pointSizeF());
+    EXPECT_EQ(size(TextStyle::headline), size(TextStyle::body));
+    EXPECT_TRUE(textFont(TextStyle::headline).bold());
+    EXPECT_LT(size(TextStyle::callout), size(TextStyle::body));
+    EXPECT_LT(size(TextStyle::caption), size(TextStyle::callout));
+    EXPECT_LT(size(TextStyle::caption2), size(TextStyle::caption));
+}
+
+TEST(ViewStyle, ReadsInEveryColourOnLightAndDark) {
+    for (const QColor& window : {QColor(Qt::white), QColor(0xef, 0xef, 0xef), QColor(0x2d, 0x2d, 0x30),
+                                 QColor(Qt::black), QColor(0xd0, 0xc8, 0xb0)}) {
+        QPalette palette(window);
+        for (const Tint tint :
+             {Tint::primary, Tint::secondary, Tint::accent, Tint::green, Tint::orange, Tint::red, Tint::yellow}) {
+            EXPECT_GE(contrast(tintColor(tint, palette), window), 4.5);
+            EXPECT_GE(contrast(tintColor(tint, palette, Use::graphics), window), 3);
+        }
+    }
+}

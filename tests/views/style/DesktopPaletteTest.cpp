@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "views/style/DesktopPalette.h"
+
+#include "views/style/ViewStyle.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const QPalette light(QColor(0xf0, 0xf0, 0xf0));
+
+double readability(const QPalette& palette, QPalette::ColorRole text, QPalette::ColorRole background) {
+    return contrast(palette.color(text), palette.color(background));
+}
+
+TEST(DesktopPalette, IsTheToolkitsOwnWhereTheDesktopSaysNothing) {
+    EXPECT_EQ(desktopPalette(light, {}), light);
+    EXPECT_EQ(desktopPalette(light, {.isDark = false, .accent = {}, .font = {}}), light);
+}
+
+TEST(DesktopPalette, CanBeReadInTheDark) {
+    const QPalette dark = desktopPalette(light, {.isDark = true, .accent = {}, .font = {}});
+    EXPECT_LT(dark.color(QPalette::Window).lightness(), 64);
+    EXPECT_GE(readability(dark, QPalette::WindowText, QPalette::Window), 7);
+    EXPECT_GE(readability(dark, QPalette::ButtonText, QPalette::Button), 7);
+    EXPECT_GE(readability(dark, QPalette::Text, QPalette::Base), 7);
+    EXPECT_GE(readability(dark, QPalette::ToolTipText, QPalette::ToolTipBase), 7);
+    EXPECT_GE(readability(dark, QPalette::Link, QPalette::Base), 4.5);
+}
+
+TEST(DesktopPalette, TheAccentIsTheColourOfWhatIsChosen) {
+    const std::array<std::array<double, 3>, 4> accents{
+        {{0.2, 0.52, 0.89}, {0.9, 0.9, 0.1}, {0.57, 0.25, 0.67}, {0, 0, 0}}};
+    for (const auto& accent : accents) {
+        const QPalette palette = desktopPalette(light, {.isDark = {}, .accent = accent, .font = {}});
+        EXPECT_EQ(palette.color(QPalette::Highlight),
+                  QColor::fromRgbF(static_cast<float>(accent[0]), static_cast<float>(accent[1]),
+                                   static_cast<float>(accent[2])));
+        EXPECT_GE(readability(palette, QPalette::HighlightedText, QPalette::Highlight), 4.5);
+        EXPECT_EQ(palette.color(QPalette::Window), light.color(QPalette::Window));
+    }
+}
+
+TEST(DesktopPalette, TheFontIsTheDesktopsInTheSizeThatItTells) {
+    const QFont own(QStringLiteral("Sans Serif"), 9);
+    EXPECT_EQ(desktopFont(own, {}), own);
+    const QFont told = desktopFont(own, {.isDark = {}, .accent = {}, .font = Appearance::Font{"Cantarell", 11}});
+    EXPECT_EQ(told.family(), QStringLiteral("Cantarell"));
+    EXPECT_EQ(told.pointSizeF(), 11);
+    const QFont unsized = desktopFont(own, {.isDark = {}, .accent = {}, .font = Appearance::Font{"Cantarell", 0}});
+    EXPECT_EQ(unsized.pointSizeF(), 9);
+}
+
+} // namespace
