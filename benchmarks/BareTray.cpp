@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The floor that the program is measured against: an item in the panel, by the toolkit's own means, a popover of as
+// The floor that the program is measured against: an item in the panel, by Qt's own means, a popover of as
 // many plain widgets that a click on it opens, and a window of as many plain controls that its menu opens. It knows
 // nothing of batteries.
 #include "BareSettings.h"

@@ -64,8 +64,8 @@ void wholeRefresh(benchmark::State& state) {
     JsonUserDefaults defaults(home.path / "defaults.json", files, loop);
     SysfsPowerSources sources(laptop.sysfs.path, clock, loop);
     FakePlatform fake;
-    AppModel model({sources, fake.processInfo, fake.workspace, loop, clock, calendar, defaults, files, fake.statusBar,
-                    fake.panels, fake.notificationCenter, fake.bundle, fake.sounds, fake.loginItem});
+    AppModel model({sources, fake.powerSaving, fake.sessionEvents, loop, clock, calendar, defaults, files,
+                    fake.statusBar, fake.dialogs, fake.notificationCenter, fake.bundle, fake.sounds, fake.loginItem});
     for ([[maybe_unused]] auto _ : state)
         model.refresh(AppModel::Reason::timer);
 }
@@ -73,7 +73,7 @@ BENCHMARK(wholeRefresh);
 
 } // namespace
 
-/// The adapters need the toolkit's event loop.
+/// The adapters need Qt's event loop.
 int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     benchmark::Initialize(&argc, argv);

@@ -185,7 +185,7 @@ bool isQtObject(const std::string& text) {
     return QJsonDocument::fromJson(QByteArray(text.data(), static_cast<qsizetype>(text.size()))).isObject();
 }
 
-/// Whether there is a byte order mark anywhere but at the beginning. The toolkit leaves one out that begins a key or a
+/// Whether there is a byte order mark anywhere but at the beginning. Qt leaves one out that begins a key or a
 /// value, unless it is written as an escape; so such texts may change when they are written again.
 bool hasInnerMark(const std::string& text) {
     std::string lower = text;

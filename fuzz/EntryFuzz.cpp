@@ -9,7 +9,7 @@
 #include <vector>
 
 // An input is a desktop entry as somebody may have put it into the folder "autostart"; and, beside that, any text that
-// is to become a part of one. The second opinion is that of the library which most desktops read such files with.
+// is to become a part of one. The second opinion is GLib's, which most desktops read such files with.
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include "alerts/Prefs.h"
 #include "battery/BatteryReader.h"
 #include "platform/linux/power/PowerReading.h"
+#include "support/FakePowerSaving.h"
 #include "support/FakePowerSources.h"
-#include "support/FakeProcessInfo.h"
 #include "views/text/PopoverText.h"
 #include "views/text/StatusItemText.h"
 
@@ -203,8 +203,8 @@ private:
         FakePowerSources sources;
         sources.sources = std::vector<std::optional<Value>>{Value(told.description)};
         sources.registry = told.registry;
-        const FakeProcessInfo processInfo;
-        const BatteryState state = BatteryReader(sources, processInfo).read();
+        const FakePowerSaving powerSaving;
+        const BatteryState state = BatteryReader(sources, powerSaving).read();
         checkState(state, reading);
         checkTexts(state);
     }

@@ -116,7 +116,8 @@ void checkLook(const Lines& lines) {
     const std::string desktops = word(lines, "desktops").value_or("");
     const std::string choice = word(lines, "choice").value_or("");
     if (!choice.empty())
-        require(!refusesToolkitTheme(desktops, choice) && !followsPortal(desktops, choice), "the user's choice counts");
+        require(!refusesQtPlatformTheme(desktops, choice) && !followsPortal(desktops, choice),
+                "the user's choice counts");
 }
 
 std::string unescaped(std::string text) {

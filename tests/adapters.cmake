@@ -28,11 +28,11 @@ add_executable(velmora_adapter_tests
     platform/linux/notifications/NotificationDaemonTest.cpp
     platform/linux/notifications/NotificationSoundTest.cpp
     platform/linux/panel/PanelBarTest.cpp
-    platform/linux/dialogs/PortalSavePanelTest.cpp
+    platform/linux/dialogs/PortalSaveDialogTest.cpp
     platform/linux/appearance/PortalSettingsTest.cpp
     platform/linux/files/PosixFilesTest.cpp
     platform/linux/power/PowerProfilesTest.cpp
-    platform/linux/dialogs/QtPanelsTest.cpp
+    platform/linux/dialogs/QtDialogsTest.cpp
     platform/linux/panel/StatusNotifierItemTest.cpp
     platform/linux/power/SysfsPowerSourcesTest.cpp
     platform/linux/session/SystemCalendarTest.cpp

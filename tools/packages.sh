@@ -19,7 +19,7 @@ WINDOW_PACKAGES=(x11-apps xserver-xephyr)
 PACKAGE_PACKAGES=(debhelper dpkg-dev librsvg2-bin)
 
 # What the tests and the checks need beyond that.
-# sway comes with a bar of its own; the toolkit shows windows in it by its Wayland plugin. By GTK the toolkit takes its
+# sway comes with a bar of its own; Qt shows windows in it by its Wayland plugin. By GTK Qt takes its
 # looks for those who ask for that. libfaketime sets the program's clock, strace sees what it asks the kernel for,
 # readelf of binutils how it was built. Screen readers hear of windows through at-spi2-core.
 TEST_PACKAGES=(appstream at-spi2-core binutils desktop-file-utils libbenchmark-dev libfaketime libglib2.0-bin

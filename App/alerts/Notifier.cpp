@@ -3,8 +3,8 @@
 
 #include "alerts/Prefs.h"
 #include "platform/Bundle.h"
+#include "platform/Dialogs.h"
 #include "platform/MainLoop.h"
-#include "platform/Panels.h"
 
 #include <optional>
 
@@ -22,10 +22,10 @@ std::optional<std::string> sound(AlertKind kind, const Prefs& prefs) {
 
 } // namespace
 
-Notifier::Notifier(NotificationCenter& center, const Bundle& bundle, Panels& panels, MainLoop& mainLoop)
+Notifier::Notifier(NotificationCenter& center, const Bundle& bundle, Dialogs& dialogs, MainLoop& mainLoop)
     : center_(center)
     , bundle_(bundle)
-    , panels_(panels)
+    , dialogs_(dialogs)
     , mainLoop_(mainLoop) {}
 
 Notifier::~Notifier() {
@@ -55,8 +55,8 @@ void Notifier::requestIfNeeded() {
 }
 
 void Notifier::explainAndRequest() {
-    panels_.bringToFront();
-    const std::optional<std::size_t> button = panels_.runAlert(
+    dialogs_.bringToFront();
+    const std::optional<std::size_t> button = dialogs_.runAlert(
         {.message = "Allow notifications?",
          .informativeText =
              "Velmora uses notifications to remind you to unplug at your chosen charge level, when the battery is low, "

@@ -12,14 +12,14 @@
 
 class Bundle;
 class MainLoop;
-class Panels;
+class Dialogs;
 struct Prefs;
 
 /// Delivers reminders as desktop notifications with a button that snoozes them. Outside an application bundle there are
 /// no notifications, and everything here does nothing. Called on the main thread.
 class Notifier final : private NotificationCenter::Delegate {
 public:
-    Notifier(NotificationCenter& center, const Bundle& bundle, Panels& panels, MainLoop& mainLoop);
+    Notifier(NotificationCenter& center, const Bundle& bundle, Dialogs& dialogs, MainLoop& mainLoop);
     ~Notifier() override;
     Notifier(const Notifier&) = delete;
     Notifier& operator=(const Notifier&) = delete;
@@ -47,7 +47,7 @@ public:
 private:
     NotificationCenter& center_;
     const Bundle& bundle_;
-    Panels& panels_;
+    Dialogs& dialogs_;
     MainLoop& mainLoop_;
     Lifetime lifetime_;
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "battery/BatteryReader.h"
 
-#include "platform/ProcessInfo.h"
+#include "platform/PowerSaving.h"
 
 #include <algorithm>
 #include <cmath>
@@ -117,15 +117,15 @@ void readRegistry(const PowerSnapshot& snapshot, BatteryState& state) {
 
 } // namespace
 
-BatteryReader::BatteryReader(PowerSources& powerSources, const ProcessInfo& processInfo)
+BatteryReader::BatteryReader(PowerSources& powerSources, const PowerSaving& powerSaving)
     : powerSources_(powerSources)
-    , processInfo_(processInfo) {}
+    , powerSaving_(powerSaving) {}
 
 BatteryState BatteryReader::read() {
     BatteryState state;
     const PowerSnapshot snapshot = powerSources_.snapshot();
     readLive(snapshot, state);
-    state.lowPowerMode = processInfo_.isLowPowerModeEnabled();
+    state.lowPowerMode = powerSaving_.isLowPowerModeEnabled();
     if (state.hasBattery)
         readRegistry(snapshot, state);
     return state;

@@ -7,12 +7,12 @@
 #include <functional>
 #include <memory>
 
-class ProcessInfo;
+class PowerSaving;
 
 /// Turns what the system tells of its power sources into a `BatteryState`. Keeps nothing between two readings.
 class BatteryReader {
 public:
-    BatteryReader(PowerSources& powerSources, const ProcessInfo& processInfo);
+    BatteryReader(PowerSources& powerSources, const PowerSaving& powerSaving);
     BatteryReader(const BatteryReader&) = delete;
     BatteryReader& operator=(const BatteryReader&) = delete;
 
@@ -25,6 +25,6 @@ public:
 
 private:
     PowerSources& powerSources_;
-    const ProcessInfo& processInfo_;
+    const PowerSaving& powerSaving_;
     std::unique_ptr<PowerSources::Notification> source;
 };

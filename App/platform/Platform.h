@@ -8,27 +8,27 @@ class Files;
 class LoginItem;
 class MainLoop;
 class NotificationCenter;
-class Panels;
+class Dialogs;
 class PowerSources;
-class ProcessInfo;
+class PowerSaving;
 class StatusBar;
 class SystemSounds;
 class UserDefaults;
-class Workspace;
+class SessionEvents;
 
 /// Every service that the program uses, made once by `main`. The referenced objects outlive everything that is given
 /// this struct.
 struct Platform {
     PowerSources& powerSources;
-    ProcessInfo& processInfo;
-    Workspace& workspace;
+    PowerSaving& powerSaving;
+    SessionEvents& sessionEvents;
     MainLoop& mainLoop;
     Clock& clock;
     Calendar& calendar;
     UserDefaults& defaults;
     Files& files;
     StatusBar& statusBar;
-    Panels& panels;
+    Dialogs& dialogs;
     NotificationCenter& notificationCenter;
     Bundle& bundle;
     SystemSounds& sounds;

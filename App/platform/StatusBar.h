@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-/// A point on the screen in the toolkit's coordinates.
+/// A point on the screen in Qt's coordinates.
 struct ScreenPoint {
     int x = 0;
     int y = 0;

@@ -3,8 +3,8 @@
 
 #include "alerts/Prefs.h"
 #include "platform/Clock.h"
+#include "platform/SessionEvents.h"
 #include "platform/UserDefaults.h"
-#include "platform/Workspace.h"
 #include "shell/HeapMemory.h"
 #include "views/popover/Popover.h"
 #include "views/popover/PopoverView.h"
@@ -42,9 +42,9 @@ void AppDelegate::applicationDidFinishLaunching() {
         if (model.snoozeUntil.get())
             queueMenu();
     }));
-    bag.push_back(platform_.workspace.onSessionEnd(terminate_));
+    bag.push_back(platform_.sessionEvents.onSessionEnd(terminate_));
     // While a popup is open on X11 it holds the keyboard, and a screen locker that wants it for the sleep fails.
-    bag.push_back(platform_.workspace.onWillSleep([this] { popover->hide(); }));
+    bag.push_back(platform_.sessionEvents.onWillSleep([this] { popover->hide(); }));
     model.start();
     updateStatusItem();
 }

@@ -3,11 +3,11 @@
 
 #include "alerts/Prefs.h"
 #include "platform/Clock.h"
+#include "platform/Dialogs.h"
 #include "platform/Files.h"
-#include "platform/Panels.h"
-#include "platform/ProcessInfo.h"
+#include "platform/PowerSaving.h"
+#include "platform/SessionEvents.h"
 #include "platform/UserDefaults.h"
-#include "platform/Workspace.h"
 
 #include <chrono>
 #include <cstdlib>
@@ -24,9 +24,9 @@ AppModel::AppModel(const Platform& platform)
     , historyVersion(0)
     , snoozeUntil(Prefs::snoozeUntil(platform.defaults, platform.clock))
     , platform_(platform)
-    , reader(platform.powerSources, platform.processInfo)
+    , reader(platform.powerSources, platform.powerSaving)
     , history(platform.files, platform.clock, platform.calendar)
-    , notifier(platform.notificationCenter, platform.bundle, platform.panels, platform.mainLoop) {}
+    , notifier(platform.notificationCenter, platform.bundle, platform.dialogs, platform.mainLoop) {}
 
 template <class Function>
 auto AppModel::trigger(Function function) {
@@ -44,10 +44,11 @@ void AppModel::start() {
     refresh(Reason::launch);
     reader.startObserving(trigger([this] { refresh(Reason::event); }));
     timer = platform_.mainLoop.repeat(60s, 10s, trigger([this] { refresh(Reason::timer); }));
-    observations_.push_back(platform_.processInfo.onPowerStateChanged(trigger([this] { refresh(Reason::event); })));
-    observations_.push_back(platform_.workspace.onWillSleep(trigger([this] { history.save(platform_.clock.now()); })));
+    observations_.push_back(platform_.powerSaving.onPowerStateChanged(trigger([this] { refresh(Reason::event); })));
+    observations_.push_back(
+        platform_.sessionEvents.onWillSleep(trigger([this] { history.save(platform_.clock.now()); })));
     // Right after waking the batteries often cannot be read yet.
-    observations_.push_back(platform_.workspace.onDidWake(
+    observations_.push_back(platform_.sessionEvents.onDidWake(
         lifetime_.guard([this] { platform_.mainLoop.after(3s, trigger([this] { refresh(Reason::wake); })); })));
 }
 
@@ -113,13 +114,13 @@ void AppModel::publishStoredSnooze() {
 }
 
 void AppModel::exportHistoryCSV() {
-    platform_.panels.bringToFront();
+    platform_.dialogs.bringToFront();
     const std::optional<std::filesystem::path> file =
-        platform_.panels.runSavePanel({.contentType = "text/csv", .suggestedName = "Velmora-history.csv"});
+        platform_.dialogs.runSaveDialog({.contentType = "text/csv", .suggestedName = "Velmora-history.csv"});
     if (!file)
         return;
     if (const std::error_code error = platform_.files.saveDocument(*file, history.csv()))
-        platform_.panels.runErrorAlert(*file, error);
+        platform_.dialogs.runErrorAlert(*file, error);
 }
 
 void AppModel::resetHistory() {

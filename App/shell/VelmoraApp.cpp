@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "history/HistoryStore.h"
 #include "platform/linux/appearance/AppearanceWatch.h"
-#include "platform/linux/dialogs/QtPanels.h"
+#include "platform/linux/dialogs/QtDialogs.h"
 #include "platform/linux/files/JsonUserDefaults.h"
 #include "platform/linux/files/PosixFiles.h"
 #include "platform/linux/files/XdgFolders.h"
@@ -11,6 +11,7 @@
 #include "platform/linux/panel/XEmbedItem.h"
 #include "platform/linux/power/PowerProfiles.h"
 #include "platform/linux/power/SysfsPowerSources.h"
+#include "platform/linux/session/DesktopSessionEvents.h"
 #include "platform/linux/session/DisplayCheck.h"
 #include "platform/linux/session/DisplayLoss.h"
 #include "platform/linux/session/ExecutableBundle.h"
@@ -18,7 +19,6 @@
 #include "platform/linux/session/LogindSleep.h"
 #include "platform/linux/session/QtMainLoop.h"
 #include "platform/linux/session/SessionApplication.h"
-#include "platform/linux/session/SessionWorkspace.h"
 #include "platform/linux/session/SystemBus.h"
 #include "platform/linux/session/SystemCalendar.h"
 #include "platform/linux/session/SystemClock.h"
@@ -45,12 +45,12 @@ namespace {
 
 [[noreturn]] void cannotStart(const char* why) {
     std::fprintf(stderr, "velmora: %s\n", why);
-    std::_Exit(EXIT_FAILURE); // also from inside the toolkit's start, where an orderly exit is not possible
+    std::_Exit(EXIT_FAILURE); // also from inside Qt's start, where an orderly exit is not possible
 }
 
 constexpr const char* noDisplay = "there is no display that it could show the battery on";
 constexpr const char* noWaylandDisplay = "there is no display that it could show the battery on; on Wayland that needs "
-                                         "the toolkit's plugin, in Debian the package qt6-wayland";
+                                         "Qt's plugin, in Debian the package qt6-wayland";
 
 /// It asks for everything within a few milliseconds, unless the machine is very busy.
 constexpr Duration untilPanelHasItem{0.1};
@@ -58,15 +58,15 @@ constexpr Duration untilPanelHasItem{0.1};
 /// All that a start has needed and that is not needed again has been freed.
 constexpr Duration untilStartIsOver{3};
 
-/// The program writes no log, so what the toolkit has to say is dropped. While it starts it can fail in one way only;
+/// The program writes no log, so what Qt has to say is dropped. While it starts it can fail in one way only;
 /// stop here in the debugger to see how.
-void handleToolkitMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
+void handleQtMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
     if (type == QtFatalMsg && QCoreApplication::startingUp())
         cannotStart(isOnlyWayland() ? noWaylandDisplay : noDisplay);
     noticeDisplayLoss(message);
 }
 
-/// The delegate while the main loop runs. The toolkit calls exit() from inside the loop when the X server goes away,
+/// The delegate while the main loop runs. Qt calls exit() from inside the loop when the X server goes away,
 /// which is how many sessions end; a handler for that can reach what it has to save only through a static.
 AppDelegate* runningDelegate = nullptr;
 
@@ -80,7 +80,7 @@ void terminateRunning() {
 int main(int argc, char** argv) {
     giveBackLargeBlocks();
     TerminationSignals signalEvents;
-    qInstallMessageHandler(handleToolkitMessage);
+    qInstallMessageHandler(handleQtMessage);
     dropLibraryMessages();
     if (!prepareDisplay())
         cannotStart(noDisplay);
@@ -92,7 +92,7 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("Velmora"));
     const QByteArray desktops = qgetenv("XDG_CURRENT_DESKTOP");
     const QByteArray themeChoice = qgetenv("QT_QPA_PLATFORMTHEME");
-    if (refusesToolkitTheme(desktops.toStdString(), themeChoice.toStdString()))
+    if (refusesQtPlatformTheme(desktops.toStdString(), themeChoice.toStdString()))
         QApplication::setDesktopSettingsAware(false);
     QApplication application(argc, argv);
 
@@ -115,9 +115,9 @@ int main(int argc, char** argv) {
     JsonUserDefaults defaults(defaultsFile, files, mainLoop);
     SysfsPowerSources powerSources("/sys", clock, mainLoop);
     SystemBus systemBus(SystemBus::usualSocket(), mainLoop);
-    PowerProfiles processInfo(systemBus, "/sys");
+    PowerProfiles powerSaving(systemBus, "/sys");
     LogindSleep sleep(systemBus);
-    SessionWorkspace workspace(sessionBus, signalEvents, sleep);
+    DesktopSessionEvents sessionEvents(sessionBus, signalEvents, sleep);
     const std::filesystem::path executable = runningExecutable();
     const std::filesystem::path share = prefixOf(executable) / "share";
     ExecutableBundle bundle(executable);
@@ -133,16 +133,16 @@ int main(int argc, char** argv) {
     if (XEmbedItem::isPossible())
         makeTrayItem = [](const GlyphImages& glyphs) { return std::make_unique<XEmbedItem>(glyphs); };
     PanelBar statusBar(sessionBus, mainLoop, share / "icons", makeTrayItem);
-    // Who has chosen the toolkit's looks has chosen its dialogs.
-    QtPanels panels(themeChoice.isEmpty() ? std::optional(sessionBus) : std::nullopt);
+    // Who has chosen Qt's looks has chosen its dialogs.
+    QtDialogs dialogs(themeChoice.isEmpty() ? std::optional(sessionBus) : std::nullopt);
     XdgAutostart loginItem(bundle, files, xdgConfigHome(), xdgConfigFolders());
 
-    AppDelegate delegate({powerSources, processInfo, workspace, mainLoop, clock, calendar, defaults, files, statusBar,
-                          panels, notifications, bundle, sounds, loginItem},
+    AppDelegate delegate({powerSources, powerSaving, sessionEvents, mainLoop, clock, calendar, defaults, files,
+                          statusBar, dialogs, notifications, bundle, sounds, loginItem},
                          [] { QCoreApplication::quit(); });
     session.setActivated([&delegate] { delegate.showDetails(); });
     delegate.applicationDidFinishLaunching();
-    workspace.start();
+    sessionEvents.start();
     notifications.start(); // before anything happens that there may be a reminder of
     AppearanceWatch look(sessionBus,
                          [palette = QApplication::palette(), font = QApplication::font()](const auto& changed) {
@@ -151,7 +151,7 @@ int main(int argc, char** argv) {
                          });
     // Nothing in the panel waits for what these have to say, so that the panel gets its answers first.
     mainLoop.after(untilPanelHasItem, [&] {
-        processInfo.start();
+        powerSaving.start();
         sleep.start();
         systemBus.start();
         if (followsPortal(desktops.toStdString(), themeChoice.toStdString()))

@@ -21,7 +21,7 @@ struct NotifierTest : ::testing::Test {
     FakeNotificationCenter& center = fake.notificationCenter;
     std::optional<Notifier> notifier;
 
-    NotifierTest() { notifier.emplace(fake.notificationCenter, fake.bundle, fake.panels, fake.mainLoop); }
+    NotifierTest() { notifier.emplace(fake.notificationCenter, fake.bundle, fake.dialogs, fake.mainLoop); }
 
     void request() {
         notifier->requestIfNeeded();
@@ -71,7 +71,7 @@ TEST_F(NotifierTest, DoesNothingOutsideABundle) {
     EXPECT_EQ(center.delegate, nullptr);
     EXPECT_TRUE(center.categories.empty());
     EXPECT_EQ(center.statusQuestions, 0);
-    EXPECT_TRUE(fake.panels.alerts.empty());
+    EXPECT_TRUE(fake.dialogs.alerts.empty());
     EXPECT_TRUE(center.requests.empty());
     EXPECT_TRUE(center.removed.empty());
 }
@@ -105,29 +105,29 @@ TEST_F(NotifierTest, DeliversWithTheSoundOfTheKind) {
 }
 
 TEST_F(NotifierTest, ExplainsOnTheMainThreadBeforeItAsks) {
-    fake.panels.chosenButton = 0;
+    fake.dialogs.chosenButton = 0;
     notifier->requestIfNeeded();
-    EXPECT_TRUE(fake.panels.alerts.empty()) << "the answer came on another thread";
+    EXPECT_TRUE(fake.dialogs.alerts.empty()) << "the answer came on another thread";
     fake.mainLoop.runDue();
     EXPECT_EQ(fake.journal, (FakeJournal{"bringToFront", "runAlert"}));
-    ASSERT_EQ(fake.panels.alerts.size(), 1U);
-    EXPECT_EQ(fake.panels.alerts[0].message, "Allow notifications?");
+    ASSERT_EQ(fake.dialogs.alerts.size(), 1U);
+    EXPECT_EQ(fake.dialogs.alerts[0].message, "Allow notifications?");
     EXPECT_EQ(
-        fake.panels.alerts[0].informativeText,
+        fake.dialogs.alerts[0].informativeText,
         "Velmora uses notifications to remind you to unplug at your chosen charge level, when the battery is low, and "
         "when you have been plugged in too long. macOS will ask for permission next.");
-    EXPECT_EQ(fake.panels.alerts[0].buttons, (std::vector<std::string>{"Continue", "Not Now"}));
+    EXPECT_EQ(fake.dialogs.alerts[0].buttons, (std::vector<std::string>{"Continue", "Not Now"}));
     EXPECT_EQ(center.authorizationRequests, (std::vector{Center::Options{.alert = true, .sound = true}}));
 }
 
 TEST_F(NotifierTest, ExplainsAgainUntilTheUserContinues) {
     for (const std::optional<std::size_t> button : {std::optional<std::size_t>(1), std::optional<std::size_t>()}) {
-        fake.panels.chosenButton = button;
+        fake.dialogs.chosenButton = button;
         request();
     }
-    EXPECT_EQ(fake.panels.alerts.size(), 2U);
+    EXPECT_EQ(fake.dialogs.alerts.size(), 2U);
     EXPECT_TRUE(center.authorizationRequests.empty());
-    fake.panels.chosenButton = 0;
+    fake.dialogs.chosenButton = 0;
     request();
     EXPECT_EQ(center.authorizationRequests.size(), 1U);
 }
@@ -188,7 +188,7 @@ TEST_F(NotifierTest, IsSilentOnceItIsGone) {
     notifier.reset();
     fake.mainLoop.runDue();
     EXPECT_EQ(snoozes, 0);
-    EXPECT_TRUE(fake.panels.alerts.empty());
+    EXPECT_TRUE(fake.dialogs.alerts.empty());
     EXPECT_EQ(center.delegate, nullptr);
 }
 

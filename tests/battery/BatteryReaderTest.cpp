@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "battery/BatteryReader.h"
 
+#include "support/FakePowerSaving.h"
 #include "support/FakePowerSources.h"
-#include "support/FakeProcessInfo.h"
 
 #include <gtest/gtest.h>
 
@@ -54,8 +54,8 @@ Dictionary fullRegistry() {
 
 struct BatteryReaderTest : ::testing::Test {
     FakePowerSources sources;
-    FakeProcessInfo processInfo;
-    BatteryReader reader{sources, processInfo};
+    FakePowerSaving powerSaving;
+    BatteryReader reader{sources, powerSaving};
 
     BatteryReaderTest() { sources.registry = Value(Dictionary()); }
 
@@ -97,14 +97,14 @@ TEST_F(BatteryReaderTest, FillsEveryFieldFromWhatTheSystemTells) {
     expected.amperage = -1.234;
     expected.adapterWatts = 65;
     expected.lowPowerMode = true;
-    processInfo.lowPowerMode = true;
+    powerSaving.lowPowerMode = true;
     EXPECT_EQ(readRegistry(fullRegistry()), expected);
 }
 
 TEST_F(BatteryReaderTest, KeepsNothingFromTheReadingBefore) {
-    processInfo.lowPowerMode = true;
+    powerSaving.lowPowerMode = true;
     readRegistry(fullRegistry());
-    processInfo.lowPowerMode = false;
+    powerSaving.lowPowerMode = false;
     sources.sources.reset();
     EXPECT_EQ(reader.read(), BatteryState());
 }
@@ -126,7 +126,7 @@ TEST_F(BatteryReaderTest, FindsNoBatteryWhereThereIsNoUsableDescription) {
 }
 
 TEST_F(BatteryReaderTest, TellsTheLowPowerModeWithoutABatteryToo) {
-    processInfo.lowPowerMode = true;
+    powerSaving.lowPowerMode = true;
     BatteryState expected;
     expected.lowPowerMode = true;
     EXPECT_EQ(reader.read(), expected);
@@ -414,9 +414,9 @@ TEST_F(BatteryReaderTest, WithoutChangeReportsNothingIsStored) {
 
 TEST(BatteryReader, StopsObservingWhenItGoes) {
     FakePowerSources sources;
-    const FakeProcessInfo processInfo;
+    const FakePowerSaving powerSaving;
     int calls = 0;
-    auto reader = std::make_unique<BatteryReader>(sources, processInfo);
+    auto reader = std::make_unique<BatteryReader>(sources, powerSaving);
     reader->startObserving([&] { ++calls; });
     reader.reset();
     sources.change();

@@ -50,7 +50,7 @@ SETTINGS = [
 ]
 CONTROLS = [(role, label, key) for role, label, key in SETTINGS if role != "label"]
 TIMES = ("From", "Until")
-# The toolkit's own, which hold others together or adorn them, and which nobody operates.
+# Qt's own, which hold others together or adorn them, and which nobody operates.
 HOLDERS = ("filler", "frame", "panel", "graphic")
 
 
@@ -215,7 +215,7 @@ class Settings(AccessibilityCase):
 
 
 class ThePopover(AccessibilityCase):
-    """The toolkit does not count it among the program's windows; what has the keyboard leads to it."""
+    """Qt does not count it among the program's windows; what has the keyboard leads to it."""
 
     def test_says_the_charge_when_it_opens_and_leaves_nothing_without_a_name(self):
         self.begin()

@@ -36,7 +36,7 @@ class End(DesktopCase):
         self.ends_cleanly(self.program)
 
     def test_when_the_x_server_goes(self):
-        # The toolkit ends the program then, with a code and a line of its own.
+        # Qt ends the program then, with a code and a line of its own.
         self.screen.kill_x_server()
         self.program.process.wait_exit(END_SECONDS)
 

@@ -32,7 +32,7 @@ class WithoutDisplay(DesktopCase):
         self.assertIn("qt6-wayland", errors)
 
     def test_the_named_one_does_not_let_us_in(self):
-        # The library that connects to X servers says so as well, by itself.
+        # libxcb says so as well, by itself.
         last = self.refused({"XAUTHORITY": None}).rstrip("\n").split("\n")[-1]
         self.assertRegex(last + "\n", ONE_LINE)
 

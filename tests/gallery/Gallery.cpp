@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Draws the popover and the settings window in every state to look at: velmora_gallery FOLDER [HEIGHT]. The toolkit's
+// Draws the popover and the settings window in every state to look at: velmora_gallery FOLDER [HEIGHT]. Qt's
 // own QT_SCALE_FACTOR sets the scale, LC_ALL the clock. On a screen of that height there is the settings window alone.
 // It fails when there is nothing to see in one of the pictures, or when the settings window leaves the screen.
 #include "alerts/Prefs.h"

@@ -152,7 +152,7 @@ TEST_F(AppDelegateTest, EndsTheProgramFromTheMenuAndWithTheSession) {
     delegate.applicationDidFinishLaunching();
     choose("Quit");
     EXPECT_EQ(terminations, 1);
-    fakes.workspace.endSession();
+    fakes.sessionEvents.endSession();
     EXPECT_EQ(terminations, 2);
 }
 

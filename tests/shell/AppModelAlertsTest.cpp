@@ -201,11 +201,11 @@ TEST_F(AppModelAlertsTest, TakesBackWhatUnpluggingHasAnswered) {
 TEST_F(AppModelAlertsTest, TakesTheSuggestionBackWhenItIsFollowed) {
     model().start();
     withdrawn();
-    fake.processInfo.lowPowerMode = true;
+    fake.powerSaving.lowPowerMode = true;
     model().refresh(Reason::event);
     EXPECT_EQ(withdrawn(), Names{"lowPower"});
     model().refresh(Reason::event);
-    fake.processInfo.lowPowerMode = false;
+    fake.powerSaving.lowPowerMode = false;
     model().refresh(Reason::event);
     EXPECT_EQ(withdrawn(), Names{});
 }
@@ -215,9 +215,9 @@ TEST_F(AppModelAlertsTest, TakingBackDoesNotTouchTheMemoryOfTheReminders) {
     fake.powerSources.setBattery(25, false);
     model().refresh(Reason::event);
     EXPECT_EQ(delivered(), Names{"lowPower"});
-    fake.processInfo.lowPowerMode = true;
+    fake.powerSaving.lowPowerMode = true;
     model().refresh(Reason::event);
-    fake.processInfo.lowPowerMode = false;
+    fake.powerSaving.lowPowerMode = false;
     model().refresh(Reason::event);
     EXPECT_EQ(delivered(), Names{"lowPower"}) << "the episode ended with the mode, not with the withdrawal";
 }

@@ -121,7 +121,7 @@ TEST_F(AppModelHistoryTest, SavesBeforeTheMachineSleepsAndDoesNotRefresh) {
     fake.mainLoop.advance(1min);
     ASSERT_EQ(decodeHistory(fake.files.files[file])->size(), 1U);
     const int readings = fake.powerSources.snapshots;
-    fake.workspace.prepareForSleep();
+    fake.sessionEvents.prepareForSleep();
     EXPECT_EQ(decodeHistory(fake.files.files[file])->size(), 2U);
     EXPECT_EQ(fake.powerSources.snapshots, readings);
 }
@@ -131,12 +131,12 @@ TEST_F(AppModelHistoryTest, SavesBeforeEachOfTenSleepsAndRefreshesOnceThreeSecon
     for (int i = 0; i < 10; ++i) {
         fake.mainLoop.advance(1min);
         const std::size_t saves = fake.files.replacedPaths.size();
-        fake.workspace.prepareForSleep();
+        fake.sessionEvents.prepareForSleep();
         EXPECT_EQ(fake.files.replacedPaths.size(), saves + 1);
         EXPECT_EQ(decodeHistory(fake.files.files[file])->size(), model().history.samples.size());
         fake.clock.suspend(1h);
         const int readings = fake.powerSources.snapshots;
-        fake.workspace.wake();
+        fake.sessionEvents.wake();
         fake.mainLoop.advance(2.999s);
         EXPECT_EQ(fake.powerSources.snapshots, readings);
         fake.mainLoop.advance(0.001s);
@@ -146,16 +146,16 @@ TEST_F(AppModelHistoryTest, SavesBeforeEachOfTenSleepsAndRefreshesOnceThreeSecon
 
 TEST_F(AppModelHistoryTest, ExportsToTheFileThatTheUserChose) {
     model().start();
-    fake.panels.chosenFile = "/home/user/Documents/mine.csv";
+    fake.dialogs.chosenFile = "/home/user/Documents/mine.csv";
     fake.journal.clear();
     model().exportHistoryCSV();
-    EXPECT_EQ(fake.journal, (FakeJournal{"bringToFront", "runSavePanel"}));
-    ASSERT_EQ(fake.panels.savePanels.size(), 1U);
-    EXPECT_EQ(fake.panels.savePanels[0].contentType, "text/csv");
-    EXPECT_EQ(fake.panels.savePanels[0].suggestedName, "Velmora-history.csv");
+    EXPECT_EQ(fake.journal, (FakeJournal{"bringToFront", "runSaveDialog"}));
+    ASSERT_EQ(fake.dialogs.saveDialogs.size(), 1U);
+    EXPECT_EQ(fake.dialogs.saveDialogs[0].contentType, "text/csv");
+    EXPECT_EQ(fake.dialogs.saveDialogs[0].suggestedName, "Velmora-history.csv");
     EXPECT_EQ(fake.files.files["/home/user/Documents/mine.csv"],
               "timestamp,percent,charging,plugged_in\n2023-11-14T22:13:20Z,64,false,true\n");
-    EXPECT_TRUE(fake.panels.errorAlerts.empty());
+    EXPECT_TRUE(fake.dialogs.errorAlerts.empty());
     EXPECT_EQ(fake.files.documents.size(), 1U) << "it is the user's, not the program's";
 }
 
@@ -164,24 +164,24 @@ TEST_F(AppModelHistoryTest, ExportsNothingWhenTheUserCancels) {
     const std::size_t writes = fake.files.replacedPaths.size();
     model().exportHistoryCSV();
     EXPECT_EQ(fake.files.replacedPaths.size(), writes);
-    EXPECT_TRUE(fake.panels.errorAlerts.empty());
+    EXPECT_TRUE(fake.dialogs.errorAlerts.empty());
 }
 
 TEST_F(AppModelHistoryTest, SaysWhyAnExportFailed) {
     model().start();
-    fake.panels.chosenFile = "/full/mine.csv";
+    fake.dialogs.chosenFile = "/full/mine.csv";
     fake.files.refusesWrites = true;
     model().exportHistoryCSV();
-    ASSERT_EQ(fake.panels.errorAlerts.size(), 1U);
-    EXPECT_EQ(fake.panels.errorAlerts[0].first, "/full/mine.csv");
-    EXPECT_EQ(fake.panels.errorAlerts[0].second, std::errc::no_space_on_device);
+    ASSERT_EQ(fake.dialogs.errorAlerts.size(), 1U);
+    EXPECT_EQ(fake.dialogs.errorAlerts[0].first, "/full/mine.csv");
+    EXPECT_EQ(fake.dialogs.errorAlerts[0].second, std::errc::no_space_on_device);
     EXPECT_EQ(model().history.samples.size(), 1U);
 }
 
 TEST_F(AppModelHistoryTest, ExportsWhatIsThereWhenTheFileIsChosen) {
     model().start();
-    fake.panels.chosenFile = "/home/user/mine.csv";
-    fake.panels.whileOpen = [this] { fake.mainLoop.advance(3min); };
+    fake.dialogs.chosenFile = "/home/user/mine.csv";
+    fake.dialogs.whileOpen = [this] { fake.mainLoop.advance(3min); };
     model().exportHistoryCSV();
     EXPECT_EQ(fake.files.files["/home/user/mine.csv"], model().history.csv());
     EXPECT_EQ(model().history.samples.size(), 4U);

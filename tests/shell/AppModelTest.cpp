@@ -68,7 +68,7 @@ TEST_F(AppModelTest, ReadsFirstAndObservesThen) {
 
 TEST_F(AppModelTest, PublishesTheFirstReadingBeforeStartReturns) {
     fake.powerSources.setBattery(64, false);
-    fake.processInfo.lowPowerMode = true;
+    fake.powerSaving.lowPowerMode = true;
     started();
     EXPECT_EQ(model->state.get().percent, 64);
     EXPECT_TRUE(model->state.get().lowPowerMode);
@@ -94,16 +94,16 @@ TEST_F(AppModelTest, RefreshesEveryMinuteForEver) {
 
 TEST_F(AppModelTest, RefreshesWhenTheLowPowerModeIsSwitched) {
     started();
-    EXPECT_EQ(readingsDuring([&] { fake.processInfo.switchLowPowerMode(true); }), 1);
+    EXPECT_EQ(readingsDuring([&] { fake.powerSaving.switchLowPowerMode(true); }), 1);
     EXPECT_TRUE(model->state.get().lowPowerMode);
-    EXPECT_EQ(readingsDuring([&] { fake.processInfo.switchLowPowerMode(false); }), 1);
+    EXPECT_EQ(readingsDuring([&] { fake.powerSaving.switchLowPowerMode(false); }), 1);
     EXPECT_FALSE(model->state.get().lowPowerMode);
 }
 
 TEST_F(AppModelTest, DoesNotRefreshBeforeSleep) {
     started();
     EXPECT_EQ(readingsDuring([&] {
-                  fake.workspace.prepareForSleep();
+                  fake.sessionEvents.prepareForSleep();
                   fake.mainLoop.advance(59s);
               }),
               0);
@@ -113,7 +113,7 @@ TEST_F(AppModelTest, RefreshesOnceThreeSecondsAfterWaking) {
     started();
     fake.clock.suspend(8h);
     EXPECT_EQ(readingsDuring([&] {
-                  fake.workspace.wake();
+                  fake.sessionEvents.wake();
                   fake.mainLoop.advance(2999ms);
               }),
               0);
@@ -123,9 +123,9 @@ TEST_F(AppModelTest, RefreshesOnceThreeSecondsAfterWaking) {
 
 TEST_F(AppModelTest, TwoWakesGiveTwoRefreshes) {
     started();
-    fake.workspace.wake();
+    fake.sessionEvents.wake();
     fake.mainLoop.advance(1s);
-    fake.workspace.wake();
+    fake.sessionEvents.wake();
     EXPECT_EQ(readingsDuring([&] { fake.mainLoop.advance(1999ms); }), 0);
     EXPECT_EQ(readingsDuring([&] { fake.mainLoop.advance(1ms); }), 1);
     EXPECT_EQ(readingsDuring([&] { fake.mainLoop.advance(999ms); }), 0);
@@ -148,7 +148,7 @@ TEST_F(AppModelTest, RunsOnItsTimerWhereTheSystemReportsNoChanges) {
     EXPECT_EQ(fake.powerSources.notifyCalls, 1);
     EXPECT_EQ(readingsDuring([&] { fake.mainLoop.advance(1min); }), 1);
     EXPECT_EQ(fake.powerSources.notifyCalls, 1);
-    EXPECT_EQ(readingsDuring([&] { fake.processInfo.switchLowPowerMode(true); }), 1);
+    EXPECT_EQ(readingsDuring([&] { fake.powerSaving.switchLowPowerMode(true); }), 1);
 }
 
 TEST_F(AppModelTest, IsPluggedInSinceTheFirstReadingThatSaysSo) {
@@ -265,7 +265,7 @@ TEST_F(AppModelTest, AnnouncesNoStateThatEqualsTheOneBefore) {
     fake.mainLoop.advance(10min);
     fake.powerSources.change();
     EXPECT_EQ(announcements, 0);
-    fake.processInfo.switchLowPowerMode(true);
+    fake.powerSaving.switchLowPowerMode(true);
     EXPECT_EQ(announcements, 1);
 }
 
@@ -291,19 +291,19 @@ TEST_F(AppModelTest, SnoozingDoesNotRefresh) {
 
 TEST_F(AppModelTest, EveryTriggerIsSilentOnceTheModelIsGone) {
     started();
-    fake.workspace.wake(); // a refresh that is on its way
+    fake.sessionEvents.wake(); // a refresh that is on its way
     model.reset();
     EXPECT_EQ(readingsDuring([&] {
                   fake.powerSources.change();
-                  fake.processInfo.switchLowPowerMode(true);
-                  fake.workspace.prepareForSleep();
-                  fake.workspace.wake();
+                  fake.powerSaving.switchLowPowerMode(true);
+                  fake.sessionEvents.prepareForSleep();
+                  fake.sessionEvents.wake();
                   fake.mainLoop.advance(10min);
                   // And those that were already being called when the model went.
                   fake.powerSources.callbacks.at(0)();
-                  fake.processInfo.callbacks.at(0)();
-                  fake.workspace.willSleepCallbacks.at(0)();
-                  fake.workspace.didWakeCallbacks.at(0)();
+                  fake.powerSaving.callbacks.at(0)();
+                  fake.sessionEvents.willSleepCallbacks.at(0)();
+                  fake.sessionEvents.didWakeCallbacks.at(0)();
                   fake.mainLoop.repetitions.at(0)->task();
                   fake.mainLoop.advance(10min);
               }),
@@ -325,22 +325,22 @@ using AppModelDeathTest = AppModelTest;
 
 TEST_F(AppModelDeathTest, EveryTriggerOffTheMainThreadStopsTheProgram) {
     started();
-    fake.workspace.wake();
+    fake.sessionEvents.wake();
     EXPECT_STOPS_OFF_THE_MAIN_THREAD(fake.powerSources.change());
     EXPECT_STOPS_OFF_THE_MAIN_THREAD(fake.mainLoop.repetitions.at(0)->task());
-    EXPECT_STOPS_OFF_THE_MAIN_THREAD(fake.processInfo.switchLowPowerMode(true));
-    EXPECT_STOPS_OFF_THE_MAIN_THREAD(fake.workspace.prepareForSleep());
+    EXPECT_STOPS_OFF_THE_MAIN_THREAD(fake.powerSaving.switchLowPowerMode(true));
+    EXPECT_STOPS_OFF_THE_MAIN_THREAD(fake.sessionEvents.prepareForSleep());
     EXPECT_STOPS_OFF_THE_MAIN_THREAD(fake.mainLoop.advance(3s));
 }
 
 TEST_F(AppModelDeathTest, EveryTriggerOffTheMainThreadStopsTheProgramAlsoWhenTheModelIsGone) {
     started();
-    fake.workspace.wake();
+    fake.sessionEvents.wake();
     model.reset();
     EXPECT_STOPS_OFF_THE_MAIN_THREAD(fake.powerSources.callbacks.at(0)());
     EXPECT_STOPS_OFF_THE_MAIN_THREAD(fake.mainLoop.repetitions.at(0)->task());
-    EXPECT_STOPS_OFF_THE_MAIN_THREAD(fake.processInfo.callbacks.at(0)());
-    EXPECT_STOPS_OFF_THE_MAIN_THREAD(fake.workspace.willSleepCallbacks.at(0)());
+    EXPECT_STOPS_OFF_THE_MAIN_THREAD(fake.powerSaving.callbacks.at(0)());
+    EXPECT_STOPS_OFF_THE_MAIN_THREAD(fake.sessionEvents.willSleepCallbacks.at(0)());
     EXPECT_STOPS_OFF_THE_MAIN_THREAD(fake.mainLoop.advance(3s));
 }
 

@@ -50,15 +50,15 @@ protected:
 
     Platform platform() {
         return {.powerSources = fakes.powerSources,
-                .processInfo = fakes.processInfo,
-                .workspace = fakes.workspace,
+                .powerSaving = fakes.powerSaving,
+                .sessionEvents = fakes.sessionEvents,
                 .mainLoop = fakes.mainLoop,
                 .clock = fakes.clock,
                 .calendar = calendar,
                 .defaults = fakes.defaults,
                 .files = files,
                 .statusBar = fakes.statusBar,
-                .panels = fakes.panels,
+                .dialogs = fakes.dialogs,
                 .notificationCenter = fakes.notificationCenter,
                 .bundle = fakes.bundle,
                 .sounds = fakes.sounds,
@@ -100,7 +100,7 @@ protected:
         QCoreApplication::processEvents();
         fakes.mainLoop.runDue();
         QCoreApplication::processEvents();
-        // What the toolkit puts off until it is back in its main loop, which a test never is.
+        // What Qt puts off until it is back in its main loop, which a test never is.
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     FakeStatusBar::Record& item() { return *fakes.statusBar.items.at(0); }
@@ -150,7 +150,7 @@ protected:
         case 50:
             return item().menu.at(1).action(); // snooze, and cancel it
         case 55:
-            return fakes.workspace.wake();
+            return fakes.sessionEvents.wake();
         default:
             return;
         }
@@ -200,7 +200,7 @@ TEST_F(DesktopDay, NeitherMemoryNorDescriptorsGrow) {
     const double processGrowth = slope(ofTheProcess) * 24;
     std::printf("%.0f bytes a day allocated, %.0f of the process, %zu descriptors\n", growth, processGrowth,
                 descriptors.back());
-    // The toolkit itself notes each time that a window is activated, which is 2,500 bytes for these 24 settings
+    // Qt itself notes each time that a window is activated, which is 2,500 bytes for these 24 settings
     // windows. Sixteen bytes a minute would be 23,000 more, and a widget left over from each popover 5,000 at least.
     EXPECT_LT(growth, 6000);
 #ifndef VELMORA_ADDRESS_SANITIZER // which keeps what was freed, so that its later use shows

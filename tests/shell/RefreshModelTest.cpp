@@ -316,7 +316,7 @@ private:
     std::string told() const { return "seed " + std::to_string(seed_) + ":\n" + story_; }
 
     void showBattery() {
-        fake_.processInfo.lowPowerMode = reading_.lowPowerMode;
+        fake_.powerSaving.lowPowerMode = reading_.lowPowerMode;
         fake_.powerSources.registry.reset();
         if (!reading_.hasBattery) {
             fake_.powerSources.sources.reset();
@@ -429,7 +429,7 @@ private:
              (mode ? "low power mode " : "") + std::to_string(reading_.fullCapacity.value_or(-1)) + " of " +
              std::to_string(reading_.designCapacity.value_or(-1)));
         if (modeChanges)
-            refreshes({Reason::event}, [&] { fake_.processInfo.switchLowPowerMode(mode); });
+            refreshes({Reason::event}, [&] { fake_.powerSaving.switchLowPowerMode(mode); });
         else if (dice_.chance(80))
             refreshes({Reason::event}, [&] { fake_.powerSources.change(); });
         else
@@ -513,7 +513,7 @@ private:
         const auto time = dice_.of<Duration>({5s, 10min, 1h, 8h});
         note("sleeps for " + std::to_string(time.count()) + " s");
         refreshes({}, [&] {
-            fake_.workspace.prepareForSleep();
+            fake_.sessionEvents.prepareForSleep();
             fake_.clock.suspend(time);
         });
         if (dice_.coin())
@@ -522,7 +522,7 @@ private:
             showBattery();
         else
             reading_.percent = 0;
-        refreshes({}, [&] { fake_.workspace.wake(); });
+        refreshes({}, [&] { fake_.sessionEvents.wake(); });
         wakes_.emplace(awake_ + 3, Reason::wake);
     }
 };

@@ -115,7 +115,7 @@ protected:
 
     void sleepUntil(Date end) {
         ++sleeps;
-        did([&] { fake.workspace.prepareForSleep(); }, true);
+        did([&] { fake.sessionEvents.prepareForSleep(); }, true);
         EXPECT_TRUE(decodeHistory(fake.files.files[historyFile]) == model->history.samples)
             << "not on the disk before the sleep on day " << shown(fake.clock.now());
         const Duration time = end - fake.clock.now();
@@ -126,12 +126,12 @@ protected:
             percent_ = std::max(2, percent_ - static_cast<int>(time / 1h)); // then the machine is off
         minutes_ = 0;
         show();
-        did([&] { fake.workspace.wake(); });
+        did([&] { fake.sessionEvents.wake(); });
     }
 
     void switchLowPowerMode(bool on) {
         minutes_ = 0;
-        did([&] { fake.processInfo.switchLowPowerMode(on); });
+        did([&] { fake.powerSaving.switchLowPowerMode(on); });
     }
 
     void pressSnooze() {
@@ -166,7 +166,7 @@ private:
         const int before = percent_;
         if (plugged_)
             percent_ = std::min(100, percent_ + 1);
-        else if (minutes_ == (fake.processInfo.lowPowerMode ? 8 : 5))
+        else if (minutes_ == (fake.powerSaving.lowPowerMode ? 8 : 5))
             percent_ -= 1;
         if (percent_ == before)
             return;

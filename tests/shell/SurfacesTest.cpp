@@ -70,15 +70,15 @@ protected:
 
     Platform platform() {
         return {.powerSources = fakes.powerSources,
-                .processInfo = fakes.processInfo,
-                .workspace = fakes.workspace,
+                .powerSaving = fakes.powerSaving,
+                .sessionEvents = fakes.sessionEvents,
                 .mainLoop = fakes.mainLoop,
                 .clock = fakes.clock,
                 .calendar = calendar,
                 .defaults = defaults,
                 .files = fakes.files,
                 .statusBar = fakes.statusBar,
-                .panels = fakes.panels,
+                .dialogs = fakes.dialogs,
                 .notificationCenter = fakes.notificationCenter,
                 .bundle = fakes.bundle,
                 .sounds = fakes.sounds,
@@ -137,7 +137,7 @@ protected:
 
     void tellAndSwitchLowPowerMode(bool on) {
         tell();
-        as(false, false, [&] { fakes.processInfo.switchLowPowerMode(on); });
+        as(false, false, [&] { fakes.powerSaving.switchLowPowerMode(on); });
     }
 
     void openPopover() {
@@ -202,11 +202,11 @@ protected:
         const bool wasOpen = std::exchange(popoverIsOpen, false);
         wakings_ = 1;
         step("asleep", [&] {
-            fakes.workspace.prepareForSleep();
+            fakes.sessionEvents.prepareForSleep();
             fakes.clock.suspend(time);
             meanwhile();
             tell();
-            fakes.workspace.wake();
+            fakes.sessionEvents.wake();
         }); // nothing is read yet, and everything agrees on what was known before
         wakings_ = 0;
         step("awake", [&] { as(true, true, [&] { fakes.mainLoop.advance(3s); }); });

@@ -64,9 +64,9 @@ protected:
     }
 
     void sleep() {
-        fake.workspace.prepareForSleep();
+        fake.sessionEvents.prepareForSleep();
         fake.clock.suspend(day / sessionsOfADay - session);
-        fake.workspace.wake();
+        fake.sessionEvents.wake();
         isWaking = true;
     }
 

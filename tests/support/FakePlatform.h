@@ -5,18 +5,18 @@
 #include "support/FakeBundle.h"
 #include "support/FakeCalendar.h"
 #include "support/FakeClock.h"
+#include "support/FakeDialogs.h"
 #include "support/FakeFiles.h"
 #include "support/FakeJournal.h"
 #include "support/FakeLoginItem.h"
 #include "support/FakeMainLoop.h"
 #include "support/FakeNotificationCenter.h"
-#include "support/FakePanels.h"
+#include "support/FakePowerSaving.h"
 #include "support/FakePowerSources.h"
-#include "support/FakeProcessInfo.h"
+#include "support/FakeSessionEvents.h"
 #include "support/FakeStatusBar.h"
 #include "support/FakeSystemSounds.h"
 #include "support/FakeUserDefaults.h"
-#include "support/FakeWorkspace.h"
 
 /// Every service as a fake, in one virtual time.
 struct FakePlatform {
@@ -24,13 +24,13 @@ struct FakePlatform {
     FakeClock clock;
     FakeMainLoop mainLoop{clock, &journal};
     FakePowerSources powerSources{&journal};
-    FakeProcessInfo processInfo{&journal};
-    FakeWorkspace workspace{&journal};
+    FakePowerSaving powerSaving{&journal};
+    FakeSessionEvents sessionEvents{&journal};
     FakeCalendar calendar;
     FakeUserDefaults defaults{mainLoop};
     FakeFiles files;
     FakeStatusBar statusBar;
-    FakePanels panels{&journal};
+    FakeDialogs dialogs{&journal};
     FakeNotificationCenter notificationCenter;
     FakeBundle bundle;
     FakeSystemSounds sounds;
@@ -38,15 +38,15 @@ struct FakePlatform {
 
     Platform platform() {
         return {.powerSources = powerSources,
-                .processInfo = processInfo,
-                .workspace = workspace,
+                .powerSaving = powerSaving,
+                .sessionEvents = sessionEvents,
                 .mainLoop = mainLoop,
                 .clock = clock,
                 .calendar = calendar,
                 .defaults = defaults,
                 .files = files,
                 .statusBar = statusBar,
-                .panels = panels,
+                .dialogs = dialogs,
                 .notificationCenter = notificationCenter,
                 .bundle = bundle,
                 .sounds = sounds,

@@ -56,15 +56,15 @@ protected:
         QDBusConnection::disconnectFromBus(QStringLiteral("program"));
     }
 
-    /// An answer that comes at all comes long before this patience ends.
-    void start(NotificationDaemon::Patience patience = {.abilities = std::chrono::seconds(20),
+    /// An answer that comes at all comes long before these end.
+    void start(NotificationDaemon::Timeouts timeouts = {.abilities = std::chrono::seconds(20),
                                                         .doNotDisturb = std::chrono::seconds(20),
                                                         .notify = std::chrono::seconds(20)}) {
         const auto soundFile = [](std::string_view name) {
             return std::optional(std::filesystem::path("/sounds") / name);
         };
         center = std::make_unique<FreedesktopNotifications>(
-            connection, loop, sounds, soundFile, NotificationConsent(files, "/state"), "/icon.svg", patience);
+            connection, loop, sounds, soundFile, NotificationConsent(files, "/state"), "/icon.svg", timeouts);
         center->setNotificationCategories({{"OTHER", {}}, {"VL_ALERT", {{"SNOOZE", "Snooze 1 hour"}}}});
         center->setDelegate(&delegate);
         center->start();

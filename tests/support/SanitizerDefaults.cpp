@@ -23,7 +23,7 @@ extern "C" const char* __lsan_default_options() {
 
 extern "C" const char* __lsan_default_suppressions() {
     return
-        // The toolkit's Wayland plugin leaves a few objects behind, also those of an empty program.
+        // Qt's Wayland plugin leaves a few objects behind, also those of an empty program.
         "leak:libwayland-client\n";
 }
 

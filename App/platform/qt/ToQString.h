@@ -5,7 +5,7 @@
 
 #include <string_view>
 
-/// UTF-8 as the toolkit's text; what is no UTF-8 becomes replacement characters.
+/// UTF-8 as Qt's text; what is no UTF-8 becomes replacement characters.
 inline QString toQString(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }

@@ -30,7 +30,7 @@ void TimeBox::setStored(std::int64_t minutes, Calendar::TimeOfDay otherwise) {
 }
 
 bool TimeBox::eventFilter(QObject* watched, QEvent* event) {
-    // The toolkit only puts the cursor there, where no more digits fit in. When the field is done with the click, what
+    // Qt only puts the cursor there, where no more digits fit in. When the field is done with the click, what
     // was clicked is selected.
     if (watched == lineEdit() && event->type() == QEvent::MouseButtonRelease) {
         QMetaObject::invokeMethod(

@@ -6,9 +6,9 @@
 #include <QFont>
 #include <QPalette>
 
-/// The toolkit's own palette, which is a light one, as the desktop wants it: dark where it says so, and with its accent
+/// Qt's own palette, which is a light one, as the desktop wants it: dark where it says so, and with its accent
 /// as the colour of what is chosen.
 QPalette desktopPalette(const QPalette& own, const Appearance& look);
 
-/// The toolkit's own font, with the desktop's family and size where it tells them.
+/// Qt's own font, with the desktop's family and size where it tells them.
 QFont desktopFont(const QFont& own, const Appearance& look);

@@ -25,7 +25,7 @@ QFont textFont(TextStyle style);
 /// How wide a digit is in a font.
 using DigitWidth = std::function<double(const QFont& font, char digit)>;
 
-/// The same as the toolkit draws it, in pixels.
+/// The same as Qt draws it, in pixels.
 double digitWidth(const QFont& font, char digit);
 
 /// The font if its digits are all as wide, so that numbers stay where they are while they change; else one that has

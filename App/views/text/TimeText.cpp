@@ -9,7 +9,7 @@ namespace {
 
 QDateTime localTime(Date date) {
     const double milliseconds = std::floor(date.time_since_epoch().count() * 1000);
-    // Years that no clock shows are beyond what the toolkit counts in.
+    // Years that no clock shows are beyond what Qt counts in.
     if (!(std::abs(milliseconds) < 1e15))
         return {};
     return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(milliseconds));

@@ -9,7 +9,7 @@
 /// The local time of day in hours and minutes, as people of the locale write it: "14:05", "2:05 PM".
 QString shortTime(Date date, const QLocale& locale = QLocale::system());
 
-/// How the locale writes such times, as the toolkit puts it.
+/// How the locale writes such times, as Qt puts it.
 QString shortTimeFormat(const QLocale& locale);
 
 /// The local day as people of the locale write it, with its weekday and number: "Mon 3".

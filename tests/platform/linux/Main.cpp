@@ -5,7 +5,7 @@
 #include <QDir>
 #include <gtest/gtest.h>
 
-/// The adapters need the toolkit's event loop, the windows a screen that nobody sees.
+/// The adapters need Qt's event loop, the windows a screen that nobody sees.
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -355,40 +355,40 @@ TEST_F(SettingsViewTest, ASoundThatIsNotOfferedIsNotRewritten) {
 
 TEST_F(SettingsViewTest, AsksForThePermissionWhenAnAlertIsSwitchedOn) {
     for (const char* key : {"limitEnabled", "lowEnabled", "lowPowerEnabled", "longEnabled", "healthEnabled"}) {
-        fake.panels.alerts.clear();
+        fake.dialogs.alerts.clear();
         find<ToggleSwitch>(key).click();
         settle();
-        EXPECT_TRUE(fake.panels.alerts.empty()) << key << " was switched off";
+        EXPECT_TRUE(fake.dialogs.alerts.empty()) << key << " was switched off";
         find<ToggleSwitch>(key).click();
         settle();
-        EXPECT_EQ(fake.panels.alerts.size(), 1U) << key;
+        EXPECT_EQ(fake.dialogs.alerts.size(), 1U) << key;
     }
-    fake.panels.alerts.clear();
+    fake.dialogs.alerts.clear();
     for (const char* key : {"quietEnabled", "repeatReminder", "showTime"}) {
         find<ToggleSwitch>(key).click();
         find<ToggleSwitch>(key).click();
     }
     settle();
-    EXPECT_TRUE(fake.panels.alerts.empty());
+    EXPECT_TRUE(fake.dialogs.alerts.empty());
     fake.notificationCenter.status = NotificationCenter::AuthorizationStatus::authorized;
     find<ToggleSwitch>("lowEnabled").click();
     find<ToggleSwitch>("lowEnabled").click();
     settle();
-    EXPECT_TRUE(fake.panels.alerts.empty()) << "the user has decided";
+    EXPECT_TRUE(fake.dialogs.alerts.empty()) << "the user has decided";
 }
 
 TEST_F(SettingsViewTest, AsksForThePermissionWhenAnotherProgramSwitchesAnAlertOn) {
     fake.defaults.setObject("lowEnabled", false);
     shown();
     settle();
-    EXPECT_TRUE(fake.panels.alerts.empty());
+    EXPECT_TRUE(fake.dialogs.alerts.empty());
     fake.defaults.setObject("lowEnabled", true);
     settle();
-    EXPECT_EQ(fake.panels.alerts.size(), 1U);
+    EXPECT_EQ(fake.dialogs.alerts.size(), 1U);
     fake.defaults.setObject("lowEnabled", true);
     fake.defaults.setObject("quietEnabled", true);
     settle();
-    EXPECT_EQ(fake.panels.alerts.size(), 1U) << "nothing was switched on";
+    EXPECT_EQ(fake.dialogs.alerts.size(), 1U) << "nothing was switched on";
     window->close();
     fake.defaults.setObject("lowEnabled", false);
     settle();
@@ -396,7 +396,7 @@ TEST_F(SettingsViewTest, AsksForThePermissionWhenAnotherProgramSwitchesAnAlertOn
     settle();
     window->present();
     settle();
-    EXPECT_EQ(fake.panels.alerts.size(), 1U) << "nobody saw it";
+    EXPECT_EQ(fake.dialogs.alerts.size(), 1U) << "nobody saw it";
 }
 
 TEST_F(SettingsViewTest, LaunchAtLoginShowsWhatReallyIs) {
@@ -492,7 +492,7 @@ TEST_F(SettingsViewTest, GoesAwayWithTheQuestionOpen) {
 
 TEST_F(SettingsViewTest, ExportsTheHistory) {
     find<QPushButton>("exportHistory").click();
-    EXPECT_EQ(fake.panels.savePanels.size(), 1U);
+    EXPECT_EQ(fake.dialogs.saveDialogs.size(), 1U);
 }
 
 TEST_F(SettingsViewTest, SaysWhyNothingCanBeDeliveredOutsideABundle) {

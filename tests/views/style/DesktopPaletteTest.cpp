@@ -13,7 +13,7 @@ double readability(const QPalette& palette, QPalette::ColorRole text, QPalette::
     return contrast(palette.color(text), palette.color(background));
 }
 
-TEST(DesktopPalette, IsTheToolkitsOwnWhereTheDesktopSaysNothing) {
+TEST(DesktopPalette, IsQtsOwnWhereTheDesktopSaysNothing) {
     EXPECT_EQ(desktopPalette(light, {}), light);
     EXPECT_EQ(desktopPalette(light, {.isDark = false, .accent = {}, .font = {}}), light);
 }

@@ -99,7 +99,7 @@ Appearance appearanceOf(const DesktopSettings& settings, const XfceSettings& xfc
     return look;
 }
 
-bool refusesToolkitTheme(std::string_view desktops, std::string_view userChoice) {
+bool refusesQtPlatformTheme(std::string_view desktops, std::string_view userChoice) {
     constexpr std::array gtk{"gnome", "x-cinnamon", "pantheon", "unity", "mate", "xfce", "lxde"};
     return userChoice.empty() &&
            std::any_of(gtk.begin(), gtk.end(), [&](const char* name) { return names(desktops, name); });

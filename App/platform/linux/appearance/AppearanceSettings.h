@@ -28,12 +28,12 @@ struct XfceSettings {
 /// What Xfce says comes before what the portal passes on of older settings, but not before what the portal says itself.
 Appearance appearanceOf(const DesktopSettings& settings, const XfceSettings& xfce = {});
 
-/// Whether the toolkit is kept from looking for a plugin for this desktop (the names in XDG_CURRENT_DESKTOP, separated
+/// Whether Qt is kept from looking for a plugin for this desktop (the names in XDG_CURRENT_DESKTOP, separated
 /// by colons): on these it would find the one that brings the whole GTK into the process. What the user has chosen by
 /// QT_QPA_PLATFORMTHEME comes first.
-bool refusesToolkitTheme(std::string_view desktops, std::string_view userChoice);
+bool refusesQtPlatformTheme(std::string_view desktops, std::string_view userChoice);
 
-/// Whether the look comes from the desktop's portal: where the toolkit does not know it by itself, and the user has not
+/// Whether the look comes from the desktop's portal: where Qt does not know it by itself, and the user has not
 /// chosen another.
 bool followsPortal(std::string_view desktops, std::string_view userChoice);
 

@@ -26,5 +26,5 @@ SaveAnswer saveAnswer(std::uint32_t response, const std::vector<std::string>& ur
 std::string portalRequestPath(std::string_view uniqueName, std::string_view token);
 
 /// The window that the desktop's dialog stands before, in the portal's words. Only X11 has a name for it that can be
-/// told to others; `platform` is the toolkit's word for where its windows are.
+/// told to others; `platform` is Qt's word for where its windows are.
 std::string portalParentWindow(std::string_view platform, std::uint64_t window);

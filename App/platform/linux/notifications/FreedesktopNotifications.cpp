@@ -36,13 +36,13 @@ QVariantMap hintsOf(const NotificationPlan& plan, const NotificationCenter::Requ
 FreedesktopNotifications::FreedesktopNotifications(QDBusConnection bus, MainLoop& loop, SystemSounds& sounds,
                                                    SoundFile soundFile, NotificationConsent consent,
                                                    const std::filesystem::path& icon,
-                                                   NotificationDaemon::Patience patience)
+                                                   NotificationDaemon::Timeouts timeouts)
     : loop_(loop)
     , sounds_(sounds)
     , soundFile_(std::move(soundFile))
     , consent_(std::move(consent))
     , icon_(icon.is_absolute() ? QString::fromStdString(icon.string()) : QLatin1String(SessionApplication::name))
-    , daemon_(std::move(bus), patience) {
+    , daemon_(std::move(bus), timeouts) {
     connect(&daemon_, &NotificationDaemon::prepared, this, &FreedesktopNotifications::sendAll);
     connect(&daemon_, &NotificationDaemon::absent, this, &FreedesktopNotifications::dropAll);
     connect(&daemon_, &NotificationDaemon::replaced, this, &FreedesktopNotifications::forgetIds);

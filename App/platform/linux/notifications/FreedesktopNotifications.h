@@ -28,7 +28,7 @@ public:
     /// desktop entry, which it has only where the program is installed.
     FreedesktopNotifications(QDBusConnection bus, MainLoop& loop, SystemSounds& sounds, SoundFile soundFile,
                              NotificationConsent consent, const std::filesystem::path& icon,
-                             NotificationDaemon::Patience patience = {});
+                             NotificationDaemon::Timeouts timeouts = {});
 
     /// Starts to follow the daemon.
     void start() { daemon_.start(); }

@@ -47,9 +47,9 @@ std::optional<bool> toAnswer(const DoNotDisturbQuestion& question, const QDBusMe
 
 } // namespace
 
-NotificationDaemon::NotificationDaemon(QDBusConnection bus, Patience patience)
+NotificationDaemon::NotificationDaemon(QDBusConnection bus, Timeouts timeouts)
     : bus_(std::move(bus))
-    , patience_(patience) {}
+    , timeouts_(timeouts) {}
 
 template <class Function>
 void NotificationDaemon::call(const QDBusMessage& message, std::chrono::milliseconds limit, Function done) {
@@ -75,7 +75,7 @@ void NotificationDaemon::start() {
     } wanted[] = {{"NotificationClosed", "uu", SLOT(notificationClosed(uint, uint, QDBusMessage))},
                   {"ActionInvoked", "us", SLOT(actionInvokedBy(uint, QString, QDBusMessage))},
                   {"ActivationToken", "us", SLOT(activationToken(uint, QString, QDBusMessage))}};
-    // With the signature: of arguments of other types the bus library ends the program.
+    // With the signature: libdbus aborts on arguments of other types.
     for (const auto& [signal, signature, slot] : wanted)
         bus_.connect(QString(), path, interface, QString::fromLatin1(signal), {}, QString::fromLatin1(signature), this,
                      slot);
@@ -84,7 +84,7 @@ void NotificationDaemon::start() {
         QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
                                        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"));
     message << QString(service);
-    call(message, patience_.notify, [this](const QDBusPendingReply<QString>& reply) {
+    call(message, timeouts_.notify, [this](const QDBusPendingReply<QString>& reply) {
         if (ownerChanges_ == 0 && !reply.isError())
             setOwner(reply.value());
     });
@@ -95,7 +95,7 @@ void NotificationDaemon::setOwner(const QString& owner) {
     const QString former = std::exchange(owner_, owner);
     if (former.isEmpty() && asking_ == Asking::waiting) {
         // Our question has started it, and it will answer; now it can be expected to.
-        QTimer::singleShot(patience_.abilities, this, [this, question = question_] { stopWaitingFor(question); });
+        QTimer::singleShot(timeouts_.abilities, this, [this, question = question_] { stopWaitingFor(question); });
         return;
     }
     const bool isAwaited = asking_ == Asking::waiting;
@@ -124,12 +124,12 @@ void NotificationDaemon::askAbilities() {
     asking_ = Asking::waiting;
     askInformation(++question_);
     if (!owner_.isEmpty())
-        QTimer::singleShot(patience_.abilities, this, [this, question = question_] { stopWaitingFor(question); });
+        QTimer::singleShot(timeouts_.abilities, this, [this, question = question_] { stopWaitingFor(question); });
 }
 
 void NotificationDaemon::askInformation(int question) {
     // This comes before the rest: an absent daemon is started by it, and one that has just started may not be ready.
-    call(method(service, "GetServerInformation"), patience_.notify,
+    call(method(service, "GetServerInformation"), timeouts_.notify,
          [this, question](const QDBusPendingReply<QString, QString, QString, QString>& information) {
              if (question != question_)
                  return;
@@ -148,7 +148,7 @@ void NotificationDaemon::askInformation(int question) {
 }
 
 void NotificationDaemon::askCapabilities(int question, const QString& name) {
-    call(method(service, "GetCapabilities"), patience_.notify,
+    call(method(service, "GetCapabilities"), timeouts_.notify,
          [this, question, name](const QDBusPendingReply<QStringList>& capabilities) {
              settle(question, name, capabilities.isError() ? QStringList() : capabilities.value());
          });
@@ -185,7 +185,7 @@ void NotificationDaemon::askDoNotDisturb(std::function<void(std::optional<bool>)
     for (const std::string_view argument : question.arguments)
         message << toQString(argument);
     message.setAutoStartService(false);
-    call(message, patience_.doNotDisturb, [question, answer = std::move(answer)](const QDBusPendingCall& pending) {
+    call(message, timeouts_.doNotDisturb, [question, answer = std::move(answer)](const QDBusPendingCall& pending) {
         answer(toAnswer(question, pending.reply()));
     });
 }
@@ -203,7 +203,7 @@ void NotificationDaemon::send(const Notification& notification, uint replaced, i
     auto message = method(askedOf.isEmpty() ? QString(service) : askedOf, "Notify");
     message << QStringLiteral("Velmora") << replaced << notification.icon << notification.summary << notification.body
             << notification.actions << notification.hints << -1;
-    call(message, patience_.notify,
+    call(message, timeouts_.notify,
          [this, notification, replaced, retries, askedOf, changes = ownerChanges_,
           answer = std::move(answer)](const QDBusPendingReply<uint>& reply) {
              if (!reply.isError()) {

@@ -22,7 +22,7 @@ class NotificationDaemon final : public QObject {
 
 public:
     /// How long an answer is waited for.
-    struct Patience {
+    struct Timeouts {
         /// What the daemon can do, from when it is there; after that it is treated as one that can do nothing.
         std::chrono::milliseconds abilities = std::chrono::seconds(3);
         /// Do-not-disturb; after that it is not known.
@@ -41,7 +41,7 @@ public:
         QVariantMap hints;
     };
 
-    NotificationDaemon(QDBusConnection bus, Patience patience);
+    NotificationDaemon(QDBusConnection bus, Timeouts timeouts);
 
     /// Starts to follow the daemon.
     void start();
@@ -88,7 +88,7 @@ private:
     enum class Asking { notYet, waiting, done };
 
     QDBusConnection bus_;
-    Patience patience_;
+    Timeouts timeouts_;
     QDBusServiceWatcher watcher_;
     QString owner_;        ///< the unique name of the connection; empty while there is none
     int ownerChanges_ = 0; ///< as far as we were told

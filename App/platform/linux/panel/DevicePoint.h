@@ -5,7 +5,7 @@
 
 #include <vector>
 
-/// A screen as the toolkit counts: its corner in device pixels, its size in pixels of `scale` device pixels each.
+/// A screen as Qt counts: its corner in device pixels, its size in pixels of `scale` device pixels each.
 struct ScreenArea {
     int x = 0;
     int y = 0;
@@ -14,5 +14,5 @@ struct ScreenArea {
     double scale = 1;
 };
 
-/// A point in device pixels, as panels give it, in the toolkit's coordinates; unchanged when it lies on no screen.
+/// A point in device pixels, as panels give it, in Qt's coordinates; unchanged when it lies on no screen.
 ScreenPoint toLogical(ScreenPoint point, const std::vector<ScreenArea>& screens);

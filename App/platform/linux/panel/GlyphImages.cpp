@@ -33,7 +33,7 @@ std::vector<QImage> GlyphImages::images(std::string_view symbol) const {
     const QString id = QStringLiteral("number");
     const QRectF number = glyph.elementExists(id) ? glyph.boundsOnElement(id) : QRectF();
     for (const int size : sizes) {
-        // In any other format the toolkit starts threads to fill the paths of even so small a picture.
+        // In any other format Qt starts threads to fill the paths of even so small a picture.
         QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
         image.fill(Qt::transparent);
         QPainter painter(&image);

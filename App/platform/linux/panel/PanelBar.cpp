@@ -10,7 +10,7 @@
 namespace {
 
 /// At login the panel may come so much later than we do.
-constexpr Duration patience{10};
+constexpr Duration timeout{10};
 
 class PanelItem final : public StatusItem {
 public:
@@ -58,7 +58,7 @@ private:
         if (isThere)
             trayItem_.reset();
         else if (makeTrayItem_ && !trayItem_)
-            loop_.after(patience, lifetime_.guard([this, change = change_] {
+            loop_.after(timeout, lifetime_.guard([this, change = change_] {
                 if (change == change_)
                     useTray();
             }));

@@ -175,7 +175,7 @@ void StatusNotifierItem::ContextMenu(int x, int y) {
 void StatusNotifierItem::Scroll(int /*delta*/, const QString& /*orientation*/) {}
 
 void StatusNotifierItem::ProvideXdgActivationToken(const QString& token) {
-    // The toolkit takes it from there when the next window asks for the focus.
+    // Qt takes it from there when the next window asks for the focus.
     qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
 }
 

@@ -30,5 +30,5 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, StatusNotifierPix
 QDBusArgument& operator<<(QDBusArgument& argument, const StatusNotifierToolTip& toolTip);
 const QDBusArgument& operator>>(const QDBusArgument& argument, StatusNotifierToolTip& toolTip);
 
-/// Makes the types above known to the bus library; to be called before they are used there.
+/// Makes the types above known to QtDBus; to be called before they are used there.
 void registerStatusNotifierTypes();

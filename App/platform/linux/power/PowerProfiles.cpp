@@ -97,7 +97,7 @@ void PowerProfiles::ask(const QString& name, int triesLeft) {
 
 void PowerProfiles::propertiesChanged(const QString& interface, const QVariantMap& changed,
                                       const QStringList& invalidated) {
-    // What is asked again is asked by this name; the bus library ends the program where it can be none.
+    // This becomes the name that is asked again, and libdbus aborts where a text cannot be a name.
     if (std::ranges::find(names, interface.toStdString()) == names.end())
         return;
     if (const auto profile = asText(changed.value(QLatin1String(activeProfile)))) {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/Observers.h"
-#include "platform/ProcessInfo.h"
+#include "platform/PowerSaving.h"
 #include "platform/linux/files/FileDescriptor.h"
 #include "platform/linux/power/PowerProfileChoice.h"
 
@@ -19,7 +19,7 @@ class SystemBus;
 
 /// The power profile: as power-profiles-daemon tells it on the system bus, under its new name or its old one, else as
 /// the firmware does.
-class PowerProfiles final : public QObject, public ProcessInfo {
+class PowerProfiles final : public QObject, public PowerSaving {
     Q_OBJECT
 
 public:

@@ -10,7 +10,7 @@
 namespace {
 
 /// Batteries that cannot be read for so long are gone.
-constexpr Duration patience{10};
+constexpr Duration timeout{10};
 
 } // namespace
 
@@ -38,7 +38,7 @@ private:
     }
 
 public:
-    ChangeReports reports;
+    ChangeDebouncer reports;
     std::unique_ptr<UdevMonitor> monitor;
 };
 
@@ -57,7 +57,7 @@ SysfsPowerSources::Descriptions SysfsPowerSources::scan() {
         const Duration awake = uptime - clock_.slept();
         if (!failingSince_)
             failingSince_ = awake;
-        if (awake - *failingSince_ < patience)
+        if (awake - *failingSince_ < timeout)
             return lastGoodDescriptions_;
     }
     failingSince_.reset();

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/PowerSources.h"
-#include "platform/linux/power/ChangeReports.h"
+#include "platform/linux/power/ChangeDebouncer.h"
 #include "platform/linux/power/PowerReading.h"
 #include "platform/linux/power/TimeEstimate.h"
 

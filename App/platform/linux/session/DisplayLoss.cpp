@@ -11,7 +11,7 @@
 #include <cstdlib>
 #include <memory>
 
-// QUIRK: the toolkit's GTK theme, where the user asks for it, has a connection to the X server of its own. When GTK
+// QUIRK: Qt's GTK theme, where the user asks for it, has a connection to the X server of its own. When GTK
 // notices first that the server is gone, it ends the process by _exit(), and nothing that is registered with atexit()
 // runs. Libraries notice by a handler in libX11, of which there is one in each process.
 
@@ -25,7 +25,7 @@ std::atomic<void (*)()> lastFunction = nullptr;
 
 int handle(void* /*display*/) {
     lastFunction.load()();
-    // The library is in the middle of something and must not be called again: no orderly exit.
+    // Xlib is in the middle of a call and must not be entered again, so no orderly exit.
     std::_Exit(EXIT_FAILURE);
 }
 
@@ -41,18 +41,18 @@ void beforeDisplayLoss(void (*function)()) {
         setHandler(handle);
 }
 
-void noticeDisplayLoss(const QString& toolkitMessage) {
-    // QUIRK: when a Wayland compositor goes away, which is how its session ends, the toolkit ends the process by
+void noticeDisplayLoss(const QString& qtMessage) {
+    // QUIRK: when a Wayland compositor goes away, which is how its session ends, Qt ends the process by
     // _exit(). It says so first, on the thread that notices: the one that listens to the compositor, or the main one.
     QCoreApplication* const application = QCoreApplication::instance(); // null when the program is ending already
     if (lastFunction == nullptr || application == nullptr ||
-        !toolkitMessage.startsWith(QLatin1String("The Wayland connection ")))
+        !qtMessage.startsWith(QLatin1String("The Wayland connection ")))
         return;
     if (QThread::currentThread() == application->thread()) {
         lastFunction.load()();
         return;
     }
-    constexpr int patience = 2000; // milliseconds; the main thread may be waiting for the compositor itself
+    constexpr int timeout = 2000; // milliseconds; the main thread may be waiting for the compositor itself
     const auto done = std::make_shared<QSemaphore>();
     QMetaObject::invokeMethod(
         application,
@@ -61,5 +61,5 @@ void noticeDisplayLoss(const QString& toolkitMessage) {
             done->release();
         },
         Qt::QueuedConnection);
-    done->tryAcquire(1, patience);
+    done->tryAcquire(1, timeout);
 }

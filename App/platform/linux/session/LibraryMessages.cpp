@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <cstdlib>
 
-// QUIRK: for a user who asks for it the toolkit takes its looks from GTK, which complains to the terminal, of a locale
-// that is not installed for one. The toolkit has GLib in it, so that this needs no library of its own.
+// QUIRK: for a user who asks for it Qt takes its looks from GTK, which complains to the terminal, of a locale
+// that is not installed for one. Qt has GLib in it, so that this needs no library of its own.
 
 namespace {
 

@@ -27,7 +27,7 @@ void LogindSleep::start() {
 void LogindSleep::follow() {
     QDBusConnection connection = bus_.connection();
     asleep_ = false;
-    // With the signature: of an argument of another type the bus library ends the program.
+    // With the signature: libdbus aborts on an argument of another type.
     connection.connect(service, path, manager, QStringLiteral("PrepareForSleep"), {}, QStringLiteral("b"), this,
                        SLOT(prepareForSleep(bool)));
     watcher_ = std::make_unique<QDBusServiceWatcher>(service, connection, QDBusServiceWatcher::WatchForOwnerChange);

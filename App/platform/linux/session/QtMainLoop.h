@@ -5,7 +5,7 @@
 
 #include <QObject>
 
-/// The toolkit's event loop of the thread that makes this object.
+/// Qt's event loop of the thread that makes this object.
 class QtMainLoop final : public MainLoop {
 public:
     void async(Task task) override;

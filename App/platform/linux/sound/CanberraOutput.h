@@ -9,7 +9,7 @@
 
 /// Plays through libcanberra, which finds the sound server or the sound card, and the files of the sound theme. Its
 /// properties are those of `canberra.h`. It is in a module that is loaded for the first sound: most days have none, and
-/// the library and those behind it are a part of what a start costs.
+/// libcanberra and the libraries behind it are a part of what a start costs.
 class CanberraOutput final : public SoundOutput {
 public:
     CanberraOutput() = default;

@@ -30,7 +30,7 @@ std::optional<std::array<double, 3>> accent(double red, double green, double blu
     return appearanceOf(settings).accent;
 }
 
-TEST(Appearance, IsTheToolkitsOwnWhereTheDesktopSaysNothing) {
+TEST(Appearance, IsQtsOwnWhereTheDesktopSaysNothing) {
     EXPECT_EQ(appearanceOf({}), Appearance());
 }
 
@@ -115,10 +115,10 @@ TEST(Appearance, LargerTextIsALargerFont) {
 
 TEST(Appearance, RefusesTheGtkOnItsDesktops) {
     for (const char* desktops : {"GNOME", "ubuntu:GNOME", "XFCE", "MATE", "X-Cinnamon", "Budgie:GNOME"})
-        EXPECT_TRUE(refusesToolkitTheme(desktops, "")) << desktops;
+        EXPECT_TRUE(refusesQtPlatformTheme(desktops, "")) << desktops;
     for (const char* desktops : {"KDE", "LXQt", "sway", "", ":", "NOGNOME", "GNOME2"})
-        EXPECT_FALSE(refusesToolkitTheme(desktops, "")) << desktops;
-    EXPECT_FALSE(refusesToolkitTheme("GNOME", "gtk3")) << "the user's choice comes first";
+        EXPECT_FALSE(refusesQtPlatformTheme(desktops, "")) << desktops;
+    EXPECT_FALSE(refusesQtPlatformTheme("GNOME", "gtk3")) << "the user's choice comes first";
 }
 
 TEST(Appearance, FollowsThePortalWhereNobodyElseKnowsTheLook) {

@@ -13,7 +13,7 @@
 class NotificationDaemonTest : public NotificationsFixture {
 protected:
     /// For what is never answered.
-    static constexpr NotificationDaemon::Patience shortPatience{.abilities = std::chrono::milliseconds(50),
+    static constexpr NotificationDaemon::Timeouts shortTimeouts{.abilities = std::chrono::milliseconds(50),
                                                                 .doNotDisturb = std::chrono::milliseconds(50),
                                                                 .notify = std::chrono::milliseconds(300)};
 
@@ -221,9 +221,9 @@ TEST_F(NotificationDaemonTest, GetsTheLeastWhereItDoesNotTellWhatItCanDo) {
         daemon.sent.clear();
         daemon.manners = {{QString::fromLatin1(method), Manner::waits}};
         daemon.appear();
-        NotificationDaemon::Patience patience = shortPatience;
-        patience.notify = std::chrono::seconds(20);
-        start(patience);
+        NotificationDaemon::Timeouts timeouts = shortTimeouts;
+        timeouts.notify = std::chrono::seconds(20);
+        start(timeouts);
         if (method == std::string_view("GetCapabilities"))
             settle(); // it knows by then that the daemon is there
         center->add(request("low", "A", "Glass"));
@@ -264,7 +264,7 @@ TEST_F(NotificationDaemonTest, IsNotAskedForEver) {
     daemon.refusal = QStringLiteral("org.freedesktop.DBus.Error.UnknownMethod");
     daemon.manners[QStringLiteral("GetServerInformation")] = Manner::refuses;
     daemon.appear();
-    start(shortPatience);
+    start(shortTimeouts);
     center->add(request("low"));
     ASSERT_TRUE(isSent(1));
     EXPECT_EQ(daemon.sent[0].actions, QStringList());
@@ -345,9 +345,9 @@ TEST_F(NotificationDaemonTest, MayHangWithoutAnythingPilingUp) {
     for (const char* method : {"GetServerInformation", "GetCapabilities", "Get", "Notify"})
         daemon.manners[QString::fromLatin1(method)] = Manner::waits;
     daemon.appear();
-    NotificationDaemon::Patience patience = shortPatience;
-    patience.notify = std::chrono::seconds(60); // longer than this test: what is on its way stays so
-    start(patience);
+    NotificationDaemon::Timeouts timeouts = shortTimeouts;
+    timeouts.notify = std::chrono::seconds(60); // longer than this test: what is on its way stays so
+    start(timeouts);
     const char* const identifiers[] = {"chargeLimit", "low", "tooLong", "health", "lowPower"};
     const auto askFor = [&](int count) {
         for (int i = 0; i < count; ++i) {

@@ -5,7 +5,7 @@
 
 #include <limits>
 
-TEST(DevicePoint, IsTurnedIntoTheToolkitsPixels) {
+TEST(DevicePoint, IsTurnedIntoQtsPixels) {
     // Two screens side by side, 1920 by 1080 and 1800 by 1200 device pixels.
     const std::vector<ScreenArea> screens{{.x = 0, .y = 0, .width = 960, .height = 540, .scale = 2},
                                           {.x = 1920, .y = 100, .width = 1200, .height = 800, .scale = 1.5}};

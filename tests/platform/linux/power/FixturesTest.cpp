@@ -3,7 +3,7 @@
 #include "platform/linux/power/SysfsPowerSources.h"
 #include "support/FakeClock.h"
 #include "support/FakeMainLoop.h"
-#include "support/FakeProcessInfo.h"
+#include "support/FakePowerSaving.h"
 #include "support/Fixture.h"
 #include "support/TemporaryFolder.h"
 #include "support/Umockdev.h"
@@ -29,7 +29,7 @@ protected:
     Fixture fixture = Fixture::load(std::get<0>(GetParam()));
     FakeClock clock;
     FakeMainLoop loop{clock};
-    FakeProcessInfo processInfo;
+    FakePowerSaving powerSaving;
 
     FixturesTest() {
         if (std::get<1>(GetParam()) == Shown::throughUmockdev) {
@@ -106,7 +106,7 @@ std::string nameOf(const testing::TestParamInfo<FixturesTest::ParamType>& info) 
 TEST_P(FixturesTest, IsReadRight) {
     // Without a battery the state is that of none; adapter and source are then told by the snapshot alone.
     const PowerSnapshot snapshot = sources->snapshot();
-    const BatteryState state = BatteryReader(*sources, processInfo).read();
+    const BatteryState state = BatteryReader(*sources, powerSaving).read();
     EXPECT_EQ(state.hasBattery, expected("hasBattery").toBool());
     if (decides("pluggedIn")) {
         EXPECT_EQ(isOnExternalPower(snapshot), expected("pluggedIn").toBool());
@@ -131,7 +131,7 @@ TEST_P(FixturesTest, IsReadRight) {
 }
 
 TEST_P(FixturesTest, TellsTheTimeAtTheSecondReading) {
-    BatteryReader reader(*sources, processInfo);
+    BatteryReader reader(*sources, powerSaving);
     const BatteryState first = reader.read();
     EXPECT_EQ(first.minutesToEmpty, std::nullopt);
     EXPECT_EQ(first.minutesToFull, std::nullopt);

@@ -5,7 +5,7 @@
 #include "platform/linux/power/UdevMonitor.h"
 #include "support/FakeClock.h"
 #include "support/FakeMainLoop.h"
-#include "support/FakeProcessInfo.h"
+#include "support/FakePowerSaving.h"
 #include "support/Umockdev.h"
 #include "support/WaitUntil.h"
 
@@ -20,9 +20,9 @@ protected:
     SimulatedSupplies supplies;
     FakeClock clock;
     FakeMainLoop loop{clock};
-    FakeProcessInfo processInfo;
+    FakePowerSaving powerSaving;
     SysfsPowerSources sources{"/sys", clock, loop};
-    BatteryReader reader{sources, processInfo};
+    BatteryReader reader{sources, powerSaving};
     int changes = 0;
     std::unique_ptr<PowerSources::Notification> notification;
 

@@ -24,7 +24,7 @@ namespace {
 
 constexpr std::int64_t billion = 1'000'000'000;
 
-/// The time in which the toolkit's timers live while a test is in it: it stands still but when the event loop waits.
+/// The time in which Qt's timers live while a test is in it: it stands still but when the event loop waits.
 struct VirtualTime {
     static inline std::atomic<bool> isOn = false;
     static inline std::atomic<std::int64_t> now = 0;       ///< nanoseconds
@@ -91,7 +91,7 @@ extern "C" int ppoll(pollfd* files, nfds_t count, const timespec* limit, const s
 
 namespace {
 
-/// The toolkit's own event loop and timers, in virtual time.
+/// Qt's own event loop and timers, in virtual time.
 struct QtMainLoopTest : ::testing::Test {
     VirtualTime time;
     QtMainLoop loop;

@@ -6,9 +6,9 @@
 #include <functional>
 
 /// The system's power mode.
-class ProcessInfo {
+class PowerSaving {
 public:
-    virtual ~ProcessInfo() = default;
+    virtual ~PowerSaving() = default;
 
     /// Whether the system's low-power mode is on; false when there is no such mode or it cannot be told.
     virtual bool isLowPowerModeEnabled() const = 0;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/linux/dialogs/QtPanels.h"
+#include "platform/linux/dialogs/QtDialogs.h"
 
 #include "platform/linux/dialogs/FileSuffix.h"
-#include "platform/linux/dialogs/PortalSavePanel.h"
+#include "platform/linux/dialogs/PortalSaveDialog.h"
 #include "platform/qt/MessageBoxText.h"
 
 #include <QApplication>
@@ -24,7 +24,7 @@
 
 namespace {
 
-/// A message box that can be closed without an answer, whatever its buttons are; the toolkit's takes one of them for
+/// A message box that can be closed without an answer, whatever its buttons are; Qt's takes one of them for
 /// that, or cannot be closed at all.
 class MessageBox final : public QMessageBox {
 public:
@@ -52,7 +52,7 @@ protected:
     }
 };
 
-const QString savePanelTitle = QStringLiteral("Save As");
+const QString saveDialogTitle = QStringLiteral("Save As");
 
 /// Our windows that a window manager knows and that are on the screen, the active one first.
 QList<QWidget*> ordinaryWindows() {
@@ -76,7 +76,7 @@ void activate(QWidget& window) {
 }
 
 /// Shows the dialog and waits. Not by its own exec(): a dialog of the desktop's may then run a loop of the desktop's
-/// toolkit, which does not end when the program is to end.
+/// own (GTK's does), which does not end when the program is to end.
 bool run(QDialog& dialog) {
     // A popup would lie above the dialog, dead.
     while (QWidget* popup = QApplication::activePopupWidget()) {
@@ -136,24 +136,24 @@ private:
 
 } // namespace
 
-QtPanels::QtPanels(std::optional<QDBusConnection> portal, std::chrono::milliseconds portalPatience)
+QtDialogs::QtDialogs(std::optional<QDBusConnection> portal, std::chrono::milliseconds portalTimeout)
     : portal_(std::move(portal))
-    , portalPatience_(portalPatience) {}
+    , portalTimeout_(portalTimeout) {}
 
-void QtPanels::bringToFront() {
+void QtDialogs::bringToFront() {
     const QList<QWidget*> windows = ordinaryWindows();
     // The one that is active stays the foremost.
     for (auto window = windows.crbegin(); window != windows.crend(); ++window)
         activate(**window);
 }
 
-bool QtPanels::mayOpen() {
+bool QtDialogs::mayOpen() {
     if (open_ != nullptr)
         activate(*open_);
     return open_ == nullptr;
 }
 
-QString QtPanels::startFolder() const {
+QString QtDialogs::startFolder() const {
     for (const QString& folder : {folder_, QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)}) {
         if (!folder.isEmpty() && QFileInfo(folder).isDir())
             return folder;
@@ -161,30 +161,30 @@ QString QtPanels::startFolder() const {
     return QDir::homePath();
 }
 
-std::optional<std::filesystem::path> QtPanels::runSavePanel(const SavePanel& panel) {
+std::optional<std::filesystem::path> QtDialogs::runSaveDialog(const SaveDialog& asked) {
     if (!mayOpen())
         return std::nullopt;
-    const SaveAnswer answer = askPortal(panel);
+    const SaveAnswer answer = askPortal(asked);
     std::optional<std::filesystem::path> file;
     if (answer.outcome == SaveAnswer::Outcome::chosen)
         file = answer.file;
     else if (answer.outcome == SaveAnswer::Outcome::failed)
-        file = askOurselves(panel);
+        file = askOurselves(asked);
     if (file)
         folder_ = QFile::decodeName(file->parent_path().c_str());
     return file;
 }
 
-SaveAnswer QtPanels::askPortal(const SavePanel& panel) {
+SaveAnswer QtDialogs::askPortal(const SaveDialog& asked) {
     if (!portal_)
         return {.outcome = SaveAnswer::Outcome::failed, .file = {}};
-    const QString contentType = QString::fromStdString(panel.contentType);
+    const QString contentType = QString::fromStdString(asked.contentType);
     const QList<QWidget*> windows = ordinaryWindows();
-    PortalSavePanel dialog(*portal_, portalPatience_);
-    dialog.ask({.title = savePanelTitle,
+    PortalSaveDialog dialog(*portal_, portalTimeout_);
+    dialog.ask({.title = saveDialogTitle,
                 .parentWindow = QString::fromStdString(portalParentWindow(
                     QGuiApplication::platformName().toStdString(), windows.isEmpty() ? 0 : windows.first()->winId())),
-                .name = QString::fromStdString(panel.suggestedName),
+                .name = QString::fromStdString(asked.suggestedName),
                 .folder = QFile::encodeName(startFolder()),
                 .contentType = contentType,
                 .typeName = QMimeDatabase().mimeTypeForName(contentType).comment()});
@@ -193,17 +193,17 @@ SaveAnswer QtPanels::askPortal(const SavePanel& panel) {
     return dialog.answer();
 }
 
-std::optional<std::filesystem::path> QtPanels::askOurselves(const SavePanel& panel) {
-    // The toolkit's dialog would write down its look and where it has been, in a file beside the user's settings.
+std::optional<std::filesystem::path> QtDialogs::askOurselves(const SaveDialog& asked) {
+    // Qt's dialog would write down its look and where it has been, in a file beside the user's settings.
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
-    const QString contentType = QString::fromStdString(panel.contentType);
+    const QString contentType = QString::fromStdString(asked.contentType);
     QFileDialog dialog;
-    dialog.setObjectName(QStringLiteral("savePanel"));
-    dialog.setWindowTitle(savePanelTitle);
+    dialog.setObjectName(QStringLiteral("saveDialog"));
+    dialog.setWindowTitle(saveDialogTitle);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setMimeTypeFilters({contentType});
     dialog.setDirectory(startFolder());
-    dialog.selectFile(QString::fromStdString(panel.suggestedName));
+    dialog.selectFile(QString::fromStdString(asked.suggestedName));
     const Opened opened(open_, dialog);
     const QString file =
         chosenFile(dialog, QMimeDatabase().mimeTypeForName(contentType).preferredSuffix().toStdString());
@@ -212,7 +212,7 @@ std::optional<std::filesystem::path> QtPanels::askOurselves(const SavePanel& pan
     return QFile::encodeName(file).toStdString();
 }
 
-std::optional<std::size_t> QtPanels::runAlert(const Alert& alert) {
+std::optional<std::size_t> QtDialogs::runAlert(const Alert& alert) {
     if (!mayOpen())
         return std::nullopt;
     MessageBox box(QStringLiteral("alert"), QString::fromStdString(alert.message),
@@ -228,7 +228,7 @@ std::optional<std::size_t> QtPanels::runAlert(const Alert& alert) {
     return clicked < 0 ? std::nullopt : std::optional(static_cast<std::size_t>(clicked));
 }
 
-void QtPanels::runErrorAlert(const std::filesystem::path& file, std::error_code error) {
+void QtDialogs::runErrorAlert(const std::filesystem::path& file, std::error_code error) {
     const QString name = QFile::decodeName(file.filename().c_str());
     // A name of 255 letters is one word and would make the box as wide.
     const QFontMetrics font(QApplication::font());

@@ -9,12 +9,12 @@
 #include <vector>
 
 /// Windows that ask or tell something and are waited for. The main loop, its timers included, runs on meanwhile.
-class Panels {
+class Dialogs {
 public:
-    virtual ~Panels() = default;
+    virtual ~Dialogs() = default;
 
-    /// What a save panel offers.
-    struct SavePanel {
+    /// What a save dialog offers.
+    struct SaveDialog {
         std::string contentType;   ///< the one MIME type that can be chosen, for instance "text/csv"
         std::string suggestedName; ///< of the file
     };
@@ -30,7 +30,7 @@ public:
     virtual void bringToFront() = 0;
 
     /// Lets the user choose where to save; empty when that was cancelled or gave no file.
-    virtual std::optional<std::filesystem::path> runSavePanel(const SavePanel& panel) = 0;
+    virtual std::optional<std::filesystem::path> runSaveDialog(const SaveDialog& dialog) = 0;
 
     /// Shows the alert; the number of the button that ended it, from 0, and empty when it was closed otherwise.
     virtual std::optional<std::size_t> runAlert(const Alert& alert) = 0;

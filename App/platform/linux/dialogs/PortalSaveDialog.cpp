@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/linux/dialogs/PortalSavePanel.h"
+#include "platform/linux/dialogs/PortalSaveDialog.h"
 
 #include "platform/qt/ToQString.h"
 
@@ -73,10 +73,10 @@ std::optional<QString> requestIn(const QDBusMessage& reply) {
 
 } // namespace
 
-PortalSavePanel::PortalSavePanel(QDBusConnection bus, std::chrono::milliseconds patience)
+PortalSaveDialog::PortalSaveDialog(QDBusConnection bus, std::chrono::milliseconds timeout)
     : bus_(std::move(bus))
-    , patience_(patience) {
-    setObjectName(QStringLiteral("portalSavePanel"));
+    , timeout_(timeout) {
+    setObjectName(QStringLiteral("portalSaveDialog"));
     setAttribute(Qt::WA_DontShowOnScreen);
     qDBusRegisterMetaType<FilterRule>();
     qDBusRegisterMetaType<QList<FilterRule>>();
@@ -84,7 +84,7 @@ PortalSavePanel::PortalSavePanel(QDBusConnection bus, std::chrono::milliseconds 
     qDBusRegisterMetaType<QList<Filter>>();
 }
 
-PortalSavePanel::~PortalSavePanel() {
+PortalSaveDialog::~PortalSaveDialog() {
     if (hasTaken_ && !isOver_)
         closeRequest(bus_, request_);
     if (call_ == nullptr)
@@ -98,7 +98,7 @@ PortalSavePanel::~PortalSavePanel() {
     });
 }
 
-void PortalSavePanel::ask(const Question& question) {
+void PortalSaveDialog::ask(const Question& question) {
     const QString token = QStringLiteral("velmora%1").arg(QRandomGenerator::global()->generate());
     follow(toQString(portalRequestPath(bus_.baseService().toStdString(), token.toStdString())));
     watcher_.setConnection(bus_);
@@ -123,21 +123,21 @@ void PortalSavePanel::ask(const Question& question) {
     // Without a limit of its own, so that a late answer is heard too; and it may have to outlive this dialog.
     call_ = new QDBusPendingCallWatcher(bus_.asyncCall(message, std::numeric_limits<int>::max()),
                                         QCoreApplication::instance());
-    connect(call_, &QDBusPendingCallWatcher::finished, this, &PortalSavePanel::replied);
-    QTimer::singleShot(patience_, this, [this] {
+    connect(call_, &QDBusPendingCallWatcher::finished, this, &PortalSaveDialog::replied);
+    QTimer::singleShot(timeout_, this, [this] {
         if (!hasTaken_)
             end({.outcome = SaveAnswer::Outcome::failed, .file = {}});
     });
 }
 
-void PortalSavePanel::follow(const QString& request) {
+void PortalSaveDialog::follow(const QString& request) {
     request_ = request;
     // With the name, so that Qt drops what comes from anybody but its owner. The reply to the question does not tell
     // who that is: from Qt 6.8 on replies have no sender.
     bus_.connect(service, request, requestInterface, QStringLiteral("Response"), this, SLOT(responded(QDBusMessage)));
 }
 
-void PortalSavePanel::replied() {
+void PortalSaveDialog::replied() {
     QDBusPendingCallWatcher* const call = std::exchange(call_, nullptr);
     call->deleteLater();
     const auto request = requestIn(call->reply());
@@ -154,7 +154,7 @@ void PortalSavePanel::replied() {
         responded(*std::exchange(early_, std::nullopt));
 }
 
-void PortalSavePanel::responded(const QDBusMessage& signal) {
+void PortalSaveDialog::responded(const QDBusMessage& signal) {
     if (isOver_ || signal.signature() != QLatin1String("ua{sv}"))
         return;
     if (!hasTaken_) { // the portal works in threads: a quick answer may come before the word that it will ask
@@ -169,14 +169,14 @@ void PortalSavePanel::responded(const QDBusMessage& signal) {
     end(saveAnswer(arguments.at(0).toUInt(), uris, std::chrono::milliseconds(sinceTaken_.elapsed())));
 }
 
-void PortalSavePanel::portalLost() {
+void PortalSaveDialog::portalLost() {
     if (isOver_)
         return;
     isOver_ = true;
     end({}); // its dialog may have been in use; another one would come as a surprise
 }
 
-void PortalSavePanel::end(const SaveAnswer& answer) {
+void PortalSaveDialog::end(const SaveAnswer& answer) {
     answer_ = answer;
     done(answer.outcome == SaveAnswer::Outcome::chosen ? Accepted : Rejected);
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/linux/dialogs/QtPanels.h"
+#include "platform/linux/dialogs/QtDialogs.h"
 #include "platform/linux/session/QtMainLoop.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
@@ -24,13 +24,13 @@ namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
 /// A home without anything, and a user who acts once a dialog is there.
-class PanelsFixture : public testing::Test {
+class DialogsFixture : public testing::Test {
 protected:
     TemporaryFolder home;
     QtMainLoop loop;
-    const Panels::SavePanel history{.contentType = "text/csv", .suggestedName = "history.csv"};
+    const Dialogs::SaveDialog history{.contentType = "text/csv", .suggestedName = "history.csv"};
 
-    PanelsFixture() {
+    DialogsFixture() {
         qputenv("HOME", home.path.c_str());
         qputenv("XDG_CONFIG_HOME", (home.path / ".config").c_str());
         qputenv("XDG_DATA_HOME", (home.path / ".local/share").c_str());
@@ -52,7 +52,7 @@ protected:
         when<Dialog>(find, std::move(act));
     }
 
-    /// The same for a question of the toolkit's own, which has no name.
+    /// The same for a question of Qt's own, which has no name.
     void whenAsked(std::function<void(QMessageBox&)> act) {
         when<QMessageBox>([] { return qobject_cast<QMessageBox*>(QApplication::activeModalWidget()); }, std::move(act));
     }

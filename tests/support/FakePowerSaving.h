@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/Observers.h"
-#include "platform/ProcessInfo.h"
+#include "platform/PowerSaving.h"
 #include "support/FakeJournal.h"
 
 #include <functional>
@@ -10,9 +10,9 @@
 #include <vector>
 
 /// A system whose low-power mode the test switches.
-class FakeProcessInfo final : public ProcessInfo {
+class FakePowerSaving final : public PowerSaving {
 public:
-    explicit FakeProcessInfo(FakeJournal* journal = nullptr) : journal_(journal) {}
+    explicit FakePowerSaving(FakeJournal* journal = nullptr) : journal_(journal) {}
 
     bool lowPowerMode = false;
     std::vector<std::function<void()>> callbacks; ///< every one ever handed over, also when its subscription has ended

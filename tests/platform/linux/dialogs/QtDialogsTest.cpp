@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/linux/dialogs/QtPanels.h"
+#include "platform/linux/dialogs/QtDialogs.h"
 
 #include "platform/linux/files/PosixFiles.h"
 #include "shell/AppModel.h"
+#include "support/DialogsFixture.h"
 #include "support/FakePlatform.h"
-#include "support/PanelsFixture.h"
 
 #include <QDialogButtonBox>
 #include <QLabel>
@@ -13,27 +13,27 @@
 
 namespace {
 
-class QtPanelsTest : public PanelsFixture {
+class QtDialogsTest : public DialogsFixture {
 protected:
-    QtPanels panels;
+    QtDialogs dialogs;
 };
 
 } // namespace
 
-TEST_F(QtPanelsTest, TheSavePanelOffersTheNameAndGivesTheFile) {
-    whenShown<QFileDialog>("savePanel", [&](QFileDialog& dialog) {
+TEST_F(QtDialogsTest, TheSaveDialogOffersTheNameAndGivesTheFile) {
+    whenShown<QFileDialog>("saveDialog", [&](QFileDialog& dialog) {
         EXPECT_EQ(nameOf(dialog).text(), QStringLiteral("history.csv"));
         EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Save As"));
         EXPECT_EQ(dialog.acceptMode(), QFileDialog::AcceptSave);
         EXPECT_EQ(dialog.mimeTypeFilters(), QStringList(QStringLiteral("text/csv")));
         EXPECT_EQ(dialog.nameFilters().size(), 1);
-        picture(dialog, "save-panel.png");
+        picture(dialog, "save-dialog.png");
         press(nameOf(dialog), Qt::Key_Return);
     });
-    EXPECT_EQ(panels.runSavePanel(history), home.path / "history.csv");
+    EXPECT_EQ(dialogs.runSaveDialog(history), home.path / "history.csv");
 }
 
-TEST_F(QtPanelsTest, TheSavePanelGivesNothingWhenItIsClosed) {
+TEST_F(QtDialogsTest, TheSaveDialogGivesNothingWhenItIsClosed) {
     const std::function<void(QDialog&)> ways[] = {
         [](QDialog& dialog) {
             dialog.findChild<QDialogButtonBox*>(QStringLiteral("buttonBox"))->button(QDialogButtonBox::Cancel)->click();
@@ -42,35 +42,35 @@ TEST_F(QtPanelsTest, TheSavePanelGivesNothingWhenItIsClosed) {
         [](QDialog& dialog) { dialog.close(); },
     };
     for (const auto& close : ways) {
-        whenShown("savePanel", close);
-        EXPECT_EQ(panels.runSavePanel(history), std::nullopt);
+        whenShown("saveDialog", close);
+        EXPECT_EQ(dialogs.runSaveDialog(history), std::nullopt);
     }
 }
 
-TEST_F(QtPanelsTest, TheSavePanelGivesANameAsItIs) {
+TEST_F(QtDialogsTest, TheSaveDialogGivesANameAsItIs) {
     const char* names[] = {"Akku \xE2\x99\xAA \xC3\xBC.csv", "u\xCC\x88.csv", "it's $(100%) & <b>.csv", "-rf.csv",
                            "\xF0\x9F\x94\x8B.csv"};
     for (const char* name : names) {
-        whenShown("savePanel", [&](QDialog& dialog) { save(dialog, name); });
-        EXPECT_EQ(panels.runSavePanel(history), home.path / name);
+        whenShown("saveDialog", [&](QDialog& dialog) { save(dialog, name); });
+        EXPECT_EQ(dialogs.runSaveDialog(history), home.path / name);
     }
 }
 
-TEST_F(QtPanelsTest, TheSavePanelAddsTheSuffixWhereThereIsNone) {
+TEST_F(QtDialogsTest, TheSaveDialogAddsTheSuffixWhereThereIsNone) {
     const std::pair<const char*, const char*> rows[] = {{"battery", "battery.csv"},
                                                         {"battery.csv", "battery.csv"},
                                                         {"battery.txt", "battery.txt"},
                                                         {".battery", ".battery.csv"}};
     for (const auto& [typed, given] : rows) {
-        whenShown("savePanel", [&, name = typed](QDialog& dialog) { save(dialog, name); });
-        EXPECT_EQ(panels.runSavePanel(history), home.path / given);
+        whenShown("saveDialog", [&, name = typed](QDialog& dialog) { save(dialog, name); });
+        EXPECT_EQ(dialogs.runSaveDialog(history), home.path / given);
     }
 }
 
-TEST_F(QtPanelsTest, TheSavePanelAsksBeforeAFileIsReplaced) {
+TEST_F(QtDialogsTest, TheSaveDialogAsksBeforeAFileIsReplaced) {
     write(home.path / "old.csv", "x");
     bool asked = false;
-    whenShown("savePanel", [&](QDialog& dialog) {
+    whenShown("saveDialog", [&](QDialog& dialog) {
         whenAsked([&](QMessageBox& question) {
             asked = true;
             question.button(QMessageBox::No)->click();
@@ -79,20 +79,20 @@ TEST_F(QtPanelsTest, TheSavePanelAsksBeforeAFileIsReplaced) {
         EXPECT_TRUE(dialog.isVisible()) << "the answer was no";
         save(dialog, "new.csv");
     });
-    EXPECT_EQ(panels.runSavePanel(history), home.path / "new.csv");
+    EXPECT_EQ(dialogs.runSaveDialog(history), home.path / "new.csv");
     EXPECT_TRUE(asked);
 }
 
-TEST_F(QtPanelsTest, TheSavePanelAsksAlsoWhenItHasAddedTheSuffix) {
+TEST_F(QtDialogsTest, TheSaveDialogAsksAlsoWhenItHasAddedTheSuffix) {
     write(home.path / "old.csv", "x");
-    whenShown("savePanel", [&](QDialog& dialog) {
+    whenShown("saveDialog", [&](QDialog& dialog) {
         save(dialog, "old");
         whenShown<QMessageBox>("replaceAlert", [&](QMessageBox& box) {
             EXPECT_EQ(box.text(), QStringLiteral("old.csv already exists."));
             EXPECT_EQ(box.defaultButton()->text(), QStringLiteral("Cancel"));
             picture(box, "replace-alert.png");
             click(box, QStringLiteral("Cancel"));
-            whenShown("savePanel", [&](QDialog& again) {
+            whenShown("saveDialog", [&](QDialog& again) {
                 EXPECT_EQ(&again, &dialog) << "with everything as it was";
                 save(again, "old");
                 whenShown<QMessageBox>("replaceAlert",
@@ -100,37 +100,37 @@ TEST_F(QtPanelsTest, TheSavePanelAsksAlsoWhenItHasAddedTheSuffix) {
             });
         });
     });
-    EXPECT_EQ(panels.runSavePanel(history), home.path / "old.csv");
+    EXPECT_EQ(dialogs.runSaveDialog(history), home.path / "old.csv");
 }
 
-TEST_F(QtPanelsTest, TheSavePanelStartsWhereTheLastFileWentOrAmongTheDocuments) {
+TEST_F(QtDialogsTest, TheSaveDialogStartsWhereTheLastFileWentOrAmongTheDocuments) {
     const auto folderOf = [this] {
         std::string folder;
-        whenShown<QFileDialog>("savePanel", [&](QFileDialog& dialog) {
+        whenShown<QFileDialog>("saveDialog", [&](QFileDialog& dialog) {
             folder = dialog.directory().absolutePath().toStdString();
             dialog.reject();
         });
-        EXPECT_FALSE(panels.runSavePanel(history));
+        EXPECT_FALSE(dialogs.runSaveDialog(history));
         return folder;
     };
     EXPECT_EQ(folderOf(), home.path);
     fs::create_directory(home.path / "Documents");
     EXPECT_EQ(folderOf(), home.path / "Documents");
     fs::create_directory(home.path / "other");
-    whenShown("savePanel", [&](QDialog& dialog) { save(dialog, (home.path / "other/x.csv").c_str()); });
-    EXPECT_EQ(panels.runSavePanel(history), home.path / "other/x.csv");
+    whenShown("saveDialog", [&](QDialog& dialog) { save(dialog, (home.path / "other/x.csv").c_str()); });
+    EXPECT_EQ(dialogs.runSaveDialog(history), home.path / "other/x.csv");
     EXPECT_EQ(folderOf(), home.path / "other");
     fs::remove(home.path / "other");
     EXPECT_EQ(folderOf(), home.path / "Documents");
 }
 
-TEST_F(QtPanelsTest, TheSavePanelWritesNothingByItself) {
-    whenShown("savePanel", [](QDialog& dialog) { save(dialog, "x.csv"); });
-    EXPECT_TRUE(panels.runSavePanel(history));
+TEST_F(QtDialogsTest, TheSaveDialogWritesNothingByItself) {
+    whenShown("saveDialog", [](QDialog& dialog) { save(dialog, "x.csv"); });
+    EXPECT_TRUE(dialogs.runSaveDialog(history));
     EXPECT_TRUE(fs::is_empty(home.path));
 }
 
-TEST_F(QtPanelsTest, AnAlertShowsItsTextsAndButtonsInTheirOrder) {
+TEST_F(QtDialogsTest, AnAlertShowsItsTextsAndButtonsInTheirOrder) {
     whenShown<QMessageBox>("alert", [&](QMessageBox& box) {
         EXPECT_EQ(box.text(), QStringLiteral("Allow <b>this</b>?"));
         auto* informative = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"));
@@ -143,46 +143,46 @@ TEST_F(QtPanelsTest, AnAlertShowsItsTextsAndButtonsInTheirOrder) {
         picture(box, "alert.png");
         box.close();
     });
-    panels.runAlert({.message = "Allow <b>this</b>?",
-                     .informativeText = "<i>Otherwise</i> there is nothing.",
-                     .buttons = {"Allow", "Not Now", "Never"}});
+    dialogs.runAlert({.message = "Allow <b>this</b>?",
+                      .informativeText = "<i>Otherwise</i> there is nothing.",
+                      .buttons = {"Allow", "Not Now", "Never"}});
 }
 
 // Desktops put buttons in an order of their own, by what the buttons are for: 0 is Windows', 2 KDE's, 3 GNOME's.
-TEST_F(QtPanelsTest, TheButtonsOfAnAlertKeepTheirOrderOnAllDesktops) {
+TEST_F(QtDialogsTest, TheButtonsOfAnAlertKeepTheirOrderOnAllDesktops) {
     for (const int layout : {0, 2, 3}) {
         qApp->setStyleSheet(QStringLiteral("QDialogButtonBox { button-layout: %1 }").arg(layout));
         whenShown<QMessageBox>("alert", [&](QMessageBox& box) {
             EXPECT_EQ(buttonsOf(box).join(QLatin1Char('|')), QStringLiteral("Allow|Not Now|Never")) << layout;
             box.close();
         });
-        panels.runAlert({.message = "Allow?", .informativeText = "", .buttons = {"Allow", "Not Now", "Never"}});
+        dialogs.runAlert({.message = "Allow?", .informativeText = "", .buttons = {"Allow", "Not Now", "Never"}});
     }
     qApp->setStyleSheet(QString());
 }
 
-TEST_F(QtPanelsTest, AnAlertTellsTheButtonThatEndedIt) {
+TEST_F(QtDialogsTest, AnAlertTellsTheButtonThatEndedIt) {
     const std::vector<std::string> buttons = {"Allow", "Not Now", "Never"};
     for (std::size_t count = 1; count <= buttons.size(); ++count) {
-        const Panels::Alert alert{.message = "Allow?",
-                                  .informativeText = "",
-                                  .buttons = {buttons.begin(), buttons.begin() + static_cast<int>(count)}};
+        const Dialogs::Alert alert{.message = "Allow?",
+                                   .informativeText = "",
+                                   .buttons = {buttons.begin(), buttons.begin() + static_cast<int>(count)}};
         SCOPED_TRACE(count);
         for (std::size_t button = 0; button < count; ++button) {
             whenShown<QMessageBox>("alert",
                                    [&](QMessageBox& box) { click(box, QString::fromStdString(buttons[button])); });
-            EXPECT_EQ(panels.runAlert(alert), button);
+            EXPECT_EQ(dialogs.runAlert(alert), button);
         }
         whenShown("alert", [](QDialog& dialog) { press(dialog, Qt::Key_Return); });
-        EXPECT_EQ(panels.runAlert(alert), 0U);
+        EXPECT_EQ(dialogs.runAlert(alert), 0U);
         whenShown("alert", [](QDialog& dialog) { press(dialog, Qt::Key_Escape); });
-        EXPECT_EQ(panels.runAlert(alert), std::nullopt);
+        EXPECT_EQ(dialogs.runAlert(alert), std::nullopt);
         whenShown("alert", [](QDialog& dialog) { EXPECT_TRUE(dialog.close()); });
-        EXPECT_EQ(panels.runAlert(alert), std::nullopt);
+        EXPECT_EQ(dialogs.runAlert(alert), std::nullopt);
     }
 }
 
-TEST_F(QtPanelsTest, AnErrorAlertNamesTheFileAndSaysWhatTheSystemSays) {
+TEST_F(QtDialogsTest, AnErrorAlertNamesTheFileAndSaysWhatTheSystemSays) {
     const std::error_code full(ENOSPC, std::system_category());
     whenShown<QMessageBox>("errorAlert", [&](QMessageBox& box) {
         EXPECT_EQ(box.text(), QString::fromUtf8("There was a problem with “<u>Akku ♪.csv”."));
@@ -191,102 +191,102 @@ TEST_F(QtPanelsTest, AnErrorAlertNamesTheFileAndSaysWhatTheSystemSays) {
         picture(box, "error-alert.png");
         click(box, QStringLiteral("OK"));
     });
-    panels.runErrorAlert(home.path / "<u>Akku \xE2\x99\xAA.csv", full);
+    dialogs.runErrorAlert(home.path / "<u>Akku \xE2\x99\xAA.csv", full);
 }
 
-TEST_F(QtPanelsTest, AnErrorAlertBearsAnyName) {
+TEST_F(QtDialogsTest, AnErrorAlertBearsAnyName) {
     for (const std::string& name : {std::string(250, 'x'), std::string("caf\xE9.csv"), std::string()}) {
         int width = 0;
         whenShown("errorAlert", [&](QDialog& dialog) {
             width = dialog.width();
             press(dialog, Qt::Key_Escape);
         });
-        panels.runErrorAlert(home.path / name, std::make_error_code(std::errc::io_error));
+        dialogs.runErrorAlert(home.path / name, std::make_error_code(std::errc::io_error));
         EXPECT_GT(width, 0);
         EXPECT_LT(width, 800);
     }
 }
 
-TEST_F(QtPanelsTest, TimersGoOnWhileAPanelIsOpen) {
+TEST_F(QtDialogsTest, TimersGoOnWhileAPanelIsOpen) {
     int ticks = 0;
     QDialog* open = nullptr;
     const auto timer = loop.repeat(5ms, 0s, [&] {
         if (open != nullptr && ++ticks == 3)
             open->reject();
     });
-    for (const char* name : {"savePanel", "alert", "errorAlert"}) {
+    for (const char* name : {"saveDialog", "alert", "errorAlert"}) {
         ticks = 0;
         whenShown(name, [&](QDialog& dialog) { open = &dialog; });
-        if (name == std::string("savePanel"))
-            panels.runSavePanel(history);
+        if (name == std::string("saveDialog"))
+            dialogs.runSaveDialog(history);
         else if (name == std::string("alert"))
-            panels.runAlert({.message = "Allow?", .informativeText = "", .buttons = {"Allow", "Never"}});
+            dialogs.runAlert({.message = "Allow?", .informativeText = "", .buttons = {"Allow", "Never"}});
         else
-            panels.runErrorAlert("file", std::make_error_code(std::errc::io_error));
+            dialogs.runErrorAlert("file", std::make_error_code(std::errc::io_error));
         EXPECT_EQ(ticks, 3) << name;
         open = nullptr;
     }
 }
 
-TEST_F(QtPanelsTest, TheProgramEndsWhileTheSavePanelIsOpen) {
+TEST_F(QtDialogsTest, TheProgramEndsWhileTheSaveDialogIsOpen) {
     for (const auto& end :
          {std::function<void()>(&QCoreApplication::quit), std::function<void()>([] { QCoreApplication::exit(); })}) {
         std::optional<fs::path> chosen = "not asked";
-        whenShown("savePanel", [&](QDialog&) { end(); });
-        EXPECT_TRUE(mainLoopRuns([&] { chosen = panels.runSavePanel(history); }));
+        whenShown("saveDialog", [&](QDialog&) { end(); });
+        EXPECT_TRUE(mainLoopRuns([&] { chosen = dialogs.runSaveDialog(history); }));
         EXPECT_EQ(chosen, std::nullopt);
     }
 }
 
-TEST_F(QtPanelsTest, TheProgramEndsWhileItAsksWhetherToReplace) {
+TEST_F(QtDialogsTest, TheProgramEndsWhileItAsksWhetherToReplace) {
     write(home.path / "old.csv", "x");
     std::optional<fs::path> chosen = "not asked";
     // The question of the dialog itself.
-    whenShown("savePanel", [&](QDialog& dialog) {
+    whenShown("saveDialog", [&](QDialog& dialog) {
         whenAsked([](QMessageBox&) { QCoreApplication::quit(); });
         save(dialog, "old.csv");
     });
-    EXPECT_TRUE(mainLoopRuns([&] { chosen = panels.runSavePanel(history); }));
+    EXPECT_TRUE(mainLoopRuns([&] { chosen = dialogs.runSaveDialog(history); }));
     EXPECT_EQ(chosen, std::nullopt);
     // Ours.
     chosen = "not asked";
-    whenShown("savePanel", [&](QDialog& dialog) { save(dialog, "old"); });
+    whenShown("saveDialog", [&](QDialog& dialog) { save(dialog, "old"); });
     whenShown("replaceAlert", [](QDialog&) { QCoreApplication::quit(); });
-    EXPECT_TRUE(mainLoopRuns([&] { chosen = panels.runSavePanel(history); }));
+    EXPECT_TRUE(mainLoopRuns([&] { chosen = dialogs.runSaveDialog(history); }));
     EXPECT_EQ(chosen, std::nullopt);
 }
 
-TEST_F(QtPanelsTest, TheProgramEndsWhileAnAlertIsOpen) {
+TEST_F(QtDialogsTest, TheProgramEndsWhileAnAlertIsOpen) {
     std::optional<std::size_t> button = 7;
     whenShown("alert", [](QDialog&) { QCoreApplication::quit(); });
     EXPECT_TRUE(mainLoopRuns([&] {
-        button = panels.runAlert({.message = "Allow?", .informativeText = "", .buttons = {"Allow", "Never"}});
+        button = dialogs.runAlert({.message = "Allow?", .informativeText = "", .buttons = {"Allow", "Never"}});
     }));
     EXPECT_EQ(button, std::nullopt);
     whenShown("errorAlert", [](QDialog&) { QCoreApplication::quit(); });
-    EXPECT_TRUE(mainLoopRuns([&] { panels.runErrorAlert("file", std::make_error_code(std::errc::io_error)); }));
+    EXPECT_TRUE(mainLoopRuns([&] { dialogs.runErrorAlert("file", std::make_error_code(std::errc::io_error)); }));
 }
 
-TEST_F(QtPanelsTest, ThereIsOnePanelAtATimeButAnErrorIsAlwaysTold) {
+TEST_F(QtDialogsTest, ThereIsOnePanelAtATimeButAnErrorIsAlwaysTold) {
     bool errorWasTold = false;
-    whenShown("savePanel", [&](QDialog& dialog) {
-        EXPECT_EQ(panels.runSavePanel(history), std::nullopt);
-        EXPECT_EQ(panels.runAlert({.message = "Allow?", .informativeText = "", .buttons = {"Allow"}}), std::nullopt);
+    whenShown("saveDialog", [&](QDialog& dialog) {
+        EXPECT_EQ(dialogs.runSaveDialog(history), std::nullopt);
+        EXPECT_EQ(dialogs.runAlert({.message = "Allow?", .informativeText = "", .buttons = {"Allow"}}), std::nullopt);
         whenShown("errorAlert", [&](QDialog& alert) {
             errorWasTold = true;
             alert.close();
         });
-        panels.runErrorAlert("file", std::make_error_code(std::errc::io_error));
-        EXPECT_EQ(panels.runSavePanel(history), std::nullopt) << "the first one is still open";
+        dialogs.runErrorAlert("file", std::make_error_code(std::errc::io_error));
+        EXPECT_EQ(dialogs.runSaveDialog(history), std::nullopt) << "the first one is still open";
         save(dialog, "x.csv");
     });
-    EXPECT_EQ(panels.runSavePanel(history), home.path / "x.csv");
+    EXPECT_EQ(dialogs.runSaveDialog(history), home.path / "x.csv");
     EXPECT_TRUE(errorWasTold);
-    whenShown("savePanel", [](QDialog& dialog) { save(dialog, "y.csv"); });
-    EXPECT_EQ(panels.runSavePanel(history), home.path / "y.csv");
+    whenShown("saveDialog", [](QDialog& dialog) { save(dialog, "y.csv"); });
+    EXPECT_EQ(dialogs.runSaveDialog(history), home.path / "y.csv");
 }
 
-TEST_F(QtPanelsTest, APopupMakesRoomForAPanel) {
+TEST_F(QtDialogsTest, APopupMakesRoomForAPanel) {
     QWidget popup(nullptr, Qt::Popup);
     popup.show();
     ASSERT_EQ(QApplication::activePopupWidget(), &popup);
@@ -294,10 +294,10 @@ TEST_F(QtPanelsTest, APopupMakesRoomForAPanel) {
         EXPECT_FALSE(popup.isVisible());
         dialog.close();
     });
-    panels.runAlert({.message = "Allow?", .informativeText = "", .buttons = {"Allow"}});
+    dialogs.runAlert({.message = "Allow?", .informativeText = "", .buttons = {"Allow"}});
 }
 
-TEST_F(QtPanelsTest, BringsOrdinaryWindowsToTheFront) {
+TEST_F(QtDialogsTest, BringsOrdinaryWindowsToTheFront) {
     QWidget window;
     QWidget embedded(nullptr, Qt::Window | Qt::BypassWindowManagerHint);
     for (QWidget* widget : {&window, &embedded}) {
@@ -306,19 +306,20 @@ TEST_F(QtPanelsTest, BringsOrdinaryWindowsToTheFront) {
     }
     QWidget hidden;
     ASSERT_FALSE(window.isActiveWindow());
-    panels.bringToFront();
+    dialogs.bringToFront();
     EXPECT_TRUE(waitUntil([&] { return window.isActiveWindow(); }));
     EXPECT_FALSE(hidden.isVisible());
     EXPECT_FALSE(embedded.isActiveWindow());
 }
 
-/// The model with real files and these panels, and everything else as a fake.
-class ExportTest : public QtPanelsTest {
+/// The model with real files and these dialogs, and everything else as a fake.
+class ExportTest : public QtDialogsTest {
 protected:
     PosixFiles files{home.path / ".local/share"};
     FakePlatform fake;
-    AppModel model{{fake.powerSources, fake.processInfo, fake.workspace, loop, fake.clock, fake.calendar, fake.defaults,
-                    files, fake.statusBar, panels, fake.notificationCenter, fake.bundle, fake.sounds, fake.loginItem}};
+    AppModel model{{fake.powerSources, fake.powerSaving, fake.sessionEvents, loop, fake.clock, fake.calendar,
+                    fake.defaults, files, fake.statusBar, dialogs, fake.notificationCenter, fake.bundle, fake.sounds,
+                    fake.loginItem}};
 
     ExportTest() {
         fake.powerSources.setBattery(64, true);
@@ -329,7 +330,7 @@ protected:
 TEST_F(ExportTest, TheHistoryGoesToTheFileThatTheUserChoseWhileTheTimersGoOn) {
     int ticks = 0;
     const auto timer = loop.repeat(5ms, 0s, [&] { ++ticks; });
-    whenShown("savePanel", [&](QDialog& dialog) {
+    whenShown("saveDialog", [&](QDialog& dialog) {
         EXPECT_TRUE(waitUntil([&] { return ticks > 0; }));
         save(dialog, "mine.csv");
     });
@@ -339,14 +340,14 @@ TEST_F(ExportTest, TheHistoryGoesToTheFileThatTheUserChoseWhileTheTimersGoOn) {
 }
 
 TEST_F(ExportTest, NothingIsWrittenWhenTheUserCancels) {
-    whenShown("savePanel", [](QDialog& dialog) { dialog.reject(); });
+    whenShown("saveDialog", [](QDialog& dialog) { dialog.reject(); });
     model.exportHistoryCSV();
     EXPECT_FALSE(fs::exists(home.path / "Velmora-history.csv"));
 }
 
 TEST_F(ExportTest, TheUserIsToldWhyNothingCouldBeWritten) {
     // A folder can be in the place of the file by the time that it is written.
-    whenShown("savePanel", [&](QDialog& dialog) {
+    whenShown("saveDialog", [&](QDialog& dialog) {
         save(dialog, "taken.csv");
         fs::create_directories(home.path / "taken.csv/inside");
     });

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/linux/power/ChangeReports.h"
+#include "platform/linux/power/ChangeDebouncer.h"
 
 #include "support/FakeMainLoop.h"
 
@@ -16,7 +16,7 @@ namespace {
 
 using Instants = std::vector<double>;
 
-struct ChangeReportsTest : ::testing::Test {
+struct ChangeDebouncerTest : ::testing::Test {
     FakeClock clock;
     FakeMainLoop loop{clock};
     const Duration start = clock.uptime();
@@ -24,7 +24,7 @@ struct ChangeReportsTest : ::testing::Test {
     Instants looks;
     bool differs = false; ///< what a look finds
     std::function<void()> duringReport;
-    std::unique_ptr<ChangeReports> changes = std::make_unique<ChangeReports>(
+    std::unique_ptr<ChangeDebouncer> changes = std::make_unique<ChangeDebouncer>(
         loop, clock,
         [this] {
             reports.push_back(instant());
@@ -44,29 +44,29 @@ struct ChangeReportsTest : ::testing::Test {
     }
 };
 
-TEST_F(ChangeReportsTest, AreSilentWithoutAnEvent) {
+TEST_F(ChangeDebouncerTest, AreSilentWithoutAnEvent) {
     loop.advance(1h);
     EXPECT_TRUE(reports.empty());
     EXPECT_TRUE(looks.empty());
     EXPECT_EQ(loop.waiting(), 0U);
 }
 
-TEST_F(ChangeReportsTest, PassTheFirstEventOnAtOnce) {
+TEST_F(ChangeDebouncerTest, PassTheFirstEventOnAtOnce) {
     changes->event();
     EXPECT_EQ(reports, Instants{0});
 }
 
-TEST(ChangeReports, PassTheFirstEventOnAtOnceJustAfterTheMachineStartedToo) {
+TEST(ChangeDebouncer, PassTheFirstEventOnAtOnceJustAfterTheMachineStartedToo) {
     FakeClock clock(Date(Duration(1'700'000'000)), Duration(0.25));
     FakeMainLoop loop(clock);
     int reports = 0;
-    ChangeReports changes(
+    ChangeDebouncer changes(
         loop, clock, [&] { ++reports; }, [] { return false; });
     changes.event();
     EXPECT_EQ(reports, 1);
 }
 
-TEST_F(ChangeReportsTest, GatherTheRestOfABurstUntilTheSecondIsOver) {
+TEST_F(ChangeDebouncerTest, GatherTheRestOfABurstUntilTheSecondIsOver) {
     eventAt(0);
     eventAt(0.2);
     eventAt(0.9);
@@ -77,7 +77,7 @@ TEST_F(ChangeReportsTest, GatherTheRestOfABurstUntilTheSecondIsOver) {
     EXPECT_EQ(reports, (Instants{0, 1}));
 }
 
-TEST_F(ChangeReportsTest, PassAnEventOnAtOnceWhenTheSecondIsOver) {
+TEST_F(ChangeDebouncerTest, PassAnEventOnAtOnceWhenTheSecondIsOver) {
     eventAt(0);
     eventAt(1);
     EXPECT_EQ(reports, (Instants{0, 1}));
@@ -85,7 +85,7 @@ TEST_F(ChangeReportsTest, PassAnEventOnAtOnceWhenTheSecondIsOver) {
     EXPECT_EQ(reports, (Instants{0, 1, 2.5}));
 }
 
-TEST_F(ChangeReportsTest, GoOutOnceASecondInAStorm) {
+TEST_F(ChangeDebouncerTest, GoOutOnceASecondInAStorm) {
     differs = true; // every look would find something to tell
     for (int event = 0; event < 2000; ++event)
         eventAt(event * 0.005);
@@ -94,7 +94,7 @@ TEST_F(ChangeReportsTest, GoOutOnceASecondInAStorm) {
     EXPECT_TRUE(looks.empty());
 }
 
-TEST_F(ChangeReportsTest, LookAgainFourTimesAfterAReportAndThenAreQuiet) {
+TEST_F(ChangeDebouncerTest, LookAgainFourTimesAfterAReportAndThenAreQuiet) {
     eventAt(0);
     loop.advance(1h);
     EXPECT_EQ(looks, (Instants{1, 2, 5, 15}));
@@ -102,7 +102,7 @@ TEST_F(ChangeReportsTest, LookAgainFourTimesAfterAReportAndThenAreQuiet) {
     EXPECT_EQ(loop.waiting(), 0U);
 }
 
-TEST_F(ChangeReportsTest, TellWhatALookFinds) {
+TEST_F(ChangeDebouncerTest, TellWhatALookFinds) {
     eventAt(0);
     advanceTo(1.5);
     differs = true;
@@ -113,7 +113,7 @@ TEST_F(ChangeReportsTest, TellWhatALookFinds) {
     EXPECT_EQ(looks, (Instants{1, 2, 5, 15}));
 }
 
-TEST_F(ChangeReportsTest, EveryLookThatFindsSomethingTellsIt) {
+TEST_F(ChangeDebouncerTest, EveryLookThatFindsSomethingTellsIt) {
     differs = true;
     eventAt(0);
     loop.advance(1h);
@@ -121,14 +121,14 @@ TEST_F(ChangeReportsTest, EveryLookThatFindsSomethingTellsIt) {
     EXPECT_EQ(looks, (Instants{1, 2, 5, 15}));
 }
 
-TEST_F(ChangeReportsTest, ANewReportBeginsTheLooksAnew) {
+TEST_F(ChangeDebouncerTest, ANewReportBeginsTheLooksAnew) {
     eventAt(0);
     eventAt(3);
     loop.advance(1h);
     EXPECT_EQ(looks, (Instants{1, 2, 4, 5, 8, 18}));
 }
 
-TEST_F(ChangeReportsTest, ALookIsLeftOutWhileAReportIsDue) {
+TEST_F(ChangeDebouncerTest, ALookIsLeftOutWhileAReportIsDue) {
     differs = true;
     eventAt(0);
     eventAt(0.5);
@@ -140,7 +140,7 @@ TEST_F(ChangeReportsTest, ALookIsLeftOutWhileAReportIsDue) {
 }
 
 // Whoever is told reads everything; two readings within a second gain nothing, whatever caused them.
-TEST_F(ChangeReportsTest, AnEventJustAfterALookThatToldSomethingWaitsForTheSecondToPass) {
+TEST_F(ChangeDebouncerTest, AnEventJustAfterALookThatToldSomethingWaitsForTheSecondToPass) {
     differs = true;
     eventAt(0);
     advanceTo(5.05);
@@ -153,7 +153,7 @@ TEST_F(ChangeReportsTest, AnEventJustAfterALookThatToldSomethingWaitsForTheSecon
     EXPECT_EQ(reports, (Instants{0, 1, 2, 5, 6}));
 }
 
-TEST_F(ChangeReportsTest, AnEventJustAfterTheFirstLookOfASettlingWaitsToo) {
+TEST_F(ChangeDebouncerTest, AnEventJustAfterTheFirstLookOfASettlingWaitsToo) {
     differs = true;
     changes->settle();
     advanceTo(1.2);
@@ -164,7 +164,7 @@ TEST_F(ChangeReportsTest, AnEventJustAfterTheFirstLookOfASettlingWaitsToo) {
     EXPECT_EQ(reports, (Instants{1, 2}));
 }
 
-TEST_F(ChangeReportsTest, ALookJustAfterAReportBelongsToTheNewReport) {
+TEST_F(ChangeDebouncerTest, ALookJustAfterAReportBelongsToTheNewReport) {
     differs = true;
     eventAt(0);
     eventAt(4.9);
@@ -175,7 +175,7 @@ TEST_F(ChangeReportsTest, ALookJustAfterAReportBelongsToTheNewReport) {
     EXPECT_EQ(reports, Instants{5.9});
 }
 
-TEST_F(ChangeReportsTest, SettlingLooksWithoutAnEvent) {
+TEST_F(ChangeDebouncerTest, SettlingLooksWithoutAnEvent) {
     changes->settle();
     EXPECT_TRUE(reports.empty());
     differs = true;
@@ -184,7 +184,7 @@ TEST_F(ChangeReportsTest, SettlingLooksWithoutAnEvent) {
     EXPECT_EQ(reports, (Instants{1, 2, 5, 15}));
 }
 
-TEST_F(ChangeReportsTest, SettlingDoesNotPutOffLooksThatAreOnTheirWay) {
+TEST_F(ChangeDebouncerTest, SettlingDoesNotPutOffLooksThatAreOnTheirWay) {
     eventAt(0);
     for (const double seconds : {0.5, 1.5, 3.0, 4.9, 14.9}) {
         advanceTo(seconds);
@@ -194,7 +194,7 @@ TEST_F(ChangeReportsTest, SettlingDoesNotPutOffLooksThatAreOnTheirWay) {
     EXPECT_EQ(looks, (Instants{1, 2, 5, 15}));
 }
 
-TEST_F(ChangeReportsTest, SettlingLooksAgainWhenTheLooksAreOver) {
+TEST_F(ChangeDebouncerTest, SettlingLooksAgainWhenTheLooksAreOver) {
     eventAt(0);
     advanceTo(20);
     looks.clear();
@@ -204,7 +204,7 @@ TEST_F(ChangeReportsTest, SettlingLooksAgainWhenTheLooksAreOver) {
 }
 
 // Whoever is told reads at once, and asks for another look where that reading is unsettled.
-TEST_F(ChangeReportsTest, SettlingFromWithinAReportWorks) {
+TEST_F(ChangeDebouncerTest, SettlingFromWithinAReportWorks) {
     duringReport = [this] {
         if (reports.size() < 3)
             changes->settle();
@@ -221,7 +221,7 @@ TEST_F(ChangeReportsTest, SettlingFromWithinAReportWorks) {
     EXPECT_EQ(looks, (Instants{1, 2, 5, 15, 16, 17, 20, 30}));
 }
 
-TEST_F(ChangeReportsTest, AnEventEndsTheLooksOfASettlingThatIsOnItsWay) {
+TEST_F(ChangeDebouncerTest, AnEventEndsTheLooksOfASettlingThatIsOnItsWay) {
     changes->settle();
     eventAt(0.5);
     loop.advance(1h);
@@ -229,7 +229,7 @@ TEST_F(ChangeReportsTest, AnEventEndsTheLooksOfASettlingThatIsOnItsWay) {
     EXPECT_EQ(looks, (Instants{1.5, 2.5, 5.5, 15.5}));
 }
 
-TEST_F(ChangeReportsTest, NothingComesOnceTheyAreGone) {
+TEST_F(ChangeDebouncerTest, NothingComesOnceTheyAreGone) {
     differs = true;
     eventAt(0);
     eventAt(0.5);
@@ -239,7 +239,7 @@ TEST_F(ChangeReportsTest, NothingComesOnceTheyAreGone) {
     EXPECT_TRUE(looks.empty());
 }
 
-TEST_F(ChangeReportsTest, SleepCountsTowardsTheSecond) {
+TEST_F(ChangeDebouncerTest, SleepCountsTowardsTheSecond) {
     eventAt(0);
     clock.suspend(1h);
     changes->event();

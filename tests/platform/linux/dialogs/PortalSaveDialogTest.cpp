@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/linux/dialogs/PortalSavePanel.h"
+#include "platform/linux/dialogs/PortalSaveDialog.h"
 
-#include "support/PanelsFixture.h"
+#include "support/DialogsFixture.h"
 #include "support/PrivateBus.h"
 
 #include <QDBusArgument>
@@ -124,16 +124,16 @@ QList<Filter> filtersIn(const QVariant& value) {
     return filters;
 }
 
-class PortalSavePanelTest : public PanelsFixture {
+class PortalSaveDialogTest : public DialogsFixture {
 protected:
     PrivateBus bus;
     // A connection beside the stand-in's, as two programs have.
-    QDBusConnection own = QDBusConnection::connectToBus(bus.address(), QStringLiteral("save-panel-test"));
-    std::chrono::milliseconds patience = 30s;
+    QDBusConnection own = QDBusConnection::connectToBus(bus.address(), QStringLiteral("save-dialog-test"));
+    std::chrono::milliseconds timeout = 30s;
 
-    ~PortalSavePanelTest() override { QDBusConnection::disconnectFromBus(own.name()); }
+    ~PortalSaveDialogTest() override { QDBusConnection::disconnectFromBus(own.name()); }
 
-    std::optional<fs::path> runSavePanel() { return QtPanels(own, patience).runSavePanel(history); }
+    std::optional<fs::path> runSaveDialog() { return QtDialogs(own, timeout).runSaveDialog(history); }
 
     /// Once the portal has been asked, and we know that it has, this happens.
     void whenAsked(FakePortal& portal, const std::function<void(const Asked&)>& act) {
@@ -151,28 +151,28 @@ protected:
         };
     }
 
-    /// The toolkit's dialog comes, and the user saves there.
+    /// Qt's dialog comes, and the user saves there.
     void expectOwnDialog() {
-        whenShown("savePanel", [](QDialog& dialog) { save(dialog, "own.csv"); });
-        EXPECT_EQ(runSavePanel(), home.path / "own.csv");
+        whenShown("saveDialog", [](QDialog& dialog) { save(dialog, "own.csv"); });
+        EXPECT_EQ(runSaveDialog(), home.path / "own.csv");
     }
 
     /// The answer, when the portal answers with it.
     std::optional<fs::path> chosen(uint response, const QStringList& uris) {
         FakePortal portal(bus);
         whenAsked(portal, [&](const Asked& question) { portal.respond(question.request, response, uris); });
-        return runSavePanel();
+        return runSaveDialog();
     }
 };
 
 } // namespace
 
-TEST_F(PortalSavePanelTest, AsksTheDesktopForTheFile) {
+TEST_F(PortalSaveDialogTest, AsksTheDesktopForTheFile) {
     FakePortal portal(bus);
     whenAsked(portal, [&](const Asked& question) {
         portal.respond(question.request, 0, {QStringLiteral("file:///home/me/caf%E9%20%25.csv")});
     });
-    EXPECT_EQ(runSavePanel(), "/home/me/caf\xE9 %.csv");
+    EXPECT_EQ(runSaveDialog(), "/home/me/caf\xE9 %.csv");
     ASSERT_EQ(portal.asked.size(), 1);
     const Asked& question = portal.asked.first();
     EXPECT_EQ(question.title, QStringLiteral("Save As"));
@@ -189,42 +189,42 @@ TEST_F(PortalSavePanelTest, AsksTheDesktopForTheFile) {
     EXPECT_TRUE(portal.closed.isEmpty());
 }
 
-TEST_F(PortalSavePanelTest, StartsWhereTheLastFileWent) {
+TEST_F(PortalSaveDialogTest, StartsWhereTheLastFileWent) {
     fs::create_directory(home.path / "other");
     FakePortal portal(bus);
     whenAsked(portal, [&](const Asked& question) {
         portal.respond(question.request, 0, {QStringLiteral("file://%1/other/x.csv").arg(home.path.c_str())});
     });
-    QtPanels panels(own, patience);
+    QtDialogs dialogs(own, timeout);
     for (int i = 0; i < 2; ++i)
-        EXPECT_EQ(panels.runSavePanel(history), home.path / "other/x.csv");
+        EXPECT_EQ(dialogs.runSaveDialog(history), home.path / "other/x.csv");
     ASSERT_EQ(portal.asked.size(), 2);
     EXPECT_EQ(portal.asked.last().options.value(QStringLiteral("current_folder")).toByteArray(),
               QByteArray::fromStdString((home.path / "other").native()) + '\0');
     EXPECT_NE(portal.asked.first().request, portal.asked.last().request);
 }
 
-TEST_F(PortalSavePanelTest, GivesNothingWhenTheUserCancels) {
+TEST_F(PortalSaveDialogTest, GivesNothingWhenTheUserCancels) {
     EXPECT_EQ(chosen(1, {}), std::nullopt);
 }
 
-TEST_F(PortalSavePanelTest, GivesNothingForAPlaceThatIsNoFile) {
+TEST_F(PortalSaveDialogTest, GivesNothingForAPlaceThatIsNoFile) {
     EXPECT_EQ(chosen(0, {QStringLiteral("sftp://host/x.csv")}), std::nullopt);
     EXPECT_EQ(chosen(0, {}), std::nullopt);
 }
 
-TEST_F(PortalSavePanelTest, WithoutAPortalTheToolkitAsks) {
+TEST_F(PortalSaveDialogTest, WithoutAPortalQtAsks) {
     expectOwnDialog();
 }
 
-TEST_F(PortalSavePanelTest, WhereThePortalCannotBeStartedTheToolkitAsks) {
+TEST_F(PortalSaveDialogTest, WhereThePortalCannotBeStartedQtAsks) {
     write(bus.services() / "portal.service", "[D-BUS Service]\nName=" + service.toStdString() + "\nExec=/bin/false\n");
     const QString daemon = QStringLiteral("org.freedesktop.DBus");
     bus.call(daemon, QStringLiteral("/org/freedesktop/DBus"), daemon, QStringLiteral("ReloadConfig"));
     expectOwnDialog();
 }
 
-TEST_F(PortalSavePanelTest, WhereThePortalRefusesTheToolkitAsks) {
+TEST_F(PortalSaveDialogTest, WhereThePortalRefusesQtAsks) {
     FakePortal portal(bus);
     for (const char* error : {"org.freedesktop.DBus.Error.UnknownMethod", "org.freedesktop.DBus.Error.AccessDenied",
                               "org.freedesktop.portal.Error.Failed"}) {
@@ -238,25 +238,25 @@ TEST_F(PortalSavePanelTest, WhereThePortalRefusesTheToolkitAsks) {
     EXPECT_TRUE(portal.closed.isEmpty());
 }
 
-TEST_F(PortalSavePanelTest, WhereTheDesktopsDialogFailsAtOnceTheToolkitAsks) {
+TEST_F(PortalSaveDialogTest, WhereTheDesktopsDialogFailsAtOnceQtAsks) {
     FakePortal portal(bus);
     portal.onAsked = [&](const Asked& question) { portal.respond(question.request, 2); };
     expectOwnDialog();
     EXPECT_TRUE(portal.closed.isEmpty());
 }
 
-TEST_F(PortalSavePanelTest, GivesNothingWhenTheDesktopsDialogEndsOtherwise) {
+TEST_F(PortalSaveDialogTest, GivesNothingWhenTheDesktopsDialogEndsOtherwise) {
     FakePortal portal(bus);
     whenAsked(portal, [&](const Asked& question) {
         loop.after(600ms, [&portal, question] { portal.respond(question.request, 2); });
     });
-    EXPECT_EQ(runSavePanel(), std::nullopt);
+    EXPECT_EQ(runSaveDialog(), std::nullopt);
 }
 
-TEST_F(PortalSavePanelTest, DoesNotWaitForAPortalThatDoesNotAnswer) {
+TEST_F(PortalSaveDialogTest, DoesNotWaitForAPortalThatDoesNotAnswer) {
     FakePortal portal(bus);
     portal.reply = QVariant();
-    patience = 50ms;
+    timeout = 50ms;
     expectOwnDialog();
     ASSERT_EQ(portal.asked.size(), 1);
     EXPECT_TRUE(portal.closed.isEmpty());
@@ -265,40 +265,40 @@ TEST_F(PortalSavePanelTest, DoesNotWaitForAPortalThatDoesNotAnswer) {
     EXPECT_TRUE(waitUntil([&] { return portal.closed == QStringList{portal.asked.first().request}; }));
 }
 
-TEST_F(PortalSavePanelTest, GivesTheUserAllTheTime) {
+TEST_F(PortalSaveDialogTest, GivesTheUserAllTheTime) {
     FakePortal portal(bus);
-    patience = 1s; // which the stand-in has time enough in to say that it will ask
+    timeout = 1s; // which the stand-in has time enough in to say that it will ask
     whenAsked(portal, [&](const Asked& question) {
-        loop.after(patience + 300ms,
+        loop.after(timeout + 300ms,
                    [&portal, question] { portal.respond(question.request, 0, {QStringLiteral("file:///x.csv")}); });
     });
-    EXPECT_EQ(runSavePanel(), "/x.csv");
+    EXPECT_EQ(runSaveDialog(), "/x.csv");
 }
 
-TEST_F(PortalSavePanelTest, GivesNothingWhenThePortalGoesAway) {
+TEST_F(PortalSaveDialogTest, GivesNothingWhenThePortalGoesAway) {
     auto portal = std::make_unique<FakePortal>(bus);
     portal->onAsked = [&](const Asked&) { loop.after(100ms, [&] { portal.reset(); }); };
-    EXPECT_EQ(runSavePanel(), std::nullopt);
+    EXPECT_EQ(runSaveDialog(), std::nullopt);
     EXPECT_EQ(portal, nullptr);
 }
 
-TEST_F(PortalSavePanelTest, HearsAnAnswerThatComesBeforeTheWordThatItWillBeAsked) {
+TEST_F(PortalSaveDialogTest, HearsAnAnswerThatComesBeforeTheWordThatItWillBeAsked) {
     FakePortal portal(bus);
     portal.onAsked = [&](const Asked& question) {
         portal.respond(question.request, 0, {QStringLiteral("file:///early.csv")});
     };
-    EXPECT_EQ(runSavePanel(), "/early.csv");
+    EXPECT_EQ(runSaveDialog(), "/early.csv");
 }
 
-TEST_F(PortalSavePanelTest, FollowsThePortalToAPathOfItsOwnChoice) {
+TEST_F(PortalSaveDialogTest, FollowsThePortalToAPathOfItsOwnChoice) {
     FakePortal portal(bus);
     const QString request = path + QStringLiteral("/request/t7");
     portal.reply = QVariant::fromValue(QDBusObjectPath(request));
     whenAsked(portal, [&](const Asked&) { portal.respond(request, 0, {QStringLiteral("file:///old.csv")}); });
-    EXPECT_EQ(runSavePanel(), "/old.csv");
+    EXPECT_EQ(runSaveDialog(), "/old.csv");
 }
 
-TEST_F(PortalSavePanelTest, BelievesOnlyThePortalItself) {
+TEST_F(PortalSaveDialogTest, BelievesOnlyThePortalItself) {
     FakePortal portal(bus);
     QDBusConnection stranger = QDBusConnection::connectToBus(bus.address(), QStringLiteral("stranger"));
     whenAsked(portal, [&](const Asked& question) {
@@ -309,27 +309,27 @@ TEST_F(PortalSavePanelTest, BelievesOnlyThePortalItself) {
             portal.respond(question.request, 0, {QStringLiteral("file:///x.csv")});
         });
     });
-    EXPECT_EQ(runSavePanel(), "/x.csv");
+    EXPECT_EQ(runSaveDialog(), "/x.csv");
     QDBusConnection::disconnectFromBus(stranger.name());
 }
 
-TEST_F(PortalSavePanelTest, TimersGoOnAndThereIsOnePanelAtATime) {
+TEST_F(PortalSaveDialogTest, TimersGoOnAndThereIsOnePanelAtATime) {
     FakePortal portal(bus);
-    QtPanels panels(own, patience);
+    QtDialogs dialogs(own, timeout);
     int ticks = 0;
     const auto timer = loop.repeat(5ms, 0s, [&] {
         if (portal.asked.isEmpty() || ++ticks != 3)
             return;
-        EXPECT_EQ(panels.runSavePanel(history), std::nullopt);
-        panels.bringToFront();
+        EXPECT_EQ(dialogs.runSaveDialog(history), std::nullopt);
+        dialogs.bringToFront();
         portal.respond(portal.asked.first().request, 1);
     });
-    EXPECT_EQ(panels.runSavePanel(history), std::nullopt);
+    EXPECT_EQ(dialogs.runSaveDialog(history), std::nullopt);
     EXPECT_GE(ticks, 3); // the answer takes its time on the bus
     EXPECT_EQ(portal.asked.size(), 1);
 }
 
-TEST_F(PortalSavePanelTest, HoldsOurOtherWindowsBackMeanwhile) {
+TEST_F(PortalSaveDialogTest, HoldsOurOtherWindowsBackMeanwhile) {
     FakePortal portal(bus);
     QPushButton window(QStringLiteral("Export"));
     int clicks = 0;
@@ -344,19 +344,19 @@ TEST_F(PortalSavePanelTest, HoldsOurOtherWindowsBackMeanwhile) {
         click();
         portal.respond(question.request, 1);
     });
-    EXPECT_EQ(runSavePanel(), std::nullopt);
+    EXPECT_EQ(runSaveDialog(), std::nullopt);
     EXPECT_EQ(clicks, 1);
     click();
     EXPECT_EQ(clicks, 2);
 }
 
-TEST_F(PortalSavePanelTest, TheProgramEndsWhileItIsOpenAndTakesTheDialogWithIt) {
+TEST_F(PortalSaveDialogTest, TheProgramEndsWhileItIsOpenAndTakesTheDialogWithIt) {
     for (const auto& end :
          {std::function<void()>(&QCoreApplication::quit), std::function<void()>([] { QCoreApplication::exit(); })}) {
         FakePortal portal(bus);
         std::optional<fs::path> answer = "not asked";
         portal.onAsked = [&](const Asked&) { loop.after(100ms, end); };
-        EXPECT_TRUE(mainLoopRuns([&] { answer = runSavePanel(); }));
+        EXPECT_TRUE(mainLoopRuns([&] { answer = runSaveDialog(); }));
         EXPECT_EQ(answer, std::nullopt);
         EXPECT_TRUE(waitUntil([&] { return portal.closed == QStringList{portal.asked.first().request}; }));
     }

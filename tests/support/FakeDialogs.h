@@ -1,31 +1,31 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/Panels.h"
+#include "platform/Dialogs.h"
 #include "support/FakeJournal.h"
 
 #include <cstddef>
 #include <functional>
 #include <utility>
 
-/// Panels that are answered at once, as told beforehand.
-class FakePanels final : public Panels {
+/// Dialogs that are answered at once, as told beforehand.
+class FakeDialogs final : public Dialogs {
 public:
-    explicit FakePanels(FakeJournal* journal = nullptr) : journal_(journal) {}
+    explicit FakeDialogs(FakeJournal* journal = nullptr) : journal_(journal) {}
 
-    std::optional<std::filesystem::path> chosenFile; ///< what the save panel gives
+    std::optional<std::filesystem::path> chosenFile; ///< what the save dialog gives
     std::optional<std::size_t> chosenButton;         ///< what ends an alert
-    std::function<void()> whileOpen;                 ///< what happens while the save panel is open
+    std::function<void()> whileOpen;                 ///< what happens while the save dialog is open
 
-    std::vector<SavePanel> savePanels;
+    std::vector<SaveDialog> saveDialogs;
     std::vector<Alert> alerts;
     std::vector<std::pair<std::filesystem::path, std::error_code>> errorAlerts;
 
     void bringToFront() override { note(journal_, "bringToFront"); }
 
-    std::optional<std::filesystem::path> runSavePanel(const SavePanel& panel) override {
-        note(journal_, "runSavePanel");
-        savePanels.push_back(panel);
+    std::optional<std::filesystem::path> runSaveDialog(const SaveDialog& dialog) override {
+        note(journal_, "runSaveDialog");
+        saveDialogs.push_back(dialog);
         if (whileOpen)
             whileOpen();
         return chosenFile;

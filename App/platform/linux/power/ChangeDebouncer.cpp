@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/linux/power/ChangeReports.h"
+#include "platform/linux/power/ChangeDebouncer.h"
 
 #include "platform/MainLoop.h"
 
@@ -14,14 +14,14 @@ constexpr std::array<Duration, 4> pauses{Duration(1), Duration(1), Duration(3), 
 
 } // namespace
 
-ChangeReports::ChangeReports(MainLoop& loop, const Clock& clock, std::function<void()> report,
-                             std::function<bool()> look)
+ChangeDebouncer::ChangeDebouncer(MainLoop& loop, const Clock& clock, std::function<void()> report,
+                                 std::function<bool()> look)
     : loop_(loop)
     , clock_(clock)
     , report_(std::move(report))
     , look_(std::move(look)) {}
 
-void ChangeReports::event() {
+void ChangeDebouncer::event() {
     if (reportIsDue_)
         return;
     const Duration since = clock_.uptime() - lastReport_;
@@ -33,12 +33,12 @@ void ChangeReports::event() {
     loop_.after(leastInterval - since, lifetime_.guard([this] { reportNow(); }));
 }
 
-void ChangeReports::settle() {
+void ChangeDebouncer::settle() {
     if (!looking_)
         startLooking();
 }
 
-void ChangeReports::reportNow() {
+void ChangeDebouncer::reportNow() {
     reported_ = true;
     reportIsDue_ = false;
     lastReport_ = clock_.uptime();
@@ -46,12 +46,12 @@ void ChangeReports::reportNow() {
     report_();
 }
 
-void ChangeReports::startLooking() {
+void ChangeDebouncer::startLooking() {
     looking_ = true;
     scheduleLook(0, ++round_);
 }
 
-void ChangeReports::scheduleLook(std::size_t number, unsigned long round) {
+void ChangeDebouncer::scheduleLook(std::size_t number, unsigned long round) {
     loop_.after(pauses[number], lifetime_.guard([this, number, round] {
         if (round != round_)
             return;

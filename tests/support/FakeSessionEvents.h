@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/Observers.h"
-#include "platform/Workspace.h"
+#include "platform/SessionEvents.h"
 #include "support/FakeJournal.h"
 
 #include <functional>
@@ -10,9 +10,9 @@
 #include <vector>
 
 /// A machine that sleeps, wakes and ends its session when the test says so.
-class FakeWorkspace final : public Workspace {
+class FakeSessionEvents final : public SessionEvents {
 public:
-    explicit FakeWorkspace(FakeJournal* journal = nullptr) : journal_(journal) {}
+    explicit FakeSessionEvents(FakeJournal* journal = nullptr) : journal_(journal) {}
 
     // Every callback ever handed over, also when its subscription has ended.
     std::vector<std::function<void()>> willSleepCallbacks;

@@ -6,9 +6,9 @@
 #include <functional>
 
 /// What happens to the machine and the session. All callbacks arrive on the main thread.
-class Workspace {
+class SessionEvents {
 public:
-    virtual ~Workspace() = default;
+    virtual ~SessionEvents() = default;
 
     /// Called before the machine sleeps; sleep waits until the callback has returned, as far as the system lets it.
     [[nodiscard]] virtual Subscription onWillSleep(std::function<void()> callback) = 0;

@@ -1,37 +1,38 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/linux/session/SessionWorkspace.h"
+#include "platform/linux/session/DesktopSessionEvents.h"
 
 #include "platform/linux/session/LogindSleep.h"
 
 #include <utility>
 
-SessionWorkspace::SessionWorkspace(QDBusConnection sessionBus, TerminationSignals& signalEvents, LogindSleep& sleep)
+DesktopSessionEvents::DesktopSessionEvents(QDBusConnection sessionBus, TerminationSignals& signalEvents,
+                                           LogindSleep& sleep)
     : sessionBus_(std::move(sessionBus))
     , signalEvents_(signalEvents)
     , sleep_(sleep) {}
 
-void SessionWorkspace::start() {
+void DesktopSessionEvents::start() {
     signalEvents_.notify([this] { endSession(); });
-    // The bus library itself says so when the connection is lost.
+    // libdbus sends this signal itself when the connection is lost.
     sessionBus_.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
                         QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
                         SLOT(endSession()));
     if (!sessionBus_.isConnected())
-        QMetaObject::invokeMethod(this, &SessionWorkspace::endSession, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, &DesktopSessionEvents::endSession, Qt::QueuedConnection);
 }
 
-Subscription SessionWorkspace::onWillSleep(std::function<void()> callback) {
+Subscription DesktopSessionEvents::onWillSleep(std::function<void()> callback) {
     return sleep_.willSleep.add(std::move(callback));
 }
 
-Subscription SessionWorkspace::onDidWake(std::function<void()> callback) {
+Subscription DesktopSessionEvents::onDidWake(std::function<void()> callback) {
     return sleep_.didWake.add(std::move(callback));
 }
 
-Subscription SessionWorkspace::onSessionEnd(std::function<void()> callback) {
+Subscription DesktopSessionEvents::onSessionEnd(std::function<void()> callback) {
     return sessionEnd_.add(std::move(callback));
 }
 
-void SessionWorkspace::endSession() {
+void DesktopSessionEvents::endSession() {
     sessionEnd_.notify();
 }

@@ -16,11 +16,11 @@
 
 class QDBusPendingCallWatcher;
 
-/// The desktop's own save panel, from the file chooser portal on the session bus (org.freedesktop.portal.FileChooser).
+/// The desktop's own save dialog, from the file chooser portal on the session bus (org.freedesktop.portal.FileChooser).
 /// Of this dialog nothing is on the screen: it holds our other windows back while the desktop's is there, and is
 /// finished when that is, or when there is none. Whoever goes on without its answer destroys it; the desktop's dialog
 /// then goes as well.
-class PortalSavePanel final : public QDialog {
+class PortalSaveDialog final : public QDialog {
     Q_OBJECT
 
 public:
@@ -33,9 +33,9 @@ public:
         QString typeName;     ///< that, for people
     };
 
-    /// `patience` is how long the portal may take to say that it will ask. The user has all the time in the world.
-    PortalSavePanel(QDBusConnection bus, std::chrono::milliseconds patience);
-    ~PortalSavePanel() override;
+    /// `timeout` is how long the portal may take to say that it will ask. The user has all the time in the world.
+    PortalSaveDialog(QDBusConnection bus, std::chrono::milliseconds timeout);
+    ~PortalSaveDialog() override;
 
     /// Asks, once; without waiting.
     void ask(const Question& question);
@@ -48,7 +48,7 @@ private Q_SLOTS:
 
 private:
     QDBusConnection bus_;
-    std::chrono::milliseconds patience_;
+    std::chrono::milliseconds timeout_;
     QDBusServiceWatcher watcher_;
     QDBusPendingCallWatcher* call_ = nullptr; ///< the question, until the portal has said that it will ask
     QString request_;                         ///< its path

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/Observers.h"
-#include "platform/Workspace.h"
+#include "platform/SessionEvents.h"
 #include "platform/linux/session/TerminationSignals.h"
 
 #include <QDBusConnection>
@@ -11,11 +11,11 @@
 class LogindSleep;
 
 /// The session, which ends with a signal or with the session bus, and the machine's sleep.
-class SessionWorkspace final : public QObject, public Workspace {
+class DesktopSessionEvents final : public QObject, public SessionEvents {
     Q_OBJECT
 
 public:
-    SessionWorkspace(QDBusConnection sessionBus, TerminationSignals& signalEvents, LogindSleep& sleep);
+    DesktopSessionEvents(QDBusConnection sessionBus, TerminationSignals& signalEvents, LogindSleep& sleep);
 
     /// Starts to listen.
     void start();
