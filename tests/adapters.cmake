@@ -14,9 +14,9 @@ add_executable(velmora_adapter_tests
     history/HistoryDiskTest.cpp
     history/HistoryKillTest.cpp
     history/HistoryZonesTest.cpp
+    platform/linux/session/AutostartEntryTest.cpp
     platform/linux/session/AutostartLaunchTest.cpp
     platform/linux/sound/CanberraSoundsTest.cpp
-    platform/linux/session/DesktopEntryGLibTest.cpp
     platform/linux/session/ExecutableBundleTest.cpp
     platform/linux/power/FixturesTest.cpp
     platform/linux/notifications/FreedesktopNotificationsTest.cpp

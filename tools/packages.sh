@@ -4,8 +4,8 @@
 # shellcheck disable=SC2034 # who sources this uses the lists
 
 # To build the program and to run it in a session that is there.
-BUILD_PACKAGES=(cmake g++ libcanberra-dev libqcustomplot-dev libsimdjson-dev libudev-dev ninja-build pkg-config
-                qt6-base-dev qt6-svg-dev)
+BUILD_PACKAGES=(cmake g++ libcanberra-dev libglib2.0-dev libqcustomplot-dev libsimdjson-dev libudev-dev ninja-build
+                pkg-config qt6-base-dev qt6-svg-dev)
 
 # A private desktop with a simulated laptop: X server, window manager, panel, notifications, and what draws their icons
 # and text; umockdev shows the devices. Python drives it, xdotool clicks.
@@ -37,6 +37,7 @@ UPSTREAM='
 cmake                    | CMake 3.25                           | run:cmake
 g++                      | a C++20 compiler, GCC 12 or Clang 14 | run:c++
 libcanberra-dev          | libcanberra                          | module:libcanberra
+libglib2.0-dev           | GLib                                 | module:glib-2.0
 libqcustomplot-dev       | QCustomPlot 2.1, built with Qt 6     | include:qcustomplot*
 libsimdjson-dev          | simdjson 3                           | module:simdjson
 libudev-dev              | libudev, of systemd or eudev         | module:libudev

@@ -13,10 +13,11 @@
 #include <QTimer>
 #include <QVariantMap>
 
+#include <glib.h>
+
+#include <filesystem>
 #include <limits>
-#include <string>
 #include <utility>
-#include <vector>
 
 namespace {
 
@@ -63,6 +64,20 @@ void closeRequest(const QDBusConnection& bus, const QString& request) {
     auto message = QDBusMessage::createMethodCall(service, request, requestInterface, QStringLiteral("Close"));
     message.setAutoStartService(false);
     bus.send(message);
+}
+
+/// The file of this machine that a URI names, byte for byte; empty for any other URI.
+std::optional<std::filesystem::path> fileOf(const QString& uri) {
+    char* host = nullptr;
+    char* const path = g_filename_from_uri(uri.toUtf8().constData(), &host, nullptr);
+    const bool isHere = host == nullptr || g_ascii_strcasecmp(host, "localhost") == 0;
+    std::optional<std::filesystem::path> file;
+    // GLib takes a query for a part of the name, and a folder for a file.
+    if (path != nullptr && isHere && !g_str_has_suffix(path, "/") && !uri.contains(QLatin1Char('?')))
+        file = path;
+    g_free(host);
+    g_free(path);
+    return file;
 }
 
 std::optional<QString> requestIn(const QDBusMessage& reply) {
@@ -163,10 +178,8 @@ void PortalSaveDialog::responded(const QDBusMessage& signal) {
     }
     isOver_ = true;
     const QVariantList arguments = signal.arguments();
-    std::vector<std::string> uris;
-    for (const QString& uri : qdbus_cast<QVariantMap>(arguments.at(1)).value(QStringLiteral("uris")).toStringList())
-        uris.push_back(uri.toStdString());
-    end(saveAnswer(arguments.at(0).toUInt(), uris, std::chrono::milliseconds(sinceTaken_.elapsed())));
+    const QStringList uris = qdbus_cast<QVariantMap>(arguments.at(1)).value(QStringLiteral("uris")).toStringList();
+    end(saveAnswer(arguments.at(0).toUInt(), fileOf(uris.value(0)), std::chrono::milliseconds(sinceTaken_.elapsed())));
 }
 
 void PortalSaveDialog::portalLost() {

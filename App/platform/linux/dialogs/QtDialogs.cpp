@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/dialogs/QtDialogs.h"
 
-#include "platform/linux/dialogs/FileSuffix.h"
 #include "platform/linux/dialogs/PortalSaveDialog.h"
 #include "platform/qt/MessageBoxText.h"
 
@@ -106,13 +105,19 @@ bool mayReplace(const QFileInfo& file) {
     return box.clickedButton() == replace;
 }
 
+/// The file, with the suffix added where its name has none. The dot that begins a hidden file's name begins no suffix.
+QString withSuffix(const QString& file, const QString& suffix) {
+    const bool hasSuffix = QFileInfo(file).fileName().lastIndexOf(QLatin1Char('.')) > 0;
+    return hasSuffix || suffix.isEmpty() ? file : file + QLatin1Char('.') + suffix;
+}
+
 /// Lets the user choose until there is a file that may be written; nothing when that was cancelled.
-QString chosenFile(QFileDialog& dialog, const std::string& suffix) {
+QString chosenFile(QFileDialog& dialog, const QString& suffix) {
     while (run(dialog)) {
         const QString selected = dialog.selectedFiles().value(0);
         if (selected.isEmpty()) // a place that is no folder of this machine
             return {};
-        QString file = QString::fromStdString(withSuffix(selected.toStdString(), suffix));
+        QString file = withSuffix(selected, suffix);
         // The dialog has asked about the name as it was typed. It could add the suffix itself, but then those of some
         // desktops do so only after they have asked.
         if (file == selected || mayReplace(QFileInfo(file)))
@@ -205,8 +210,7 @@ std::optional<std::filesystem::path> QtDialogs::askOurselves(const SaveDialog& a
     dialog.setDirectory(startFolder());
     dialog.selectFile(QString::fromStdString(asked.suggestedName));
     const Opened opened(open_, dialog);
-    const QString file =
-        chosenFile(dialog, QMimeDatabase().mimeTypeForName(contentType).preferredSuffix().toStdString());
+    const QString file = chosenFile(dialog, QMimeDatabase().mimeTypeForName(contentType).preferredSuffix());
     if (file.isEmpty())
         return std::nullopt;
     return QFile::encodeName(file).toStdString();

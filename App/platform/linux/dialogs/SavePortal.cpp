@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/dialogs/SavePortal.h"
 
-#include "platform/linux/dialogs/FileUri.h"
-
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <optional>
 
-SaveAnswer saveAnswer(std::uint32_t response, const std::vector<std::string>& uris, std::chrono::milliseconds after) {
+SaveAnswer saveAnswer(std::uint32_t response, const std::optional<std::filesystem::path>& file,
+                      std::chrono::milliseconds after) {
     constexpr std::uint32_t done = 0;
     constexpr std::uint32_t endedOtherwise = 2;
     constexpr std::chrono::milliseconds tooQuick(500); // for a person, who has to see the dialog before closing it
@@ -16,11 +14,9 @@ SaveAnswer saveAnswer(std::uint32_t response, const std::vector<std::string>& ur
     // that should show the dialog cannot be started, which is known at once.
     if (response >= endedOtherwise && after < tooQuick)
         return {.outcome = SaveAnswer::Outcome::failed, .file = {}};
-    if (response != done)
+    if (response != done || !file)
         return {};
-    if (const auto file = uris.empty() ? std::nullopt : fileOfUri(uris.front()))
-        return {.outcome = SaveAnswer::Outcome::chosen, .file = *file};
-    return {};
+    return {.outcome = SaveAnswer::Outcome::chosen, .file = *file};
 }
 
 std::string portalRequestPath(std::string_view uniqueName, std::string_view token) {

@@ -4,9 +4,9 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 /// What became of the question to the desktop's file chooser portal for a file to save to.
 struct SaveAnswer {
@@ -18,9 +18,10 @@ struct SaveAnswer {
     bool operator==(const SaveAnswer&) const = default;
 };
 
-/// The answer as the portal sends it: a response code, and URIs. Only a file of this machine can be written. `after` is
-/// how long it took since the portal had taken the question.
-SaveAnswer saveAnswer(std::uint32_t response, const std::vector<std::string>& uris, std::chrono::milliseconds after);
+/// The answer that the portal sends: a response code, and a file if it names one of this machine. `after` is how long
+/// the answer took once the portal had accepted the question.
+SaveAnswer saveAnswer(std::uint32_t response, const std::optional<std::filesystem::path>& file,
+                      std::chrono::milliseconds after);
 
 /// Where the portal has the request of a connection (":1.42") that has named it by this token.
 std::string portalRequestPath(std::string_view uniqueName, std::string_view token);

@@ -157,7 +157,7 @@ protected:
         EXPECT_EQ(runSaveDialog(), home.path / "own.csv");
     }
 
-    /// The answer, when the portal answers with it.
+    /// The result when the portal responds with these.
     std::optional<fs::path> chosen(uint response, const QStringList& uris) {
         FakePortal portal(bus);
         whenAsked(portal, [&](const Asked& question) { portal.respond(question.request, response, uris); });
@@ -187,6 +187,15 @@ TEST_F(PortalSaveDialogTest, AsksTheDesktopForTheFile) {
     EXPECT_EQ(filters.first().kind, 1U);
     EXPECT_EQ(filters.first().pattern, QStringLiteral("text/csv"));
     EXPECT_TRUE(portal.closed.isEmpty());
+}
+
+TEST_F(PortalSaveDialogTest, TakesFilesOfThisMachineOnly) {
+    for (const char* uri : {"file:///x.csv", "file://localhost/x.csv", "FILE://LocalHost/x.csv", "file:/x.csv"})
+        EXPECT_EQ(chosen(0, {QString::fromLatin1(uri)}), "/x.csv") << uri;
+    for (const char* uri :
+         {"", "file:", "file:///", "file:///folder/", "x.csv", "/x.csv", "sftp://host/x.csv", "file://host/x.csv",
+          "file:///x.csv?y", "file:///x.csv#y", "file:///a%2Fb.csv", "file:///x%00.csv", "file:///x%zz"})
+        EXPECT_EQ(chosen(0, {QString::fromLatin1(uri)}), std::nullopt) << uri;
 }
 
 TEST_F(PortalSaveDialogTest, StartsWhereTheLastFileWent) {

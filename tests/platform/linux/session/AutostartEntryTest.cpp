@@ -86,6 +86,10 @@ TEST(AutostartEntry, KnowsWhatAnEntryOfSomebodyElseStarts) {
     EXPECT_EQ(program(""), "nothing");
     EXPECT_EQ(program("%f"), "nothing");
     EXPECT_EQ(program("\"/opt/AppRun"), "nothing");
+    EXPECT_EQ(program("/opt/AppRun \\q"), "nothing");
+    EXPECT_EQ(program("\"/opt/a\\$b/AppRun\""), "nothing");
+    EXPECT_EQ(program("/opt/AppRun\\"), "nothing");
+    EXPECT_EQ(program("/opt/AppRun %"), "nothing");
 }
 
 TEST(AutostartEntry, IsNoneWithoutACommandOrOfAnotherType) {
