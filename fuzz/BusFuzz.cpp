@@ -2,6 +2,7 @@
 #include "AnyValue.h"
 #include "Target.h"
 #include "platform/linux/appearance/AppearanceWatch.h"
+#include "platform/linux/bus/SystemBus.h"
 #include "platform/linux/notifications/NotificationDaemon.h"
 #include "platform/linux/panel/DBusMenu.h"
 #include "platform/linux/panel/StatusNotifierItem.h"
@@ -9,7 +10,6 @@
 #include "platform/linux/session/LogindSleep.h"
 #include "platform/linux/session/QtMainLoop.h"
 #include "platform/linux/session/SessionApplication.h"
-#include "platform/linux/session/SystemBus.h"
 #include "support/PrivateBus.h"
 
 #include <QDBusMessage>
@@ -382,7 +382,7 @@ private:
     void notificationEvent() {
         const QString path = QStringLiteral("/org/freedesktop/Notifications");
         const auto id = static_cast<uint>(bytes_.number());
-        switch (bytes_.below(4)) {
+        switch (bytes_.below(3)) {
         case 0:
             emitSignal(path, notifications, "NotificationClosed", {id, static_cast<uint>(bytes_.number())});
             ++wantedClosed_;
@@ -390,9 +390,6 @@ private:
         case 1:
             emitSignal(path, notifications, "ActionInvoked", {id, bytes_.text()});
             ++wantedInvoked_;
-            break;
-        case 2:
-            emitSignal(path, notifications, "ActivationToken", {id, bytes_.text()});
             break;
         default:
             hasOddSignals_ = true;

@@ -55,9 +55,8 @@ add_executable(velmora_adapter_tests
 )
 target_link_libraries(velmora_adapter_tests PRIVATE velmora_app velmora_linux velmora_desktop_test_support velmora_options
     GTest::gtest PkgConfig::umockdev Qt6::Test QCustomPlotQt6::QCustomPlotQt6)
-# The glyphs as they are built: the drawn ones and those with numbers. And where pictures go for a person to look at.
-target_compile_definitions(velmora_adapter_tests PRIVATE
-    VELMORA_ICONS="${CMAKE_BINARY_DIR}/share/icons" VELMORA_PICTURES="${CMAKE_BINARY_DIR}/pictures")
+# Where pictures go for a person to look at.
+target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_PICTURES="${CMAKE_BINARY_DIR}/pictures")
 file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/pictures)
 add_dependencies(velmora_adapter_tests icons percent_glyphs)
 set_source_files_properties(views/popover/PopoverViewTest.cpp PROPERTIES
@@ -76,7 +75,6 @@ add_dependencies(velmora_adapter_tests sounds velmora_chart velmora_sound)
 # The popover and the settings in every state, as pictures to look at.
 add_executable(velmora_gallery gallery/Gallery.cpp gallery/Pictures.cpp gallery/SettingsStates.cpp)
 target_link_libraries(velmora_gallery PRIVATE velmora_views velmora_test_support velmora_options)
-target_compile_definitions(velmora_gallery PRIVATE VELMORA_ICONS="${CMAKE_BINARY_DIR}/share/icons")
 add_dependencies(velmora_gallery icons percent_glyphs velmora_chart)
 foreach(scale 1 2)
     add_test(NAME gallery.scale${scale} COMMAND velmora_gallery ${CMAKE_BINARY_DIR}/gallery)

@@ -10,7 +10,6 @@ add_executable(velmora_day_tests
 )
 target_link_libraries(velmora_day_tests PRIVATE velmora_app velmora_linux velmora_test_support velmora_options GTest::gtest
     Qt6::Test QCustomPlotQt6::QCustomPlotQt6)
-target_compile_definitions(velmora_day_tests PRIVATE VELMORA_ICONS="${CMAKE_BINARY_DIR}/share/icons")
 set_source_files_properties(shell/SurfacesTest.cpp PROPERTIES COMPILE_OPTIONS -UQT_NO_KEYWORDS)
 add_dependencies(velmora_day_tests icons percent_glyphs velmora_chart)
 gtest_discover_tests(velmora_day_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "history/HistoryStore.h"
+#include "platform/ApplicationId.h"
 #include "platform/linux/appearance/AppearanceWatch.h"
+#include "platform/linux/bus/SystemBus.h"
 #include "platform/linux/dialogs/QtDialogs.h"
 #include "platform/linux/files/JsonUserDefaults.h"
 #include "platform/linux/files/PosixFiles.h"
@@ -12,14 +14,12 @@
 #include "platform/linux/power/PowerProfiles.h"
 #include "platform/linux/power/SysfsPowerSources.h"
 #include "platform/linux/session/DesktopSessionEvents.h"
-#include "platform/linux/session/DisplayCheck.h"
-#include "platform/linux/session/DisplayLoss.h"
+#include "platform/linux/session/Display.h"
 #include "platform/linux/session/ExecutableBundle.h"
 #include "platform/linux/session/LibraryMessages.h"
 #include "platform/linux/session/LogindSleep.h"
 #include "platform/linux/session/QtMainLoop.h"
 #include "platform/linux/session/SessionApplication.h"
-#include "platform/linux/session/SystemBus.h"
 #include "platform/linux/session/SystemCalendar.h"
 #include "platform/linux/session/SystemClock.h"
 #include "platform/linux/session/TerminationSignals.h"
@@ -29,11 +29,9 @@
 #include "shell/AppDelegate.h"
 #include "shell/HeapMemory.h"
 #include "views/style/DesktopPalette.h"
-#include "views/style/ViewStyle.h"
 
 #include <QApplication>
 #include <QDBusConnection>
-#include <QDir>
 
 #include <cstdio>
 #include <cstdlib>
@@ -88,7 +86,7 @@ int main(int argc, char** argv) {
     // What a session manager remembers it starts again, beside the entry that starts us at login, and the later of two
     // starts opens the details.
     QApplication::setAttribute(Qt::AA_DisableSessionManager);
-    QApplication::setDesktopFileName(QLatin1String(SessionApplication::name));
+    QApplication::setDesktopFileName(QLatin1String(applicationId));
     QApplication::setApplicationName(QStringLiteral("Velmora"));
     const QByteArray desktops = qgetenv("XDG_CURRENT_DESKTOP");
     const QByteArray themeChoice = qgetenv("QT_QPA_PLATFORMTHEME");
@@ -118,21 +116,17 @@ int main(int argc, char** argv) {
     PowerProfiles powerSaving(systemBus, "/sys");
     LogindSleep sleep(systemBus);
     DesktopSessionEvents sessionEvents(sessionBus, signalEvents, sleep);
-    const std::filesystem::path executable = runningExecutable();
-    const std::filesystem::path share = prefixOf(executable) / "share";
-    ExecutableBundle bundle(executable);
+    ExecutableBundle bundle(runningExecutable());
     const std::filesystem::path stateFolder = xdgStateHome() / "Velmora";
-    QDir::setSearchPaths(QLatin1String(glyphFolder),
-                         {QString::fromStdString((share / "icons/hicolor/scalable/status").string())});
-    CanberraSounds sounds(share / "sounds/velmora");
+    CanberraSounds sounds(programFile("share/sounds/velmora"));
     FreedesktopNotifications notifications(
         sessionBus, mainLoop, sounds, [&sounds](std::string_view name) { return sounds.file(name); },
         NotificationConsent(files, stateFolder),
-        share / "icons/hicolor/scalable/apps" / (std::string(SessionApplication::name) + ".svg"));
+        programFile("share/icons/hicolor/scalable/apps") / (std::string(applicationId) + ".svg"));
     MakeTrayItem makeTrayItem;
     if (XEmbedItem::isPossible())
         makeTrayItem = [](const GlyphImages& glyphs) { return std::make_unique<XEmbedItem>(glyphs); };
-    PanelBar statusBar(sessionBus, mainLoop, share / "icons", makeTrayItem);
+    PanelBar statusBar(sessionBus, mainLoop, programFile("share/icons"), makeTrayItem);
     // Who has chosen Qt's looks has chosen its dialogs.
     QtDialogs dialogs(themeChoice.isEmpty() ? std::optional(sessionBus) : std::nullopt);
     XdgAutostart loginItem(bundle, files, xdgConfigHome(), xdgConfigFolders());
@@ -140,7 +134,7 @@ int main(int argc, char** argv) {
     AppDelegate delegate({powerSources, powerSaving, sessionEvents, mainLoop, clock, calendar, defaults, files,
                           statusBar, dialogs, notifications, bundle, sounds, loginItem},
                          [] { QCoreApplication::quit(); });
-    session.setActivated([&delegate] { delegate.showDetails(); });
+    QObject::connect(&session, &SessionApplication::activated, &session, [&delegate] { delegate.showDetails(); });
     delegate.applicationDidFinishLaunching();
     sessionEvents.start();
     notifications.start(); // before anything happens that there may be a reminder of

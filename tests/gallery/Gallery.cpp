@@ -119,7 +119,6 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     QApplication::setStyle(QStringLiteral("Fusion"));
-    QDir::setSearchPaths(QLatin1String(glyphFolder), {QStringLiteral(VELMORA_ICONS "/hicolor/scalable/status")});
     const QDir folder(QString::fromLocal8Bit(argv[1]));
     folder.mkpath(QStringLiteral("."));
     const QString scale = QString::number(qRound(application.devicePixelRatio() * 100));

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/HeapMemory.h"
-#include "views/style/ViewStyle.h"
 
 #include <QApplication>
-#include <QDir>
 #include <gtest/gtest.h>
 
 #include <unistd.h>
@@ -26,6 +24,5 @@ int main(int argc, char** argv) {
     ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
-    QDir::setSearchPaths(QLatin1String(glyphFolder), {QStringLiteral(VELMORA_ICONS "/hicolor/scalable/status")});
     return RUN_ALL_TESTS();
 }

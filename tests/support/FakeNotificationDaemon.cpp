@@ -144,10 +144,6 @@ void FakeNotificationDaemon::invoke(uint id, const QString& key) {
     tell(QStringLiteral("ActionInvoked"), {id, key});
 }
 
-void FakeNotificationDaemon::tellToken(uint id, const QString& token) {
-    tell(QStringLiteral("ActivationToken"), {id, token});
-}
-
 void FakeNotificationDaemon::tell(const QString& signal, const QVariantList& arguments) {
     auto message = QDBusMessage::createSignal(path, service, signal);
     message.setArguments(arguments);

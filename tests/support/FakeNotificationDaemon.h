@@ -72,7 +72,6 @@ public:
 
     void closeByUser(uint id, uint reason = 2);
     void invoke(uint id, const QString& key);
-    void tellToken(uint id, const QString& token);
     void tell(const QString& signal, const QVariantList& arguments);
 
     QString introspect(const QString& path) const override;

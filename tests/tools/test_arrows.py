@@ -14,8 +14,8 @@ PORTS = "platform"
 QT = "platform/qt"
 DECIDES = [PORTS, "battery", "history", "alerts"]
 FILES = "platform/linux/files"
-SESSION = "platform/linux/session"
-ADAPTER = [PORTS, QT, FILES]
+BUS = "platform/linux/bus"
+ADAPTER = [PORTS, QT, FILES, BUS]
 MODEL = "shell/model"
 WIDGET = [*DECIDES, QT, MODEL, "views/text", "views/style"]
 
@@ -27,12 +27,13 @@ MAY_INCLUDE = {
     "alerts": [PORTS, "battery"],
     QT: [PORTS],
     "platform/linux/appearance": ADAPTER,
+    BUS: ADAPTER,
     "platform/linux/dialogs": ADAPTER,
     FILES: ADAPTER,
-    "platform/linux/notifications": [*ADAPTER, SESSION],
+    "platform/linux/notifications": ADAPTER,
     "platform/linux/panel": ADAPTER,
-    "platform/linux/power": [*ADAPTER, SESSION],
-    SESSION: ADAPTER,
+    "platform/linux/power": ADAPTER,
+    "platform/linux/session": ADAPTER,
     "platform/linux/sound": ADAPTER,
     "views/text": DECIDES,
     "views/style": [*DECIDES, QT, "views/text"],

@@ -15,6 +15,12 @@ std::filesystem::path prefixOf(const std::filesystem::path& executable) {
     return executable.parent_path().parent_path();
 }
 
+std::filesystem::path programFile(const std::filesystem::path& belowPrefix) {
+    // Looked up once: an executable that is replaced while we run is moved elsewhere before it is removed.
+    static const std::filesystem::path prefix = prefixOf(runningExecutable());
+    return prefix / belowPrefix;
+}
+
 void* pluginFunction(const char* plugin, const char* function) {
     const std::filesystem::path executable = runningExecutable();
     // The kernel adds this to the name of a file that has been replaced.

@@ -6,6 +6,7 @@
 #include "platform/GlyphName.h"
 #include "platform/MainLoop.h"
 #include "platform/UserDefaults.h"
+#include "platform/qt/PluginLoader.h"
 #include "shell/AppModel.h"
 #include "views/popover/DailySummaryView.h"
 #include "views/popover/GaugeBar.h"
@@ -57,8 +58,8 @@ Layout* makeLayout(QWidget* widget, int gap) {
 
 /// The glyph in one colour; null when there is none.
 QPixmap glyph(const char* symbol, int size, const QColor& color, qreal scale) {
-    QSvgRenderer drawing(QLatin1String(glyphFolder) + QLatin1Char(':') + QString::fromStdString(glyphIconName(symbol)) +
-                         QLatin1String(".svg"));
+    const auto file = programFile("share/icons/hicolor/scalable/status") / (glyphIconName(symbol) + ".svg");
+    QSvgRenderer drawing(QString::fromStdString(file.string()));
     if (!drawing.isValid())
         return {};
     QPixmap pixmap((QSizeF(size, size) * scale).toSize());

@@ -6,7 +6,7 @@
 #include "platform/LoginItem.h"
 #include "platform/UserDefaults.h"
 #include "platform/qt/MessageBoxText.h"
-#include "platform/qt/ToQString.h"
+#include "platform/qt/Text.h"
 #include "shell/AppModel.h"
 #include "views/settings/SoundPicker.h"
 #include "views/settings/StepperBox.h"

@@ -2,7 +2,7 @@
 #include "views/settings/SoundPicker.h"
 
 #include "platform/SystemSounds.h"
-#include "platform/qt/ToQString.h"
+#include "platform/qt/Text.h"
 #include "views/text/SettingsForm.h"
 
 namespace {

@@ -13,9 +13,6 @@
 inline constexpr int popoverWidth = 340;
 inline constexpr int popoverPadding = 16;
 
-/// The search path (QDir::setSearchPaths) on which the views find our glyphs; no icon theme of the machine is needed.
-inline constexpr const char* glyphFolder = "glyphs";
-
 /// The fonts of the views, all from the desktop's own.
 enum class TextStyle { body, headline, callout, caption, caption2 };
 

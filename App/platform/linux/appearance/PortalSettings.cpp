@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/appearance/PortalSettings.h"
 
-#include "platform/qt/AsText.h"
+#include "platform/linux/bus/DBusCall.h"
+#include "platform/qt/Text.h"
 
 #include <QDBusArgument>
-#include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
 #include <QMap>
 #include <QVariantMap>
@@ -56,11 +56,7 @@ void PortalSettings::ask() {
     auto message = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
     message << QStringList{appearance, gnome};
     message.setAutoStartService(false);
-    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* call) {
-        call->deleteLater();
-        take(call->reply());
-    });
+    callAsync(bus_, message, this, [this](const QDBusPendingCall& call) { take(call.reply()); });
 }
 
 void PortalSettings::take(const QDBusMessage& answer) {

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/appearance/XfconfSettings.h"
 
-#include "platform/qt/AsText.h"
+#include "platform/linux/bus/DBusCall.h"
+#include "platform/qt/Text.h"
 
 #include <QDBusArgument>
-#include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
 #include <QVariantMap>
 
@@ -39,11 +39,7 @@ void XfconfSettings::ask() {
     auto message = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("GetAllProperties"));
     message << channel << QStringLiteral("/");
     message.setAutoStartService(false);
-    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* call) {
-        call->deleteLater();
-        take(call->reply());
-    });
+    callAsync(bus_, message, this, [this](const QDBusPendingCall& call) { take(call.reply()); });
 }
 
 void XfconfSettings::take(const QDBusMessage& answer) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/dialogs/PortalSaveDialog.h"
 
-#include "platform/qt/ToQString.h"
+#include "platform/qt/Text.h"
 
 #include <QCoreApplication>
 #include <QDBusArgument>

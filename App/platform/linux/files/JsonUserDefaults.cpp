@@ -3,7 +3,7 @@
 
 #include "platform/MainLoop.h"
 #include "platform/linux/files/PosixFiles.h"
-#include "platform/qt/ToQString.h"
+#include "platform/qt/Text.h"
 
 #include <QJsonDocument>
 

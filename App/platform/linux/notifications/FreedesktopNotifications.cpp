@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/notifications/FreedesktopNotifications.h"
 
+#include "platform/ApplicationId.h"
 #include "platform/MainLoop.h"
 #include "platform/SystemSounds.h"
-#include "platform/linux/session/SessionApplication.h"
 
 #include <QGuiApplication>
 
@@ -12,14 +12,12 @@
 
 namespace {
 
-constexpr const char* activationVariable = "XDG_ACTIVATION_TOKEN";
-
 QVariantMap hintsOf(const NotificationPlan& plan, const NotificationCenter::Request& request) {
     QVariantMap hints{
         // A byte; as any other type it is ignored by some.
         {QStringLiteral("urgency"), QVariant::fromValue(static_cast<uchar>(plan.urgency))},
         {QStringLiteral("category"), QString::fromStdString(request.categoryIdentifier)},
-        {QStringLiteral("desktop-entry"), QLatin1String(SessionApplication::name)},
+        {QStringLiteral("desktop-entry"), QLatin1String(applicationId)},
         {QStringLiteral("x-velmora-identifier"), QString::fromStdString(request.identifier)},
     };
     if (plan.suppressSound)
@@ -41,14 +39,13 @@ FreedesktopNotifications::FreedesktopNotifications(QDBusConnection bus, MainLoop
     , sounds_(sounds)
     , soundFile_(std::move(soundFile))
     , consent_(std::move(consent))
-    , icon_(icon.is_absolute() ? QString::fromStdString(icon.string()) : QLatin1String(SessionApplication::name))
+    , icon_(icon.is_absolute() ? QString::fromStdString(icon.string()) : QLatin1String(applicationId))
     , daemon_(std::move(bus), timeouts) {
     connect(&daemon_, &NotificationDaemon::prepared, this, &FreedesktopNotifications::sendAll);
     connect(&daemon_, &NotificationDaemon::absent, this, &FreedesktopNotifications::dropAll);
     connect(&daemon_, &NotificationDaemon::replaced, this, &FreedesktopNotifications::forgetIds);
     connect(&daemon_, &NotificationDaemon::closed, this, &FreedesktopNotifications::closed);
     connect(&daemon_, &NotificationDaemon::actionInvoked, this, &FreedesktopNotifications::actionInvoked);
-    connect(&daemon_, &NotificationDaemon::activationTokenGiven, this, &FreedesktopNotifications::activationTokenGiven);
 }
 
 void FreedesktopNotifications::getAuthorizationStatus(std::function<void(AuthorizationStatus)> answer) {
@@ -191,31 +188,13 @@ void FreedesktopNotifications::actionInvoked(uint id, const QString& key) {
     if (std::none_of(actions.begin(), actions.end(), [&](const Action& one) { return one.identifier == identifier; }))
         return;
     actions.clear();
-    const QByteArray token = std::exchange(found->second.activationToken, {}).toUtf8();
     // QUIRK: mako leaves it on the screen. But what is about to take its place has the same id, and stays.
     if (!found->second.isBusy) {
         daemon_.close(std::exchange(found->second.id, 0));
         tidy(std::string(found->first));
     }
-    if (delegate_ == nullptr)
-        return;
-    if (token.isEmpty()) {
+    if (delegate_ != nullptr)
         delegate_->didReceive(identifier, [] {});
-        return;
-    }
-    // A window that is opened by this takes the focus by right; none that is opened later may try with it.
-    qputenv(activationVariable, token);
-    delegate_->didReceive(identifier, [&loop = loop_, token] {
-        loop.async([token] {
-            if (qgetenv(activationVariable) == token)
-                qunsetenv(activationVariable);
-        });
-    });
-}
-
-void FreedesktopNotifications::activationTokenGiven(uint id, const QString& token) {
-    if (const auto found = find(id); found != entries_.end())
-        found->second.activationToken = token;
 }
 
 std::vector<NotificationCenter::Action> FreedesktopNotifications::actionsOf(const std::string& category) const {

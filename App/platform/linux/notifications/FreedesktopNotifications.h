@@ -49,7 +49,6 @@ private:
         uint id = 0;                 ///< of what is on the screen; 0 for nothing
         std::vector<Action> actions; ///< its buttons, until one was pressed
         std::vector<Action> coming;  ///< the buttons of what is on its way
-        QString activationToken;
     };
 
     MainLoop& loop_;
@@ -72,7 +71,6 @@ private:
     void play(const std::string& sound);
     void closed(uint id);
     void actionInvoked(uint id, const QString& key);
-    void activationTokenGiven(uint id, const QString& token);
     std::vector<Action> actionsOf(const std::string& category) const;
     std::map<std::string, Entry>::iterator find(uint id);
 };

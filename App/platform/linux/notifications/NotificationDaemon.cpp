@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/notifications/NotificationDaemon.h"
 
-#include "platform/qt/ToQString.h"
+#include "platform/linux/bus/DBusCall.h"
+#include "platform/qt/Text.h"
 
-#include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QTimer>
@@ -51,16 +51,6 @@ NotificationDaemon::NotificationDaemon(QDBusConnection bus, Timeouts timeouts)
     : bus_(std::move(bus))
     , timeouts_(timeouts) {}
 
-template <class Function>
-void NotificationDaemon::call(const QDBusMessage& message, std::chrono::milliseconds limit, Function done) {
-    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message, static_cast<int>(limit.count())), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [done = std::move(done)](QDBusPendingCallWatcher* finished) {
-                finished->deleteLater();
-                done(*finished);
-            });
-}
-
 void NotificationDaemon::start() {
     watcher_.setConnection(bus_);
     watcher_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
@@ -73,8 +63,7 @@ void NotificationDaemon::start() {
         const char* signature;
         const char* slot;
     } wanted[] = {{"NotificationClosed", "uu", SLOT(notificationClosed(uint, uint, QDBusMessage))},
-                  {"ActionInvoked", "us", SLOT(actionInvokedBy(uint, QString, QDBusMessage))},
-                  {"ActivationToken", "us", SLOT(activationToken(uint, QString, QDBusMessage))}};
+                  {"ActionInvoked", "us", SLOT(actionInvokedBy(uint, QString, QDBusMessage))}};
     // With the signature: libdbus aborts on arguments of other types.
     for (const auto& [signal, signature, slot] : wanted)
         bus_.connect(QString(), path, interface, QString::fromLatin1(signal), {}, QString::fromLatin1(signature), this,
@@ -84,10 +73,13 @@ void NotificationDaemon::start() {
         QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
                                        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"));
     message << QString(service);
-    call(message, timeouts_.notify, [this](const QDBusPendingReply<QString>& reply) {
-        if (ownerChanges_ == 0 && !reply.isError())
-            setOwner(reply.value());
-    });
+    callAsync(
+        bus_, message, this,
+        [this](const QDBusPendingReply<QString>& reply) {
+            if (ownerChanges_ == 0 && !reply.isError())
+                setOwner(reply.value());
+        },
+        timeouts_.notify);
 }
 
 void NotificationDaemon::setOwner(const QString& owner) {
@@ -129,29 +121,33 @@ void NotificationDaemon::askAbilities() {
 
 void NotificationDaemon::askInformation(int question) {
     // This comes before the rest: an absent daemon is started by it, and one that has just started may not be ready.
-    call(method(service, "GetServerInformation"), timeouts_.notify,
-         [this, question](const QDBusPendingReply<QString, QString, QString, QString>& information) {
-             if (question != question_)
-                 return;
-             if (information.isError() && owner_.isEmpty()) {
-                 asking_ = Asking::notYet;
-                 Q_EMIT absent();
-             } else if (information.isError() && asking_ == Asking::waiting && isNotReady(information.error())) {
-                 QTimer::singleShot(readyInterval, this, [this, question] {
-                     if (question == question_ && asking_ == Asking::waiting)
-                         askInformation(question);
-                 });
-             } else {
-                 askCapabilities(question, information.isError() ? QString() : information.argumentAt<0>());
-             }
-         });
+    callAsync(
+        bus_, method(service, "GetServerInformation"), this,
+        [this, question](const QDBusPendingReply<QString, QString, QString, QString>& information) {
+            if (question != question_)
+                return;
+            if (information.isError() && owner_.isEmpty()) {
+                asking_ = Asking::notYet;
+                Q_EMIT absent();
+            } else if (information.isError() && asking_ == Asking::waiting && isNotReady(information.error())) {
+                QTimer::singleShot(readyInterval, this, [this, question] {
+                    if (question == question_ && asking_ == Asking::waiting)
+                        askInformation(question);
+                });
+            } else {
+                askCapabilities(question, information.isError() ? QString() : information.argumentAt<0>());
+            }
+        },
+        timeouts_.notify);
 }
 
 void NotificationDaemon::askCapabilities(int question, const QString& name) {
-    call(method(service, "GetCapabilities"), timeouts_.notify,
-         [this, question, name](const QDBusPendingReply<QStringList>& capabilities) {
-             settle(question, name, capabilities.isError() ? QStringList() : capabilities.value());
-         });
+    callAsync(
+        bus_, method(service, "GetCapabilities"), this,
+        [this, question, name](const QDBusPendingReply<QStringList>& capabilities) {
+            settle(question, name, capabilities.isError() ? QStringList() : capabilities.value());
+        },
+        timeouts_.notify);
 }
 
 void NotificationDaemon::stopWaitingFor(int question) {
@@ -185,9 +181,12 @@ void NotificationDaemon::askDoNotDisturb(std::function<void(std::optional<bool>)
     for (const std::string_view argument : question.arguments)
         message << toQString(argument);
     message.setAutoStartService(false);
-    call(message, timeouts_.doNotDisturb, [question, answer = std::move(answer)](const QDBusPendingCall& pending) {
-        answer(toAnswer(question, pending.reply()));
-    });
+    callAsync(
+        bus_, message, this,
+        [question, answer = std::move(answer)](const QDBusPendingCall& call) {
+            answer(toAnswer(question, call.reply()));
+        },
+        timeouts_.doNotDisturb);
 }
 
 void NotificationDaemon::notify(const Notification& notification, uint replaced,
@@ -203,24 +202,26 @@ void NotificationDaemon::send(const Notification& notification, uint replaced, i
     auto message = method(askedOf.isEmpty() ? QString(service) : askedOf, "Notify");
     message << QStringLiteral("Velmora") << replaced << notification.icon << notification.summary << notification.body
             << notification.actions << notification.hints << -1;
-    call(message, timeouts_.notify,
-         [this, notification, replaced, retries, askedOf, changes = ownerChanges_,
-          answer = std::move(answer)](const QDBusPendingReply<uint>& reply) {
-             if (!reply.isError()) {
-                 const bool isStillThere =
-                     askedOf.isEmpty() ? ownerChanges_ == changes + 1 && !owner_.isEmpty() : owner_ == askedOf;
-                 answer(isStillThere ? std::optional(reply.value()) : std::nullopt);
-                 return;
-             }
-             // Once more where it is not on the screen: the daemon does not know the id, since it was closed a moment
-             // ago, or it went away before it answered.
-             const bool isGone = !askedOf.isEmpty() && askedOf != owner_;
-             const bool isRefused = replaced != 0 && reply.error().type() != QDBusError::NoReply;
-             if (retries > 0 && (isGone || isRefused))
-                 send(notification, 0, retries - 1, answer);
-             else
-                 answer(std::nullopt);
-         });
+    callAsync(
+        bus_, message, this,
+        [this, notification, replaced, retries, askedOf, changes = ownerChanges_,
+         answer = std::move(answer)](const QDBusPendingReply<uint>& reply) {
+            if (!reply.isError()) {
+                const bool isStillThere =
+                    askedOf.isEmpty() ? ownerChanges_ == changes + 1 && !owner_.isEmpty() : owner_ == askedOf;
+                answer(isStillThere ? std::optional(reply.value()) : std::nullopt);
+                return;
+            }
+            // Once more where it is not on the screen: the daemon does not know the id, since it was closed a moment
+            // ago, or it went away before it answered.
+            const bool isGone = !askedOf.isEmpty() && askedOf != owner_;
+            const bool isRefused = replaced != 0 && reply.error().type() != QDBusError::NoReply;
+            if (retries > 0 && (isGone || isRefused))
+                send(notification, 0, retries - 1, answer);
+            else
+                answer(std::nullopt);
+        },
+        timeouts_.notify);
 }
 
 void NotificationDaemon::close(uint id) {
@@ -238,9 +239,4 @@ void NotificationDaemon::notificationClosed(uint id, uint /*reason*/, const QDBu
 void NotificationDaemon::actionInvokedBy(uint id, const QString& key, const QDBusMessage& message) {
     if (message.service() == owner_)
         Q_EMIT actionInvoked(id, key);
-}
-
-void NotificationDaemon::activationToken(uint id, const QString& token, const QDBusMessage& message) {
-    if (message.service() == owner_)
-        Q_EMIT activationTokenGiven(id, token);
 }

@@ -75,13 +75,10 @@ Q_SIGNALS:
     void closed(uint id);
     /// The user pressed the button with this key.
     void actionInvoked(uint id, const QString& key);
-    /// What lets a window of ours come to the front for the button that is pressed; sent before `actionInvoked`.
-    void activationTokenGiven(uint id, const QString& token);
 
 private Q_SLOTS:
     void notificationClosed(uint id, uint reason, const QDBusMessage& message);
     void actionInvokedBy(uint id, const QString& key, const QDBusMessage& message);
-    void activationToken(uint id, const QString& token, const QDBusMessage& message);
 
 private:
     /// How far the question what the daemon can do has come.
@@ -105,6 +102,4 @@ private:
     void settle(int question, const QString& name, const QStringList& capabilities);
     void send(const Notification& notification, uint replaced, int retries,
               std::function<void(std::optional<uint>)> answer);
-    template <class Function>
-    void call(const QDBusMessage& message, std::chrono::milliseconds limit, Function done);
 };

@@ -2,15 +2,16 @@
 #include "platform/linux/panel/StatusNotifierItem.h"
 
 #include "platform/GlyphName.h"
+#include "platform/linux/bus/DBusCall.h"
 #include "platform/linux/files/FileDescriptor.h"
 #include "platform/linux/files/ReadDescriptor.h"
-#include "platform/linux/panel/Screens.h"
+#include "platform/linux/panel/DevicePoint.h"
 #include "statusnotifieritemadaptor.h"
 
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QtEndian>
 
 #include <fcntl.h>
@@ -43,6 +44,20 @@ StatusNotifierPixmap toPixmap(const QImage& image, bool premultiplied) {
     return pixmap;
 }
 
+/// A point from the panel, in Qt's coordinates.
+ScreenPoint logicalPoint(int x, int y) {
+    std::vector<ScreenArea> screens;
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        const QRect whole = screen->geometry();
+        screens.push_back({.x = whole.x(),
+                           .y = whole.y(),
+                           .width = whole.width(),
+                           .height = whole.height(),
+                           .scale = screen->devicePixelRatio()});
+    }
+    return toLogical({x, y}, screens);
+}
+
 } // namespace
 
 StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, const GlyphImages& glyphs,
@@ -71,12 +86,9 @@ void StatusNotifierItem::findHost() {
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetConnectionUnixProcessID"));
     message << QString(watcherName);
-    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, owner = ++owner_](QDBusPendingCallWatcher* call) {
-        call->deleteLater();
+    callAsync(bus_, message, this, [this, owner = ++owner_](const QDBusPendingReply<uint>& reply) {
         if (owner != owner_)
             return;
-        const QDBusPendingReply<uint> reply = *call;
         const bool isThere =
             !reply.isError() || reply.error().name() != QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner");
         if (!isThere) {
@@ -95,12 +107,9 @@ void StatusNotifierItem::askForHost() {
         watcherName, watcherPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
     message << QString(watcherName) << QStringLiteral("IsStatusNotifierHostRegistered");
     message.setAutoStartService(false);
-    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, owner = owner_](QDBusPendingCallWatcher* call) {
-        call->deleteLater();
+    callAsync(bus_, message, this, [this, owner = owner_](const QDBusPendingReply<QDBusVariant>& reply) {
         if (owner != owner_)
             return; // a panel that has left must not be taken for one that is there
-        const QDBusPendingReply<QDBusVariant> reply = *call;
         // A watcher may run with no panel behind it; one that does not tell is believed to have one.
         hostChanged_(reply.isError() || reply.value().variant().toBool());
     });
@@ -158,7 +167,7 @@ void StatusNotifierItem::act(std::optional<ScreenPoint> point) {
 }
 
 void StatusNotifierItem::Activate(int x, int y) {
-    act(toLogical({x, y}, allScreens()));
+    act(logicalPoint(x, y));
 }
 
 void StatusNotifierItem::SecondaryActivate(int x, int y) {
@@ -168,8 +177,7 @@ void StatusNotifierItem::SecondaryActivate(int x, int y) {
 void StatusNotifierItem::ContextMenu(int x, int y) {
     // On a later turn: the panel gets its answer first.
     QMetaObject::invokeMethod(
-        this, [this, point = toLogical({x, y}, allScreens())] { panelMenu_.show(menu_.entries(), point); },
-        Qt::QueuedConnection);
+        this, [this, point = logicalPoint(x, y)] { panelMenu_.show(menu_.entries(), point); }, Qt::QueuedConnection);
 }
 
 void StatusNotifierItem::Scroll(int /*delta*/, const QString& /*orientation*/) {}

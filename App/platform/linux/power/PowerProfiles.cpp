@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/power/PowerProfiles.h"
 
+#include "platform/linux/bus/DBusCall.h"
+#include "platform/linux/bus/SystemBus.h"
 #include "platform/linux/files/ReadDescriptor.h"
-#include "platform/linux/session/AskAgain.h"
-#include "platform/linux/session/SystemBus.h"
-#include "platform/qt/AsText.h"
-#include "platform/qt/ToQString.h"
+#include "platform/qt/Text.h"
 
-#include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 
@@ -80,10 +78,7 @@ void PowerProfiles::ask(const QString& name, int triesLeft) {
                                                   QStringLiteral("Get"));
     message << name << QString::fromLatin1(activeProfile);
     message.setAutoStartService(false);
-    auto* watcher = new QDBusPendingCallWatcher(bus_.connection().asyncCall(message), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, name, triesLeft](QDBusPendingCallWatcher* call) {
-        call->deleteLater();
-        const QDBusPendingReply<QDBusVariant> reply = *call;
+    callAsync(bus_.connection(), message, this, [this, name, triesLeft](const QDBusPendingReply<QDBusVariant>& reply) {
         if (reply.isError()) {
             askAgain(this, reply.error(), triesLeft, [this, name, triesLeft] { ask(name, triesLeft - 1); });
             return;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/session/ExecutableBundle.h"
 
+#include "platform/ApplicationId.h"
 #include "platform/GlyphName.h"
-#include "platform/linux/session/ApplicationId.h"
 #include "platform/qt/PluginLoader.h"
 
 #include <algorithm>

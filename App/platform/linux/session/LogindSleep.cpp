@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/session/LogindSleep.h"
 
-#include "platform/linux/session/AskAgain.h"
-#include "platform/linux/session/SystemBus.h"
+#include "platform/linux/bus/DBusCall.h"
+#include "platform/linux/bus/SystemBus.h"
 
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 
 namespace {
@@ -42,22 +40,19 @@ void LogindSleep::takeLock(int triesLeft) {
             << QStringLiteral("The history has to be on the disk first") << QStringLiteral("delay");
     message.setAutoStartService(false);
     const int request = ++request_;
-    auto* watcher = new QDBusPendingCallWatcher(bus_.connection().asyncCall(message), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, request, triesLeft](QDBusPendingCallWatcher* call) {
-                call->deleteLater();
-                const QDBusPendingReply<QDBusUnixFileDescriptor> reply = *call;
-                // A lock that arrives when the machine is already on its way to sleep would only hold that up.
-                if (request != request_ || asleep_)
-                    return;
-                if (reply.isError())
-                    askAgain(this, reply.error(), triesLeft, [this, request, triesLeft] {
-                        if (request == request_ && !asleep_)
-                            takeLock(triesLeft - 1);
-                    });
-                else
-                    lock_ = reply.value();
-            });
+    callAsync(bus_.connection(), message, this,
+              [this, request, triesLeft](const QDBusPendingReply<QDBusUnixFileDescriptor>& reply) {
+                  // A lock that arrives when the machine is already on its way to sleep would only hold that up.
+                  if (request != request_ || asleep_)
+                      return;
+                  if (reply.isError())
+                      askAgain(this, reply.error(), triesLeft, [this, request, triesLeft] {
+                          if (request == request_ && !asleep_)
+                              takeLock(triesLeft - 1);
+                      });
+                  else
+                      lock_ = reply.value();
+              });
 }
 
 void LogindSleep::prepareForSleep(bool goesToSleep) {

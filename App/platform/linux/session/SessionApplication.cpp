@@ -2,6 +2,7 @@
 #include "platform/linux/session/SessionApplication.h"
 
 #include "applicationadaptor.h"
+#include "platform/ApplicationId.h"
 
 #include <QDBusError>
 #include <QDBusMessage>
@@ -22,7 +23,7 @@ SessionApplication::SessionApplication(QDBusConnection bus) : bus_(std::move(bus
 }
 
 bool SessionApplication::claim() {
-    return bus_.registerService(QLatin1String(name));
+    return bus_.registerService(QLatin1String(applicationId));
 }
 
 bool SessionApplication::activateOther() {
@@ -34,7 +35,8 @@ bool SessionApplication::activateOther() {
     const QString startup = qEnvironmentVariable("DESKTOP_STARTUP_ID");
     if (!startup.isEmpty())
         platformData.insert(QStringLiteral("desktop-startup-id"), startup);
-    auto message = QDBusMessage::createMethodCall(QLatin1String(name), path, interface, QStringLiteral("Activate"));
+    auto message =
+        QDBusMessage::createMethodCall(QLatin1String(applicationId), path, interface, QStringLiteral("Activate"));
     message << platformData;
     message.setAutoStartService(false);
     const QDBusMessage answer = bus_.call(message, QDBus::Block, answerMilliseconds);
@@ -48,13 +50,7 @@ void SessionApplication::Activate(const QVariantMap& platformData) {
     if (!token.isEmpty())
         qputenv("XDG_ACTIVATION_TOKEN", token);
     // On a later turn: the other start gets its answer first and can end.
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            if (activated_)
-                activated_();
-        },
-        Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, &SessionApplication::activated, Qt::QueuedConnection);
 }
 
 void SessionApplication::Open(const QStringList& /*uris*/, const QVariantMap& platformData) {

@@ -1,25 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/linux/session/ApplicationId.h"
-
 #include <QDBusConnection>
 #include <QObject>
 #include <QVariantMap>
-
-#include <functional>
 
 /// The program on the session bus (org.freedesktop.Application): one instance a session, which later starts wake.
 class SessionApplication final : public QObject {
     Q_OBJECT
 
 public:
-    static constexpr const char* name = applicationId;
-
     explicit SessionApplication(QDBusConnection bus);
-
-    /// What a later start of the program does in this one; until it is set, nothing.
-    void setActivated(std::function<void()> activated) { activated_ = std::move(activated); }
 
     /// Takes the program's name on the bus; false when another instance has it, or the bus refuses it.
     bool claim();
@@ -32,7 +23,10 @@ public:
     void Open(const QStringList& uris, const QVariantMap& platformData);
     void ActivateAction(const QString& actionName, const QVariantList& parameter, const QVariantMap& platformData);
 
+Q_SIGNALS:
+    /// The program was started again: it is to show itself.
+    void activated();
+
 private:
     QDBusConnection bus_;
-    std::function<void()> activated_;
 };

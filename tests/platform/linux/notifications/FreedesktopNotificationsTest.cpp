@@ -271,20 +271,6 @@ TEST_F(FreedesktopNotificationsTest, MayBeChangedWhileAButtonIsTold) {
     EXPECT_EQ(delegate.received.size(), 1U);
 }
 
-TEST_F(FreedesktopNotificationsTest, HandsTheRightToTheFocusToWhatAButtonOpens) {
-    qunsetenv("XDG_ACTIVATION_TOKEN");
-    startWithDaemon();
-    add(request("low"));
-    QByteArray token;
-    delegate.onReceive = [&] { token = qgetenv("XDG_ACTIVATION_TOKEN"); };
-    daemon.tellToken(777, QStringLiteral("a stranger's"));
-    daemon.tellToken(1, QStringLiteral("ours"));
-    daemon.invoke(1, QStringLiteral("SNOOZE"));
-    settle();
-    EXPECT_EQ(token, "ours");
-    EXPECT_FALSE(qEnvironmentVariableIsSet("XDG_ACTIVATION_TOKEN")) << "nothing else is to use it up";
-}
-
 TEST_F(FreedesktopNotificationsTest, AsksHowToShowItWhileAWindowOfOursIsInFront) {
     startWithDaemon();
     add(request("low", "A", "Glass"));

@@ -305,7 +305,6 @@ TEST_F(NotificationDaemonTest, MayTalkNonsense) {
             ASSERT_TRUE(waitUntil([&] { return liar.count(QStringLiteral("Notify")) > i; }));
             liar.tell(QStringLiteral("NotificationClosed"), answer);
             liar.tell(QStringLiteral("ActionInvoked"), answer);
-            liar.tell(QStringLiteral("ActivationToken"), answer);
         }
     }
     // And one that makes sense again.
@@ -323,7 +322,7 @@ TEST_F(NotificationDaemonTest, MaySendSignalsOfOtherTypes) {
     // What is no plain value is turned into what is wanted only on arrival.
     const QVariant odd[] = {QVariantMap{{QStringLiteral("a"), 1}}, QVariantList{1, QStringLiteral("b")},
                             QVariant::fromValue(QDBusVariant(id)), QStringLiteral("SNOOZE"), 7.0};
-    for (const char* signal : {"NotificationClosed", "ActionInvoked", "ActivationToken"}) {
+    for (const char* signal : {"NotificationClosed", "ActionInvoked"}) {
         const QVariant right =
             signal == std::string_view("NotificationClosed") ? QVariant(2U) : QStringLiteral("SNOOZE");
         for (const QVariant& one : odd) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/panel/GlyphImages.h"
 
+#include "platform/qt/PluginLoader.h"
 #include "support/Contrast.h"
 
 #include <QPainter>
@@ -132,7 +133,7 @@ double lostShare(QRgb panel, const Indexed& picture) {
 } // namespace
 
 TEST(GlyphImages, CanBeSeenOnAPanelOfAnyColour) {
-    const GlyphImages glyphs{VELMORA_ICONS};
+    const GlyphImages glyphs{programFile("share/icons")};
     for (const std::string& symbol : symbols) {
         const auto images = glyphs.images(symbol);
         ASSERT_EQ(images.size(), std::size(GlyphImages::sizes)) << symbol;
@@ -146,7 +147,7 @@ TEST(GlyphImages, CanBeSeenOnAPanelOfAnyColour) {
 }
 
 TEST(GlyphImages, HaveTwoTonesThatAreFarApart) {
-    const GlyphImages glyphs{VELMORA_ICONS};
+    const GlyphImages glyphs{programFile("share/icons")};
     for (const std::string& symbol : symbols) {
         for (const QImage& image : glyphs.images(symbol)) {
             std::map<double, QRgb> byLuminance;
@@ -163,7 +164,7 @@ TEST(GlyphImages, HaveTwoTonesThatAreFarApart) {
 }
 
 TEST(GlyphImages, LieOnWholePixelsInTheSizesOfPanels) {
-    const GlyphImages glyphs{VELMORA_ICONS};
+    const GlyphImages glyphs{programFile("share/icons")};
     for (const QImage& image : glyphs.images("battery.100")) {
         const int size = image.width();
         if (size % 22 > 4 && size % 24 != 0)
@@ -178,7 +179,7 @@ TEST(GlyphImages, LieOnWholePixelsInTheSizesOfPanels) {
 }
 
 TEST(GlyphImages, HaveThePanelInsideAnEmptyBatteryButNotBetweenDigits) {
-    const GlyphImages glyphs{VELMORA_ICONS};
+    const GlyphImages glyphs{programFile("share/icons")};
     const auto isThrough = [](const QImage& image, int y) {
         std::string line;
         for (int x = 0; x < image.width(); ++x)
@@ -194,7 +195,7 @@ TEST(GlyphImages, HaveThePanelInsideAnEmptyBatteryButNotBetweenDigits) {
 
 // To be judged by eye.
 TEST(GlyphImages, AreLeftAsAPicture) {
-    const GlyphImages glyphs{VELMORA_ICONS};
+    const GlyphImages glyphs{programFile("share/icons")};
     const std::vector<const char*> panels{"#ffffff", "#dadada", "#a0a0a0", "#7a7a7a", "#3c3b37", "#1e1e1e", "#000000"};
     constexpr int cell = 72;
     QImage sheet(cell * static_cast<int>(symbols.size()),

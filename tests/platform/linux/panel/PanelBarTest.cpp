@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/panel/PanelBar.h"
 
+#include "platform/qt/PluginLoader.h"
 #include "support/FakeClock.h"
 #include "support/FakeMainLoop.h"
 #include "support/FakeStatusBar.h"
@@ -25,7 +26,8 @@ protected:
     FakeClock clock;
     FakeMainLoop loop{clock};
     FakeStatusBar tray; ///< the old one
-    PanelBar bar{connection, loop, VELMORA_ICONS, [this](const GlyphImages&) { return tray.createItem(); }};
+    PanelBar bar{connection, loop, programFile("share/icons"),
+                 [this](const GlyphImages&) { return tray.createItem(); }};
     std::unique_ptr<StatusItem> item;
     Watcher watcher{bus, QStringLiteral("watcher")};
     int clicks = 0;

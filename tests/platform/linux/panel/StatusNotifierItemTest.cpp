@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/panel/StatusNotifierItem.h"
 
+#include "platform/qt/PluginLoader.h"
 #include "support/PrivateBus.h"
 #include "support/WaitUntil.h"
 #include "support/Watcher.h"
@@ -51,7 +52,7 @@ class StatusNotifierItemTest : public testing::Test {
 protected:
     PrivateBus bus;
     QDBusConnection connection = QDBusConnection::connectToBus(bus.address(), QStringLiteral("item"));
-    GlyphImages glyphs{VELMORA_ICONS};
+    GlyphImages glyphs{programFile("share/icons")};
     std::vector<bool> hosts;
     std::unique_ptr<StatusNotifierItem> item;
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/power/PowerProfiles.h"
 
+#include "platform/linux/bus/SystemBus.h"
 #include "platform/linux/session/QtMainLoop.h"
-#include "platform/linux/session/SystemBus.h"
 #include "support/PrivateBus.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"

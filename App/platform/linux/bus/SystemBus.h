@@ -11,13 +11,12 @@
 #include <QSocketNotifier>
 
 #include <filesystem>
-#include <memory>
 
 class MainLoop;
 
-/// The system bus, which may be absent, appear late, hang, and be restarted under us. The socket that it listens at is
-/// watched, so that nothing has to be tried again and again. And since the bus library waits for a bus that hangs, and
-/// the whole program with it, the bus is first asked a question of our own, which can be left unanswered.
+/// The system bus, which may be absent, appear late, hang, or be restarted while we run. Its socket is watched, so
+/// nothing polls. libdbus would block the whole program on a bus that hangs, so we first ask the bus which ways to
+/// authenticate it offers, without waiting, and connect only once it has answered.
 class SystemBus final : public QObject {
     Q_OBJECT
 
@@ -54,13 +53,11 @@ private:
     Observers<> lost_;
     FolderWatch watch_;
     int attempt_ = 0;
-    FileDescriptor line_; ///< while the question is open
-    std::unique_ptr<QSocketNotifier> answer_;
+    FileDescriptor line_;               ///< while the question is open
+    QSocketNotifier* answer_ = nullptr; ///< of that line
     Lifetime lifetime_;
 
     void tryToConnect();
-    void answered();
     void hangUp();
     void connectNow();
-    void watchSocket();
 };

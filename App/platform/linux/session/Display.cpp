@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/linux/session/DisplayLoss.h"
+#include "platform/linux/session/Display.h"
 
 #include <QCoreApplication>
 #include <QSemaphore>
@@ -11,13 +11,9 @@
 #include <cstdlib>
 #include <memory>
 
-// QUIRK: Qt's GTK theme, where the user asks for it, has a connection to the X server of its own. When GTK
-// notices first that the server is gone, it ends the process by _exit(), and nothing that is registered with atexit()
-// runs. Libraries notice by a handler in libX11, of which there is one in each process.
-
 namespace {
 
-/// As in Xlib.h, which this does not need for anything else.
+/// As in Xlib.h, which is needed for nothing else.
 using Handler = int (*)(void* display);
 using SetHandler = Handler (*)(Handler handler);
 
@@ -31,9 +27,30 @@ int handle(void* /*display*/) {
 
 } // namespace
 
+bool isOnlyWayland() {
+    return qEnvironmentVariableIsEmpty("DISPLAY") && !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
+bool prepareDisplay() {
+    if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        return true;
+    const bool x11 = !qEnvironmentVariableIsEmpty("DISPLAY");
+    const bool wayland = !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    if (x11 && wayland) {
+        // GNOME and KDE do not let a Wayland window choose its place, and the popover has to open at its item; an X11
+        // window can.
+        const QByteArray desktops = qgetenv("XDG_CURRENT_DESKTOP").toUpper();
+        if (desktops.contains("GNOME") || desktops.contains("KDE"))
+            qputenv("QT_QPA_PLATFORM", "xcb");
+    }
+    return x11 || wayland;
+}
+
 void beforeDisplayLoss(void (*function)()) {
     lastFunction = function;
-    // Where nobody has loaded it, nobody has a connection by it.
+    // QUIRK: Qt's GTK theme, where the user asks for it, has an X11 connection of its own. When GTK notices first that
+    // the X server is gone, it calls _exit(), which runs nothing that is registered with atexit(). Xlib has one handler
+    // for this in each process. If libX11 is not loaded, nothing here has an X11 connection through it.
     void* library = ::dlopen("libX11.so.6", RTLD_LAZY | RTLD_NOLOAD);
     if (library == nullptr)
         return;
@@ -42,8 +59,8 @@ void beforeDisplayLoss(void (*function)()) {
 }
 
 void noticeDisplayLoss(const QString& qtMessage) {
-    // QUIRK: when a Wayland compositor goes away, which is how its session ends, Qt ends the process by
-    // _exit(). It says so first, on the thread that notices: the one that listens to the compositor, or the main one.
+    // QUIRK: when the Wayland compositor goes away, which is how its session ends, Qt calls _exit(). It logs this
+    // first, on the thread that notices: the one that listens to the compositor, or the main thread.
     QCoreApplication* const application = QCoreApplication::instance(); // null when the program is ending already
     if (lastFunction == nullptr || application == nullptr ||
         !qtMessage.startsWith(QLatin1String("The Wayland connection ")))
@@ -52,7 +69,7 @@ void noticeDisplayLoss(const QString& qtMessage) {
         lastFunction.load()();
         return;
     }
-    constexpr int timeout = 2000; // milliseconds; the main thread may be waiting for the compositor itself
+    constexpr int timeout = 2000; // milliseconds; the main thread may itself be waiting for the compositor
     const auto done = std::make_shared<QSemaphore>();
     QMetaObject::invokeMethod(
         application,

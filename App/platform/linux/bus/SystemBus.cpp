@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/linux/session/SystemBus.h"
+#include "platform/linux/bus/SystemBus.h"
 
 #include "platform/MainLoop.h"
 
@@ -42,14 +42,15 @@ SystemBus::SystemBus(fs::path socket, MainLoop& loop)
     , loop_(loop)
     , connection_(connectionName(0))
     , watch_([this] {
-        watchSocket();
-        hangUp(); // it may be the one before that has not answered
+        watch_.watch({socket_});
+        hangUp(); // a bus that has been replaced never answers
         tryToConnect();
         // The socket is there a moment before somebody listens at it.
         loop_.after(Duration(1), lifetime_.guard([this] { tryToConnect(); }));
     }) {}
 
 SystemBus::~SystemBus() {
+    hangUp();
     QDBusConnection::disconnectFromBus(connectionName(attempt_));
 }
 
@@ -63,12 +64,8 @@ fs::path SystemBus::usualSocket() {
 }
 
 void SystemBus::start() {
-    watchSocket();
-    tryToConnect();
-}
-
-void SystemBus::watchSocket() {
     watch_.watch({socket_});
+    tryToConnect();
 }
 
 void SystemBus::tryToConnect() {
@@ -77,23 +74,21 @@ void SystemBus::tryToConnect() {
     line_ = lineTo(socket_);
     if (!line_)
         return;
-    answer_ = std::make_unique<QSocketNotifier>(line_.get(), QSocketNotifier::Read);
-    QObject::connect(answer_.get(), &QSocketNotifier::activated, this, &SystemBus::answered);
-}
-
-void SystemBus::answered() {
-    char first = 0;
-    const bool isAlive = ::recv(line_.get(), &first, 1, MSG_DONTWAIT) == 1;
-    hangUp();
-    if (isAlive)
-        connectNow();
+    answer_ = new QSocketNotifier(line_.get(), QSocketNotifier::Read, this);
+    connect(answer_, &QSocketNotifier::activated, this, [this] {
+        char first = 0;
+        const bool isAlive = ::recv(line_.get(), &first, 1, MSG_DONTWAIT) == 1;
+        hangUp();
+        if (isAlive)
+            connectNow();
+    });
 }
 
 void SystemBus::hangUp() {
-    if (!answer_)
+    if (!line_)
         return;
     answer_->setEnabled(false);
-    answer_.release()->deleteLater(); // it may be the one that is calling
+    answer_->deleteLater(); // hangUp() may be called from its own signal
     line_ = FileDescriptor();
 }
 
