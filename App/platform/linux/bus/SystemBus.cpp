@@ -17,10 +17,10 @@ QString connectionName(int attempt) {
     return QStringLiteral("velmora-system-%1").arg(attempt);
 }
 
-/// What a bus answers to everybody: the ways in which it lets one in. The zero comes first in every conversation.
+/// What a bus answers to anybody: which ways to authenticate it offers. Every conversation starts with a zero byte.
 constexpr std::string_view question("\0AUTH\r\n", 7);
 
-/// A line to who listens at the socket, with the question on its way; none when nobody listens.
+/// A connection to the socket, with the question sent; none if nobody listens.
 FileDescriptor lineTo(const fs::path& socket) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -45,7 +45,7 @@ SystemBus::SystemBus(fs::path socket, MainLoop& loop)
         watch_.watch({socket_});
         hangUp(); // a bus that has been replaced never answers
         tryToConnect();
-        // The socket is there a moment before somebody listens at it.
+        // The socket exists a moment before the bus listens on it.
         loop_.after(Duration(1), lifetime_.guard([this] { tryToConnect(); }));
     }) {}
 
@@ -59,7 +59,7 @@ fs::path SystemBus::usualSocket() {
     const QString prefix = QStringLiteral("unix:path=");
     if (address.startsWith(prefix))
         return QString(address.mid(prefix.size())).section(QLatin1Char(','), 0, 0).toStdString();
-    // An address of another kind is nothing that could be watched: then there is no system bus.
+    // An address of another kind cannot be watched; then there is no system bus for us.
     return address.isEmpty() ? "/run/dbus/system_bus_socket" : "";
 }
 
@@ -106,6 +106,6 @@ void SystemBus::connectNow() {
 
 void SystemBus::connectionLost() {
     lost_.notify();
-    // The next bus may already be listening, with its socket made before we knew of the loss.
+    // The next bus may be listening already: it may have made its socket before we noticed the loss.
     tryToConnect();
 }

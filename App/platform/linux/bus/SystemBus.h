@@ -21,20 +21,20 @@ class SystemBus final : public QObject {
     Q_OBJECT
 
 public:
-    /// `socket` is where the bus listens.
+    /// `socket` is the bus's socket.
     SystemBus(std::filesystem::path socket, MainLoop& loop);
     ~SystemBus() override;
 
     /// Where the bus of this machine listens: what DBUS_SYSTEM_BUS_ADDRESS names, else the usual place.
     static std::filesystem::path usualSocket();
 
-    /// Connects soon if the bus is there, and from now on whenever it comes.
+    /// Connects soon if the bus is there, and whenever it appears.
     void start();
 
     /// The present connection; not connected while there is no bus.
     QDBusConnection connection() const { return connection_; }
 
-    /// Calls back at each new connection; signals of the bus have to be subscribed to again then.
+    /// Calls back at each new connection; signals have to be subscribed to again then.
     [[nodiscard]] Subscription onConnected(std::function<void()> callback) {
         return connected_.add(std::move(callback));
     }

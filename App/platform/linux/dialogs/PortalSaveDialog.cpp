@@ -21,7 +21,7 @@
 
 namespace {
 
-/// What can be chosen, as the portal takes it: (us), where 1 is a MIME type, and (sa(us)).
+/// A filter for files, as the portal takes it: (sa(us)), where the number 1 stands for a MIME type.
 struct FilterRule {
     uint kind = 1;
     QString pattern;
@@ -59,7 +59,7 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, Filter& filter) {
 const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
 const QString requestInterface = QStringLiteral("org.freedesktop.portal.Request");
 
-/// Takes a question back; the portal takes its dialog away.
+/// Withdraws a question; the portal closes its dialog.
 void closeRequest(const QDBusConnection& bus, const QString& request) {
     auto message = QDBusMessage::createMethodCall(service, request, requestInterface, QStringLiteral("Close"));
     message.setAutoStartService(false);
@@ -104,7 +104,7 @@ PortalSaveDialog::~PortalSaveDialog() {
         closeRequest(bus_, request_);
     if (call_ == nullptr)
         return;
-    // A portal that was too slow may ask in the end, and nobody would wait for what the user says to it.
+    // A portal that was too slow may still ask, and nobody would wait for the user's answer.
     disconnect(call_, nullptr, this, nullptr);
     connect(call_, &QDBusPendingCallWatcher::finished, call_, [bus = bus_, call = call_] {
         call->deleteLater();
@@ -133,9 +133,9 @@ void PortalSaveDialog::ask(const Question& question) {
                            {QStringLiteral("modal"), true},
                            {QStringLiteral("filters"), QVariant::fromValue(filters)},
                            {QStringLiteral("current_name"), question.name},
-                           // A text of bytes with the zero at its end.
+                           // Bytes with a zero at the end.
                            {QStringLiteral("current_folder"), question.folder + '\0'}};
-    // Without a limit of its own, so that a late answer is heard too; and it may have to outlive this dialog.
+    // Without a timeout, so that a late answer is heard too; and the call may have to outlive this dialog.
     call_ = new QDBusPendingCallWatcher(bus_.asyncCall(message, std::numeric_limits<int>::max()),
                                         QCoreApplication::instance());
     connect(call_, &QDBusPendingCallWatcher::finished, this, &PortalSaveDialog::replied);
@@ -147,8 +147,8 @@ void PortalSaveDialog::ask(const Question& question) {
 
 void PortalSaveDialog::follow(const QString& request) {
     request_ = request;
-    // With the name, so that Qt drops what comes from anybody but its owner. The reply to the question does not tell
-    // who that is: from Qt 6.8 on replies have no sender.
+    // With the service name, so that Qt drops signals from anybody but its owner. The reply to the question does not
+    // tell who that is: from Qt 6.8 on, replies have no sender.
     bus_.connect(service, request, requestInterface, QStringLiteral("Response"), this, SLOT(responded(QDBusMessage)));
 }
 
@@ -163,7 +163,7 @@ void PortalSaveDialog::replied() {
     }
     hasTaken_ = true;
     sinceTaken_.start();
-    if (*request != request_) // portals before 0.9 chose the path alone
+    if (*request != request_) // portals before 0.9 chose the path themselves
         follow(*request);
     if (early_)
         responded(*std::exchange(early_, std::nullopt));
@@ -172,7 +172,7 @@ void PortalSaveDialog::replied() {
 void PortalSaveDialog::responded(const QDBusMessage& signal) {
     if (isOver_ || signal.signature() != QLatin1String("ua{sv}"))
         return;
-    if (!hasTaken_) { // the portal works in threads: a quick answer may come before the word that it will ask
+    if (!hasTaken_) { // the portal is multi-threaded: a quick answer may overtake its reply to the question
         early_ = signal;
         return;
     }
@@ -186,7 +186,7 @@ void PortalSaveDialog::portalLost() {
     if (isOver_)
         return;
     isOver_ = true;
-    end({}); // its dialog may have been in use; another one would come as a surprise
+    end({}); // the user may have been using its dialog; a second one would come as a surprise
 }
 
 void PortalSaveDialog::end(const SaveAnswer& answer) {

@@ -17,30 +17,29 @@
 class QDBusPendingCallWatcher;
 
 /// The desktop's own save dialog, from the file chooser portal on the session bus (org.freedesktop.portal.FileChooser).
-/// Of this dialog nothing is on the screen: it holds our other windows back while the desktop's is there, and is
-/// finished when that is, or when there is none. Whoever goes on without its answer destroys it; the desktop's dialog
-/// then goes as well.
+/// This QDialog itself is never on the screen: it blocks our other windows while the desktop's dialog is open, and
+/// finishes when that does, or when there is none. Destroying it early closes the desktop's dialog as well.
 class PortalSaveDialog final : public QDialog {
     Q_OBJECT
 
 public:
     struct Question {
         QString title;
-        QString parentWindow; ///< in the portal's words; empty where there is none
-        QString name;         ///< proposed for the file
+        QString parentWindow; ///< as the portal names it; empty for none
+        QString name;         ///< suggested for the file
         QByteArray folder;    ///< to start in
         QString contentType;  ///< the one MIME type that can be chosen
-        QString typeName;     ///< that, for people
+        QString typeName;     ///< the same for people
     };
 
-    /// `timeout` is how long the portal may take to say that it will ask. The user has all the time in the world.
+    /// `timeout` is how long the portal may take to accept the question. The user may take any time.
     PortalSaveDialog(QDBusConnection bus, std::chrono::milliseconds timeout);
     ~PortalSaveDialog() override;
 
-    /// Asks, once; without waiting.
+    /// Asks once, without waiting.
     void ask(const Question& question);
 
-    /// What came of it, once it is finished; cancelled while it is not.
+    /// The answer once finished; until then, cancelled.
     const SaveAnswer& answer() const { return answer_; }
 
 private Q_SLOTS:
@@ -50,12 +49,12 @@ private:
     QDBusConnection bus_;
     std::chrono::milliseconds timeout_;
     QDBusServiceWatcher watcher_;
-    QDBusPendingCallWatcher* call_ = nullptr; ///< the question, until the portal has said that it will ask
+    QDBusPendingCallWatcher* call_ = nullptr; ///< the question, until the portal has accepted it
     QString request_;                         ///< its path
-    bool hasTaken_ = false;                   ///< the portal has said so
+    bool hasTaken_ = false;                   ///< the portal has accepted the question
     QElapsedTimer sinceTaken_;
     std::optional<QDBusMessage> early_;
-    bool isOver_ = false; ///< for the portal
+    bool isOver_ = false; ///< the portal has nothing left to do
     SaveAnswer answer_;
 
     void follow(const QString& request);

@@ -23,8 +23,8 @@
 
 namespace {
 
-/// A message box that can be closed without an answer, whatever its buttons are; Qt's takes one of them for
-/// that, or cannot be closed at all.
+/// A message box that can be closed without an answer, whatever its buttons are; Qt's own takes closing for one of
+/// them, or cannot be closed at all.
 class MessageBox final : public QMessageBox {
 public:
     MessageBox(const QString& name, const QString& text, const QString& informativeText) {
@@ -35,7 +35,7 @@ public:
         setExplanation(*this, informativeText);
     }
 
-    /// Buttons of one role stay in the order in which they are added, on all desktops.
+    /// Buttons of one role keep the order in which they are added, on all desktops.
     QPushButton* add(const QString& label) { return addButton(label, QMessageBox::ActionRole); }
 
 protected:
@@ -46,19 +46,19 @@ protected:
             QMessageBox::keyPressEvent(event);
     }
     void closeEvent(QCloseEvent* event) override {
-        // The message box's own would ignore it, or take it for one of the buttons.
+        // QMessageBox would ignore it, or take it for one of the buttons.
         QDialog::closeEvent(event); // NOLINT(bugprone-parent-virtual-call)
     }
 };
 
 const QString saveDialogTitle = QStringLiteral("Save As");
 
-/// Our windows that a window manager knows and that are on the screen, the active one first.
+/// Our visible windows that the window manager manages, the active one first.
 QList<QWidget*> ordinaryWindows() {
     QList<QWidget*> windows;
     for (QWidget* window : QApplication::topLevelWidgets()) {
         const bool isOrdinary = window->windowType() == Qt::Window || window->windowType() == Qt::Dialog;
-        // What is embedded in a panel is a window too, but none that a window manager knows.
+        // An icon embedded in a panel is a window too, but not a managed one.
         if (!window->isVisible() || !isOrdinary || window->windowFlags().testFlag(Qt::BypassWindowManagerHint) ||
             window->testAttribute(Qt::WA_DontShowOnScreen))
             continue;
@@ -68,7 +68,7 @@ QList<QWidget*> ordinaryWindows() {
 }
 
 void activate(QWidget& window) {
-    if (window.testAttribute(Qt::WA_DontShowOnScreen)) // the desktop has it on the screen for us
+    if (window.testAttribute(Qt::WA_DontShowOnScreen)) // the desktop shows its own dialog instead
         return;
     window.raise();
     window.activateWindow();
@@ -77,7 +77,7 @@ void activate(QWidget& window) {
 /// Shows the dialog and waits. Not by its own exec(): a dialog of the desktop's may then run a loop of the desktop's
 /// own (GTK's does), which does not end when the program is to end.
 bool run(QDialog& dialog) {
-    // A popup would lie above the dialog, dead.
+    // A popup would stay above the dialog and take no input.
     while (QWidget* popup = QApplication::activePopupWidget()) {
         if (!popup->close())
             break;
@@ -92,7 +92,7 @@ bool run(QDialog& dialog) {
     return dialog.result() == QDialog::Accepted;
 }
 
-/// Whether the file may be written: it is not there, or the user agrees.
+/// Whether the file may be written: it does not exist, or the user agrees.
 bool mayReplace(const QFileInfo& file) {
     if (!file.exists())
         return true;
@@ -111,22 +111,22 @@ QString withSuffix(const QString& file, const QString& suffix) {
     return hasSuffix || suffix.isEmpty() ? file : file + QLatin1Char('.') + suffix;
 }
 
-/// Lets the user choose until there is a file that may be written; nothing when that was cancelled.
+/// Lets the user choose until there is a file that may be written; empty if cancelled.
 QString chosenFile(QFileDialog& dialog, const QString& suffix) {
     while (run(dialog)) {
         const QString selected = dialog.selectedFiles().value(0);
-        if (selected.isEmpty()) // a place that is no folder of this machine
+        if (selected.isEmpty()) // a place that is no folder on this machine
             return {};
         QString file = withSuffix(selected, suffix);
-        // The dialog has asked about the name as it was typed. It could add the suffix itself, but then those of some
-        // desktops do so only after they have asked.
+        // The dialog has asked about the name as typed. It could add the suffix itself, but some desktops' dialogs do
+        // so only after they have asked.
         if (file == selected || mayReplace(QFileInfo(file)))
             return file;
     }
     return {};
 }
 
-/// While it lives, this dialog is the one that is open.
+/// Marks a dialog as the open one as long as this object lives.
 class Opened {
 public:
     Opened(QDialog*& open, QDialog& dialog) : open_(open), before_(std::exchange(open, &dialog)) {}
@@ -147,7 +147,7 @@ QtDialogs::QtDialogs(std::optional<QDBusConnection> portal, std::chrono::millise
 
 void QtDialogs::bringToFront() {
     const QList<QWidget*> windows = ordinaryWindows();
-    // The one that is active stays the foremost.
+    // In reverse, so that the active one stays in front.
     for (auto window = windows.crbegin(); window != windows.crend(); ++window)
         activate(**window);
 }
@@ -199,7 +199,7 @@ SaveAnswer QtDialogs::askPortal(const SaveDialog& asked) {
 }
 
 std::optional<std::filesystem::path> QtDialogs::askOurselves(const SaveDialog& asked) {
-    // Qt's dialog would write down its look and where it has been, in a file beside the user's settings.
+    // QFileDialog would store its layout and history in a file beside the user's settings.
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
     const QString contentType = QString::fromStdString(asked.contentType);
     QFileDialog dialog;
@@ -234,7 +234,7 @@ std::optional<std::size_t> QtDialogs::runAlert(const Alert& alert) {
 
 void QtDialogs::runErrorAlert(const std::filesystem::path& file, std::error_code error) {
     const QString name = QFile::decodeName(file.filename().c_str());
-    // A name of 255 letters is one word and would make the box as wide.
+    // A name of 255 letters is one word and would make the box that wide.
     const QFontMetrics font(QApplication::font());
     const QString shown = font.elidedText(name, Qt::ElideMiddle, font.averageCharWidth() * 50);
     MessageBox box(QStringLiteral("errorAlert"), QStringLiteral("There was a problem with “%1”.").arg(shown),

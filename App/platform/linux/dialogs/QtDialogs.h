@@ -12,13 +12,13 @@
 
 class QDialog;
 
-/// Qt's dialogs; for a file to save to the desktop's own where its portal shows that. One save dialog or alert
-/// at a time: while there is one, another request brings that to the front and gives nothing. An error is always told.
-/// One that is open when the program ends gives nothing.
+/// Qt's dialogs, and the desktop's own save dialog if its portal has one. One save dialog or alert at a time: while one
+/// is open, another request brings it to the front and gives nothing. An error is always shown. A dialog that is open
+/// when the program ends gives nothing.
 class QtDialogs final : public Dialogs {
 public:
-    /// `portal` is the bus on which the desktop is asked for its save dialog, if it is to be asked; it may take as long
-    /// as `portalTimeout` to say that it will ask the user.
+    /// `portal` is the bus on which to ask the desktop for its save dialog, if at all; within `portalTimeout` the
+    /// portal has to accept the question.
     explicit QtDialogs(std::optional<QDBusConnection> portal = std::nullopt,
                        std::chrono::milliseconds portalTimeout = std::chrono::seconds(5));
 
@@ -30,10 +30,10 @@ public:
 private:
     std::optional<QDBusConnection> portal_;
     std::chrono::milliseconds portalTimeout_;
-    QDialog* open_ = nullptr; ///< lives in the call that shows it
+    QDialog* open_ = nullptr; ///< lives on the stack of the call that shows it
     QString folder_;          ///< where the last file went in this run
 
-    /// Whether there is none yet; the one that is there comes to the front.
+    /// Whether no dialog is open yet; one that is comes to the front.
     bool mayOpen();
     QString startFolder() const;
     SaveAnswer askPortal(const SaveDialog& asked);

@@ -10,8 +10,8 @@ SaveAnswer saveAnswer(std::uint32_t response, const std::optional<std::filesyste
     constexpr std::uint32_t done = 0;
     constexpr std::uint32_t endedOtherwise = 2;
     constexpr std::chrono::milliseconds tooQuick(500); // for a person, who has to see the dialog before closing it
-    // QUIRK: GTK's dialog says this when Esc or its window's button closes it. A portal says it too when the program
-    // that should show the dialog cannot be started, which is known at once.
+    // QUIRK: GTK's dialog sends this when Esc or the window's close button ends it. A portal also sends it, at once,
+    // when the program that should show the dialog cannot be started.
     if (response >= endedOtherwise && after < tooQuick)
         return {.outcome = SaveAnswer::Outcome::failed, .file = {}};
     if (response != done || !file)

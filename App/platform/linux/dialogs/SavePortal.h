@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-/// What became of the question to the desktop's file chooser portal for a file to save to.
+/// The outcome of asking the file chooser portal for a file to save to.
 struct SaveAnswer {
     /// `failed`: the user was not asked.
     enum class Outcome { chosen, cancelled, failed };
@@ -23,9 +23,9 @@ struct SaveAnswer {
 SaveAnswer saveAnswer(std::uint32_t response, const std::optional<std::filesystem::path>& file,
                       std::chrono::milliseconds after);
 
-/// Where the portal has the request of a connection (":1.42") that has named it by this token.
+/// The object path that the portal gives a request with this token from a connection (":1.42").
 std::string portalRequestPath(std::string_view uniqueName, std::string_view token);
 
-/// The window that the desktop's dialog stands before, in the portal's words. Only X11 has a name for it that can be
-/// told to others; `platform` is Qt's word for where its windows are.
+/// The parent window of the desktop's dialog, as the portal names it. Only X11 windows have a name that other processes
+/// understand; `platform` is the name of Qt's platform plugin.
 std::string portalParentWindow(std::string_view platform, std::uint64_t window);

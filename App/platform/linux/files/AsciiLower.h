@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-/// The text with small letters for A to Z; every other byte stays as it is, whatever the user's locale.
+/// The text with A to Z in lower case; every other byte stays, whatever the user's locale.
 inline std::string asciiLower(std::string_view text) {
     std::string lower(text);
     std::transform(lower.begin(), lower.end(), lower.begin(),

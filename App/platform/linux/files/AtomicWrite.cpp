@@ -18,9 +18,9 @@
 
 namespace fs = std::filesystem;
 
-// A temporary file is locked from its making to its end, and the kernel drops the lock of a process that has died. So
-// one whose lock is free is left over, unless it has been made just now: who makes one looks, once it is locked,
-// whether it is still there. File systems without locks keep what is left over.
+// A temporary file stays locked as long as it exists, and the kernel drops the lock of a process that has died. So a
+// file whose lock is free is left over, or was made this very moment: after locking it, its maker checks that it is
+// still there. On file systems without locks, leftovers stay.
 
 namespace {
 
@@ -38,8 +38,8 @@ auto uninterrupted(Call call) {
     return result;
 }
 
-/// What the names of the temporary files of `target` begin with. It carries our name, because other programs make
-/// hidden files with random endings too.
+/// How the names of the temporary files of `target` begin. Our name is in it because other programs make hidden files
+/// with random endings too.
 std::string prefixOf(const fs::path& target) {
     return "." + target.filename().string() + ".velmora-";
 }
@@ -53,19 +53,19 @@ struct TemporaryFile {
     FileDescriptor descriptor;
 };
 
-/// Without a descriptor when it fails, with the reason in errno.
+/// On failure there is no descriptor, and errno has the reason.
 TemporaryFile makeTemporaryFile(const fs::path& target) {
     std::string prefix = prefixOf(target);
     if (!fitsIntoAName(prefix))
         prefix = ".velmora-";
-    constexpr int attempts = 10; // the first one succeeds unless another process is starting at this very moment
+    constexpr int attempts = 10; // the first succeeds unless another process of ours is starting right now
     for (int attempt = 0; attempt < attempts; ++attempt) {
         std::string path = (target.parent_path() / (prefix + std::string(randomPart))).string();
         FileDescriptor descriptor(uninterrupted([&] { return ::mkostemp(path.data(), O_CLOEXEC); })); // 0600
         if (!descriptor)
             return {};
         if (::flock(descriptor.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
-            continue; // it is just being removed
+            continue; // somebody is removing it
         struct stat status {};
         if (::fstat(descriptor.get(), &status) == 0 && status.st_nlink > 0)
             return {std::move(path), std::move(descriptor)};
@@ -88,8 +88,8 @@ std::error_code writeAll(int descriptor, std::string_view content) {
     return {};
 }
 
-/// Without this a rename may be lost when the power fails. Where a folder may not be read, or cannot be synchronised on
-/// its own, it is done with the file system that `file` is on.
+/// Without this a rename may be lost when the power fails. If the folder cannot be read or synced by itself, the whole
+/// file system that `file` is on is synced.
 std::error_code syncFolder(const fs::path& folder, int file) {
     const FileDescriptor descriptor(
         uninterrupted([&] { return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
@@ -100,8 +100,7 @@ std::error_code syncFolder(const fs::path& folder, int file) {
     return {};
 }
 
-/// What the user takes away from the modes of new files. umask() tells it only by setting another one, which would be
-/// that of the other threads' files meanwhile.
+/// The umask. umask() itself can only tell it by setting another one, which other threads' new files would then get.
 mode_t userMask() {
     std::ifstream status("/proc/self/status");
     for (std::string word; status >> word;) {
@@ -112,7 +111,7 @@ mode_t userMask() {
     return 077;
 }
 
-/// Of a file that is there, or that the user's programs would make now.
+/// The mode of an existing file, or the one that the user's programs would give a new file.
 mode_t usualMode(const fs::path& file) {
     struct stat status {};
     if (::stat(file.c_str(), &status) == 0 && S_ISREG(status.st_mode))
@@ -121,7 +120,7 @@ mode_t usualMode(const fs::path& file) {
 }
 
 void removeIfLeftOver(const fs::path& file) {
-    // Neither through a link nor waiting for a pipe. Writing, because some network file systems want that for a lock.
+    // Does not follow a link or wait for a pipe. For writing, because some network file systems want that for a lock.
     const FileDescriptor descriptor(::open(file.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     struct stat status {};
     if (!descriptor || ::fstat(descriptor.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
@@ -134,7 +133,7 @@ void removeIfLeftOver(const fs::path& file) {
 } // namespace
 
 std::error_code writeAtomically(const fs::path& target, std::string_view content, Access access) {
-    // Who links a file to a device means that nothing is kept, not that the device becomes a file.
+    // A user who links the file to /dev/null wants nothing kept, and no regular file in place of the device.
     struct stat status {};
     if (::stat(target.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode))
         return std::make_error_code(std::errc::operation_not_supported);
@@ -143,7 +142,7 @@ std::error_code writeAtomically(const fs::path& target, std::string_view content
         return lastError();
     std::error_code error = writeAll(temporary.descriptor.get(), content);
     if (!error && access == Access::asUsual)
-        ::fchmod(temporary.descriptor.get(), usualMode(target)); // some file systems know no modes
+        ::fchmod(temporary.descriptor.get(), usualMode(target)); // some file systems have no modes
     if (!error && ::rename(temporary.path.c_str(), target.c_str()) != 0)
         error = lastError();
     if (error) {

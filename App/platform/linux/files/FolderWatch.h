@@ -12,16 +12,16 @@
 #include <set>
 #include <string>
 
-/// Tells when entries of some folders were written, renamed, linked, removed, or came back (inotify).
+/// Watches entries of folders with inotify: whether they are written, renamed, linked, removed, or come back.
 class FolderWatch {
 public:
-    /// `changed` is called once for each bunch of events that concern a watched name.
+    /// `changed` is called once for each batch of events with a watched name.
     explicit FolderWatch(std::function<void()> changed);
     FolderWatch(const FolderWatch&) = delete;
     FolderWatch& operator=(const FolderWatch&) = delete;
 
-    /// Watches exactly these paths from now on, each for its coming, going and changing; so call it again after a
-    /// change.
+    /// From now on watches exactly these paths, whether or not they exist yet. To be called again after each change,
+    /// since a folder may have been replaced.
     void watch(const std::set<std::filesystem::path>& entries);
 
 private:

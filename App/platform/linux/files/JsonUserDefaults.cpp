@@ -36,14 +36,14 @@ QJsonValue toJson(const Value& value) {
 std::optional<std::int64_t> integerOf(const QJsonValue& value) {
     if (!value.isDouble())
         return std::nullopt;
-    // Two answers that only agree when neither is the fallback.
+    // Both calls give the same number only if neither fell back to its default.
     const qint64 one = value.toInteger(0);
     return one == value.toInteger(1) ? std::optional<std::int64_t>(one) : std::nullopt;
 }
 
-/// Keeps other writers of ours out. The folder itself is locked, so that no file is left lying about. Waited for up to
-/// five seconds, because on a busy machine one that writes again and again hardly lets go between two writes; then, and
-/// where there are no locks, it is done without.
+/// Keeps other processes of ours from writing. It locks the folder itself, so no lock file is left lying about. It
+/// waits up to five seconds, because on a busy machine a process that writes again and again hardly lets go between two
+/// writes; after that, and on file systems without locks, the write goes ahead without it.
 class FolderLock {
 public:
     explicit FolderLock(const fs::path& folder)
@@ -68,7 +68,7 @@ JsonUserDefaults::JsonUserDefaults(fs::path file, Files& files, MainLoop& loop)
     , files_(files)
     , loop_(loop)
     , watch_([this] { fileChanged(); }) {
-    // So that it is this folder that is watched from the start, and not the busy one above.
+    // So that this folder is watched from the start, and not the busy one above it.
     files_.createFolder(file_.parent_path());
     watchFile();
     values_ = load().values;
@@ -137,11 +137,11 @@ void JsonUserDefaults::setDamagedAside() {
     fs::path aside = file_;
     aside += ".damaged";
     if (const auto content = files_.read(file_, sizeLimit)) {
-        // Where this fails, writing the new content does too, and the damaged one stays.
+        // If this fails, so will the write of the new content, and the damaged file stays.
         static_cast<void>(files_.replace(aside, *content));
         return;
     }
-    // It cannot be copied: a folder, a file that is not ours to read, something huge.
+    // It cannot be copied: it is a folder, huge, or not ours to read.
     std::error_code error;
     fs::rename(PosixFiles::linkTarget(file_), aside, error);
 }
@@ -155,7 +155,7 @@ void JsonUserDefaults::setObject(std::string_view key, const Value& value) {
 void JsonUserDefaults::write() {
     files_.createFolder(file_.parent_path());
     const FolderLock lock(file_.parent_path());
-    // What others have written since is kept.
+    // Keeps what others have written since.
     Content present = load();
     if (present.isDamaged) {
         setDamagedAside();
@@ -175,11 +175,11 @@ Subscription JsonUserDefaults::onChange(std::function<void()> callback) {
 void JsonUserDefaults::fileChanged() {
     watchFile();
     const Content present = load();
-    // A slip in an editor must not throw all settings over; the next write puts it right.
+    // A slip in an editor must not reset all settings; our next write repairs the file.
     if (present.isDamaged)
         return;
     const QJsonObject values = withUnwritten(present.values);
-    // Our own write comes back as an event too, and has been announced.
+    // Our own write comes back as an event too, and is announced already.
     if (values == values_)
         return;
     values_ = values;

@@ -14,14 +14,14 @@
 
 class MainLoop;
 
-/// Preferences in one flat JSON object in a file of the user's. Others may edit, replace, link or damage the file at
-/// any time; keys that we do not know survive our writing.
+/// Preferences as one flat JSON object in a file of the user's. Anybody may edit, replace, link or damage the file at
+/// any time; keys that we do not know survive our writes.
 class JsonUserDefaults final : public UserDefaults {
 public:
-    /// `file` need not exist; it is made at the first write.
+    /// `file` need not exist; the first write creates it.
     JsonUserDefaults(std::filesystem::path file, Files& files, MainLoop& loop);
 
-    /// Tries once more to write what could not be written when it was set.
+    /// Tries once more to write settings that could not be written when they were set.
     ~JsonUserDefaults() override;
     JsonUserDefaults(const JsonUserDefaults&) = delete;
     JsonUserDefaults& operator=(const JsonUserDefaults&) = delete;
@@ -37,7 +37,7 @@ public:
 private:
     struct Content {
         QJsonObject values;
-        bool isDamaged = false; ///< there is something that is no JSON object
+        bool isDamaged = false; ///< the file exists and holds no JSON object
     };
 
     std::filesystem::path file_;
@@ -45,7 +45,7 @@ private:
     MainLoop& loop_;
     Dictionary fallbacks_;
     QJsonObject values_;
-    QJsonObject unwritten_; ///< set in this run, and not on the disk because it could not be written
+    QJsonObject unwritten_; ///< set in this run, but the write failed
     Observers<> observers_;
     FolderWatch watch_;
     Lifetime lifetime_;

@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Makes the folder with all missing parents, for the owner only; no error when it is there already.
+/// Creates the folder and its missing parents, for the owner only; no error if it exists.
 std::error_code makeFolder(const fs::path& folder) {
     std::error_code error;
     if (fs::is_directory(folder, error))
@@ -47,14 +47,14 @@ bool PosixFiles::createFolder(const fs::path& folder) {
 }
 
 std::optional<std::string> PosixFiles::read(const fs::path& file, std::size_t limit) const {
-    // Not blocking: opening a pipe that somebody put there would wait for a writer.
+    // Non-blocking: opening a pipe in the file's place would wait for a writer.
     const FileDescriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat status {};
     if (!descriptor || ::fstat(descriptor.get(), &status) != 0 || !S_ISREG(status.st_mode))
         return std::nullopt;
     if (std::cmp_greater(status.st_size, limit))
         return std::nullopt;
-    constexpr std::size_t roomForParsers = 64; // they read beyond the end, and would have to copy all of it
+    constexpr std::size_t roomForParsers = 64; // simdjson reads beyond the end, and would copy the text to have room
     return readDescriptor(descriptor.get(), limit, static_cast<std::size_t>(status.st_size) + roomForParsers);
 }
 
@@ -74,7 +74,7 @@ fs::path PosixFiles::linkTarget(const fs::path& file) {
 }
 
 std::error_code PosixFiles::replace(const fs::path& file, std::string_view content) {
-    // A link stays where it is and its target is replaced: people keep their settings elsewhere and link to them.
+    // A link stays and its target is replaced: people keep their settings elsewhere and link to them.
     const fs::path target = linkTarget(file);
     if (target.has_parent_path()) {
         if (const std::error_code error = makeFolder(target.parent_path()))

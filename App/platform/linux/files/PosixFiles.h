@@ -6,7 +6,7 @@
 /// Files of a POSIX file system, written so that a crash or a power cut leaves either the old or the new content.
 class PosixFiles final : public Files {
 public:
-    /// `applicationSupport` is the folder that `applicationSupportFolder()` gives.
+    /// `applicationSupport` is what `applicationSupportFolder()` returns.
     explicit PosixFiles(std::filesystem::path applicationSupport);
 
     std::filesystem::path applicationSupportFolder() const override;
@@ -15,12 +15,12 @@ public:
     [[nodiscard]] std::error_code replace(const std::filesystem::path& file, std::string_view content) override;
     [[nodiscard]] std::error_code saveDocument(const std::filesystem::path& file, std::string_view content) override;
 
-    /// Removes what a crash in the midst of `replace` has left beside the file, or beside what it is a link to. Leaves
-    /// alone what another process is writing at this moment.
+    /// Removes what a crash during `replace` left beside the file, or beside the target of a link. Leaves alone what
+    /// another process is writing right now.
     void removeLeftovers(const std::filesystem::path& file) const;
 
-    /// Where the links at `file` lead, whether or not there is anything; `file` itself when it is no link or the links
-    /// form a ring.
+    /// Where the links at `file` lead, whether or not anything is there; `file` itself if it is no link, or if the
+    /// links form a loop.
     static std::filesystem::path linkTarget(const std::filesystem::path& file);
 
 private:

@@ -4,11 +4,10 @@
 #include <filesystem>
 #include <vector>
 
-/// The user's folders by the XDG base directory specification; relative values of the variables are ignored, as it
-/// asks.
+/// The user's folders by the XDG Base Directory Specification, which asks to ignore relative values of its variables.
 std::filesystem::path xdgDataHome();
 std::filesystem::path xdgConfigHome();
 std::filesystem::path xdgStateHome();
 
-/// The system's folders for configuration, by rank.
+/// The system's configuration folders, most important first.
 std::vector<std::filesystem::path> xdgConfigFolders();

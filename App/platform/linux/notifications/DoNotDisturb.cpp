@@ -43,7 +43,7 @@ DoNotDisturbQuestion doNotDisturbQuestion(DoNotDisturbSource source) {
                 .method = "GetProperty",
                 .arguments = {"xfce4-notifyd", "/do-not-disturb"},
                 .mode = {},
-                // The setting is written when it is changed for the first time.
+                // Xfce writes the setting when the user first changes it.
                 .refusedOff = "org.xfce.Xfconf.Error.PropertyNotFound"};
     case DoNotDisturbSource::mako:
         return {.service = {},

@@ -14,7 +14,7 @@ namespace {
 
 QVariantMap hintsOf(const NotificationPlan& plan, const NotificationCenter::Request& request) {
     QVariantMap hints{
-        // A byte; as any other type it is ignored by some.
+        // A byte; some daemons ignore any other type.
         {QStringLiteral("urgency"), QVariant::fromValue(static_cast<uchar>(plan.urgency))},
         {QStringLiteral("category"), QString::fromStdString(request.categoryIdentifier)},
         {QStringLiteral("desktop-entry"), QLatin1String(applicationId)},
@@ -112,7 +112,7 @@ void FreedesktopNotifications::sendNext(const std::string& identifier) {
     entry.isBusy = true;
     daemon_.askDoNotDisturb([this, identifier](std::optional<bool> doNotDisturb) {
         entries_[identifier].isBusy = false;
-        // Meanwhile it may have been withdrawn, and the daemon may be another.
+        // By now it may have been withdrawn, and there may be another daemon.
         if (entries_[identifier].next && daemon_.prepare())
             send(identifier, doNotDisturb);
         else
@@ -151,7 +151,7 @@ void FreedesktopNotifications::sent(const std::string& identifier, std::optional
     } else if (id) {
         entry.id = *id;
         entry.actions = entry.coming;
-        // What is shown is heard, and only that; the next one brings its own sound.
+        // Only what is shown is heard; the next one brings its own sound.
         if (ownSound && !entry.next)
             play(*ownSound);
     }
@@ -188,7 +188,7 @@ void FreedesktopNotifications::actionInvoked(uint id, const QString& key) {
     if (std::none_of(actions.begin(), actions.end(), [&](const Action& one) { return one.identifier == identifier; }))
         return;
     actions.clear();
-    // QUIRK: mako leaves it on the screen. But what is about to take its place has the same id, and stays.
+    // QUIRK: mako leaves it on the screen. One that is about to replace it has the same id and must stay.
     if (!found->second.isBusy) {
         daemon_.close(std::exchange(found->second.id, 0));
         tidy(std::string(found->first));

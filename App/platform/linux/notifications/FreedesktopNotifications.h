@@ -17,15 +17,15 @@
 class MainLoop;
 class SystemSounds;
 
-/// Notifications by the desktop notifications protocol, org.freedesktop.Notifications. Of each identifier at most one
-/// is on its way to the daemon and one, the latest, waits for that: so the second can take the place of the first, and
-/// nothing piles up before a daemon that does not answer.
+/// Notifications by the Desktop Notifications Specification, org.freedesktop.Notifications. For each identifier at most
+/// one request is on its way to the daemon and one, the latest, waits for it: so the second can replace the first, and
+/// nothing piles up when the daemon does not answer.
 class FreedesktopNotifications final : public QObject, public NotificationCenter {
     Q_OBJECT
 
 public:
-    /// `icon` is the absolute path of the application's icon; empty: the desktop looks for one that is named as our
-    /// desktop entry, which it has only where the program is installed.
+    /// `icon` is the absolute path of the application's icon. If it is empty, the desktop looks for an icon named like
+    /// our desktop entry, which it finds only if the program is installed.
     FreedesktopNotifications(QDBusConnection bus, MainLoop& loop, SystemSounds& sounds, SoundFile soundFile,
                              NotificationConsent consent, const std::filesystem::path& icon,
                              NotificationDaemon::Timeouts timeouts = {});
@@ -41,14 +41,14 @@ public:
     void removeDelivered(const std::vector<std::string>& identifiers) override;
 
 private:
-    /// What is known of one identifier.
+    /// What we know about one identifier.
     struct Entry {
-        std::optional<Request> next; ///< to be sent as soon as that is possible
-        bool isBusy = false;         ///< a question about it, or it itself, is on its way
-        bool isWithdrawn = false;    ///< what is on its way is to be taken off the screen
-        uint id = 0;                 ///< of what is on the screen; 0 for nothing
-        std::vector<Action> actions; ///< its buttons, until one was pressed
-        std::vector<Action> coming;  ///< the buttons of what is on its way
+        std::optional<Request> next; ///< to be sent as soon as possible
+        bool isBusy = false;         ///< do-not-disturb is being asked for it, or it is being sent
+        bool isWithdrawn = false;    ///< what is being sent is to be taken off the screen
+        uint id = 0;                 ///< of the one on the screen; 0 for none
+        std::vector<Action> actions; ///< its buttons, until one is pressed
+        std::vector<Action> coming;  ///< the buttons of the one being sent
     };
 
     MainLoop& loop_;

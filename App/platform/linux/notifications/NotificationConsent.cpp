@@ -28,6 +28,6 @@ void NotificationConsent::give() {
     if (status() == Status::authorized)
         return;
     status_ = Status::authorized;
-    // On failure there is nothing better to do than to ask again at the next start.
+    // If this fails, we ask again at the next start.
     std::ignore = files_.replace(file_, given);
 }

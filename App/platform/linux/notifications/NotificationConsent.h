@@ -8,24 +8,25 @@
 
 class Files;
 
-/// What the user said when asked about notifications, kept in a file of ours: the desktops have switches for each
-/// application but do not ask, and tell no one. It never becomes "denied" here, since that is the desktop's to say.
+/// What the user answered when asked about notifications, kept in a file of ours: desktops have a switch per
+/// application, but do not ask, and do not tell. The status never becomes "denied" here; that is for the desktop to
+/// say.
 class NotificationConsent {
 public:
-    /// Where in the folder it is kept.
+    /// The file in the folder.
     static std::filesystem::path file(const std::filesystem::path& folder) { return folder / "notifications"; }
 
-    /// `folder` is where the file is kept; it is made when there is something to keep.
+    /// `folder` holds the file; it is created when there is something to keep.
     NotificationConsent(Files& files, const std::filesystem::path& folder);
 
-    /// The answer so far. A file that is damaged or cannot be read is none.
+    /// The answer so far; a file that is damaged or cannot be read counts as no answer.
     NotificationCenter::AuthorizationStatus status() const;
 
-    /// The user agrees. Where it cannot be written it holds as long as this object.
+    /// The user agrees. If that cannot be written, it holds as long as this object lives.
     void give();
 
 private:
     Files& files_;
     std::filesystem::path file_;
-    mutable std::optional<NotificationCenter::AuthorizationStatus> status_; ///< empty until it was needed
+    mutable std::optional<NotificationCenter::AuthorizationStatus> status_; ///< empty until first needed
 };

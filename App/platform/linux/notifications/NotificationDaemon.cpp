@@ -24,7 +24,7 @@ QDBusMessage method(const QString& name, const char* member) {
 
 constexpr std::chrono::milliseconds readyInterval(200);
 
-/// QUIRK: GNOME's has its name before it has the object that is called.
+/// QUIRK: GNOME Shell owns the name before the object exists that we call.
 bool isNotReady(const QDBusError& error) {
     return error.type() == QDBusError::UnknownMethod || error.type() == QDBusError::UnknownObject ||
            error.type() == QDBusError::UnknownInterface;
@@ -57,7 +57,8 @@ void NotificationDaemon::start() {
     watcher_.addWatchedService(service);
     connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString& /*name*/, const QString& /*before*/, const QString& now) { setOwner(now); });
-    // From anybody, and compared with the owner on arrival: some daemons send signals to us alone, and anybody could.
+    // From any sender, which is compared with the owner on arrival: some daemons send signals to us directly, and so
+    // could anybody.
     const struct {
         const char* signal;
         const char* signature;
@@ -86,7 +87,7 @@ void NotificationDaemon::setOwner(const QString& owner) {
     ++ownerChanges_;
     const QString former = std::exchange(owner_, owner);
     if (former.isEmpty() && asking_ == Asking::waiting) {
-        // Our question has started it, and it will answer; now it can be expected to.
+        // Our call has started it; from now on it can be expected to answer.
         QTimer::singleShot(timeouts_.abilities, this, [this, question = question_] { stopWaitingFor(question); });
         return;
     }
@@ -97,7 +98,7 @@ void NotificationDaemon::setOwner(const QString& owner) {
     Q_EMIT replaced();
     if (!isAwaited)
         return;
-    // Once more, and not for ever: it may be our question that ends a daemon that is started by it.
+    // Once more, but not for ever: perhaps our call crashes the daemon that it starts.
     if (std::exchange(mayAskAgain_, false))
         askAbilities();
     else
@@ -120,7 +121,8 @@ void NotificationDaemon::askAbilities() {
 }
 
 void NotificationDaemon::askInformation(int question) {
-    // This comes before the rest: an absent daemon is started by it, and one that has just started may not be ready.
+    // Asked first, because this call starts a daemon that is not running, and one that has just started may not be
+    // ready.
     callAsync(
         bus_, method(service, "GetServerInformation"), this,
         [this, question](const QDBusPendingReply<QString, QString, QString, QString>& information) {
@@ -163,7 +165,7 @@ void NotificationDaemon::settle(int question, const QString& name, const QString
     std::vector<std::string> texts;
     for (const QString& capability : capabilities)
         texts.push_back(capability.toStdString());
-    // Also when it is late: later notifications have the use of it.
+    // Even when it is late: it is good for later notifications.
     server_ = notificationServer(name.toStdString(), texts);
     stopWaitingFor(question);
 }
@@ -196,8 +198,8 @@ void NotificationDaemon::notify(const Notification& notification, uint replaced,
 
 void NotificationDaemon::send(const Notification& notification, uint replaced, int retries,
                               std::function<void(std::optional<uint>)> answer) {
-    // The id is worth something only with the daemon that gave it, and from Qt 6.8 on a reply does not tell who sent
-    // it. So this very daemon is asked; where there is none, the bus starts the one that answers.
+    // An id is valid only for the daemon that gave it, and from Qt 6.8 on a reply does not tell who sent it. So we call
+    // this very daemon by its unique name; if there is none, the bus starts the one that answers.
     const QString askedOf = owner_;
     auto message = method(askedOf.isEmpty() ? QString(service) : askedOf, "Notify");
     message << QStringLiteral("Velmora") << replaced << notification.icon << notification.summary << notification.body
@@ -212,8 +214,8 @@ void NotificationDaemon::send(const Notification& notification, uint replaced, i
                 answer(isStillThere ? std::optional(reply.value()) : std::nullopt);
                 return;
             }
-            // Once more where it is not on the screen: the daemon does not know the id, since it was closed a moment
-            // ago, or it went away before it answered.
+            // Once more if it did not reach the screen: the daemon no longer knows the id, since that one was closed a
+            // moment ago, or the daemon went away before it answered.
             const bool isGone = !askedOf.isEmpty() && askedOf != owner_;
             const bool isRefused = replaced != 0 && reply.error().type() != QDBusError::NoReply;
             if (retries > 0 && (isGone || isRefused))

@@ -15,19 +15,20 @@
 #include <functional>
 #include <optional>
 
-/// Whoever owns the name org.freedesktop.Notifications. It may be absent, be started by our call, be replaced at any
-/// time and never answer; nothing here waits for it, and its errors are silent.
+/// The owner of the name org.freedesktop.Notifications. It may be absent, be started by our call, be replaced at any
+/// time, or never answer; nothing here blocks on it, and its errors are silent.
 class NotificationDaemon final : public QObject {
     Q_OBJECT
 
 public:
-    /// How long an answer is waited for.
+    /// How long to wait for an answer.
     struct Timeouts {
-        /// What the daemon can do, from when it is there; after that it is treated as one that can do nothing.
+        /// To what the daemon can do, counted from when it is there; after that it is treated as one that can do
+        /// nothing.
         std::chrono::milliseconds abilities = std::chrono::seconds(3);
-        /// Do-not-disturb; after that it is not known.
+        /// To do-not-disturb; after that it is unknown.
         std::chrono::milliseconds doNotDisturb = std::chrono::seconds(1);
-        /// A notification: long, because one that is shown after we gave up can neither be replaced nor withdrawn.
+        /// To a notification: long, because one that appears after we gave up can be neither replaced nor withdrawn.
         /// Also for a daemon to start.
         std::chrono::milliseconds notify = std::chrono::seconds(30);
     };
@@ -46,32 +47,31 @@ public:
     /// Starts to follow the daemon.
     void start();
 
-    /// True when `server` tells as much as will be known for now. Otherwise the daemon is asked, or started and asked,
-    /// and `prepared` or `absent` follows.
+    /// Whether `server` is as complete as it will be for now. If not, the daemon is asked, after being started if
+    /// necessary, and `prepared` or `absent` follows.
     bool prepare();
 
-    /// What the present daemon can do; nothing until it has answered.
+    /// What the current daemon can do; nothing until it has answered.
     const NotificationServer& server() const { return server_; }
 
-    /// Asks whether the user wants to be left alone; the answer is empty where the desktop does not tell. It comes
-    /// later.
+    /// Asks whether the user wants to be left alone; the answer comes later and is empty if the desktop does not tell.
     void askDoNotDisturb(std::function<void(std::optional<bool>)> answer);
 
-    /// Shows a notification in the place of the one with the id `replaced`, 0 for none. Gives its id later, or nothing
-    /// when it failed or the daemon that showed it is gone.
+    /// Shows a notification, replacing the one with the id `replaced` unless that is 0. Its id comes later; empty if it
+    /// failed or the daemon that showed it is gone.
     void notify(const Notification& notification, uint replaced, std::function<void(std::optional<uint>)> answer);
 
-    /// Takes a notification of the present daemon's off the screen; one that is not there any more is no error.
+    /// Takes a notification of the current daemon off the screen; no error if it is gone already.
     void close(uint id);
 
 Q_SIGNALS:
-    /// `server` tells as much as will be known for now.
+    /// `server` is as complete as it will be for now.
     void prepared();
-    /// There is no daemon, and none could be started.
+    /// There is no daemon and none could be started.
     void absent();
-    /// Another daemon or none; ids of the former one mean nothing any more.
+    /// Another daemon owns the name now, or none does; the former one's ids are void.
     void replaced();
-    /// It is off the screen, whoever has closed it.
+    /// It is off the screen, whoever closed it.
     void closed(uint id);
     /// The user pressed the button with this key.
     void actionInvoked(uint id, const QString& key);
@@ -81,14 +81,14 @@ private Q_SLOTS:
     void actionInvokedBy(uint id, const QString& key, const QDBusMessage& message);
 
 private:
-    /// How far the question what the daemon can do has come.
+    /// How far we are with asking what the daemon can do.
     enum class Asking { notYet, waiting, done };
 
     QDBusConnection bus_;
     Timeouts timeouts_;
     QDBusServiceWatcher watcher_;
-    QString owner_;        ///< the unique name of the connection; empty while there is none
-    int ownerChanges_ = 0; ///< as far as we were told
+    QString owner_;        ///< its unique name; empty while there is no daemon
+    int ownerChanges_ = 0; ///< how often the owner changed, as far as we were told
     NotificationServer server_;
     Asking asking_ = Asking::notYet;
     bool mayAskAgain_ = false;

@@ -9,10 +9,10 @@ bool contains(const std::vector<std::string>& texts, std::string_view text) {
     return std::find(texts.begin(), texts.end(), text) != texts.end();
 }
 
-/// Every reminder is normal: the user switched it on, and "low" comes without a banner on GNOME and is not kept in
-/// Plasma's history. Only the low battery cannot wait: critical, it stays until it is seen. But that also breaks
-/// through do-not-disturb and into full screen, so it is chosen only where the desktop tells that the user is not to be
-/// left alone; where it does not tell, the user's wish for quiet may be there and counts.
+/// Reminders are normal: the user switched them on, and with "low" GNOME shows no banner and Plasma keeps no history.
+/// Only a low battery cannot wait: critical, it stays until it is seen. But critical also breaks through do-not-disturb
+/// and full screen, so we use it only if the desktop says that do-not-disturb is off; if the desktop does not tell, it
+/// may be on.
 NotificationUrgency urgency(std::string_view identifier, std::optional<bool> doNotDisturb) {
     const bool mayInsist = doNotDisturb.has_value() && !*doNotDisturb;
     return identifier == "low" && mayInsist ? NotificationUrgency::critical : NotificationUrgency::normal;
@@ -40,7 +40,7 @@ std::string escaped(std::string_view text) {
 
 void planSound(NotificationPlan& plan, const NotificationServer& server, bool doNotDisturb,
                const std::optional<std::string>& sound, const SoundFile& soundFile) {
-    // Without a hint some daemons have a sound of their own.
+    // Without this hint some daemons play a sound of their own.
     plan.suppressSound = !sound || !server.playsSounds;
     if (!sound)
         return;
@@ -49,8 +49,8 @@ void planSound(NotificationPlan& plan, const NotificationServer& server, bool do
     } else if (*sound == "default") {
         plan.soundName = "message-new-instant";
     } else if (const auto file = soundFile(*sound); file && file->is_absolute()) {
-        // QUIRK: GNOME does not look at the file when there is a name, and its sound theme has none of our names. A
-        // replacement is heard again only with a file.
+        // QUIRK: GNOME ignores the file if there is a name, and its sound theme has none of our names. It plays a sound
+        // again for a replacement only if that has a file.
         plan.soundFile = file->string();
     } else {
         plan.soundName = *sound;
@@ -60,8 +60,8 @@ void planSound(NotificationPlan& plan, const NotificationServer& server, bool do
 } // namespace
 
 NotificationServer notificationServer(std::string_view name, const std::vector<std::string>& capabilities) {
-    // QUIRK: the capability "sound" alone says little: MATE plays files only, Cinnamon its own sound, and both whenever
-    // they like. GNOME has always played them, Plasma does when it says so.
+    // QUIRK: the capability "sound" alone says little: MATE plays files only, Cinnamon its own sound, and both at any
+    // time. GNOME has always played sounds, whether it says so or not; Plasma plays them if it says so.
     const bool playsSounds = name == "gnome-shell" || (name == "Plasma" && contains(capabilities, "sound"));
     return {.drawsActions = contains(capabilities, "actions"),
             .parsesBody = contains(capabilities, "body-markup"),

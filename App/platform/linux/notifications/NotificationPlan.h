@@ -12,11 +12,11 @@
 #include <string_view>
 #include <vector>
 
-/// What the daemon that shows notifications can do, as far as it matters here. The default is one that has not told.
+/// What a notification daemon can do, as far as it matters here. The default is one that has not answered.
 struct NotificationServer {
-    bool drawsActions = false; ///< it takes buttons; not every daemon that does draws them
+    bool drawsActions = false; ///< it takes buttons; not every such daemon draws them
     bool parsesBody = false;   ///< the body is read as markup
-    bool playsSounds = false;  ///< any sound that we name, by its own rules for do-not-disturb
+    bool playsSounds = false;  ///< it plays any sound we name, respecting its own do-not-disturb
     std::optional<DoNotDisturbSource> doNotDisturb;
     bool operator==(const NotificationServer&) const = default;
 };
@@ -27,7 +27,7 @@ NotificationServer notificationServer(std::string_view name, const std::vector<s
 /// The values of the protocol's "urgency" hint.
 enum class NotificationUrgency : std::uint8_t { low = 0, normal = 1, critical = 2 };
 
-/// How a request is put to the daemon.
+/// How to send a request to the daemon.
 struct NotificationPlan {
     NotificationUrgency urgency = NotificationUrgency::normal;
     std::string body;
@@ -35,14 +35,14 @@ struct NotificationPlan {
     std::optional<std::string> soundName; ///< hint "sound-name", of the desktop's sound theme
     std::optional<std::string> soundFile; ///< hint "sound-file", an absolute path
     bool suppressSound = false;           ///< hint "suppress-sound"
-    bool playsSound = false;              ///< the sound is ours to play, once the notification is shown
+    bool playsSound = false;              ///< we play the sound ourselves once the notification is shown
     bool operator==(const NotificationPlan&) const = default;
 };
 
-/// Where the file of a named sound is; empty when there is none.
+/// The file of a named sound; empty if there is none.
 using SoundFile = std::function<std::optional<std::filesystem::path>(std::string_view name)>;
 
-/// Plans a request with the buttons of its category. `doNotDisturb` is empty where the desktop does not tell.
+/// Plans a request with the buttons of its category. `doNotDisturb` is empty if the desktop does not tell.
 NotificationPlan planNotification(const NotificationServer& server, std::optional<bool> doNotDisturb,
                                   const NotificationCenter::Request& request,
                                   const std::vector<NotificationCenter::Action>& actions, const SoundFile& soundFile);

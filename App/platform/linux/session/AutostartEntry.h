@@ -6,22 +6,20 @@
 #include <string>
 #include <string_view>
 
-/// A desktop entry in a folder "autostart": what the session starts with (Desktop Application Autostart Specification
-/// 0.5).
+/// A desktop entry in an "autostart" folder (Desktop Application Autostart Specification 0.5).
 struct AutostartEntry {
     std::filesystem::path program;                ///< what it starts
-    std::optional<std::filesystem::path> tryExec; ///< what has to be there, or nothing is started
-    bool isOn = true;                             ///< false when it is there to say that nothing is to be started
+    std::optional<std::filesystem::path> tryExec; ///< if this is missing, nothing is started
+    bool isOn = true;                             ///< false for an entry that says that nothing is to be started
     bool operator==(const AutostartEntry&) const = default;
 
-    /// Empty when no desktop, or not every one, starts something by it.
+    /// Empty if not every desktop would start something for it.
     static std::optional<AutostartEntry> parse(std::string_view text);
 
     /// Whether the entry starts the program, or says that it is not to be started.
     enum class Switch { on, off };
 
-    /// The content of the entry that starts the program, or says that it is not to be started. Empty when there are
-    /// characters in one of the paths that an entry cannot hold.
+    /// The content of the entry. Empty if one of the paths has characters that an entry cannot hold.
     static std::optional<std::string> text(const std::filesystem::path& program, const std::filesystem::path& icon,
                                            Switch state);
 };

@@ -10,7 +10,7 @@
 
 class LogindSleep;
 
-/// The session, which ends with a signal or with the session bus, and the machine's sleep.
+/// The end of the session, by a signal or by the loss of the session bus, and the machine's sleep.
 class DesktopSessionEvents final : public QObject, public SessionEvents {
     Q_OBJECT
 

@@ -14,12 +14,12 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view suffix = ".desktop";
-// An AppDir has four entries; the rest is for what its user may put there.
+// Ours has four entries; its user may add some.
 constexpr int maxEntries = 100;
-// The longest name that can be on the message bus, where the identifier of an application is used as one.
+// The longest name on D-Bus, where an application's identifier is used as one.
 constexpr std::size_t maxLength = 255;
 
-/// Whether it can be an application's identifier: words of plain letters, digits, "_" and "-", joined by dots.
+/// Whether it can be an application's identifier: words of ASCII letters, digits, "_" and "-", joined by dots.
 bool isIdentifier(std::string_view text) {
     const auto isAllowed = [](char c) {
         return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '-' ||
@@ -29,7 +29,7 @@ bool isIdentifier(std::string_view text) {
            text.find("..") == std::string_view::npos && text.front() != '.' && text.back() != '.';
 }
 
-/// The name of the one desktop entry in the folder; empty when there is none or more than one.
+/// The name of the folder's only desktop entry; empty if there is none or more than one.
 std::optional<std::string> desktopEntry(const fs::path& folder) {
     std::optional<std::string> found;
     std::error_code error;
@@ -57,7 +57,7 @@ fs::path iconBelow(const fs::path& prefix) {
     return prefix / "share/icons/hicolor/scalable/apps" / std::string(applicationId).append(".svg");
 }
 
-/// Whether all that is installed with the program is below the prefix; of many files of a kind, one stands for all.
+/// Whether everything that is installed with the program is below the prefix; one file of each kind is looked for.
 bool isInstalledBelow(const fs::path& prefix) {
     const std::array files = {
         programBelow(prefix),
@@ -90,8 +90,8 @@ ExecutableBundle::ExecutableBundle(const fs::path& executable) : location_(execu
             return;
         }
     }
-    // The prefix in an AppDir is none of its own. An AppDir that something else starts may be gone at the next login,
-    // as an AppImage is when it has ended.
+    // A prefix inside an AppDir does not count. An AppDir that something other than its AppRun started may be gone at
+    // the next login, as an AppImage's is when it ends.
     if (isInAppDir || location_.filename() != "bin")
         return;
     if (const fs::path prefix = prefixOf(executable); isInstalledBelow(prefix)) {

@@ -3,13 +3,13 @@
 
 #include "platform/Bundle.h"
 
-/// The bundle that an executable stands in, found by where that is. An AppDir: the nearest folder above whose "AppRun"
-/// is the executable, with one desktop entry in it. Or, in no AppDir, a prefix: the executable is in its "bin", and all
-/// that is installed with it is there as well; a build folder is none, because it has no desktop entry. Looked for
-/// once; the bundle is where it was when the program was started.
+/// The bundle that an executable belongs to. Either an AppDir: the nearest folder above whose "AppRun" is the
+/// executable, with exactly one desktop entry. Or, outside an AppDir, a prefix: the executable is in its "bin", and
+/// everything that is installed with it is there too (a build folder is no prefix, because it has no desktop entry).
+/// Looked for once, so it is where the bundle was when the program started.
 class ExecutableBundle final : public Bundle {
 public:
-    /// `executable` is an absolute path without links.
+    /// `executable` is an absolute path without symbolic links.
     explicit ExecutableBundle(const std::filesystem::path& executable);
 
     std::filesystem::path location() const override { return location_; }

@@ -29,7 +29,7 @@ void LogindSleep::follow() {
     connection.connect(service, path, manager, QStringLiteral("PrepareForSleep"), {}, QStringLiteral("b"), this,
                        SLOT(prepareForSleep(bool)));
     watcher_ = std::make_unique<QDBusServiceWatcher>(service, connection, QDBusServiceWatcher::WatchForOwnerChange);
-    // A lock is only as good as the logind that gave it.
+    // The lock is gone when the logind that gave it is.
     connect(watcher_.get(), &QDBusServiceWatcher::serviceOwnerChanged, this, [this] { takeLock(answerTries); });
     takeLock(answerTries);
 }
@@ -42,7 +42,7 @@ void LogindSleep::takeLock(int triesLeft) {
     const int request = ++request_;
     callAsync(bus_.connection(), message, this,
               [this, request, triesLeft](const QDBusPendingReply<QDBusUnixFileDescriptor>& reply) {
-                  // A lock that arrives when the machine is already on its way to sleep would only hold that up.
+                  // A lock that arrives when the machine is already going to sleep would only delay that.
                   if (request != request_ || asleep_)
                       return;
                   if (reply.isError())

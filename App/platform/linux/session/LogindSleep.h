@@ -13,8 +13,8 @@
 
 class SystemBus;
 
-/// Sleep and wake as logind announces them. A delay lock is held while the machine is awake, so that it does not sleep
-/// before `willSleep` has been dealt with; it is let go for the sleep and taken again after it.
+/// Sleep and wake as logind announces them. While the machine is awake we hold a delay lock, so that it does not sleep
+/// before all observers of `willSleep` have returned; the lock is released for the sleep and taken again after it.
 class LogindSleep final : public QObject {
     Q_OBJECT
 
@@ -24,7 +24,7 @@ public:
     /// Starts to follow logind.
     void start();
 
-    /// The machine is about to sleep; it waits until all who listen have returned, for as long as logind lets it.
+    /// The machine is about to sleep; it waits until all observers have returned, as long as logind lets it.
     Observers<> willSleep;
 
     /// The machine is awake again.

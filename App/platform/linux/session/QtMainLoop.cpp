@@ -16,7 +16,7 @@ std::chrono::milliseconds milliseconds(Duration duration) {
 class RepeatingTimer final : public MainLoop::Timer {
 public:
     RepeatingTimer(Duration interval, Duration tolerance, MainLoop::Task task) {
-        // With a second to spare Qt fires on whole seconds, together with other programs' timers.
+        // With a second of tolerance Qt fires on whole seconds, together with other programs' timers.
         timer_.setTimerType(tolerance >= Duration(1) ? Qt::VeryCoarseTimer : Qt::PreciseTimer);
         QObject::connect(&timer_, &QTimer::timeout, &timer_, std::move(task));
         timer_.start(milliseconds(interval));

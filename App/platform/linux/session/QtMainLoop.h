@@ -5,7 +5,7 @@
 
 #include <QObject>
 
-/// Qt's event loop of the thread that makes this object.
+/// Qt's event loop, on the thread that creates this object.
 class QtMainLoop final : public MainLoop {
 public:
     void async(Task task) override;

@@ -27,7 +27,7 @@ bool SessionApplication::claim() {
 }
 
 bool SessionApplication::activateOther() {
-    // The right to take the focus came to this start, and is handed on.
+    // The launcher gave this process the right to take the focus; the other instance needs it.
     QVariantMap platformData;
     const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
     if (!token.isEmpty())
@@ -40,7 +40,7 @@ bool SessionApplication::activateOther() {
     message << platformData;
     message.setAutoStartService(false);
     const QDBusMessage answer = bus_.call(message, QDBus::Block, answerMilliseconds);
-    // One that does not answer is there all the same.
+    // An instance that does not answer is there all the same.
     return QDBusError(answer).type() != QDBusError::ServiceUnknown &&
            answer.errorName() != QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner");
 }
@@ -49,7 +49,7 @@ void SessionApplication::Activate(const QVariantMap& platformData) {
     const QByteArray token = platformData.value(QStringLiteral("activation-token")).toString().toUtf8();
     if (!token.isEmpty())
         qputenv("XDG_ACTIVATION_TOKEN", token);
-    // On a later turn: the other start gets its answer first and can end.
+    // On a later turn of the main loop: the other process gets its answer first and can end.
     QMetaObject::invokeMethod(this, &SessionApplication::activated, Qt::QueuedConnection);
 }
 

@@ -5,20 +5,21 @@
 #include <QObject>
 #include <QVariantMap>
 
-/// The program on the session bus (org.freedesktop.Application): one instance a session, which later starts wake.
+/// The program on the session bus (org.freedesktop.Application): one instance per session, which later starts activate.
 class SessionApplication final : public QObject {
     Q_OBJECT
 
 public:
     explicit SessionApplication(QDBusConnection bus);
 
-    /// Takes the program's name on the bus; false when another instance has it, or the bus refuses it.
+    /// Takes the program's name on the bus; false if another instance has it or the bus refuses it.
     bool claim();
 
-    /// Asks the instance that has the name to show itself, and waits for its answer; false when there is none.
+    /// Asks the instance that has the name to show itself, and waits for its answer; false if there is no such
+    /// instance.
     bool activateOther();
 
-    // What others call; the names are those of the interface.
+    // What other programs call; the interface gives the names.
     void Activate(const QVariantMap& platformData);
     void Open(const QStringList& uris, const QVariantMap& platformData);
     void ActivateAction(const QString& actionName, const QVariantList& parameter, const QVariantMap& platformData);

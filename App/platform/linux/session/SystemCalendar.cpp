@@ -6,8 +6,8 @@
 #include <ctime>
 #include <limits>
 
-// Local times are searched for with localtime_r alone. mktime() answers for a time that the clock skips or shows twice
-// by what it was asked before, and is told by no argument which of the two is meant.
+// Local times are searched for with localtime_r alone. For a time that the clock skips or shows twice, mktime()'s
+// answer depends on earlier calls, and no argument says which of the two is meant.
 
 namespace {
 
@@ -17,16 +17,16 @@ constexpr Seconds secondsOfDay = 86400;
 constexpr Seconds secondsOfHour = 3600;
 constexpr Seconds secondsOfMinute = 60;
 
-/// More than the clocks of any two places have ever differed, and than a zone has ever been moved.
+/// More than any two places' clocks have ever differed, and more than any zone has ever been shifted.
 constexpr Seconds furthestOffset = 2 * secondsOfDay;
 
-/// Whole seconds this far from 1970, and some days more, are exact in a double and have a year that the C library
-/// holds.
+/// This far from 1970, and some days further, whole seconds are exact in a double and their year fits the C library's
+/// type.
 constexpr double limit = 9e15;
 
 std::optional<Seconds> wholeSeconds(Date date) {
     const double seconds = std::floor(date.time_since_epoch().count());
-    if (!(std::abs(seconds) <= limit)) // also what is no number
+    if (!(std::abs(seconds) <= limit)) // also not a number
         return std::nullopt;
     return static_cast<Seconds>(seconds);
 }
@@ -46,7 +46,7 @@ std::tm localFields(Seconds instant) {
     return fields;
 }
 
-/// What the local clock shows, counted in seconds as though every day had 24 hours, from 1970-01-01 0:00 of that clock.
+/// What the local clock shows, as seconds since 1970-01-01 0:00 on that clock if every day had 24 hours.
 Seconds localTime(Seconds instant) {
     const std::tm fields = localFields(instant);
     const Seconds yearsBefore = Seconds{fields.tm_year} + 1899;
@@ -54,19 +54,18 @@ Seconds localTime(Seconds instant) {
         floorDivide(yearsBefore, 4) - floorDivide(yearsBefore, 100) + floorDivide(yearsBefore, 400);
     constexpr Seconds daysBefore1970 = 719162;
     const Seconds days = 365 * yearsBefore + leapDays + fields.tm_yday - daysBefore1970;
-    // A leap second, which zones under "right/" have, is of the minute that it ends.
+    // A leap second, which zones under "right/" have, belongs to the minute that it ends.
     return days * secondsOfDay + fields.tm_hour * secondsOfHour + fields.tm_min * secondsOfMinute +
            std::min(fields.tm_sec, 59);
 }
 
-/// The first instant after `from` at which the clock is at another distance from UTC than at `from`; `to` when that is
-/// not before it.
+/// The first instant after `from` at which the offset from UTC differs from that at `from`; at most `to`.
 Seconds nextChange(Seconds from, Seconds to) {
     const Seconds offset = localTime(from) - from;
     const auto isChanged = [offset](Seconds instant) { return localTime(instant) - instant != offset; };
     while (from < to) {
-        // A change that is taken back within one step would be missed. In the time zone database no two changes of a
-        // zone are less than 95 hours apart (version 2025b).
+        // A change that is reversed within one step would be missed. In the time zone database (2025b) no two changes
+        // of a zone are less than 95 hours apart.
         Seconds next = std::min(from + secondsOfDay, to);
         if (isChanged(next)) {
             while (next - from > 1) {
@@ -80,8 +79,7 @@ Seconds nextChange(Seconds from, Seconds to) {
     return to;
 }
 
-/// The first instant from `from` on at which the clock shows a time from `lower` to just before `upper`; `to` when that
-/// is not before it.
+/// The first instant from `from` on at which the clock shows a time in [`lower`, `upper`); at most `to`.
 Seconds firstInstant(Seconds from, Seconds to, Seconds lower, Seconds upper) {
     while (from < to) {
         const Seconds change = nextChange(from, to);
@@ -94,7 +92,7 @@ Seconds firstInstant(Seconds from, Seconds to, Seconds lower, Seconds upper) {
     return to;
 }
 
-/// The first instant at which the clock shows that time or, where it skips it, a later one.
+/// The first instant at which the clock shows that time or, if it skips it, a later one.
 Seconds firstInstantOf(Seconds local) {
     return firstInstant(local - furthestOffset, local + furthestOffset, local, std::numeric_limits<Seconds>::max());
 }
@@ -105,7 +103,7 @@ Calendar::TimeOfDay SystemCalendar::timeOfDay(Date date) const {
     const auto instant = wholeSeconds(date);
     if (!instant)
         return {};
-    tzset(); // localtime_r alone need not notice that the user has travelled
+    tzset(); // localtime_r alone need not notice a new time zone
     const std::tm fields = localFields(*instant);
     return {.hour = fields.tm_hour, .minute = fields.tm_min};
 }

@@ -3,8 +3,8 @@
 
 #include "platform/Calendar.h"
 
-/// The time zone of the process, as the C library knows it; follows changes of the system's time zone. Tells instants
-/// up to 285 million years from 1970; each call costs a few microseconds.
+/// Local time in the process's time zone, by the C library; follows changes of the system's time zone. Works up to 285
+/// million years from 1970; each call costs a few microseconds.
 class SystemCalendar final : public Calendar {
 public:
     TimeOfDay timeOfDay(Date date) const override;

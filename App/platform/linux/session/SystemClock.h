@@ -3,7 +3,7 @@
 
 #include "platform/Clock.h"
 
-/// The clocks of the kernel.
+/// The kernel's clocks.
 class SystemClock final : public Clock {
 public:
     Date now() const override;

@@ -8,16 +8,16 @@
 #include <functional>
 #include <memory>
 
-/// SIGTERM, SIGINT and SIGHUP as events of the main loop. SIGXFSZ is ignored, so that writing beyond a limit of the
-/// file size fails like writing to a full disk and does not end the program.
+/// SIGTERM, SIGINT and SIGHUP as events of the main loop. SIGXFSZ is ignored, so that writing beyond the file size
+/// limit fails like writing to a full disk, instead of ending the program.
 class TerminationSignals {
 public:
-    /// Takes the signals over. To be made before any other thread starts, since threads inherit what is blocked.
+    /// Takes the signals over. To be created before any other thread, since threads inherit the blocked signals.
     TerminationSignals();
     TerminationSignals(const TerminationSignals&) = delete;
     TerminationSignals& operator=(const TerminationSignals&) = delete;
 
-    /// Calls back on the main thread for each signal from now on, also for one that came before.
+    /// Calls back on the main thread for each signal, including one that came earlier.
     void notify(std::function<void()> callback);
 
 private:

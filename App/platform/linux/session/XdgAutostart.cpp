@@ -50,11 +50,11 @@ std::optional<std::string> removeFile(const fs::path& file) {
     return reason(error);
 }
 
-/// Follows a link, so that those stay who keep their settings elsewhere.
+/// Follows a link, for users who keep their settings elsewhere and link to them.
 std::optional<std::string> put(Files& files, const fs::path& file, const std::optional<std::string>& content) {
     std::error_code error;
     if (fs::exists(file, error) && !fs::is_regular_file(file, error))
-        return reason(std::make_error_code(std::errc::file_exists)); // a link to /dev/null, for instance
+        return reason(std::make_error_code(std::errc::file_exists)); // for instance a link to /dev/null
     return content ? reason(files.replace(file, *content)) : noName;
 }
 
@@ -83,7 +83,7 @@ bool XdgAutostart::starts(const fs::path& file) const {
     const auto entry = content ? AutostartEntry::parse(*content) : std::nullopt;
     if (!entry || !entry->isOn || !entry->program.is_absolute())
         return false;
-    // Where a name without a folder is looked for is the session's to know; with the program itself, one of the two is.
+    // A name without a folder is looked up in the session's PATH, which we do not know; the program below is checked.
     if (entry->tryExec && entry->tryExec->is_absolute() && cannotRun(*entry->tryExec))
         return false;
     std::error_code error;
@@ -111,7 +111,7 @@ std::optional<std::string> XdgAutostart::registerItem() {
     const fs::path own = file(configHome_, *identifier);
     const auto system = systemFile(*identifier);
     if (system && starts(*system) && isThere(own) && !isLink(own))
-        return removeFile(own); // only it was in the way
+        return removeFile(own); // it only hid the system's
     return put(files_, own, AutostartEntry::text(bundle_.program(), bundle_.icon(), AutostartEntry::Switch::on));
 }
 
@@ -122,7 +122,7 @@ std::optional<std::string> XdgAutostart::unregisterItem() {
     if (!isEnabled())
         return std::nullopt;
     const fs::path own = file(configHome_, *identifier);
-    // Without its entry, the system's would hold; without its link, whoever manages it would bring it back.
+    // Removing our entry would bring the system's back; removing a link, whatever tool made the link.
     if (!systemFile(*identifier) && !isLink(own))
         return removeFile(own);
     return put(files_, own, AutostartEntry::text(bundle_.program(), bundle_.icon(), AutostartEntry::Switch::off));

@@ -10,14 +10,14 @@
 class Bundle;
 class Files;
 
-/// Start at login by an entry in the user's folder "autostart", named as the bundle. Such an entry hides those of the
-/// same name in the system's folders, so it is also what switches them off.
+/// Start at login by an entry in the user's "autostart" folder, named after the bundle. Such an entry hides those of
+/// the same name in the system's folders, so it can also switch them off.
 class XdgAutostart final : public LoginItem {
 public:
-    /// Where the user's entry is kept.
+    /// Where the user's entry is.
     static std::filesystem::path file(const std::filesystem::path& configHome, std::string_view identifier);
 
-    /// `configHome` and `configFolders` are the user's and the system's folders for configuration, the latter by rank.
+    /// `configHome` and `configFolders` are the user's and the system's configuration folders, most important first.
     XdgAutostart(const Bundle& bundle, Files& files, std::filesystem::path configHome,
                  std::vector<std::filesystem::path> configFolders);
 
