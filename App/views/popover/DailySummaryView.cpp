@@ -18,8 +18,8 @@ namespace {
 
 struct Column {
     const char* title;
-    int width;           ///< at least; the first takes the remaining space too
-    const char* longest; ///< a text as wide as any to expect
+    int width;           ///< minimum; the first column also takes the remaining space
+    const char* longest; ///< the widest text to expect
 };
 
 constexpr std::array columns{Column{"Day", 0, "Wed 30"}, Column{"Avg", 38, "100%"}, Column{"Range", 68, "100–100%"},
@@ -32,7 +32,7 @@ int columnWidth(const Column& column, const QFontMetrics& metrics) {
     return std::max(column.width, needed + gap);
 }
 
-/// The font of captions; smaller where the desktop's is so large that the table would not fit.
+/// The caption font; smaller where the desktop's font is so large that the table would not fit.
 QFont tableFont() {
     constexpr int room = popoverWidth - 2 * popoverPadding;
     QFont font = tabularFont(textFont(TextStyle::caption));
@@ -48,7 +48,7 @@ QFont tableFont() {
     return font;
 }
 
-/// A triangle that turns down, and a text.
+/// A triangle that turns down when expanded, and a text.
 class Disclosure final : public QAbstractButton {
 public:
     explicit Disclosure(const QString& text, QWidget* parent) : QAbstractButton(parent) {
@@ -136,7 +136,7 @@ void DailySummaryView::setCell(int row, int column, const QString& text, const Q
         label->setAlignment((column == 0 ? Qt::AlignLeading : Qt::AlignTrailing) | Qt::AlignVCenter);
         grid_->addWidget(label, row, column);
     }
-    // A label lays itself out anew for each of these, also when it has it already.
+    // QLabel redoes its layout for each of these, even if the value is the same.
     if (label->font() != table_->font())
         label->setFont(table_->font());
     if (label->palette().color(QPalette::WindowText) != palette.color(QPalette::WindowText))
@@ -168,7 +168,7 @@ void DailySummaryView::setContent(const std::vector<HistoryStore::DaySummary>& r
         const std::array texts{day, QString::fromStdString(cells.average), QString::fromStdString(cells.range),
                                QString::fromStdString(cells.charging)};
         for (int column = 0; column < static_cast<int>(columns.size()); ++column) {
-            // Read as one: a number alone says little.
+            // Screen readers get the day and column too: a number alone says little.
             const QString& text = texts[static_cast<std::size_t>(column)];
             const QString title = QLatin1String(columns[static_cast<std::size_t>(column)].title);
             setCell(i + 1, column, text,

@@ -11,18 +11,18 @@
 class QAbstractButton;
 class QGridLayout;
 
-/// A table of the last days that folds away; folded at first, and nothing at all without rows.
+/// A collapsible table of the last days; collapsed at first, and hidden without rows.
 class DailySummaryView final : public QWidget {
     Q_OBJECT
 
 public:
     explicit DailySummaryView(QWidget* parent = nullptr);
 
-    /// The rows from the top, and the colour of the header.
+    /// Sets the rows from the top, and the colour of the header.
     void setContent(const std::vector<HistoryStore::DaySummary>& rows, const QColor& secondary);
 
 Q_SIGNALS:
-    /// It has become higher or lower.
+    /// Its height has changed.
     void resized();
 
 private:

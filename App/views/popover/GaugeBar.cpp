@@ -38,7 +38,7 @@ void GaugeBar::paintEvent(QPaintEvent* /*event*/) {
     if (share <= 0)
         return;
     QRectF filled = bar;
-    filled.setWidth(std::max(bar.height(), bar.width() * share)); // as a dot at least
+    filled.setWidth(std::max(bar.height(), bar.width() * share)); // at least a dot
     if (layoutDirection() == Qt::RightToLeft)
         filled.moveRight(bar.right());
     painter.setBrush(color_);

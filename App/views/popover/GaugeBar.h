@@ -11,7 +11,7 @@ class GaugeBar final : public QProgressBar {
 public:
     explicit GaugeBar(QWidget* parent = nullptr);
 
-    /// The colours of what is filled and of the whole bar behind that.
+    /// Sets the colours of the filled part and of the whole bar behind it.
     void setColors(const QColor& color, const QColor& track);
 
     QSize sizeHint() const override;

@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Null when there is none for us.
+/// Null when the chart plugin cannot be used.
 HistoryPlot* loadPlot(QWidget* parent) {
     const auto make = reinterpret_cast<decltype(&makeHistoryPlot)>(pluginFunction("velmora-chart", "makeHistoryPlot"));
     return make != nullptr ? make(parent) : nullptr;
@@ -39,7 +39,7 @@ void HistoryChart::setContent(const Content& content) {
     const bool hasLine = content.points.size() >= 2;
     if (hasLine && plot_ == nullptr && (plot_ = loadPlot(this)) != nullptr)
         layers_->addWidget(plot_);
-    if (!hasLine || plot_ == nullptr) { // everything else can be used
+    if (!hasLine || plot_ == nullptr) { // the rest works without the plugin
         layers_->setCurrentWidget(empty_);
         setAccessibleName(empty_->text());
         return;

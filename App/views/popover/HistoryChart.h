@@ -19,7 +19,7 @@ class HistoryChart final : public QWidget {
     Q_OBJECT
 
 public:
-    /// What it shows.
+    /// The content of the chart.
     struct Content {
         std::vector<Point> points;
         std::vector<Date> marks;           ///< on the time axis
@@ -29,13 +29,13 @@ public:
         std::optional<std::int64_t> limit; ///< percent; empty for no rule
         QColor line;                       ///< of the charge
         QColor rule;                       ///< of the limit
-        QColor ruleText;                   ///< of what stands at it
+        QColor ruleText;                   ///< of the label at the rule
         QColor secondary;                  ///< of the marks and of the sentence
     };
 
     explicit HistoryChart(QWidget* parent = nullptr);
 
-    /// Shows this from now on; the sentence where there are fewer than two points, or nothing that draws them.
+    /// Shows this content; the sentence if there are fewer than two points or the chart plugin is missing.
     void setContent(const Content& content);
 
 private:

@@ -26,7 +26,8 @@ QFont annotationFont() {
     return font;
 }
 
-/// Of captions; but the marks of a week stand side by side, however large the desktop's font is.
+/// The caption font, but limited in size: the marks of a week must fit side by side, however large the desktop's font
+/// is.
 QFont axisFont() {
     constexpr int largest = 13;
     QFont font = textFont(TextStyle::caption2);
@@ -40,7 +41,7 @@ QColor faint(QColor color, int alpha) {
     return color;
 }
 
-/// 5 on, 3 off, in pixels; a pen counts in its own width.
+/// 5 pixels on, 3 off; QPen counts in units of its width.
 QPen rulePen(const QColor& color) {
     QPen pen(color, ruleWidth, Qt::CustomDashLine, Qt::FlatCap, Qt::MiterJoin);
     pen.setDashPattern({5 / ruleWidth, 3 / ruleWidth});
@@ -50,7 +51,7 @@ QPen rulePen(const QColor& color) {
 
 } // namespace
 
-/// With the chart library; in a module of its own.
+/// Draws with QCustomPlot; in a plugin of its own.
 class CustomHistoryPlot final : public HistoryPlot {
 public:
     explicit CustomHistoryPlot(QWidget* parent);
@@ -72,7 +73,7 @@ CustomHistoryPlot::CustomHistoryPlot(QWidget* parent) : HistoryPlot(parent), plo
     plot_->setObjectName(QStringLiteral("historyChartPlot"));
     plot_->setFocusPolicy(Qt::NoFocus);
     plot_->setAttribute(Qt::WA_TransparentForMouseEvents);
-    plot_->setPlottingHint(QCP::phFastPolylines); // a week of it would take as long as all the rest of the popover
+    plot_->setPlottingHint(QCP::phFastPolylines); // otherwise drawing a week takes as long as the rest of the popover
     auto percents = QSharedPointer<QCPAxisTickerText>::create();
     for (const int percent : {0, 50, 100})
         percents->addTick(percent, QString::number(percent) + QLatin1Char('%'));
@@ -92,7 +93,7 @@ CustomHistoryPlot::CustomHistoryPlot(QWidget* parent) : HistoryPlot(parent), plo
         axis->setPadding(0);
         axis->setTickLength(0, 0);
     }
-    // What is made first is drawn first: the text of the rule stays whole where the line of the charge crosses it.
+    // QCustomPlot draws in the order of creation: the rule's text stays whole where the charge line crosses it.
     graph_ = plot_->addGraph(plot_->xAxis, plot_->yAxis2);
     graph_->setLineStyle(QCPGraph::lsLine);
     rule_ = new QCPItemStraightLine(plot_);
@@ -135,7 +136,7 @@ void CustomHistoryPlot::styleAxes(const HistoryChart::Content& content) {
     for (const Date mark : content.marks)
         ticks->addTick(seconds(mark), content.days == 1 ? shortTime(mark) : weekdayText(mark));
     plot_->xAxis->setTicker(ticks);
-    // Room for the annotation of a limit at the top, and on the left for half of a mark's text.
+    // Room above for the text of a limit at the top, and on the left for half of a mark's text.
     const int above = QFontMetrics(annotationFont()).height() + annotationSpacing + 3;
     plot_->axisRect()->setMinimumMargins({QFontMetrics(font).averageCharWidth() * 2, above, 0, 0});
 }
@@ -160,7 +161,7 @@ void CustomHistoryPlot::showPoints(const HistoryChart::Content& content) {
     QVector<QCPGraphData> line;
     std::int64_t segment = 0;
     for (const Point& point : content.points) {
-        if (point.seg != segment) // a value that is no number ends a line
+        if (point.seg != segment) // NaN ends a line
             line.append({seconds(point.date), std::numeric_limits<double>::quiet_NaN()});
         segment = point.seg;
         line.append({seconds(point.date), static_cast<double>(point.pct)});

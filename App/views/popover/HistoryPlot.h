@@ -5,16 +5,16 @@
 
 #include <QWidget>
 
-/// Draws the line of the history chart. What does it is a module that is loaded when the first line is to be drawn: the
-/// chart library, and the printing library that it needs, are a part of what a start costs, and most starts never open
-/// the popover.
+/// Draws the line of the history chart. The implementation is a plugin that is loaded when the first line is to be
+/// drawn: QCustomPlot, and the QtPrintSupport that it needs, would add to the cost of every start, and most starts
+/// never open the popover.
 class HistoryPlot : public QWidget {
 public:
     using QWidget::QWidget;
 
-    /// There are at least two points.
+    /// Shows the content, which has at least two points.
     virtual void setContent(const HistoryChart::Content& content) = 0;
 };
 
-/// How the module is entered.
+/// The plugin's entry point.
 extern "C" Q_DECL_EXPORT HistoryPlot* makeHistoryPlot(QWidget* parent);

@@ -10,7 +10,7 @@ class LinkButton final : public QAbstractButton {
 public:
     explicit LinkButton(const QString& text, QWidget* parent = nullptr);
 
-    /// The colour of the text.
+    /// Sets the colour of the text.
     void setColor(const QColor& color);
 
     QSize sizeHint() const override;

@@ -25,9 +25,8 @@ bool isWaylandSession() {
     return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
-/// On plain X11 a popup window closes at a click anywhere. Under Wayland, and on X servers that run inside it, a click
-/// on somebody else's window never reaches a popup; a tool window that closes when it loses the focus does better
-/// there.
+/// On plain X11 a popup window closes on a click anywhere. Under Wayland, and on X servers inside it, a click on
+/// another program's window never reaches a popup; a tool window that closes when it loses the focus does better there.
 Qt::WindowFlags popoverFlags() {
     const bool plainX11 = QGuiApplication::platformName() == QLatin1String("xcb") && !isWaylandSession();
     return plainX11 ? Qt::Popup | Qt::FramelessWindowHint
@@ -44,7 +43,7 @@ constexpr auto longestLook = std::chrono::minutes(2);
 
 constexpr int scrollBarGap = 2; ///< between the scroll bar and the sides
 
-/// A line around the window, before everything that is in it.
+/// A line around the window, drawn on top of its content.
 class Border final : public QWidget {
 public:
     explicit Border(QWidget* parent) : QWidget(parent) { setAttribute(Qt::WA_TransparentForMouseEvents); }
@@ -54,7 +53,7 @@ protected:
         QColor line = palette().color(QPalette::WindowText);
         line.setAlpha(60);
         QPainter painter(this);
-        // As areas: a pen lies across the edges, and half of it outside.
+        // Filled as areas: a pen straddles the edges, with half of it outside.
         for (const QRect& side : QRegion(rect()) - QRegion(rect().adjusted(1, 1, -1, -1)))
             painter.fillRect(side, line);
     }
@@ -72,7 +71,7 @@ Popover::Popover()
     area_->setFrameShape(QFrame::NoFrame);
     area_->setWidgetResizable(true);
     area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    area_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // it would take its width from the content
+    area_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // it would take width from the content
     area_->setFocusPolicy(Qt::NoFocus);
     area_->verticalScrollBar()->setAccessibleName(QStringLiteral("Scroll"));
     untilNobodyLooks_.setSingleShot(true);
@@ -90,14 +89,14 @@ void Popover::showAt(std::optional<ScreenPoint> point) {
         point_ = point;
     place();
     show();
-    place(); // now that what is inside has its fonts
+    place(); // again, now that the content has its fonts
     raise();
     activateWindow();
-    // A popup holds the keyboard and the pointer, which a screen locker needs for itself.
+    // A popup grabs the keyboard and the pointer, which a screen locker needs for itself.
     pointer_ = QCursor::pos();
     if (windowType() == Qt::Popup)
         untilNobodyLooks_.start();
-    // Nothing is chosen until the user takes the keyboard.
+    // No control has the focus until the user turns to the keyboard.
     if (QWidget* content = area_->widget())
         content->setFocus();
 }
@@ -116,12 +115,12 @@ void Popover::place() {
     if (screen == nullptr || content == nullptr)
         return;
     const QRect available = screen->availableGeometry();
-    // What is inside what is inside tells its new height by such an event only.
+    // A nested layout announces its new height by a LayoutRequest, and nothing else.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
     content->layout()->activate();
     const int wanted = content->layout()->hasHeightForWidth() ? content->layout()->totalHeightForWidth(popoverWidth)
                                                               : content->sizeHint().height();
-    // A fixed size is also what makes tiling compositors let it float.
+    // The fixed size also makes tiling compositors let the window float.
     setFixedSize(popoverWidth, std::min(wanted, available.height()));
     area_->setGeometry(rect());
     border_->setGeometry(rect());

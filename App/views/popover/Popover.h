@@ -13,24 +13,24 @@
 class QScrollArea;
 class ThinScrollBar;
 
-/// The window that opens from the status item and closes by itself when the user turns elsewhere, or away.
+/// The window that opens from the status item. It closes by itself when the user turns to something else or leaves.
 class Popover final : public QWidget {
     Q_OBJECT
 
 public:
     Popover();
 
-    /// What is in it; it is as wide as the popover, whose border and scroll bar lie on its margin, and as high as it
-    /// wants to be, and scrolls where the screen is too low for that. Taken over.
+    /// Sets the content and takes ownership of it. It is as wide as the popover, whose border and scroll bar lie on its
+    /// margin, and as high as it asks to be; it scrolls if the screen is too low for that.
     void setContent(QWidget* content);
 
-    /// Shows it beside the point, or where it was last, or in the top right corner, and takes the keyboard.
+    /// Shows it beside the point, else where it was last, else in the top right corner, and takes the keyboard focus.
     void showAt(std::optional<ScreenPoint> point);
 
-    /// Fits it to its content, which has become higher or lower.
+    /// Fits its size and position to the content, whose height has changed.
     void place();
 
-    /// Whether it was closed so lately that the click which closed it may be the one that now asks for it.
+    /// Whether it was closed so recently that the click which closed it may be the one that now asks for it.
     bool wasJustClosed() const;
 
 Q_SIGNALS:
@@ -48,7 +48,7 @@ private:
     std::optional<ScreenPoint> point_;
     QElapsedTimer sinceClosed_;
     QTimer untilNobodyLooks_{this};
-    QPoint pointer_; ///< when the timer was started
+    QPoint pointer_; ///< where it was when the timer was started
 
     void closeUnlessPointerMoves();
 };

@@ -38,7 +38,7 @@ constexpr std::size_t mostDetails = 4;
 QLabel* makeLabel(const char* name, QWidget* parent) {
     auto* label = new QLabel(parent);
     label->setObjectName(QLatin1String(name));
-    label->setTextFormat(Qt::PlainText); // the battery's own words are not markup
+    label->setTextFormat(Qt::PlainText); // text from the battery is not markup
     return label;
 }
 
@@ -221,7 +221,7 @@ QWidget* PopoverView::makeFooter(std::function<void()> quit) {
 }
 
 void PopoverView::queueRebuild() {
-    // Several values change in one refresh, and each announces itself before it is stored.
+    // Several values change in one refresh, and each notifies its observers before it is stored.
     if (isQueued_ || !isVisible())
         return;
     isQueued_ = true;
@@ -264,7 +264,7 @@ void PopoverView::showNoBattery() {
 void PopoverView::showHeader(const BatteryState& state, Date now) {
     ring_->setContent(state.percent, color(ringTint(state), Use::graphics), trackColor());
     ring_->setAccessibleName(QString::fromStdString(ringDescription(state)));
-    setAccessibleName(ring_->accessibleName()); // it has the keyboard first, so this is what is read when it opens
+    setAccessibleName(ring_->accessibleName()); // it gets the focus first, so screen readers read this when it opens
     setText(state_, QString::fromStdString(state.stateText()), TextStyle::headline, Tint::primary);
     const std::optional<std::string> pluggedIn = pluggedInText(model.pluggedSince.get(), now);
     pluggedIn_->setVisible(pluggedIn.has_value());
@@ -324,7 +324,7 @@ QColor PopoverView::trackColor() const {
 }
 
 void PopoverView::setText(QLabel* label, const QString& text, TextStyle style, Tint tint) {
-    // A label lays itself out anew for each of these, also when it has it already.
+    // QLabel redoes its layout for each of these, even if the value is the same.
     if (const QColor wanted = color(tint); label->palette().color(QPalette::WindowText) != wanted) {
         QPalette colors = palette();
         colors.setColor(QPalette::WindowText, wanted);
@@ -339,7 +339,7 @@ void PopoverView::setText(QLabel* label, const QString& text, TextStyle style, T
 void PopoverView::setRow(const Row& row, const QString& label, const QString& value, Tint tint) {
     setText(row.label, label, TextStyle::body, Tint::primary);
     setText(row.value, value, TextStyle::body, tint);
-    // Read as one: a value alone says little.
+    // Screen readers get the label too: a value alone says little.
     if (const QString spoken = label + QLatin1String(": ") + value; row.value->accessibleName() != spoken)
         row.value->setAccessibleName(spoken);
 }

@@ -21,21 +21,21 @@ class QLabel;
 class RingView;
 class SegmentedPicker;
 
-/// The content of the popover: the ring with what it means, the details, the history as chart and table, and the ways
-/// to the settings and out. It follows the model while it is on the screen, and does nothing while it is not.
+/// The content of the popover: the ring with its meaning, the details, the history as chart and table, and the buttons
+/// for the settings and for quitting. It follows the model while it is on the screen, and does nothing while it is not.
 class PopoverView final : public QWidget {
     Q_OBJECT
 
 public:
-    /// What its two buttons do.
+    /// `openSettings` and `quit` are the actions of its two buttons.
     PopoverView(AppModel& model, const Platform& platform, std::function<void()> openSettings,
                 std::function<void()> quit, QWidget* parent = nullptr);
     ~PopoverView() override;
 
-    /// Brings everything up to date, also while it is not on the screen; to be called before it is shown.
+    /// Updates everything, even while it is not on the screen; to be called before it is shown.
     void rebuild();
 
-    /// How often it has been brought up to date, so that a test can see that nothing is done behind a closed popover.
+    /// The number of updates so far, so that a test can check that a closed popover does no work.
     int rebuilds() const { return rebuilds_; }
 
 Q_SIGNALS:

@@ -15,8 +15,8 @@ constexpr int padding = 6;
 constexpr qreal lineWidth = 11;
 constexpr int textSize = 28;
 
-/// The desktop's own font, since desktops have no rounded one beside it, in the size of the ring; smaller where the
-/// text would touch the line.
+/// The desktop's font, since desktops have no rounded one, sized for the ring; smaller where the text would touch the
+/// line.
 QFont ringFont(const QFont& base, const QString& text, qreal room) {
     QFont font = base;
     font.setPixelSize(textSize);
@@ -54,7 +54,7 @@ void RingView::paintEvent(QPaintEvent* /*event*/) {
     painter.setPen(QPen(track_, lineWidth, Qt::SolidLine, Qt::FlatCap));
     painter.drawEllipse(circle);
     if (const std::int64_t filled = std::clamp<std::int64_t>(percent, 0, 100); filled > 0) {
-        constexpr int sixteenths = 16; // of a degree, which the painter counts in, anticlockwise from three o'clock
+        constexpr int sixteenths = 16; // of a degree, in which QPainter counts, anticlockwise from three o'clock
         painter.setPen(QPen(color, lineWidth, Qt::SolidLine, Qt::RoundCap));
         painter.drawArc(circle, 90 * sixteenths,
                         -static_cast<int>(std::lround(static_cast<double>(filled) * 3.6 * sixteenths)));

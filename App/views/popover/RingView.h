@@ -13,7 +13,7 @@ class RingView final : public QWidget {
 public:
     explicit RingView(QWidget* parent = nullptr);
 
-    /// Whole percent, and the colours of the arc and of the rest of the ring.
+    /// Sets the charge in whole percent, and the colours of the arc and of the rest of the ring.
     void setContent(std::int64_t percent, const QColor& color, const QColor& track);
 
     QSize sizeHint() const override;

@@ -4,16 +4,16 @@
 #include <QStringList>
 #include <QWidget>
 
-/// A row of choices of which one is taken. The arrow keys move the choice.
+/// A row of choices, one of which is selected. The arrow keys move the selection.
 class SegmentedPicker final : public QWidget {
     Q_OBJECT
 
 public:
-    /// The choices from the left; the first is taken.
+    /// The choices from the left; the first is selected.
     explicit SegmentedPicker(const QStringList& choices, QWidget* parent = nullptr);
 
 Q_SIGNALS:
-    /// The user took another choice.
+    /// The user selected another choice.
     void chosen(int index);
 
 protected:

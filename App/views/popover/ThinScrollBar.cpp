@@ -25,7 +25,7 @@ void ThinScrollBar::follow() {
 void ThinScrollBar::paintEvent(QPaintEvent* /*event*/) {
     QStyleOptionSlider option;
     initStyleOption(&option);
-    // Where the style expects the handle, since that is where it takes it.
+    // Drawn where the style expects the handle, since that is where it can be grabbed.
     const QRect handle = style()->subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarSlider, this);
     QColor color = palette().color(QPalette::WindowText);
     color.setAlphaF(isSliderDown() || underMouse() ? 0.6F : 0.35F);

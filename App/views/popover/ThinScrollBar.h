@@ -3,15 +3,15 @@
 
 #include <QScrollBar>
 
-/// A vertical scroll bar that is nothing but a thin handle, so that it fits into the margin beside what is scrolled. It
-/// is there only while there is something to scroll.
+/// A vertical scroll bar that is just a thin handle, so that it fits into the margin beside the scrolled content. It is
+/// visible only while there is something to scroll.
 class ThinScrollBar final : public QScrollBar {
     Q_OBJECT
 
 public:
     static constexpr int thickness = 7;
 
-    /// Moves and is moved by `other`, which lives as long and is not seen itself.
+    /// Stays in step with `other`, in both directions; `other` lives as long and is not visible itself.
     ThinScrollBar(QScrollBar* other, QWidget* parent);
 
 protected:

@@ -29,7 +29,7 @@ constexpr int margin = 20;
 constexpr int rowMargin = 12;
 constexpr int rowHeight = 34;
 
-/// The ground that the rows of one section stand on, with lines between them.
+/// The background of one section's rows, with lines between them.
 class Card final : public QWidget {
 public:
     explicit Card(QWidget* parent) : QWidget(parent) {
@@ -138,7 +138,7 @@ void SettingsView::addControl(QBoxLayout* section, const SettingsControl& contro
     widget->installEventFilter(this);
     addRow(section, label, widget);
     if (!control.enabledBy.empty()) {
-        // Several are called "Sound"; what they belong to is seen above them, and heard by this.
+        // Several controls are called "Sound"; their switch is visible above them, and screen readers get it from this.
         widget->setAccessibleDescription(findChild<QWidget*>(toQString(control.enabledBy))->accessibleName());
         syncs_.emplace_back([this, widget, label, key = control.enabledBy] {
             const bool isOn = platform_.defaults.boolForKey(key);
@@ -156,7 +156,8 @@ QWidget* SettingsView::makeToggle(const SettingsControl& control) {
         sync();
     });
     if (control.asksPermission) {
-        // Whoever switches it on; but a question that comes out of nothing, with no form to be seen, would frighten.
+        // It does not matter who switches it on; but a question out of nowhere, with no form in sight, would be
+        // alarming.
         connect(toggle, &ToggleSwitch::toggled, this, [this](bool on) {
             if (on && isVisible())
                 model.notifier.requestIfNeeded();
@@ -269,7 +270,7 @@ void SettingsView::style() {
         note->setPalette(colors);
         note->setFont(textFont(TextStyle::caption));
     }
-    // On dark cards the frames of fields are not seen, so their ground tells where they are.
+    // On dark cards the frames of fields are invisible, so their background shows where they are.
     const bool isDark =
         palette().color(QPalette::Window).lightness() < palette().color(QPalette::WindowText).lightness();
     for (auto* box : findChildren<QAbstractSpinBox*>()) {
@@ -285,7 +286,7 @@ void SettingsView::setLaunchAtLogin(bool on) {
         on ? platform_.loginItem.registerItem() : platform_.loginItem.unregisterItem();
     loginError_->setVisible(failure.has_value());
     loginError_->setText(failure ? toQString("Could not change Launch at Login: " + *failure) : QString());
-    // What really is, not what was wanted.
+    // The actual state, not the requested one.
     launchAtLogin_->setChecked(platform_.loginItem.isEnabled());
 }
 
@@ -302,11 +303,11 @@ void SettingsView::askReset() {
     confirmReset_->setDefaultButton(cancel);
     confirmReset_->setEscapeButton(cancel);
     connect(reset, &QAbstractButton::clicked, this, [this] { model.resetHistory(); });
-    confirmReset_->open(); // the form waits, the program does not
+    confirmReset_->open(); // blocks the form, but not the program
 }
 
 bool SettingsView::eventFilter(QObject* watched, QEvent* event) {
-    // The wheel scrolls the form; only what was chosen by keyboard or click turns with it.
+    // The wheel scrolls the form; it changes a control only once a key or a click has given it the focus.
     const auto* widget = qobject_cast<QWidget*>(watched);
     if (event->type() == QEvent::Wheel && widget != nullptr && !widget->hasFocus()) {
         event->ignore();

@@ -18,7 +18,7 @@ class QLabel;
 class QMessageBox;
 class ToggleSwitch;
 
-/// The form of all preferences. What the user changes is stored at once; what others change is shown at once.
+/// The form of all preferences. The user's changes are stored at once; changes made elsewhere are shown at once.
 class SettingsView final : public QWidget {
     Q_OBJECT
 
@@ -26,7 +26,7 @@ public:
     SettingsView(AppModel& model, const Platform& platform, QWidget* parent = nullptr);
     ~SettingsView() override;
 
-    /// Reads again what is kept outside the preferences; to be called before it is shown.
+    /// Rereads what is kept outside the preferences; to be called before the form is shown.
     void readAgain();
 
 protected:
@@ -42,7 +42,7 @@ private:
     QPointer<QMessageBox> confirmReset_; ///< while the question is open
     std::vector<QLabel*> headers_;
     std::vector<QLabel*> notes_;
-    std::vector<std::function<void()>> syncs_; ///< each brings one control to what is stored
+    std::vector<std::function<void()>> syncs_; ///< each sets one control to the stored value
     std::vector<Subscription> observations_;
 
     QBoxLayout* addSection(const std::string& header);

@@ -17,10 +17,11 @@ namespace {
 
 constexpr int windowWidth = 480;
 constexpr int windowHeight = 720;
-constexpr int roomAround = 24; ///< what is seen around a control that the keyboard comes to
-constexpr int titleBar = 40;   ///< about as high as those of window managers
+constexpr int roomAround = 24; ///< kept in view around a control that gets the focus
+constexpr int titleBar = 40;   ///< about as high as window managers make it
 
-/// For the title bars and task lists of X11; Wayland's desktops find it by the program's name. Empty in half a bundle.
+/// For title bars and task lists on X11; Wayland desktops find the icon by the program's name. Null in an incomplete
+/// bundle.
 QIcon programIcon() {
     QSvgRenderer drawing(QCoreApplication::applicationDirPath() +
                          QStringLiteral("/../share/icons/hicolor/scalable/apps/app.velmora.Velmora.svg"));
@@ -46,7 +47,7 @@ SettingsWindow::SettingsWindow(QWidget* form)
     , area_(new QScrollArea(this)) {
     setObjectName(QStringLiteral("settingsWindow"));
     if (QApplication::windowIcon().isNull())
-        QApplication::setWindowIcon(programIcon()); // for the dialogs before this window, too
+        QApplication::setWindowIcon(programIcon()); // for the dialogs in front of this window, too
     setWindowTitle(QStringLiteral("Velmora Settings"));
     area_->setFrameShape(QFrame::NoFrame);
     area_->setWidgetResizable(true);
@@ -63,7 +64,7 @@ SettingsWindow::SettingsWindow(QWidget* form)
 }
 
 void SettingsWindow::present() {
-    setWindowState(windowState() & ~Qt::WindowMinimized); // there is no button for that, but other ways
+    setWindowState(windowState() & ~Qt::WindowMinimized); // it has no minimise button, but there are other ways
     show();
     raise();
     activateWindow();
@@ -73,7 +74,7 @@ bool SettingsWindow::focusNextPrevChild(bool next) {
     const bool found = QDialog::focusNextPrevChild(next);
     const QWidget* widget = focusWidget();
     if (widget != nullptr && area_->widget()->isAncestorOf(widget)) {
-        // By itself the area cares for no more than the place of the cursor.
+        // By itself QScrollArea only keeps the cursor in view.
         const QRect place(widget->mapTo(area_->widget(), QPoint()), widget->size());
         area_->ensureVisible(place.center().x(), place.center().y(), 0, place.height() / 2 + roomAround);
     }

@@ -5,15 +5,15 @@
 
 class QScrollArea;
 
-/// The window around the settings form: of fixed size, closed but not destroyed. Esc closes it as well.
+/// The window of the settings form: of fixed size, and hidden but not destroyed when closed. Esc closes it as well.
 class SettingsWindow final : public QDialog {
     Q_OBJECT
 
 public:
-    /// Takes over the form, and stands in the middle of the screen.
+    /// Takes ownership of the form, and is centred on the screen.
     explicit SettingsWindow(QWidget* form);
 
-    /// Brings it to the front with the keyboard; where it is stays the user's affair.
+    /// Brings it to the front with the keyboard focus; its position is left to the user.
     void present();
 
 protected:

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr int separatorAfter = 2; ///< choices that are no sound of ours
+constexpr int separatorAfter = 2; ///< choices that are not sounds of ours
 
 } // namespace
 
@@ -28,7 +28,7 @@ SoundPicker::SoundPicker(SystemSounds& sounds, QWidget* parent) : QComboBox(pare
 void SoundPicker::setStored(const std::string& value) {
     setCurrentIndex(findData(toQString(value)));
     if (!isVisible())
-        sound = value; // nobody has changed it before their eyes
+        sound = value; // the user did not see it change
     else if (value != sound)
         change(value);
 }

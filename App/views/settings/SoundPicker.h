@@ -7,18 +7,18 @@
 
 class SystemSounds;
 
-/// A choice of sound. A sound that is chosen can be heard once.
+/// A combo box of sounds. A sound is played once when it is chosen.
 class SoundPicker final : public QComboBox {
     Q_OBJECT
 
 public:
     explicit SoundPicker(SystemSounds& sounds, QWidget* parent = nullptr);
 
-    /// Shows what is stored; a name that is not offered shows as nothing chosen.
+    /// Shows the stored value; for a name that is not on offer, nothing is selected.
     void setStored(const std::string& value);
 
 Q_SIGNALS:
-    /// The user chose what is to be stored under this name.
+    /// The user chose the sound that is stored under this name.
     void chosen(const std::string& value);
 
 private:

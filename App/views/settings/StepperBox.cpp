@@ -7,7 +7,7 @@
 StepperBox::StepperBox(int least, int most, QWidget* parent) : QSpinBox(parent), least_(least), most_(most) {
     setRange(least, most);
     setAccelerated(true);
-    setKeyboardTracking(false); // a number that is being typed is not meant yet
+    setKeyboardTracking(false); // a number that is still being typed does not count
     connect(this, &QSpinBox::valueChanged, this, [this](int value) {
         if (!isSetting_)
             choose(value);
@@ -20,16 +20,16 @@ void StepperBox::setStored(std::int64_t stored) {
     const int minimumShown = std::min(least_, shown);
     const int maximumShown = std::max(most_, shown);
     isSetting_ = true;
-    // A new range, even the same one, lets go of the arrow that the user holds.
+    // Setting a range, even the same one, releases the arrow that the user holds.
     if (minimum() != minimumShown || maximum() != maximumShown)
         setRange(minimumShown, maximumShown);
-    if (value() != shown) // else what is being typed stays
+    if (value() != shown) // otherwise keep what is being typed
         setValue(shown);
     isSetting_ = false;
 }
 
 void StepperBox::stepBy(int steps) {
-    // From beyond the range the first step leads into it.
+    // From outside the range the first step leads into it.
     const auto wanted = std::int64_t{value()} + steps;
     const auto next = static_cast<int>(std::clamp<std::int64_t>(wanted, least_, most_));
     if (next != value())

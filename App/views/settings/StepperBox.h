@@ -5,16 +5,16 @@
 
 #include <cstdint>
 
-/// A number with arrows to hold and a field to type into. A value from outside may lie beyond the range; it is shown as
-/// it is until the user touches it.
+/// A number field with arrows that can be held down. A value from elsewhere may lie outside the range; it is shown as
+/// it is until the user changes it.
 class StepperBox final : public QSpinBox {
     Q_OBJECT
 
 public:
-    /// What the user can choose: whole numbers from `least` to `most`, both included.
+    /// The user can choose whole numbers from `least` to `most`, both included.
     StepperBox(int least, int most, QWidget* parent = nullptr);
 
-    /// Shows a value that the user did not choose.
+    /// Shows a value that the user did not choose, without emitting `chosen`.
     void setStored(std::int64_t stored);
 
 Q_SIGNALS:

@@ -11,7 +11,7 @@
 
 TimeBox::TimeBox(QWidget* parent) : QTimeEdit(parent) {
     setDisplayFormat(shortTimeFormat(QLocale::system()));
-    setKeyboardTracking(false); // a time that is being typed is not meant yet
+    setKeyboardTracking(false); // a time that is still being typed does not count
     setWrapping(true);          // after 23 comes 0
     lineEdit()->installEventFilter(this);
     connect(this, &QTimeEdit::timeChanged, this, [this](QTime time) {
@@ -24,14 +24,14 @@ void TimeBox::setStored(std::int64_t minutes, Calendar::TimeOfDay otherwise) {
     const auto stored = timeOfMinutes(minutes);
     const QTime shown = stored ? QTime(stored->hour, stored->minute) : QTime(otherwise.hour, otherwise.minute);
     if (shown == time())
-        return; // what is being typed stays
+        return; // keep what is being typed
     const QSignalBlocker quiet(this);
     setTime(shown);
 }
 
 bool TimeBox::eventFilter(QObject* watched, QEvent* event) {
-    // Qt only puts the cursor there, where no more digits fit in. When the field is done with the click, what
-    // was clicked is selected.
+    // On a click Qt only places the cursor, where no more digits fit in. Once the field has handled the click, select
+    // the section that was clicked.
     if (watched == lineEdit() && event->type() == QEvent::MouseButtonRelease) {
         QMetaObject::invokeMethod(
             this, [this] { setSelectedSection(currentSection()); }, Qt::QueuedConnection);

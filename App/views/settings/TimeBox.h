@@ -7,15 +7,15 @@
 
 #include <cstdint>
 
-/// A time of day in hours and minutes, on the clock of the user's country. A click chooses hours or minutes, which can
-/// then be typed over.
+/// A time of day in hours and minutes, in the format of the user's locale. A click selects the hours or the minutes,
+/// which can then be typed over.
 class TimeBox final : public QTimeEdit {
     Q_OBJECT
 
 public:
     explicit TimeBox(QWidget* parent = nullptr);
 
-    /// Shows minutes since midnight that the user did not choose; `otherwise` for those that no day has.
+    /// Shows minutes since midnight that the user did not choose, or `otherwise` if they are not within a day.
     void setStored(std::int64_t minutes, Calendar::TimeOfDay otherwise);
 
 Q_SIGNALS:

@@ -31,7 +31,7 @@ void ToggleSwitch::paintEvent(QPaintEvent* /*event*/) {
     painter.setOpacity(isEnabled() ? 1 : 0.45);
     const QRectF track(QPointF(room, room), QSizeF(trackSize));
     const qreal radius = track.height() / 2;
-    QColor off = palette().color(QPalette::Active, QPalette::WindowText); // it is pale enough by the opacity
+    QColor off = palette().color(QPalette::Active, QPalette::WindowText); // the opacity makes it pale enough
     off.setAlphaF(0.35F);
     painter.setPen(Qt::NoPen);
     painter.setBrush(isChecked() ? tintColor(Tint::accent, palette(), Use::graphics) : off);

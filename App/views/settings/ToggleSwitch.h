@@ -3,7 +3,7 @@
 
 #include <QCheckBox>
 
-/// A switch with a knob. For those who cannot see it, it is a check box.
+/// A switch with a knob. To screen readers it is a check box.
 class ToggleSwitch final : public QCheckBox {
     Q_OBJECT
 

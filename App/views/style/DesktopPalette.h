@@ -6,9 +6,9 @@
 #include <QFont>
 #include <QPalette>
 
-/// Qt's own palette, which is a light one, as the desktop wants it: dark where it says so, and with its accent
-/// as the colour of what is chosen.
+/// Qt's own palette, which is light, adapted to the desktop: dark if the desktop says so, and with the desktop's accent
+/// as the selection colour.
 QPalette desktopPalette(const QPalette& own, const Appearance& look);
 
-/// Qt's own font, with the desktop's family and size where it tells them.
+/// Qt's own font, with the desktop's family and size where it gives them.
 QFont desktopFont(const QFont& own, const Appearance& look);

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Of the size of the desktop's font.
+/// Relative to the size of the desktop's font.
 double relativeSize(TextStyle style) {
     switch (style) {
     case TextStyle::body:
@@ -38,10 +38,10 @@ QColor mixed(const QColor& one, const QColor& other, double share) {
     const auto mix = [share](double a, double b) { return static_cast<float>(a * share + b * (1 - share)); };
     const QColor color = QColor::fromRgbF(mix(one.redF(), other.redF()), mix(one.greenF(), other.greenF()),
                                           mix(one.blueF(), other.blueF()));
-    return QColor(color.rgb()); // as it arrives on the screen
+    return QColor(color.rgb()); // as it appears on the screen
 }
 
-/// The colour itself, or as near to it as can be read on the background.
+/// The colour itself, or the closest one that is readable on the background.
 QColor readable(const QColor& color, const QColor& background, Use use) {
     const double leastContrast = use == Use::text ? 4.5 : 3;
     const QColor away = luminance(background) > 0.18 ? Qt::black : Qt::white;

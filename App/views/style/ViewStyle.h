@@ -9,32 +9,32 @@
 
 #include <functional>
 
-/// How wide the popover's content is, and how much of that is left free on each side.
+/// The width of the popover's content, and the padding within it on each side, in pixels.
 inline constexpr int popoverWidth = 340;
 inline constexpr int popoverPadding = 16;
 
-/// The fonts of the views, all from the desktop's own.
+/// The text styles of the views, all derived from the desktop's font.
 enum class TextStyle { body, headline, callout, caption, caption2 };
 
-/// The desktop's font, as it is now, in the size and weight of a style.
+/// The desktop's current font in the size and weight of a style.
 QFont textFont(TextStyle style);
 
-/// How wide a digit is in a font.
+/// Gives the width of a digit in a font.
 using DigitWidth = std::function<double(const QFont& font, char digit)>;
 
-/// The same as Qt draws it, in pixels.
+/// The width of a digit as Qt draws it, in pixels.
 double digitWidth(const QFont& font, char digit);
 
-/// The font if its digits are all as wide, so that numbers stay where they are while they change; else one that has
-/// such digits, in the same size. Fonts that have both kinds cannot be told to use the other one, before Qt 6.7.
+/// The font itself if its digits are all equally wide, so that numbers do not shift while they change; else one with
+/// such digits, in the same size. If a font has both kinds of digits, Qt before 6.7 cannot select the other kind.
 QFont tabularFont(const QFont& font, const DigitWidth& width = digitWidth);
 
-/// What a colour is for. By the Web Content Accessibility Guidelines text needs a contrast of 4.5 : 1 at least, and
-/// what is no text 3 : 1.
+/// What a colour is for. The Web Content Accessibility Guidelines require a contrast of at least 4.5 : 1 for text, and
+/// 3 : 1 for anything else.
 enum class Use { text, graphics };
 
-/// The colours of the views, with enough contrast to the window colour of the palette for their use. The accent colour
-/// is that of what is selected.
+/// A colour of the views, with enough contrast to the window colour of the palette for its use. The accent colour is
+/// the palette's selection colour.
 QColor tintColor(Tint tint, const QPalette& palette, Use use = Use::text);
 
 /// The contrast of two colours by those guidelines, from 1 to 21.

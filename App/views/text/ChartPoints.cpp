@@ -10,8 +10,8 @@ using namespace std::chrono_literals;
 
 std::vector<Point> points(const HistoryStore& history, Date from) {
     constexpr std::size_t enough = 300;
-    constexpr double longestGap = 900; ///< seconds, between samples that follow each other
-    constexpr double minute = 60;      ///< what each sample that is left out adds to a gap
+    constexpr double longestGap = 900; ///< seconds, between consecutive samples
+    constexpr double minute = 60;      ///< seconds that each sample left out adds to a gap
 
     const std::vector<Sample> samples = history.samplesSince(from);
     const std::size_t step = std::max<std::size_t>(samples.size() / enough, 1);
@@ -39,7 +39,7 @@ std::vector<Date> timeMarks(Date from, Date to, const Calendar& calendar) {
             if (mark && *mark >= from && *mark <= to)
                 marks.push_back(*mark);
         }
-        if (day.until <= date) // the calendar cannot tell the time
+        if (day.until <= date) // the calendar cannot convert this time
             break;
         date = day.until;
     }

@@ -5,7 +5,7 @@
 #include <charconv>
 #include <string>
 
-/// The number with so many decimals, whatever the user's locale.
+/// The number with this many decimals, whatever the user's locale.
 inline std::string fixed(double number, int decimals) {
     std::array<char, 512> digits{}; // the longest double has 309 before the point
     const auto result =

@@ -5,23 +5,23 @@
 
 namespace {
 
-/// Keeps a stretch of `length` inside `from`..`from + room`; one that is longer keeps its beginning visible.
+/// Moves a stretch of `length` inside `from`..`from + room`; if it is longer, its beginning stays visible.
 int inside(int start, int length, int from, int room) {
     return std::max(from, std::min(start, from + room - length));
 }
 
-/// How far a stretch of which the item is a part may reach into the screen and still be a panel.
+/// How far a panel with our item may reach into the screen, in pixels.
 constexpr int thickestPanel = 64;
 
 enum class Panel { top, bottom, left, right };
 
-/// Which edge of the screen the panel with that point is on. In a corner, and away from all edges, it is taken for one
-/// of those along the upper and lower edge, which are the usual ones.
+/// The edge of the screen that the panel with this point is on. A point in a corner, or away from all edges, is taken
+/// to be on a panel at the top or bottom, which are the usual ones.
 Panel panelAt(ScreenPoint point, const ScreenRect& available) {
     const int right = available.x + available.width;
     const int bottom = available.y + available.height;
     const Panel usual = point.y > available.y + available.height / 2 ? Panel::bottom : Panel::top;
-    // Where the panels are not part of what is available, the point tells which one it is on.
+    // If the available area leaves out the panels, the point shows which one it is on.
     const bool isBeside = point.x < available.x || point.x >= right;
     const bool isOverOrUnder = point.y < available.y || point.y >= bottom;
     if (isOverOrUnder)
@@ -57,7 +57,7 @@ ScreenPoint placePopover(std::optional<ScreenPoint> point, const ScreenRect& ava
 }
 
 bool isCredible(ScreenPoint point, bool waylandSession) {
-    constexpr int itemSize = 48; // the largest item that such a panel shows
+    constexpr int itemSize = 48; // the largest item on a Wayland panel, in pixels
     const auto isInItem = [](int place) { return place >= 0 && place < itemSize; };
     return !waylandSession || !isInItem(point.x) || !isInItem(point.y);
 }

@@ -13,10 +13,10 @@ struct ScreenRect {
     int height = 0;
 };
 
-/// Where the top left corner of a popover of that size goes: beside the point that was clicked, on the side away from
-/// the panel, wholly inside `available` (the screen without its panels). Without a point, the top right corner.
+/// The top left corner for a popover of this size: beside the clicked point, on the side away from the panel, wholly
+/// inside `available` (the screen without its panels). Without a point, the popover goes in the top right corner.
 ScreenPoint placePopover(std::optional<ScreenPoint> point, const ScreenRect& available, int width, int height);
 
-/// Whether a point that a panel gave can be a place on the screen. Some panels of Wayland sessions give the place
-/// inside the item instead, which is near the corner; X11 panels do not.
+/// Whether a point from a panel can be a position on the screen. Some panels in Wayland sessions give the position
+/// inside the item instead, which is near the top left corner; X11 panels do not.
 bool isCredible(ScreenPoint point, bool waylandSession);

@@ -33,7 +33,7 @@ Tint ringTint(const BatteryState& state) {
 
 std::string ringDescription(const BatteryState& state) {
     const std::string percent = std::to_string(state.percent) + " %, ";
-    // In the order of what the state says of itself.
+    // In the same order as `BatteryState::stateText`.
     if (state.isCharged || (state.pluggedIn && !state.isCharging && state.percent > 99))
         return percent + "fully charged";
     if (state.isCharging)

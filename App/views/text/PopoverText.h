@@ -11,13 +11,13 @@
 #include <string>
 #include <vector>
 
-/// What the popover says of a state, apart from where and how it is drawn. Times of day and dates, which people of each
-/// country write differently, are not made here.
+/// The texts and colours of the popover for a state, apart from where and how they are drawn. Times of day and dates,
+/// whose format depends on the country, are not made here.
 
 /// The colour of the ring's arc.
 Tint ringTint(const BatteryState& state);
 
-/// What the ring is for those who cannot see it: "80 %, charging".
+/// Describes the ring to screen readers: "80 %, charging".
 std::string ringDescription(const BatteryState& state);
 
 /// "Plugged in for 2 h 5 min"; empty when it is not plugged in.
@@ -26,12 +26,12 @@ std::optional<std::string> pluggedInText(std::optional<Date> pluggedSince, Date 
 /// The gauge of the charge cycles.
 struct CycleGauge {
     std::string value;       ///< "312 of 1000"
-    std::int64_t filled = 0; ///< of 1000; less than 0 never
+    std::int64_t filled = 0; ///< of 1000; never below 0
     Tint tint = Tint::accent;
     bool operator==(const CycleGauge&) const = default;
 };
 
-/// How many cycles a battery is made for, as its gauge is divided.
+/// The number of cycles that a battery is made for, which is the full scale of its gauge.
 inline constexpr std::int64_t cyclesOfAGauge = 1000;
 
 /// Empty when the battery does not count its cycles.
@@ -45,10 +45,10 @@ struct DetailRow {
     bool operator==(const DetailRow&) const = default;
 };
 
-/// The details that are known, from the top.
+/// The known details, from top to bottom.
 std::vector<DetailRow> detailRows(const BatteryState& state);
 
-/// The cells of one day of the daily summary, but for the day's name.
+/// The cells of one day in the daily summary, except the day's name.
 struct SummaryCells {
     std::string average;  ///< "81%"
     std::string range;    ///< "62–100%"

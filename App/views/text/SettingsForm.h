@@ -7,29 +7,29 @@
 #include <string_view>
 #include <vector>
 
-/// What the settings form consists of, from the top, apart from how it is drawn. Every control is bound to a key of the
-/// preferences; one with an `enabledBy` can be operated only while that switch is on.
+/// A control of the settings form, apart from how it is drawn. Every control is bound to a preferences key; one with an
+/// `enabledBy` is enabled only while that switch is on.
 struct SettingsControl {
     /// A switch; a number with arrows; a choice of sounds; a time of day.
     enum class Kind { toggle, stepper, sound, time };
 
     Kind kind = Kind::toggle;
     std::string key;
-    std::string label;           ///< of a stepper: what stands before the number
-    std::string labelEnd = {};   ///< of a stepper: what stands behind it
+    std::string label;           ///< of a stepper: the text before the number
+    std::string labelEnd = {};   ///< of a stepper: the text after it
     std::int64_t least = 0;      ///< of a stepper
     std::int64_t most = 0;       ///< of a stepper
     std::string enabledBy = {};  ///< the key of a switch, or empty
     bool asksPermission = false; ///< switching it on means that the user wants to be notified
 };
 
-/// Controls that stand together, from the top.
+/// A group of controls, from the top.
 struct SettingsSection {
     std::string header; ///< may be empty
     std::vector<SettingsControl> controls;
 };
 
-/// The sections that consist of preferences. Those of login, history and notes follow them.
+/// The sections with preferences. Those of login, history and notes follow them.
 const std::vector<SettingsSection>& settingsSections();
 
 /// "Alert when charging reaches 80%".
@@ -44,15 +44,15 @@ struct SoundChoice {
 /// "Default", "None" and the sounds by name.
 const std::vector<SoundChoice>& soundChoices();
 
-/// Whether choosing it lets it be heard.
+/// Whether choosing this sound plays it.
 bool isHeardWhenChosen(std::string_view stored);
 
-/// A time of day out of minutes since midnight.
+/// A time of day, made from minutes since midnight.
 struct TimeOfDayChoice {
     int hour = 0;
     int minute = 0;
     bool operator==(const TimeOfDayChoice&) const = default;
 };
 
-/// Empty for minutes that no day has.
+/// Empty for minutes that are not within a day.
 std::optional<TimeOfDayChoice> timeOfMinutes(std::int64_t minutes);

@@ -7,17 +7,17 @@
 
 struct Prefs;
 
-/// The text beside the icon, "80% · 1:45", as far as the preferences want it; empty for the icon alone.
+/// The text beside the icon, "80% · 1:45", with the parts that the preferences ask for; empty for the icon alone.
 std::string statusItemText(const BatteryState& state, const Prefs& prefs);
 
 /// The title of the item: the text, set off from the icon by a space; empty for the icon alone.
 std::string statusItemTitle(const BatteryState& state, const Prefs& prefs);
 
-/// The widest title that these preferences can give, so that the panel can keep the item's width.
+/// The widest title that these preferences can give, so that the panel can keep the item's width constant.
 std::string widestStatusItemTitle(const Prefs& prefs);
 
-/// The name of the glyph that carries the percentage, with what the first of the symbol names means: "percent.80.bolt".
-/// Empty without a battery, or when the preferences do not want the percentage.
+/// The name of the glyph that shows the percentage and the meaning of the first symbol name: "percent.80.bolt". Empty
+/// without a battery, or when the preferences do not ask for the percentage.
 std::string numberSymbol(const BatteryState& state, const Prefs& prefs);
 
 /// The tooltip: what the battery is doing, its health, its cycles; one line each, joined with a line feed.

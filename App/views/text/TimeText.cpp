@@ -9,7 +9,7 @@ namespace {
 
 QDateTime localTime(Date date) {
     const double milliseconds = std::floor(date.time_since_epoch().count() * 1000);
-    // Years that no clock shows are beyond what Qt counts in.
+    // Years that no clock shows are out of QDateTime's range.
     if (!(std::abs(milliseconds) < 1e15))
         return {};
     return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(milliseconds));
@@ -18,7 +18,7 @@ QDateTime localTime(Date date) {
 } // namespace
 
 QString shortTimeFormat(const QLocale& locale) {
-    // Some locales, the one of programmers among them, have seconds in their shortest format.
+    // Some locales, the C locale among them, have seconds in their short format.
     return locale.timeFormat(QLocale::ShortFormat).remove(QLatin1String(":ss")).remove(QLatin1String(".ss"));
 }
 

@@ -6,13 +6,13 @@
 #include <QLocale>
 #include <QString>
 
-/// The local time of day in hours and minutes, as people of the locale write it: "14:05", "2:05 PM".
+/// The local time of day in hours and minutes, in the locale's format: "14:05", "2:05 PM".
 QString shortTime(Date date, const QLocale& locale = QLocale::system());
 
-/// How the locale writes such times, as Qt puts it.
+/// The locale's format for such times, in Qt's notation.
 QString shortTimeFormat(const QLocale& locale);
 
-/// The local day as people of the locale write it, with its weekday and number: "Mon 3".
+/// The local day in the locale's language, with its weekday and number: "Mon 3".
 QString dayText(Date date, const QLocale& locale = QLocale::system());
 
 /// The local weekday, abbreviated: "Mon".
