@@ -5,9 +5,9 @@
 #include <optional>
 #include <string>
 
-/// How the desktop wants windows to look; empty for what it leaves to Qt.
+/// How the desktop wants windows to look. A field is empty where the desktop leaves it to Qt.
 struct Appearance {
-    /// A font, without its style: what is bold is for the views to say.
+    /// A font's family and size. Its style is left out: the views decide what is bold.
     struct Font {
         std::string family;
         double points = 0; ///< 0 for Qt's own size

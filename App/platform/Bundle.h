@@ -5,25 +5,26 @@
 #include <optional>
 #include <string>
 
-/// The application bundle that the running program belongs to: a folder of its own that may be anywhere, or what is
-/// installed below a prefix, among the files of other programs.
+/// The application bundle of the running program: either a self-contained folder, which may be anywhere, or an
+/// installation below a prefix, among other programs' files.
 class Bundle {
 public:
     virtual ~Bundle() = default;
 
-    /// The folder of the bundle, for instance "/opt/Velmora.app", or its prefix, for instance "/usr"; outside a bundle
-    /// the folder of the executable.
+    /// The bundle's folder, for instance "/opt/Velmora.app", or its prefix, for instance "/usr"; outside a bundle, the
+    /// folder of the executable.
     virtual std::filesystem::path location() const = 0;
 
     /// The name of the bundle's desktop entry without its suffix; empty outside a bundle.
     virtual std::optional<std::string> identifier() const = 0;
 
-    /// Whether the bundle is what is installed below a prefix, whose folder has any name; false outside a bundle.
+    /// Whether the bundle is an installation below a prefix, whose folder may have any name; false outside a bundle.
     virtual bool isInstalled() const = 0;
 
-    /// What starts the bundle, for instance "/opt/Velmora.app/AppRun" or "/usr/bin/velmora". Of no use outside one.
+    /// The program that starts the bundle, for instance "/opt/Velmora.app/AppRun" or "/usr/bin/velmora". Meaningless
+    /// outside a bundle.
     virtual std::filesystem::path program() const = 0;
 
-    /// The picture that stands for the bundle, an SVG file. Of no use outside one.
+    /// The bundle's icon, an SVG file. Meaningless outside a bundle.
     virtual std::filesystem::path icon() const = 0;
 };

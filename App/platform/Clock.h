@@ -6,12 +6,12 @@
 using Duration = std::chrono::duration<double>;                    ///< seconds
 using Date = std::chrono::sys_time<std::chrono::duration<double>>; ///< wall-clock instant, seconds since 1970
 
-/// The time. Everything in the program that asks for it asks here.
+/// The time. The whole program reads it from here.
 class Clock {
 public:
     virtual ~Clock() = default;
 
-    /// Wall-clock time; it may jump in both directions when somebody sets the clock.
+    /// Wall-clock time; it may jump forwards or backwards when somebody sets the clock.
     virtual Date now() const = 0;
 
     /// Seconds since the machine started, sleep included; never goes back.

@@ -8,14 +8,15 @@
 #include <system_error>
 #include <vector>
 
-/// Windows that ask or tell something and are waited for. The main loop, its timers included, runs on meanwhile.
+/// Dialogs that ask or tell the user something. A call returns when its dialog is closed; the main loop, timers
+/// included, keeps running meanwhile.
 class Dialogs {
 public:
     virtual ~Dialogs() = default;
 
     /// What a save dialog offers.
     struct SaveDialog {
-        std::string contentType;   ///< the one MIME type that can be chosen, for instance "text/csv"
+        std::string contentType;   ///< the only MIME type on offer, for instance "text/csv"
         std::string suggestedName; ///< of the file
     };
 
@@ -26,15 +27,16 @@ public:
         std::vector<std::string> buttons;
     };
 
-    /// Brings the program in front of the others; what is shown next stands where the user looks.
+    /// Brings the program to the front, so that the next dialog opens where the user is looking.
     virtual void bringToFront() = 0;
 
-    /// Lets the user choose where to save; empty when that was cancelled or gave no file.
+    /// Lets the user choose where to save; empty when the user cancelled or the dialog returned no file.
     virtual std::optional<std::filesystem::path> runSaveDialog(const SaveDialog& dialog) = 0;
 
-    /// Shows the alert; the number of the button that ended it, from 0, and empty when it was closed otherwise.
+    /// Shows the alert and returns the index of the button that closed it, from 0; empty when it was closed in another
+    /// way.
     virtual std::optional<std::size_t> runAlert(const Alert& alert) = 0;
 
-    /// Says that something went wrong with a file, in the system's words for that error.
+    /// Reports an error with a file, in the system's words for that error.
     virtual void runErrorAlert(const std::filesystem::path& file, std::error_code error) = 0;
 };

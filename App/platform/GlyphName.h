@@ -4,6 +4,6 @@
 #include <string>
 #include <string_view>
 
-/// The name in the icon theme of the glyph for a symbol name: "velmora-battery-100-bolt-symbolic" for
-/// "battery.100.bolt". The ending tells panels to draw it in their own colour.
+/// The icon name of a symbol's glyph: "velmora-battery-100-bolt-symbolic" for "battery.100.bolt". The "-symbolic"
+/// suffix tells panels to draw it in their own colour.
 std::string glyphIconName(std::string_view symbol);

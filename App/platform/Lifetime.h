@@ -4,8 +4,8 @@
 #include <memory>
 #include <utility>
 
-/// Lets callbacks hold their owner weakly: what `guard` returns does nothing once the owner is gone. Declare it as the
-/// owner's last field, so that it ends before the rest does.
+/// Lets callbacks hold their owner weakly: a function from `guard` does nothing once the owner is gone. Declare it as
+/// the owner's last field, so that it is destroyed before the others.
 class Lifetime {
 public:
     template <class Function>

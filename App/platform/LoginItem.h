@@ -9,14 +9,15 @@ class LoginItem {
 public:
     virtual ~LoginItem() = default;
 
-    /// Whether the bundle that runs is started at the next login. Looked up at each call, since the desktop has
-    /// switches of its own for it.
+    /// Whether the running bundle is started at the next login. Looked up on each call, since the desktop has its own
+    /// switches for it.
     virtual bool isEnabled() const = 0;
 
-    /// Has the bundle started at login from now on. Empty when it is; otherwise the reason why not, for people.
+    /// Has the bundle started at login from now on. Empty on success; otherwise the reason for the failure, in words
+    /// for the user.
     [[nodiscard]] virtual std::optional<std::string> registerItem() = 0;
 
-    /// Has it no longer started. Empty when it is not; otherwise the reason, for people. What starts another bundle is
-    /// left alone.
+    /// Stops the bundle from being started at login. Empty on success; otherwise the reason for the failure, in words
+    /// for the user. An entry that starts another bundle is left alone.
     [[nodiscard]] virtual std::optional<std::string> unregisterItem() = 0;
 };

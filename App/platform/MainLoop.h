@@ -6,7 +6,7 @@
 #include <functional>
 #include <memory>
 
-/// The loop that everything runs on. Intervals are those of a steady clock.
+/// The loop that everything runs on. Intervals are measured with a steady clock.
 class MainLoop {
 public:
     virtual ~MainLoop() = default;

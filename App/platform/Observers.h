@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-/// The callbacks of one event. Callbacks may subscribe and end subscriptions while they are being called, and a
+/// The callbacks for one event. A callback may subscribe and end subscriptions while it is being called, and a
 /// subscription may outlive this object.
 template <class... Arguments>
 class Observers {

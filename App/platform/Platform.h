@@ -16,7 +16,7 @@ class SystemSounds;
 class UserDefaults;
 class SessionEvents;
 
-/// Every service that the program uses, made once by `main`. The referenced objects outlive everything that is given
+/// Every service that the program uses, created once by `main`. The referenced objects outlive everything that gets
 /// this struct.
 struct Platform {
     PowerSources& powerSources;

@@ -8,14 +8,14 @@
 #include <optional>
 #include <vector>
 
-/// What one scan of the machine's power supplies gave.
+/// The result of one scan of the machine's power supplies.
 struct PowerSnapshot {
     /// The descriptions of the power sources, in order; the list, or one description, may be missing.
     /// Keys: "Type", "Is Present", "Current Capacity", "Max Capacity", "Is Charging", "Is Charged", "Power Source
     /// State", "Name", "Time to Full Charge", "Time to Empty" (minutes, -1 while unknown).
     std::optional<std::vector<std::optional<Value>>> sources;
 
-    /// The battery registry's entry, from the same scan; empty when there is none. Asked for only where a battery is.
+    /// The battery registry's entry, from the same scan; empty when there is none. Called only if there is a battery.
     /// Keys: "CycleCount", "DesignCapacity", "MaxCapacity", "Temperature" (1/100 degree Celsius), "Voltage" (mV),
     /// "Amperage" (mA, positive into the battery), "AdapterDetails" with "Watts".
     std::function<std::optional<Value>()> batteryProperties;
@@ -32,10 +32,10 @@ public:
         virtual ~Notification() = default;
     };
 
-    /// Scans the devices now. Never fails: what cannot be read is missing.
+    /// Scans the devices now. Never fails: values that cannot be read are missing.
     virtual PowerSnapshot snapshot() = 0;
 
     /// Calls `changed` on the main thread whenever the system reports a change of the power sources. Null when the
-    /// system has no such reports.
+    /// system does not report changes.
     [[nodiscard]] virtual std::unique_ptr<Notification> notify(std::function<void()> changed) = 0;
 };

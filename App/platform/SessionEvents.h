@@ -5,17 +5,17 @@
 
 #include <functional>
 
-/// What happens to the machine and the session. All callbacks arrive on the main thread.
+/// Events of the machine and the session. All callbacks arrive on the main thread.
 class SessionEvents {
 public:
     virtual ~SessionEvents() = default;
 
-    /// Called before the machine sleeps; sleep waits until the callback has returned, as far as the system lets it.
+    /// Called before the machine sleeps; sleep is delayed until the callback has returned, as far as the system allows.
     [[nodiscard]] virtual Subscription onWillSleep(std::function<void()> callback) = 0;
 
-    /// Called after the machine woke, and after a sleep that did not come about.
+    /// Called after the machine has woken, and after a sleep that did not happen.
     [[nodiscard]] virtual Subscription onDidWake(std::function<void()> callback) = 0;
 
-    /// Called when the program is to end: the session ends, or the user or the system asks it to.
+    /// Called when the program should quit: the session is ending, or the user or the system asks for it.
     [[nodiscard]] virtual Subscription onSessionEnd(std::function<void()> callback) = 0;
 };

@@ -15,19 +15,19 @@ struct ScreenPoint {
     bool operator==(const ScreenPoint&) const = default;
 };
 
-/// An item in the panel that is always visible.
+/// An item in the panel; always visible.
 class StatusItem {
 public:
     virtual ~StatusItem() = default;
 
     /// What the item shows.
     struct Content {
-        std::string symbol;                   ///< a name that `knowsSymbol`; empty for no image
-        std::string numberSymbol;             ///< the same with the percentage in it, for panels that show no title;
-                                              ///< empty when the percentage is not to be shown
-        std::string accessibilityDescription; ///< what the image is, for those who cannot see it
+        std::string symbol;                   ///< a name for which `knowsSymbol` is true; empty for no image
+        std::string numberSymbol;             ///< a symbol that contains the percentage, for panels that show no title;
+                                              ///< empty to show no percentage
+        std::string accessibilityDescription; ///< describes the image to screen readers
         std::string title;                    ///< text beside the image; empty for the image alone
-        std::string widestTitle;              ///< the widest text to expect there, so that hosts can keep the width
+        std::string widestTitle;              ///< the widest title to expect, so panels can keep the width constant
         std::string toolTip;                  ///< lines joined with a line feed
         bool operator==(const Content&) const = default;
     };
@@ -41,10 +41,10 @@ public:
     /// Whether there is a glyph of this name.
     virtual bool knowsSymbol(std::string_view name) const = 0;
 
-    /// Shows the content; only what differs from what is shown goes out to the panel.
+    /// Shows the content; only differences from the content shown before are sent to the panel.
     virtual void show(const Content& content) = 0;
 
-    /// Sets what a click does; it is given the place of the click as the panel tells it, if it does.
+    /// Sets what a click does. The action gets the position of the click if the panel reports one.
     virtual void setAction(std::function<void(std::optional<ScreenPoint>)> action) = 0;
 
     /// Sets the entries of the item's menu, in order.

@@ -4,7 +4,7 @@
 #include <functional>
 #include <utility>
 
-/// Keeps a subscription alive: when the handle goes, the callback is not called any more.
+/// Keeps a subscription alive: once the handle is destroyed, the callback is not called any more.
 class Subscription {
 public:
     Subscription() = default;

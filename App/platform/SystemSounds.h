@@ -3,12 +3,12 @@
 
 #include <string_view>
 
-/// Short sounds by name. No sound device and an unknown name are silence, not errors.
+/// Short sounds by name. A missing sound device or an unknown name means silence, not an error.
 class SystemSounds {
 public:
     virtual ~SystemSounds() = default;
 
-    /// Plays the sound of this name once, from the start; it does not wait for its end.
+    /// Plays the sound of this name once, from the start, without waiting for its end.
     virtual void play(std::string_view name) = 0;
 
     /// Plays the desktop's own message sound once.

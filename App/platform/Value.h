@@ -14,8 +14,8 @@
 struct Value;
 using Dictionary = std::map<std::string, Value, std::less<>>;
 
-/// A value as a platform service hands it over: it may be of another kind than its key promises, so each reader asks
-/// for the kind that it wants and gets nothing otherwise.
+/// A value from a platform service. Its type may differ from what its key promises, so each reader asks for the type
+/// that it wants and gets nothing otherwise.
 struct Value {
     std::variant<std::string, bool, std::int64_t, double, Dictionary> content;
 
@@ -30,9 +30,9 @@ struct Value {
 
     const std::string* text() const { return std::get_if<std::string>(&content); }
     const Dictionary* dictionary() const { return std::get_if<Dictionary>(&content); }
-    std::optional<bool> boolean() const;         ///< a number is no boolean
-    std::optional<double> number() const;        ///< an integer or a finite double; a boolean is no number
-    std::optional<std::int64_t> integer() const; ///< a number without its fraction; empty beyond 64 bits
+    std::optional<bool> boolean() const;         ///< a number is not a boolean
+    std::optional<double> number() const;        ///< an integer or a finite double; a boolean is not a number
+    std::optional<std::int64_t> integer() const; ///< a number with its fraction cut off; empty beyond 64 bits
 };
 
 /// The entry of `key`, or null.

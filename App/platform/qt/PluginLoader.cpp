@@ -23,7 +23,7 @@ std::filesystem::path programFile(const std::filesystem::path& belowPrefix) {
 
 void* pluginFunction(const char* plugin, const char* function) {
     const std::filesystem::path executable = runningExecutable();
-    // The kernel adds this to the name of a file that has been replaced.
+    // The kernel appends this to the path of an executable that has been replaced.
     if (!executable.is_absolute() || executable.native().ends_with(" (deleted)"))
         return nullptr;
     const auto file = prefixOf(executable) / "lib/velmora" / (std::string(plugin) + ".so");
