@@ -21,8 +21,8 @@ std::optional<std::int64_t> ratedWatts(const PowerSupply& supply) {
     const auto contract = watts(voltage, supply.number("current_now"));
     const auto rating = watts(highest, supply.number("current_max"));
     const auto limit = supply.number("input_power_limit");
-    // QUIRK: on chargers with programmable voltage the kernel's maxima are nonsense or belong to different offers. When
-    // the voltage that flows is no lower than the maximum, the contract is what counts.
+    // QUIRK: on chargers with programmable voltage the kernel's maxima are nonsense or belong to different offers. If
+    // the present voltage is no lower than the maximum, the contract is what counts.
     const bool trustContract = voltage && highest && *highest > 0 && *voltage >= *highest;
     const std::array candidates{trustContract ? contract : rating, trustContract ? rating : contract,
                                 limit ? std::optional(*limit / 1e6) : std::nullopt};

@@ -7,5 +7,5 @@
 #include <optional>
 #include <vector>
 
-/// The rated power of the strongest connected adapter, whole watts, 1..300; empty when none tells.
+/// The rated power of the strongest connected adapter, whole watts, 1..300; empty when none reports it.
 std::optional<std::int64_t> adapterWatts(const std::vector<PowerSupply>& supplies);

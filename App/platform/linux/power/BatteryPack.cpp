@@ -33,13 +33,12 @@ std::optional<double> millivolts(std::optional<double> microvolts) {
     return microvolts && *microvolts >= leastVoltage * 1000 ? std::optional(*microvolts / 1000) : std::nullopt;
 }
 
-/// QUIRK: a sensor that is not there reads as absolute zero or as the largest number; beside a real one it must not
-/// count.
+/// QUIRK: a missing sensor reads as absolute zero or as the largest number; beside a real one it must not count.
 std::optional<double> plausibleTemperature(std::optional<double> hundredths) {
     return hundredths && *hundredths > -2000 && *hundredths < 10000 ? hundredths : std::nullopt;
 }
 
-/// `now`, `full` and `design` of one unit, in the kernel's micro-units.
+/// `now`, `full` and `design` as energy or as charge, in the kernel's micro-units.
 struct Stored {
     std::optional<double> now;
     std::optional<double> full;
@@ -56,8 +55,8 @@ Stored storedCharge(const PowerSupply& supply) {
             positive(supply.number("charge_full_design"))};
 }
 
-/// A pack counts in energy or in charge; where both are there, energy, which adds up across packs of other voltages.
-/// One of them alone is no unit: some firmware tells energy_now beside charge_full.
+/// A pack counts in energy or in charge; if both are there, energy is used, which adds up across packs of different
+/// voltages. One attribute alone does not decide: some firmware reports energy_now beside charge_full.
 BatteryPack::Unit unitOf(const Stored& energy, const Stored& charge) {
     if (energy.now && energy.full)
         return BatteryPack::Unit::energy;
@@ -84,8 +83,8 @@ double toMilli(BatteryPack::Unit unit, const Stored& stored) {
     return largest > 0 && largest < least ? 1 : 1e-3;
 }
 
-/// No rate where it cannot be true: more than 300 W is the firmware's way of saying something else. Where the voltage
-/// is unknown, it is at least the volt that every pack has.
+/// Drops a rate that cannot be true: above 300 W the firmware means something else. If the voltage is unknown, it is at
+/// least the 1 V that every pack has.
 void dropImpossibleRate(BatteryPack& pack) {
     constexpr double most = 300e3;
     const bool tooMuchPower = pack.power && std::abs(*pack.power) > most;
@@ -117,7 +116,7 @@ std::optional<BatteryPack> BatteryPack::read(const PowerSupply& supply) {
     pack.full = scaled(stored.full, factor);
     pack.design = scaled(stored.design, factor);
     if (pack.full) {
-        // QUIRK: an Apple Silicon driver tells up to twelve times too much, with the right percentage beside it.
+        // QUIRK: an Apple Silicon driver reports up to twelve times too much, with the right percentage beside it.
         const bool credible = stored.now && *stored.now >= 0 && *stored.now <= 1.2 * *stored.full;
         pack.now = credible ? *stored.now * factor : *pack.full * pack.percent / 100;
     }
@@ -132,11 +131,11 @@ std::optional<BatteryPack> BatteryPack::read(const PowerSupply& supply) {
     const auto threshold = supply.number("charge_control_end_threshold");
     if (threshold && *threshold >= 1 && *threshold <= 99)
         pack.chargeTarget = threshold;
-    // Whatever percentage it claims.
+    // Dead whatever percentage it claims.
     const auto holds = energy.now ? energy.now : charge.now;
     pack.isDead = supply.integer("voltage_now") == 0 && holds.value_or(pack.percent) <= 0;
     dropImpossibleRate(pack);
-    // One of the two is real: some firmware has a file for the other that is always 0.
+    // Only one of the two is real: some firmware has a file for the other that is always 0.
     if (pack.power == 0.0 && pack.current.value_or(0) != 0)
         pack.power.reset();
     if (pack.current == 0.0 && pack.power.value_or(0) != 0)
@@ -145,7 +144,7 @@ std::optional<BatteryPack> BatteryPack::read(const PowerSupply& supply) {
 }
 
 int BatteryPack::direction(bool onExternalPower) const {
-    // QUIRK: ACPI batteries report the magnitude only; the status tells the direction. A minus sign is always meant.
+    // QUIRK: ACPI batteries report the magnitude only; the status gives the direction. A minus sign can be trusted.
     if (reportsOutflow())
         return -1;
     if (status == Status::charging)

@@ -7,9 +7,9 @@
 #include <optional>
 #include <string>
 
-/// The numbers of one battery pack, straightened out. Units are milli-units: mWh and mW, or mAh and mA.
+/// The values of one battery pack, cleaned of firmware errors. Units are milli-units: mWh and mW, or mAh and mA.
 struct BatteryPack {
-    /// The kernel's word; `unknown` also where there is none, or one that is not known here.
+    /// The kernel's status; `unknown` also when it is missing or not one of these.
     enum class Status { unknown, charging, discharging, notCharging, full };
     /// Energy in mWh, charge in mAh.
     enum class Unit { energy, charge };
@@ -18,7 +18,7 @@ struct BatteryPack {
     std::string device; ///< the device's name
     Status status = Status::unknown;
     double percent = 0;                     ///< 0..100, unrounded
-    Unit unit = Unit::charge;               ///< what `now`, `full` and `design` count
+    Unit unit = Unit::charge;               ///< of `now`, `full` and `design`
     std::optional<double> now;              ///< stored, mWh or mAh; only together with `full`
     std::optional<double> full;             ///< when full, above 0
     std::optional<double> design;           ///< when it was new, above 0
@@ -31,10 +31,10 @@ struct BatteryPack {
     std::optional<double> chargeTarget;     ///< percent at which the firmware stops charging, 1..99
     bool isDead = false;                    ///< in its bay, but electrically absent
 
-    /// Reads a pack; empty when its charge cannot be told.
+    /// Reads a pack; empty when its charge cannot be determined.
     static std::optional<BatteryPack> read(const PowerSupply& supply);
 
-    /// Whether charge goes in or out.
+    /// Whether it is charging or discharging.
     bool isActive() const { return status == Status::charging || status == Status::discharging; }
 
     /// Whether the rate itself says that charge flows out, whatever the status says.
@@ -43,12 +43,12 @@ struct BatteryPack {
     /// +1 when charge flows into the pack, -1 when it flows out.
     int direction(bool onExternalPower) const;
 
-    /// mW, signed by `direction`; empty when the firmware tells no rate.
+    /// mW, signed by `direction`; empty when the firmware reports no rate.
     std::optional<double> signedPower(bool onExternalPower) const;
 
-    /// mA, signed by `direction`; empty when the firmware tells no rate.
+    /// mA, signed by `direction`; empty when the firmware reports no rate.
     std::optional<double> signedCurrent(bool onExternalPower) const;
 
-    /// The same pack counted as energy; unchanged where the voltage for that is unknown.
+    /// The same pack counted in energy; unchanged if the voltage for that is unknown.
     BatteryPack inEnergy() const;
 };

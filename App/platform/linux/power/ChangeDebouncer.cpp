@@ -58,7 +58,7 @@ void ChangeDebouncer::scheduleLook(std::size_t number, unsigned long round) {
         looking_ = number + 1 < pauses.size();
         if (looking_)
             scheduleLook(number + 1, round);
-        // A report that is about to go out reads anyway.
+        // A pending report reads anyway.
         if (!reportIsDue_ && look_()) {
             lastReport_ = clock_.uptime();
             reported_ = true;

@@ -9,12 +9,12 @@
 
 class MainLoop;
 
-/// Decides when events of the power supplies are passed on. Some firmware sends several a second, so they are passed on
-/// at most once a second, the first of a burst at once. And values lag behind their event, often without a second one,
-/// so after each report somebody looks again a few times, and reports only what has changed.
+/// Decides when power-supply events are passed on. Some firmware sends several a second, so they are passed on at most
+/// once a second, the first of a burst at once. Values lag behind their event, often without a second one, so after
+/// each report the supplies are read again a few times, and only a change is reported.
 class ChangeDebouncer {
 public:
-    /// `report` passes a change on; `look` reads anew and says whether anything differs from what was last given out.
+    /// `report` passes a change on; `look` reads again and says whether anything differs from what was last given out.
     ChangeDebouncer(MainLoop& loop, const Clock& clock, std::function<void()> report, std::function<bool()> look);
 
     /// An event arrived.

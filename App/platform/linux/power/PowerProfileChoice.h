@@ -6,14 +6,15 @@
 #include <string>
 #include <string_view>
 
-/// Whose word counts on whether the machine saves power.
+/// Decides which source to believe on whether the machine saves power.
 struct PowerProfileChoice {
     static constexpr std::string_view newName = "org.freedesktop.UPower.PowerProfiles";
     static constexpr std::string_view oldName = "net.hadess.PowerProfiles";
 
-    std::map<std::string, std::string, std::less<>> daemons; ///< profile by bus name, of those that have answered
+    std::map<std::string, std::string, std::less<>> daemons; ///< profile by bus name, of the daemons that have answered
     std::optional<std::string> firmware;                     ///< content of platform_profile
 
-    /// The daemon's word under its new name, else under its old one, else the firmware's; off when nobody knows.
+    /// By the daemon's answer under its new name, else under its old one, else by the firmware; false without any
+    /// answer.
     bool isLowPower() const;
 };

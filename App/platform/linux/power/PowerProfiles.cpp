@@ -20,7 +20,7 @@ namespace {
 constexpr std::array names{PowerProfileChoice::newName, PowerProfileChoice::oldName};
 const char* const activeProfile = "ActiveProfile";
 
-/// The object of a name: the same words, as a path.
+/// The object path that belongs to a bus name: the same words.
 QString pathOf(const QString& name) {
     return QLatin1Char('/') + QString(name).replace(QLatin1Char('.'), QLatin1Char('/'));
 }
@@ -36,7 +36,7 @@ void PowerProfiles::start() {
     subscriptions_.push_back(bus_.onLost([this] { forgetDaemons(); }));
     firmware_ = FileDescriptor(::open(firmwareFile_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (firmware_) {
-        // sysfs tells changes as urgent data.
+        // sysfs signals changes as urgent data (POLLPRI).
         firmwareEvents_ = std::make_unique<QSocketNotifier>(firmware_.get(), QSocketNotifier::Exception);
         connect(firmwareEvents_.get(), &QSocketNotifier::activated, this, [this] { readFirmware(); });
         readFirmware();
@@ -92,7 +92,7 @@ void PowerProfiles::ask(const QString& name, int triesLeft) {
 
 void PowerProfiles::propertiesChanged(const QString& interface, const QVariantMap& changed,
                                       const QStringList& invalidated) {
-    // This becomes the name that is asked again, and libdbus aborts where a text cannot be a name.
+    // The interface becomes the bus name of the next call, and libdbus aborts if a text is not a valid name.
     if (std::ranges::find(names, interface.toStdString()) == names.end())
         return;
     if (const auto profile = asText(changed.value(QLatin1String(activeProfile)))) {
@@ -111,7 +111,7 @@ void PowerProfiles::forgetDaemons() {
 void PowerProfiles::readFirmware() {
     const bool isThere = ::lseek(firmware_.get(), 0, SEEK_SET) == 0;
     choice_.firmware = isThere ? readDescriptor(firmware_.get(), 4096) : std::nullopt;
-    // The file of a driver that has gone away is ready for ever.
+    // The file of a driver that has gone away signals for ever.
     if (!choice_.firmware)
         firmwareEvents_->setEnabled(false);
     update();

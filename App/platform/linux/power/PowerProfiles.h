@@ -17,13 +17,13 @@
 
 class SystemBus;
 
-/// The power profile: as power-profiles-daemon tells it on the system bus, under its new name or its old one, else as
-/// the firmware does.
+/// The power profile, as reported by power-profiles-daemon on the system bus, under its new name or its old one, else
+/// by the firmware.
 class PowerProfiles final : public QObject, public PowerSaving {
     Q_OBJECT
 
 public:
-    /// `sysfs` is where the kernel's tree is mounted, "/sys".
+    /// `sysfs` is the mount point of sysfs, "/sys".
     PowerProfiles(SystemBus& bus, const std::filesystem::path& sysfs);
 
     /// Starts to follow the daemon and the firmware.

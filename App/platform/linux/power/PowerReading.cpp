@@ -18,7 +18,7 @@ bool anyIs(const Packs& packs, Status status) {
     return std::any_of(packs.begin(), packs.end(), [=](const auto& pack) { return pack.status == status; });
 }
 
-/// Adds up what `amount` gives; empty as soon as one pack has none.
+/// Sums `amount` over the packs; empty as soon as one pack has none.
 template <class Function>
 std::optional<double> sum(const Packs& packs, Function amount) {
     double total = 0;
@@ -38,7 +38,7 @@ bool shareUnit(const Packs& packs) {
 bool isOnExternalPower(const std::vector<PowerSupply>& supplies, const Packs& packs) {
     if (packs.empty() || std::any_of(supplies.begin(), supplies.end(), [](const auto& s) { return s.isOnline(); }))
         return true;
-    // QUIRK: some adapters stay at "offline" and some chargers show up nowhere; a battery that takes charge or is held
+    // QUIRK: some adapters stay at "offline" and some chargers show up nowhere; a battery that is charging or held
     // proves that there is one.
     const bool discharging = anyIs(packs, Status::discharging);
     if (!discharging &&
@@ -48,9 +48,9 @@ bool isOnExternalPower(const std::vector<PowerSupply>& supplies, const Packs& pa
         std::any_of(supplies.begin(), supplies.end(), [](const auto& s) { return s.isExternalSupply(); });
     if (discharging || hasSupplies)
         return false;
-    // Nothing but "Unknown", and no adapter to ask: a running machine must draw its power from somewhere. It draws more
-    // than the 1 mA that some firmware tells in place of nothing.
-    // A rate that is not told counts as none: "Unknown" is also older kernels' word for a pack that is held.
+    // All packs say "Unknown", and there is no adapter to ask: a running machine must draw its power from somewhere. It
+    // draws more than the 1 mA that some firmware reports for none.
+    // A missing rate counts as none: older kernels also say "Unknown" for a pack that is held.
     return std::all_of(packs.begin(), packs.end(), [](const auto& pack) {
         return std::abs(pack.power.value_or(0)) < 100 && std::abs(pack.current.value_or(0)) < 10;
     });
@@ -82,21 +82,21 @@ bool chargesNow(const BatteryPack& pack) {
 }
 
 bool packIsCharged(const BatteryPack& pack) {
-    // 95 as it is shown, that is, rounded: firmware that holds a full pack lets it drift to there.
+    // 95 as shown, that is, rounded: firmware that holds a full pack lets it drift down to there.
     return pack.status == Status::full || (!pack.isActive() && std::round(pack.percent) >= 95);
 }
 
-/// Still to be stored until the pack stops charging.
+/// The amount still to be stored until the pack stops charging.
 double remaining(const BatteryPack& pack) {
     if (!pack.now || !pack.full || pack.status == Status::full)
         return 0;
     const double target = *pack.full * pack.chargeTarget.value_or(100) / 100;
-    // A pack that charges well past its threshold does not heed it.
+    // A pack that charges well past its threshold ignores it.
     const bool pastTarget = chargesNow(pack) && *pack.now > target + 0.02 * *pack.full;
     return std::max(0.0, (pastTarget ? *pack.full : target) - *pack.now);
 }
 
-/// The voltage that is shown, mV: that of the pack that works hardest.
+/// The voltage to show, mV: that of the pack with the most power.
 std::optional<double> shownVoltage(const Packs& packs, bool onExternalPower) {
     std::optional<double> voltage;
     double most = -1;
@@ -110,7 +110,7 @@ std::optional<double> shownVoltage(const Packs& packs, bool onExternalPower) {
     return voltage;
 }
 
-/// A pack at rest need not report that nothing flows.
+/// A pack at rest need not report a rate of 0.
 std::optional<double> orAtRest(const BatteryPack& pack, std::optional<double> rate) {
     return rate || pack.isActive() ? rate : 0.0;
 }
@@ -137,7 +137,7 @@ std::optional<double> amperage(const Packs& packs, bool onExternalPower) {
     return totalCurrent(packs, onExternalPower);
 }
 
-/// Nothing where the number is beyond what an integer holds, as a product of hostile ones may be.
+/// Leaves the key out if the number does not fit into an integer, as a product of hostile values may not.
 void put(Dictionary& dictionary, std::string key, std::optional<double> number) {
     if (const auto whole = number ? Value(std::round(*number)).integer() : std::nullopt)
         dictionary.insert_or_assign(std::move(key), *whole);
@@ -172,7 +172,7 @@ bool PowerReading::failsAfter(const PowerReading& before, const std::vector<Powe
         return std::any_of(list.begin(), list.end(), [&](const auto& pack) { return pack.device == device; });
     };
     // QUIRK: while firmware is busy, after sleep for instance, it may say that there is no battery at all, and the ACPI
-    // driver takes the device away until it is back. Of several packs one that goes has been taken out.
+    // driver removes the device until the battery is back. If one of several packs disappears, it has been taken out.
     if (packs.empty() && !before.packs.empty())
         return true;
     return std::any_of(supplies.begin(), supplies.end(), [&](const PowerSupply& supply) {
@@ -199,7 +199,7 @@ TimeEstimate::Reading PowerReading::forTimeEstimate() const {
     for (const BatteryPack& pack : packs)
         reading.remaining += remaining(pack);
     reading.rate = energy ? totalPower(packs, onExternalPower) : totalCurrent(packs, onExternalPower);
-    // Half a watt; where only charge is known, the hundredth part of a full battery in an hour comes near that.
+    // Half a watt; where only charge is known, a hundredth of a full battery per hour comes close to that.
     reading.slowest = energy ? 500 : sum(packs, [](const auto& pack) { return pack.full; }).value_or(0) / 100;
     return reading;
 }

@@ -10,27 +10,28 @@
 #include <optional>
 #include <vector>
 
-/// What all power supplies of the machine say together, and its translation into the keys of `PowerSnapshot`.
+/// The combined reading of all power supplies of the machine, and its translation into the keys of `PowerSnapshot`.
 struct PowerReading {
-    std::vector<BatteryPack> packs; ///< those that count, by device name; empty without a battery
-    bool onExternalPower = true;    ///< also without a battery, since the machine runs
-    bool isCharging = false;        ///< any pack takes charge; false without a battery
+    std::vector<BatteryPack> packs; ///< the packs that count, by device name; empty without a battery
+    bool onExternalPower = true;    ///< true without a battery, since the machine runs
+    bool isCharging = false;        ///< any pack is charging; false without a battery
     bool isCharged = false;         ///< all packs are full, or held at 95 % or more; false without a battery
-    double currentCapacity = 0;     ///< together with `maxCapacity`: the charge
+    double currentCapacity = 0;     ///< the charge, relative to `maxCapacity`
     double maxCapacity = 100;
     std::optional<std::int64_t> adapterWatts; ///< whole watts
 
-    /// Makes sense of the supplies, which are in the order of their names.
+    /// Interprets the supplies, which are sorted by name.
     static PowerReading of(const std::vector<PowerSupply>& supplies);
 
-    /// Whether no pack is left of those that counted `before`, or one of them is still there but tells nothing now, as
-    /// firmware does for some seconds after sleep. A pack that was taken out beside others does not count as failing.
+    /// Whether no pack is left of those that counted `before`, or one of them is still there but reports nothing now,
+    /// as firmware does for some seconds after sleep. A pack that was taken out beside others does not count as
+    /// failing.
     bool failsAfter(const PowerReading& before, const std::vector<PowerSupply>& supplies) const;
 
-    /// What the time estimate has to know; the instants are left to the caller.
+    /// The input of the time estimate; the instants are left to the caller.
     TimeEstimate::Reading forTimeEstimate() const;
 
-    /// The description of the machine's battery, with "Is Present" false where there is none.
+    /// The description of the machine's battery, with "Is Present" false if there is none.
     Dictionary description(const TimeEstimate::Minutes& minutes) const;
 
     /// The entry of the battery registry.

@@ -8,8 +8,8 @@
 #include <string>
 #include <string_view>
 
-/// One device of the kernel's power-supply class: its name and the content of those of its attribute files that could
-/// be read. Keys and units are those of the kernel's power-supply ABI (Documentation/ABI/testing/sysfs-class-power).
+/// One device of the kernel's power-supply class: its name and the content of its readable attribute files. Keys and
+/// units are those of the kernel's power-supply ABI (Documentation/ABI/testing/sysfs-class-power).
 struct PowerSupply {
     std::string name;
     std::map<std::string, std::string, std::less<>> attributes;
@@ -17,10 +17,10 @@ struct PowerSupply {
     /// The attribute without surrounding white space; empty when it is missing, blank or not UTF-8.
     std::optional<std::string> text(std::string_view attribute) const;
 
-    /// The attribute as a decimal number; empty when it is missing, anything else, or beyond 64 bits.
+    /// The attribute as a decimal integer; empty when it is missing, not an integer, or beyond 64 bits.
     std::optional<std::int64_t> integer(std::string_view attribute) const;
 
-    /// The first of two attributes that is a number.
+    /// The first of the two attributes that is an integer, as a double; empty when neither is.
     std::optional<double> number(std::string_view attribute, std::string_view otherwise = {}) const;
 
     /// Whether this is a battery of a mouse, keyboard or other peripheral, which says nothing about the machine.
@@ -29,14 +29,15 @@ struct PowerSupply {
     /// Whether this is a battery that the machine itself runs on, and it is in its bay.
     bool isSystemBattery() const;
 
-    /// Whether this is a source of external power that tells whether it is connected.
+    /// Whether this is a source of external power that reports whether it is connected.
     bool isExternalSupply() const;
 
     /// Whether an external supply is connected.
     bool isOnline() const;
 };
 
-/// The attributes to read of a device: these of every one, and by them decided, these of a battery or of a supply.
+/// The attributes to read: the common ones of every device and, depending on those, the ones of a battery or of a
+/// supply.
 inline constexpr std::array<const char*, 3> commonAttributes{"type", "scope", "present"};
 inline constexpr std::array<const char*, 20> batteryAttributes{
     "status",      "capacity",           "model_name",  "cycle_count",

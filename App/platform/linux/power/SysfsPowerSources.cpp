@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Batteries that cannot be read for so long are gone.
+/// Batteries that cannot be read for this long are gone.
 constexpr Duration timeout{10};
 
 } // namespace
@@ -30,8 +30,7 @@ private:
 
     bool look() {
         const bool differs = owner_.scan() != owner_.given_;
-        // What came to light only now, such as a status that lagged behind its plug, needs a round of its own to
-        // settle.
+        // A change seen only now, such as a status that lagged behind its plug, needs its own round of looks to settle.
         if (owner_.isUnsettled())
             reports.settle();
         return differs;
@@ -72,7 +71,7 @@ SysfsPowerSources::Descriptions SysfsPowerSources::scan() {
 
 PowerSnapshot SysfsPowerSources::snapshot() {
     given_ = scan();
-    // What is unsettled now is looked at again soon, so that nobody waits a minute for it.
+    // Look again soon at an unsettled reading, so that nobody waits a minute for it.
     if (observation_ != nullptr && isUnsettled())
         observation_->reports.settle();
     return {.sources = std::vector<std::optional<Value>>{Value(given_.battery)},
@@ -81,7 +80,7 @@ PowerSnapshot SysfsPowerSources::snapshot() {
 
 std::unique_ptr<PowerSources::Notification> SysfsPowerSources::notify(std::function<void()> changed) {
     auto observation = std::make_unique<Observation>(*this, std::move(changed));
-    // Without udev the looks after an unsettled reading, and the program's own refresh, are what is left.
+    // Without udev only the looks after an unsettled reading, and the program's own refresh, are left.
     observation->monitor = UdevMonitor::start([reports = &observation->reports] { reports->event(); });
     // Whatever happened just before the start may still be settling.
     observation->reports.settle();

@@ -13,10 +13,10 @@
 class Clock;
 class MainLoop;
 
-/// The kernel's power-supply class: every snapshot reads the attribute files anew; udev only tells when.
+/// The kernel's power-supply class: every snapshot reads the attribute files again; udev only says when.
 class SysfsPowerSources final : public PowerSources {
 public:
-    /// `sysfs` is where the kernel's tree is mounted, "/sys".
+    /// `sysfs` is the mount point of sysfs, "/sys".
     SysfsPowerSources(const std::filesystem::path& sysfs, const Clock& clock, MainLoop& loop);
     ~SysfsPowerSources() override;
 
@@ -37,7 +37,7 @@ private:
     TimeEstimate estimate_;
     PowerReading lastGood_;
     Descriptions lastGoodDescriptions_;
-    std::optional<Duration> failingSince_; ///< by the time that the machine was awake
+    std::optional<Duration> failingSince_; ///< measured in the time that the machine was awake
     Descriptions given_;
     Observation* observation_ = nullptr;
 

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr std::size_t attributeLimit = 4096; // the kernel gives one page at most
+constexpr std::size_t attributeLimit = 4096; // the kernel returns one page at most
 
 void readAttribute(int folder, const char* attribute, PowerSupply& supply) {
     const FileDescriptor file(::openat(folder, attribute, O_RDONLY | O_CLOEXEC | O_NONBLOCK));

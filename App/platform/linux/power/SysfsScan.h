@@ -7,5 +7,6 @@
 #include <vector>
 
 /// Reads the devices of a power-supply class folder, sorted by name, each attribute file once and only those that
-/// matter for the device's type. What cannot be read is left out; a missing folder is a machine without power supplies.
+/// matter for the device's type. Unreadable files are left out; a missing folder means a machine without power
+/// supplies.
 std::vector<PowerSupply> scanPowerSupplies(const std::filesystem::path& folder);

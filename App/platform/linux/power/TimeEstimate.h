@@ -8,15 +8,15 @@
 #include <optional>
 #include <string>
 
-/// Tells how long the battery lasts, or takes to fill, from successive readings. The momentary rate jumps with every
-/// page that is loaded; so the rate is smoothed and checked against what has really gone out of the battery, and
-/// nothing is said until it can be trusted.
+/// Estimates how long the battery lasts, or takes to fill, from successive readings. The momentary rate jumps with
+/// every web page that loads, so it is smoothed and checked against the actual drain of the battery, and no time is
+/// given until it can be trusted.
 class TimeEstimate {
 public:
-    /// Which way the charge goes; `none` while it stands still or that is not known, and then no time is told.
+    /// The direction in which charge flows; `none` if none flows or that is unknown, and then no time is given.
     enum class Flow { none, charging, discharging };
 
-    /// What one reading of the batteries says. Amounts are in any one unit, rates in that unit per hour.
+    /// One reading of the batteries. Amounts are in any one unit, rates in that unit per hour.
     struct Reading {
         Duration uptime{}; ///< when it was taken, seconds since the machine started
         Duration slept{};  ///< how much of that the machine had slept
@@ -35,14 +35,14 @@ public:
         bool operator==(const Minutes&) const = default;
     };
 
-    /// Takes the reading in and gives the times as known now.
+    /// Takes a reading and returns the times as known now.
     Minutes update(const Reading& reading);
 
-    /// Whether the time is unknown only because the run is too young: another reading soon will tell it.
+    /// Whether the time is unknown only because the run is too young: another reading soon will give it.
     bool isSettling() const { return settling_; }
 
 private:
-    /// The amount that is stored became this.
+    /// A change of the stored amount.
     struct Change {
         Duration uptime;
         double now;
@@ -54,8 +54,8 @@ private:
     bool settling_ = false;
     std::optional<double> smoothed_;
     Duration smoothedAt_{};
-    std::deque<Change> changes_;  ///< the first trusted amount, and each other one after it
-    bool startsAtChange_ = false; ///< the first trusted amount is not among them any more
+    std::deque<Change> changes_;  ///< the first trusted amount, and each different one after it
+    bool startsAtChange_ = false; ///< the first trusted amount has been dropped from them
 
     bool continues(const Reading& reading) const;
     void smooth(const Reading& reading, double rate);

@@ -9,10 +9,10 @@
 struct udev;
 struct udev_monitor;
 
-/// Follows the events of the power-supply class; those of peripherals are left out.
+/// Follows the udev events of the power-supply class, except those of peripherals.
 class UdevMonitor {
 public:
-    /// Null when there is no udev to listen to.
+    /// Null when udev is not available.
     static std::unique_ptr<UdevMonitor> start(std::function<void()> event);
     ~UdevMonitor();
     UdevMonitor(const UdevMonitor&) = delete;
