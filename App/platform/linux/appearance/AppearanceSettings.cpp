@@ -13,7 +13,7 @@ void trimEnd(std::string_view& text) {
         text.remove_suffix(1);
 }
 
-/// Takes the last word off a text.
+/// Removes the last word of a text and returns it.
 std::string_view takeLastWord(std::string_view& text) {
     const std::size_t space = text.find_last_of(' ');
     const std::size_t start = space == std::string_view::npos ? 0 : space + 1;
@@ -24,7 +24,7 @@ std::string_view takeLastWord(std::string_view& text) {
 }
 
 bool isStyle(std::string_view word) {
-    // The words of the font descriptions of Pango, which are what the desktops write.
+    // The style words of Pango's font descriptions, which the desktops use.
     constexpr std::array styles{"thin",       "ultra-light", "light",    "semi-light",     "book",
                                 "regular",    "normal",      "medium",   "semi-bold",      "bold",
                                 "ultra-bold", "heavy",       "black",    "italic",         "oblique",
@@ -34,7 +34,7 @@ bool isStyle(std::string_view word) {
 }
 
 std::optional<Appearance::Font> fontOf(std::string_view description, double scale) {
-    constexpr double smallest = 4; // points; beyond these somebody has mistyped
+    constexpr double smallest = 4; // points; a size outside these limits is a typing error
     constexpr double largest = 72;
     trimEnd(description);
     Appearance::Font font;
@@ -58,7 +58,7 @@ std::optional<Appearance::Font> fontOf(std::string_view description, double scal
     return font;
 }
 
-/// The names of themes are free; what they have in common is the word, mostly as the last one. "Arc-Darker" is a light
+/// Theme names are arbitrary; dark ones have the word "dark" in common, mostly at the end. "Arc-Darker" is a light
 /// theme with dark title bars.
 bool isDarkTheme(std::string_view name) {
     const std::string theme = asciiLower(name);
@@ -90,7 +90,7 @@ Appearance appearanceOf(const DesktopSettings& settings, const XfceSettings& xfc
     if (const auto& accent = settings.accentColor;
         accent && std::all_of(accent->begin(), accent->end(), [](double part) { return part >= 0 && part <= 1; }))
         look.accent = accent;
-    if (xfce.fontName) { // the scale is that of the portal's font; here the resolution of the screen is set instead
+    if (xfce.fontName) { // the scale applies to the portal's font; Xfce sets the screen's resolution instead
         look.font = fontOf(*xfce.fontName, 1);
     } else if (settings.fontName) {
         const double scale = settings.textScale.value_or(1);

@@ -6,13 +6,13 @@
 
 #include <functional>
 
-/// How the desktop's windows look, from those that tell it on the session bus, and every change of it.
+/// Follows the look of the desktop's windows through the services that report it on the session bus.
 class AppearanceWatch final {
 public:
-    /// `changed` is told each look that differs from the one before; the first differs from an empty one.
+    /// `changed` is called with each look that differs from the one before; the first is compared with an empty one.
     AppearanceWatch(const QDBusConnection& bus, std::function<void(const Appearance&)> changed);
 
-    /// Asks the settings portal, and on Xfce that desktop's own service too; without waiting for an answer.
+    /// Asks the settings portal, and on Xfce that desktop's own service too, without waiting for an answer.
     void start(bool isXfce);
 
 private:

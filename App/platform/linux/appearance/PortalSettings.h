@@ -11,20 +11,20 @@
 
 #include <functional>
 
-/// How the desktop's windows look, from the settings portal on the session bus (org.freedesktop.portal.Settings), and
-/// every change of it. Where there is no portal it says nothing; one that comes later is heard too. None is started
-/// for it: a desktop whose looks can be chosen has its portal running.
+/// Follows the look of the desktop's windows through the settings portal on the session bus
+/// (org.freedesktop.portal.Settings). Without a portal the settings stay empty; one that appears later is noticed. None
+/// is started for this: a desktop with configurable looks has its portal running.
 class PortalSettings final : public QObject {
     Q_OBJECT
 
 public:
-    /// `changed` is told that `settings` may be others.
+    /// `changed` is called when `settings` may have changed.
     PortalSettings(QDBusConnection bus, std::function<void()> changed);
 
-    /// Asks, without waiting for the answer, and follows from then on.
+    /// Asks for the settings without waiting for the answer, and follows their changes from then on.
     void start();
 
-    /// As they are known now.
+    /// The settings as known now.
     const DesktopSettings& settings() const { return settings_; }
 
 private Q_SLOTS:

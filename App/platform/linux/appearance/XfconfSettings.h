@@ -11,19 +11,19 @@
 
 #include <functional>
 
-/// How Xfce's windows look, from its settings service on the session bus (org.xfce.Xfconf), and every change of it.
-/// Where that is not running it says nothing and is not started; one that comes later is heard too.
+/// Follows the look of Xfce's windows through its settings service on the session bus (org.xfce.Xfconf). If that is not
+/// running, it is not started and the settings stay empty; one that appears later is noticed.
 class XfconfSettings final : public QObject {
     Q_OBJECT
 
 public:
-    /// `changed` is told that `settings` may be others.
+    /// `changed` is called when `settings` may have changed.
     XfconfSettings(QDBusConnection bus, std::function<void()> changed);
 
-    /// Asks, without waiting for the answer, and follows from then on.
+    /// Asks for the settings without waiting for the answer, and follows their changes from then on.
     void start();
 
-    /// As they are known now.
+    /// The settings as known now.
     const XfceSettings& settings() const { return settings_; }
 
 private Q_SLOTS:

@@ -39,7 +39,7 @@ QVariantMap DBusMenu::properties(int id, const QStringList& names) const {
     if (id == 0) {
         all.insert(QStringLiteral("children-display"), QStringLiteral("submenu"));
     } else {
-        // An underscore marks a mnemonic; a real one is written twice.
+        // An underscore marks a mnemonic; a literal one is doubled.
         QString label = QString::fromStdString(entry(id)->label);
         label.replace(QLatin1Char('_'), QLatin1String("__"));
         all.insert(QStringLiteral("label"), label);
@@ -97,7 +97,7 @@ void DBusMenu::Event(int id, const QString& eventId, const QDBusVariant& /*data*
     }
     if (id == 0 || eventId != QLatin1String("clicked"))
         return;
-    // On a later turn: the panel gets its answer first, whatever the entry does.
+    // On a later turn of the loop: the panel gets its reply first, whatever the entry does.
     const auto action = entry(id)->action;
     QMetaObject::invokeMethod(
         this, [action] { action(); }, Qt::QueuedConnection);

@@ -11,9 +11,8 @@
 
 #include <vector>
 
-/// A flat menu, exported for the panel to draw (com.canonical.dbusmenu). Item 0 is the root. An entry that says
-/// something new is a new item: in a menu that is open, a click on the words of the old one must not do what the new
-/// ones say.
+/// A flat menu, exported for the panel to draw (com.canonical.dbusmenu). Item 0 is the root. An entry with a new label
+/// becomes a new item: in an open menu, a click on the old label must not do what the new one says.
 class DBusMenu final : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_PROPERTY(uint Version READ version)
@@ -27,11 +26,11 @@ public:
     /// Exports the menu at `path`.
     explicit DBusMenu(QDBusConnection bus);
 
-    /// Replaces what is in the menu, and tells the panel where that reads differently.
+    /// Replaces the entries, and tells the panel if the menu reads differently.
     void setEntries(std::vector<StatusItem::MenuEntry> entries);
     const std::vector<StatusItem::MenuEntry>& entries() const { return entries_; }
 
-    // What the panel asks; the names are those of the interface.
+    // Called by the panel; the names are those of the D-Bus interface.
     uint GetLayout(int parentId, int recursionDepth, const QStringList& propertyNames, MenuLayout& layout);
     MenuItems GetGroupProperties(const QList<int>& ids, const QStringList& propertyNames) const;
     QDBusVariant GetProperty(int id, const QString& name) const;

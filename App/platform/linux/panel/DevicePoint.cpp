@@ -3,7 +3,7 @@
 
 ScreenPoint toLogical(ScreenPoint point, const std::vector<ScreenArea>& screens) {
     for (const ScreenArea& screen : screens) {
-        // A panel may send any number, also one that is further from the screen than an int can tell.
+        // In doubles: a panel may send any number, even one whose distance from the screen overflows an int.
         const double x = (static_cast<double>(point.x) - screen.x) / screen.scale;
         const double y = (static_cast<double>(point.y) - screen.y) / screen.scale;
         if (x >= 0 && y >= 0 && x < screen.width && y < screen.height)

@@ -5,7 +5,7 @@
 
 #include <vector>
 
-/// A screen as Qt counts: its corner in device pixels, its size in pixels of `scale` device pixels each.
+/// A screen in Qt's terms: its corner in device pixels, its size in pixels of `scale` device pixels each.
 struct ScreenArea {
     int x = 0;
     int y = 0;

@@ -33,7 +33,7 @@ std::vector<QImage> GlyphImages::images(std::string_view symbol) const {
     const QString id = QStringLiteral("number");
     const QRectF number = glyph.elementExists(id) ? glyph.boundsOnElement(id) : QRectF();
     for (const int size : sizes) {
-        // In any other format Qt starts threads to fill the paths of even so small a picture.
+        // With any other format Qt starts threads to fill paths, even in so small an image.
         QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
         image.fill(Qt::transparent);
         QPainter painter(&image);
@@ -41,7 +41,7 @@ std::vector<QImage> GlyphImages::images(std::string_view symbol) const {
         const int grid = glyph.defaultSize().width();
         const int outline = std::max(1, (size + grid / 2) / grid);
         const double fitting = static_cast<double>(size - 2 * outline) / (grid - 2);
-        // Each unit on whole pixels where a small margin is enough for that.
+        // Puts each unit on whole pixels if a small margin is enough for that.
         const double whole = std::floor(fitting);
         const double unit = fitting - whole <= whole / 5 ? whole : fitting;
         const double margin = (size - unit * grid) / 2;

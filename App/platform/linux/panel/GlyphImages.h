@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-/// Our glyphs as pictures, for panels that do not draw them by name in their own colour. Nobody tells us that colour,
-/// so the pictures are in two tones, one of which can be seen whatever it is.
+/// Our glyphs as images, for panels that do not draw them by name in their own colour. We cannot find out that colour,
+/// so the images have two tones, one of which is visible on any colour.
 class GlyphImages {
 public:
     /// The sizes that panels ask for, at scale 1 and 2, in pixels.

@@ -25,7 +25,7 @@ using MenuItems = QList<MenuItem>;
 struct MenuEvent {
     int id = 0;
     QString eventId;
-    QDBusVariant data{QVariant(0)}; ///< never invalid: QtDBus derives the signature from a value as made here
+    QDBusVariant data{QVariant(0)}; ///< never invalid: QtDBus takes the signature from a default-constructed value
     uint timestamp = 0;
 };
 using MenuEvents = QList<MenuEvent>;
@@ -40,5 +40,5 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, MenuItem& item);
 QDBusArgument& operator<<(QDBusArgument& argument, const MenuEvent& event);
 const QDBusArgument& operator>>(const QDBusArgument& argument, MenuEvent& event);
 
-/// Makes the types above known to QtDBus; to be called before they are used there.
+/// Registers the types above with QtDBus; to be called before they are used there.
 void registerMenuTypes();

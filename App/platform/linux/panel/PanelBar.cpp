@@ -9,7 +9,7 @@
 
 namespace {
 
-/// At login the panel may come so much later than we do.
+/// At login the panel may start this much later than we do.
 constexpr Duration timeout{10};
 
 class PanelItem final : public StatusItem {
@@ -48,7 +48,7 @@ private:
     Content content_;
     std::function<void(std::optional<ScreenPoint>)> action_;
     std::vector<MenuEntry> entries_;
-    unsigned long change_ = 0; ///< of the host; the wait for one ends with the next
+    unsigned long change_ = 0; ///< counts changes of the host; the next one cancels the wait
     std::unique_ptr<StatusItem> trayItem_;
     StatusNotifierItem notifierItem_;
     Lifetime lifetime_;

@@ -15,8 +15,8 @@ class MainLoop;
 /// Makes an item in the old system tray.
 using MakeTrayItem = std::function<std::unique_ptr<StatusItem>(const GlyphImages&)>;
 
-/// The panel of the session, whichever kind there is: items go to a StatusNotifier panel, and into the old system tray
-/// as long as no such panel has been there for a while.
+/// The session's panel, of either kind: items go to a StatusNotifier panel, and into the old system tray once there has
+/// been no such panel for a while.
 class PanelBar final : public StatusBar {
 public:
     /// `iconTheme` is the folder "…/icons" that holds our glyphs. `makeTrayItem` is empty where there is no old tray.

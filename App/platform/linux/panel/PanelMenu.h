@@ -8,7 +8,7 @@
 
 class QMenu;
 
-/// Gives a menu these entries and no others.
+/// Replaces the menu's entries with these.
 void fillMenu(QMenu& menu, const std::vector<StatusItem::MenuEntry>& entries);
 
 /// The item's menu as a window of our own, for panels that draw none.
@@ -17,7 +17,7 @@ public:
     PanelMenu();
     ~PanelMenu();
 
-    /// Shows the entries at a place on the screen, in the place of what it showed before. The menu goes by itself.
+    /// Shows the entries at a point on the screen, replacing those shown before. The menu closes by itself.
     void show(const std::vector<StatusItem::MenuEntry>& entries, ScreenPoint point);
 
 private:

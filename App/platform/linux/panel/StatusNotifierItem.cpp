@@ -23,7 +23,7 @@ namespace {
 constexpr QLatin1String watcherName("org.kde.StatusNotifierWatcher");
 constexpr QLatin1String watcherPath("/StatusNotifierWatcher");
 
-/// The name of a process; empty when there is none, or it may not be seen.
+/// The name of a process; empty when there is no such process, or it may not be read.
 std::string processName(uint process) {
     const FileDescriptor file(::open(("/proc/" + std::to_string(process) + "/comm").c_str(), O_RDONLY | O_CLOEXEC));
     std::string name = file ? readDescriptor(file.get(), 64).value_or("") : "";
@@ -32,7 +32,7 @@ std::string processName(uint process) {
     return name;
 }
 
-/// As the protocol has it: the bytes A, R, G, B of each pixel in this order, not premultiplied.
+/// In the protocol's format: the bytes A, R, G, B of each pixel in this order, not premultiplied unless asked for.
 StatusNotifierPixmap toPixmap(const QImage& image, bool premultiplied) {
     const QImage native =
         image.convertToFormat(premultiplied ? QImage::Format_ARGB32_Premultiplied : QImage::Format_ARGB32);
@@ -70,7 +70,7 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, const GlyphImages& g
     registerStatusNotifierTypes();
     new StatusNotifierItemAdaptor(this); // owned by this object, as adaptors are
     bus_.registerObject(QLatin1String(path), this);
-    // Every change of the owner, not only its coming: one watcher may take the name over from another.
+    // Every change of owner, not only a first one: one watcher may take the name over from another.
     connect(&watcherWatch_, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] { findHost(); });
     for (const char* change : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"})
         bus_.connect(watcherName, watcherPath, watcherName, QString::fromLatin1(change), this, SLOT(askForHost()));
@@ -109,8 +109,8 @@ void StatusNotifierItem::askForHost() {
     message.setAutoStartService(false);
     callAsync(bus_, message, this, [this, owner = owner_](const QDBusPendingReply<QDBusVariant>& reply) {
         if (owner != owner_)
-            return; // a panel that has left must not be taken for one that is there
-        // A watcher may run with no panel behind it; one that does not tell is believed to have one.
+            return; // about a panel that has gone; it must not count as present
+        // A watcher may run without a panel behind it; one that does not answer is assumed to have one.
         hostChanged_(reply.isError() || reply.value().variant().toBool());
     });
 }
@@ -156,7 +156,7 @@ void StatusNotifierItem::setMenu(std::vector<MenuEntry> entries) {
 }
 
 void StatusNotifierItem::act(std::optional<ScreenPoint> point) {
-    // On a later turn: the panel gets its answer first.
+    // On a later turn of the loop: the panel gets its reply first.
     QMetaObject::invokeMethod(
         this,
         [this, point] {
@@ -175,7 +175,7 @@ void StatusNotifierItem::SecondaryActivate(int x, int y) {
 }
 
 void StatusNotifierItem::ContextMenu(int x, int y) {
-    // On a later turn: the panel gets its answer first.
+    // On a later turn of the loop: the panel gets its reply first.
     QMetaObject::invokeMethod(
         this, [this, point = logicalPoint(x, y)] { panelMenu_.show(menu_.entries(), point); }, Qt::QueuedConnection);
 }
@@ -196,7 +196,7 @@ QString StatusNotifierItem::iconAccessibleDesc() const {
 }
 
 QString StatusNotifierItem::iconName() const {
-    // Panels prefer a name to pictures, also where they cannot colour what it names.
+    // Panels prefer a name to images, even if they cannot recolour the named icon.
     const bool byName = host_.recolours && !shownSymbol_.empty();
     return byName ? QString::fromStdString(glyphIconName(shownSymbol_)) : QString();
 }

@@ -17,8 +17,8 @@
 #include <optional>
 #include <string>
 
-/// An item of the panel by the StatusNotifierItem protocol, org.kde.StatusNotifierItem. It offers itself to the watcher
-/// whenever one appears: at login the panel may come later than we do, and panels are restarted.
+/// A panel item that speaks the StatusNotifierItem protocol, org.kde.StatusNotifierItem. It registers with the watcher
+/// whenever one appears: at login the panel may start later than we do, and panels are restarted.
 class StatusNotifierItem final : public QObject, public StatusItem {
     Q_OBJECT
     Q_PROPERTY(QString Category READ category)
@@ -46,8 +46,8 @@ class StatusNotifierItem final : public QObject, public StatusItem {
 public:
     static constexpr const char* path = "/StatusNotifierItem";
 
-    /// Exports the item at `path`. `hostChanged` is told whether there is a panel, once that is known and whenever it
-    /// changes.
+    /// Exports the item at `path`. `hostChanged` is called with whether there is a panel, once that is known and
+    /// whenever it changes.
     StatusNotifierItem(QDBusConnection bus, const GlyphImages& glyphs, std::function<void(bool)> hostChanged);
     ~StatusNotifierItem() override;
 
@@ -56,7 +56,7 @@ public:
     void setAction(std::function<void(std::optional<ScreenPoint>)> action) override;
     void setMenu(std::vector<MenuEntry> entries) override;
 
-    // What the panel calls; the names are those of the interface.
+    // Called by the panel; the names are those of the D-Bus interface.
     void Activate(int x, int y);
     void SecondaryActivate(int x, int y);
     void ContextMenu(int x, int y);
@@ -89,9 +89,9 @@ private:
     Content content_;
     PanelHost host_{.showsLabel = false,
                     .recolours = true,
-                    .premultiplied = false}; ///< until there is one: a name costs nothing to make
+                    .premultiplied = false}; ///< until the host is known: a name costs nothing to make
     std::string shownSymbol_;
-    unsigned long owner_ = 0; ///< of the watcher's name; answers end with the one that they are about
+    unsigned long owner_ = 0; ///< counts owners of the watcher's name; replies about an earlier one are dropped
 
     void findHost();
     void registerWithWatcher();

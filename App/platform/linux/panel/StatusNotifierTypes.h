@@ -6,8 +6,8 @@
 #include <QList>
 #include <QString>
 
-/// One size of an icon, signature (iiay): ARGB32, each pixel in network byte order. Not premultiplied, but for
-/// a panel that takes it so.
+/// One size of an icon, signature (iiay): ARGB32, each pixel in network byte order. Not premultiplied, except for a
+/// panel that expects it.
 struct StatusNotifierPixmap {
     int width = 0;
     int height = 0;
@@ -30,5 +30,5 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, StatusNotifierPix
 QDBusArgument& operator<<(QDBusArgument& argument, const StatusNotifierToolTip& toolTip);
 const QDBusArgument& operator>>(const QDBusArgument& argument, StatusNotifierToolTip& toolTip);
 
-/// Makes the types above known to QtDBus; to be called before they are used there.
+/// Registers the types above with QtDBus; to be called before they are used there.
 void registerStatusNotifierTypes();

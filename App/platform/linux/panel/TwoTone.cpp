@@ -12,8 +12,8 @@ namespace {
 constexpr QRgb light = 0xFFCCCCCC;
 constexpr QRgb dark = 0xFF0A0A0A;
 
-/// What lies within so many pixels of the glyph. What it covers by a quarter counts as a whole: smoothed edges would
-/// blur the outline.
+/// The pixels within `distance` of the glyph. A pixel that the glyph covers by a quarter counts as fully covered:
+/// antialiased edges would blur the outline.
 QImage grown(QImage mask, int distance) {
     for (int y = 0; y < mask.height(); ++y) {
         uchar* row = mask.scanLine(y);

@@ -10,8 +10,8 @@
 
 namespace {
 
-/// The place where a window that opens from the item does not cover it: a tray need not keep its space on the screen
-/// free.
+/// A point beside the item, so that a window that opens there does not cover it: a tray need not reserve its space on
+/// the screen.
 ScreenPoint besideIt(const QRect& item) {
     const QPoint centre = item.center();
     const QScreen* screen = QGuiApplication::screenAt(centre);

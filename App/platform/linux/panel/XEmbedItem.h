@@ -7,11 +7,11 @@
 #include <QMenu>
 #include <QSystemTrayIcon>
 
-/// An item in the old system tray of X11, for panels that know nothing newer. It has no label, so the icon carries the
-/// number.
+/// An item in the old system tray of X11, for panels that support nothing newer. It has no label, so the icon carries
+/// the number.
 class XEmbedItem final : public StatusItem {
 public:
-    /// Whether there can be such a tray: on X11.
+    /// Whether such a tray is possible: true on X11.
     static bool isPossible();
 
     explicit XEmbedItem(const GlyphImages& glyphs);

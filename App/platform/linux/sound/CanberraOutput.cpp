@@ -9,15 +9,15 @@ namespace {
 
 void saysNothing(const char* /*file*/, int /*line*/, const char* /*function*/, int /*error*/, const char*, ...) {}
 
-/// QUIRK: where libcanberra plays through ALSA, its threads are still on their way out of the driver when the driver is
-/// unloaded with its context, and crash. Once it is in the process, it stays.
+/// QUIRK: if libcanberra plays through ALSA, its threads are still returning from the driver when the driver is
+/// unloaded with its context, and crash. Once the driver is in the process, it stays.
 void keepAlsaDriver() {
     if (void* driver = ::dlopen("libcanberra-alsa.so", RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE))
         ::dlclose(driver);
 }
 
-/// QUIRK: libasound writes to standard error what it does not find: eight lines where there is no sound card. It is in
-/// the process only where libcanberra has chosen it.
+/// QUIRK: libasound complains on standard error about anything it does not find: eight lines where there is no sound
+/// card. It is in the process only if libcanberra has chosen it.
 void silenceAlsa() {
     void* library = ::dlopen("libasound.so.2", RTLD_LAZY | RTLD_NOLOAD);
     if (library == nullptr)
@@ -56,7 +56,7 @@ bool CanberraOutput::open() {
         context_ = nullptr;
         return false;
     }
-    // How the desktop's volume control shows it.
+    // What the desktop's volume control shows.
     ca_context_change_props(context_, CA_PROP_APPLICATION_NAME, "Velmora", CA_PROP_APPLICATION_ID,
                             "app.velmora.Velmora", CA_PROP_APPLICATION_ICON_NAME, "app.velmora.Velmora", nullptr);
     if (ca_context_open(context_) != CA_SUCCESS) {

@@ -8,8 +8,8 @@
 #include <cstdint>
 
 /// Plays through libcanberra, which finds the sound server or the sound card, and the files of the sound theme. Its
-/// properties are those of `canberra.h`. It is in a module that is loaded for the first sound: most days have none, and
-/// libcanberra and the libraries behind it are a part of what a start costs.
+/// properties are those of `canberra.h`. It is in a plugin that is loaded for the first sound: most days have none, and
+/// libcanberra and its dependencies would add to the cost of every start.
 class CanberraOutput final : public SoundOutput {
 public:
     CanberraOutput() = default;
@@ -27,5 +27,5 @@ private:
     static void finish(ca_context* context, std::uint32_t id, int error, void* output);
 };
 
-/// How the module is entered; the caller owns what it gets.
+/// The plugin's entry point; the caller owns the result.
 extern "C" __attribute__((visibility("default"))) SoundOutput* makeCanberraOutput();

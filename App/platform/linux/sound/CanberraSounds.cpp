@@ -11,15 +11,15 @@
 
 namespace {
 
-/// A name is one word of ASCII letters, so that it leads to no other place than the folder.
+/// A name is one word of ASCII letters, so that it cannot lead out of the folder.
 bool isName(std::string_view name) {
     return !name.empty() && std::all_of(name.begin(), name.end(), [](char letter) {
         return (letter >= 'A' && letter <= 'Z') || (letter >= 'a' && letter <= 'z');
     });
 }
 
-/// What is the same for all sounds. The role makes it follow the desktop's volume for alerts; sounds that are this rare
-/// are not kept in the server's memory.
+/// The properties that all sounds share. The role makes them follow the desktop's volume for alerts; sounds this rare
+/// are not cached in the server.
 SoundOutput::Properties alert(std::string mediaName) {
     return {{CA_PROP_MEDIA_ROLE, "event"},
             {CA_PROP_MEDIA_NAME, std::move(mediaName)},
@@ -33,7 +33,7 @@ SoundOutput::Properties soundFile(const std::string& name, const std::filesystem
     return properties;
 }
 
-/// A sound of the theme. Without a theme's name libcanberra takes "freedesktop", which all others fall back to.
+/// A sound of the theme. Without a theme name libcanberra uses "freedesktop", which all others fall back to.
 SoundOutput::Properties themeSound(const std::string& event) {
     SoundOutput::Properties properties = alert(event);
     properties[CA_PROP_EVENT_ID] = event;
@@ -77,7 +77,7 @@ std::optional<std::filesystem::path> CanberraSounds::file(std::string_view name)
 std::unique_ptr<SoundOutput> CanberraSounds::canberra() {
     const auto make =
         reinterpret_cast<decltype(&makeCanberraOutput)>(pluginFunction("velmora-sound", "makeCanberraOutput"));
-    if (make == nullptr) // everything else can be used
+    if (make == nullptr) // the rest works without the plugin
         return std::make_unique<Silence>();
     return std::unique_ptr<SoundOutput>(make());
 }

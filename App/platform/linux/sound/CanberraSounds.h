@@ -18,7 +18,7 @@ public:
 
     void play(std::string_view name) override;
 
-    /// Where no theme has a message sound it is "Glass".
+    /// Plays "Glass" if no theme has a message sound.
     void playDefault() override;
 
     /// The absolute path of the sound with this name; empty when there is none.

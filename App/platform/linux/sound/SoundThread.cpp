@@ -13,8 +13,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto longestSound = 10s; // our own are shorter than 2; a theme may have anything
-constexpr auto longestEnd = 200ms; // ending a sound takes a few milliseconds where the server answers
+constexpr auto longestSound = 10s; // our own are shorter than 2 s; a theme's may have any length
+constexpr auto longestEnd = 200ms; // ending a sound takes a few milliseconds if the server answers
 
 } // namespace
 

@@ -7,24 +7,24 @@
 #include <memory>
 #include <vector>
 
-/// Plays one sound at a time on a thread of its own, because a sound server may let its callers wait: one that hangs
-/// does so for half a minute. The thread and the way to the server are there only while there is something to play.
+/// Plays one sound at a time on a thread of its own, because a sound server may block its callers: one that hangs does
+/// so for half a minute. The thread and the connection to the server exist only while there is something to play.
 class SoundThread {
 public:
-    /// Makes the way to the loudspeaker for one sound, on that thread.
+    /// Creates the output for one sound; called on that thread.
     using MakeOutput = std::function<std::unique_ptr<SoundOutput>()>;
 
-    /// Sounds of which the first is played that is found.
+    /// Alternatives: the first sound that is found is played.
     using Choices = std::vector<SoundOutput::Properties>;
 
     explicit SoundThread(MakeOutput makeOutput);
 
-    /// Ends the sound. A thread that is kept waiting by its server is left behind: it must not keep the program.
+    /// Ends the sound. A thread that its server blocks is left behind: it must not keep the program from ending.
     ~SoundThread();
     SoundThread(const SoundThread&) = delete;
     SoundThread& operator=(const SoundThread&) = delete;
 
-    /// Plays the sound, instead of one that is playing or waiting to be played.
+    /// Plays the sound in place of one that is playing or waiting to be played.
     void play(Choices choices);
 
 private:
