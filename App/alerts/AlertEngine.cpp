@@ -21,7 +21,7 @@ constexpr const char* healthAlertSent = "healthAlertSent";
 constexpr Duration repeatSpacing = 290s;
 constexpr std::int64_t mostRepeats = 3;
 
-// Two points apart, so that a health that wavers around the limit is told once.
+// Two points apart, so that a health that wavers around the limit is reported once.
 constexpr double healthLimit = 80;
 constexpr double healthRecovered = 82;
 
@@ -29,7 +29,7 @@ double hours(Duration duration) {
     return duration.count() / 3600;
 }
 
-/// Whether the condition of a kind with episodes holds.
+/// Whether the condition of an alert kind that has episodes holds.
 bool holds(AlertKind kind, const BatteryState& state, std::optional<Date> since, Date now, const Prefs& prefs) {
     switch (kind) {
     case AlertKind::chargeLimit:
@@ -72,7 +72,7 @@ PendingAlert healthAlert(double health) {
             "Battery health has fallen to " + std::to_string(std::llround(health)) + "% of its original capacity."};
 }
 
-/// Follows the health on every run, and tells whether the reminder is due now; then it counts as given.
+/// Tracks the health on every run, and tells whether the reminder is due now; if so, it counts as given.
 bool healthIsDue(double health, bool mayGive, bool prime, UserDefaults& defaults) {
     const bool sent = defaults.boolForKey(healthAlertSent);
     if (health >= healthRecovered && sent)

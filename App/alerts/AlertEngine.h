@@ -14,9 +14,9 @@ class UserDefaults;
 struct BatteryState;
 struct Prefs;
 
-/// Decides which reminders are due; it delivers none. Its memory is what was given in the episodes that are going on:
-/// an episode of a kind lasts as long as every run finds its condition true. The memory ends with the program; only
-/// that the battery's health was told is kept in the preferences store.
+/// Decides which reminders are due; it does not deliver them. It remembers what was given in the current episodes: an
+/// episode of a kind lasts as long as every run finds its condition true. The memory ends with the program; only
+/// whether the health reminder was given is kept in the preferences store.
 struct AlertEngine {
     std::set<AlertKind> suppressed; ///< silent until their condition has been false once
     std::int64_t chargeSent = 0;    ///< charge-limit reminders given in this episode
@@ -27,12 +27,12 @@ struct AlertEngine {
 
     bool operator==(const AlertEngine&) const = default;
 
-    /// What is due at `now`, at most one of each kind: charge limit, low, Low Power Mode, too long, health. What is
-    /// returned counts as given.
+    /// The reminders due at `now`, at most one of each kind: charge limit, low, Low Power Mode, too long, health.
+    /// Returned reminders count as given.
     ///
     /// `since` is when the machine was plugged in, if known. Without `canDeliver` nothing is given, and what is due
-    /// then is due later, if it still holds. With `prime` nothing is given either, but what holds now is an old story:
-    /// it stays silent until it has ended once.
+    /// then is given later if it still holds. With `prime` nothing is given either, and a condition that holds now
+    /// stays silent until it has been false once.
     std::vector<PendingAlert> run(const BatteryState& state, std::optional<Date> since, Date now, const Prefs& prefs,
                                   bool canDeliver, bool prime, UserDefaults& defaults);
 

@@ -12,7 +12,7 @@ enum class AlertKind { chargeLimit, low, tooLong, health, lowPower };
 inline constexpr std::array allAlertKinds{AlertKind::chargeLimit, AlertKind::low, AlertKind::tooLong, AlertKind::health,
                                           AlertKind::lowPower};
 
-/// The stable name of a kind, "chargeLimit".
+/// The stable name of a kind, for instance "chargeLimit".
 std::string_view rawValue(AlertKind kind);
 
 /// The kind of that name; empty when there is none.

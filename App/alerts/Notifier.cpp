@@ -91,7 +91,7 @@ NotificationCenter::Options Notifier::willPresent(const NotificationCenter::Requ
 }
 
 void Notifier::didReceive(const std::string& actionIdentifier, std::function<void()> completion) {
-    // On whichever thread the answer came; the model lives on the main one.
+    // This may be any thread; the model lives on the main one.
     if (actionIdentifier == snoozeAction)
         mainLoop_.async(lifetime_.guard([this] {
             if (onSnooze)

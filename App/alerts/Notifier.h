@@ -16,7 +16,7 @@ class Dialogs;
 struct Prefs;
 
 /// Delivers reminders as desktop notifications with a button that snoozes them. Outside an application bundle there are
-/// no notifications, and everything here does nothing. Called on the main thread.
+/// no notifications, and every call does nothing. To be called on the main thread.
 class Notifier final : private NotificationCenter::Delegate {
 public:
     Notifier(NotificationCenter& center, const Bundle& bundle, Dialogs& dialogs, MainLoop& mainLoop);
@@ -27,21 +27,21 @@ public:
     /// Called on the main thread when the user presses the snooze button.
     std::function<void()> onSnooze;
 
-    /// Whether the program runs as an application bundle: from a folder whose name ends in ".app", with an identifier,
-    /// or as it is installed below a prefix.
+    /// Whether the program runs as an application bundle: it has an identifier, and is in a folder whose name ends in
+    /// ".app" or is installed below a prefix.
     bool available() const;
 
     /// Gets ready to deliver. Called once.
     void setup();
 
-    /// Asks for the permission to notify, after an explanation, if that was never decided. Comes back at once.
+    /// Explains, then asks for permission to notify, if that was never decided. Returns at once.
     void requestIfNeeded();
 
-    /// Shows the reminder; an earlier one of its kind that is still shown gives way. The sound is that of the
+    /// Shows the reminder, replacing an earlier one of its kind that is still shown. The sound is the one set in the
     /// preferences.
     void deliver(const PendingAlert& alert, const Prefs& prefs);
 
-    /// Takes reminders of these kinds off the screen.
+    /// Removes reminders of these kinds from the screen.
     void withdraw(const std::vector<AlertKind>& kinds);
 
 private:

@@ -91,6 +91,6 @@ std::optional<Date> Prefs::snoozeUntil(const UserDefaults& store, const Clock& c
 }
 
 void Prefs::setSnoozeUntil(UserDefaults& store, std::optional<Date> until) {
-    // Cleared is stored as a zero, not by removing the key: a reader of the file sees that there was a snooze.
+    // A cleared snooze is stored as 0 rather than by removing the key: a reader of the file sees that there was one.
     store.setObject(snoozeKey, until ? Value(until->time_since_epoch().count()) : Value(0));
 }

@@ -13,23 +13,23 @@
 class Calendar;
 class UserDefaults;
 
-/// A snapshot of the user's preferences, with the values as they are stored: ranges are the settings form's affair.
+/// A snapshot of the user's preferences, with the values as stored: enforcing ranges is up to the settings form.
 struct Prefs {
     bool limitEnabled = false;               ///< remind when the charge limit is reached
-    bool repeatReminder = false;             ///< and again while it lasts
+    bool repeatReminder = false;             ///< repeat that reminder while the condition lasts
     bool lowEnabled = false;                 ///< remind when the battery is low
     bool longEnabled = false;                ///< remind when plugged in too long
     bool healthEnabled = false;              ///< remind when the health has fallen
-    bool quietEnabled = false;               ///< keep quiet hours
+    bool quietEnabled = false;               ///< hold reminders during the quiet hours
     bool lowPowerEnabled = false;            ///< suggest Low Power Mode
     std::int64_t lowPowerAt = 0;             ///< percent below which Low Power Mode is suggested
     std::int64_t limit = 0;                  ///< charge limit, percent
     std::int64_t low = 0;                    ///< low-battery threshold, percent
     std::int64_t longHours = 0;              ///< hours plugged in above the limit
-    std::int64_t quietStart = 0;             ///< minutes since local midnight; inside the quiet hours
-    std::int64_t quietEnd = 0;               ///< minutes since local midnight; outside the quiet hours
-    bool showPercent = false;                ///< the percentage beside the icon
-    bool showTime = false;                   ///< the remaining time beside the icon
+    std::int64_t quietStart = 0;             ///< minutes since local midnight; the first of the quiet hours
+    std::int64_t quietEnd = 0;               ///< minutes since local midnight; the first after the quiet hours
+    bool showPercent = false;                ///< show the percentage beside the icon
+    bool showTime = false;                   ///< show the remaining time beside the icon
     std::map<AlertKind, std::string> sounds; ///< "default", "none" or the name of a sound; every kind has an entry
 
     bool operator==(const Prefs&) const = default;
@@ -40,10 +40,10 @@ struct Prefs {
     /// A fresh snapshot; registers the fallbacks first.
     static Prefs current(UserDefaults& store);
 
-    /// Whether `date` lies in the quiet hours, by the user's local time. Equal start and end mean none at all.
+    /// Whether `date` lies in the quiet hours, in the user's local time. Equal start and end mean that there are none.
     bool inQuietHours(Date date, const Calendar& calendar) const;
 
-    /// The end of the snooze that is going on; empty when there is none or it has run out.
+    /// The end of the current snooze; empty when there is none or it has expired.
     static std::optional<Date> snoozeUntil(const UserDefaults& store, const Clock& clock);
 
     /// Stores the end of a snooze, or that there is none.

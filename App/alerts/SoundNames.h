@@ -4,8 +4,8 @@
 #include <array>
 #include <string_view>
 
-/// The sounds that a reminder can have beside "default" and "none", in the order in which they are offered. Each is
-/// stored in the preferences under its name, and is a file of that name in the bundle.
+/// The sounds offered for a reminder besides "default" and "none", in this order. Each is stored in the preferences
+/// under its name, and is a file of that name in the bundle.
 inline constexpr std::array<std::string_view, 14> soundNames{"Glass", "Ping", "Hero",   "Submarine", "Funk",
                                                              "Basso", "Blow", "Bottle", "Frog",      "Morse",
                                                              "Pop",   "Purr", "Sosumi", "Tink"};

@@ -34,7 +34,7 @@ std::optional<Number> accepted(std::optional<Number> number, bool (*test)(Number
     return number && test(*number) ? number : std::nullopt;
 }
 
-/// The description of an internal battery that can be read, or null.
+/// The description if it is that of an internal battery and readable, else null.
 const Dictionary* usableBattery(const std::optional<Value>& description) {
     const Dictionary* source = description ? description->dictionary() : nullptr;
     if (!source)
@@ -72,8 +72,8 @@ void readLive(const PowerSnapshot& snapshot, BatteryState& state) {
     }
 }
 
-/// The first of the known keys whose value can be a full charge of a battery of this design. The raw value comes first:
-/// the others may be rounded, or a percentage.
+/// The value of the first known key that is plausible as the full charge of a battery of this design. The raw value
+/// comes first: the others may be rounded, or a percentage.
 std::optional<std::int64_t> fullCapacity(const Dictionary& registry, std::int64_t design) {
     for (const std::string_view key : {"AppleRawMaxCapacity", "NominalChargeCapacity", "MaxCapacity"}) {
         const auto full = integerAt(registry, key);

@@ -9,18 +9,18 @@
 
 class PowerSaving;
 
-/// Turns what the system tells of its power sources into a `BatteryState`. Keeps nothing between two readings.
+/// Turns the system's power-source descriptions into a `BatteryState`. Keeps no state between two readings.
 class BatteryReader {
 public:
     BatteryReader(PowerSources& powerSources, const PowerSaving& powerSaving);
     BatteryReader(const BatteryReader&) = delete;
     BatteryReader& operator=(const BatteryReader&) = delete;
 
-    /// Reads the battery now. Never fails: what is missing stays at its default.
+    /// Reads the battery now. Never fails: missing values keep their defaults.
     BatteryState read();
 
-    /// Calls `callback` on the main thread at every change of the power sources. A second call does nothing; where the
-    /// system has no change reports, so does the first.
+    /// Calls `callback` on the main thread at every change of the power sources. A second call does nothing; neither
+    /// does the first if the system does not report changes.
     void startObserving(std::function<void()> callback);
 
 private:

@@ -6,14 +6,14 @@
 #include <string>
 #include <vector>
 
-/// One reading of the battery, with the texts that follow from it alone. An empty optional means "unknown", never zero.
-/// A fresh state is that of a machine without a battery.
+/// One reading of the battery, with the texts derived from it alone. An empty optional means "unknown", never zero. A
+/// default-constructed state is that of a machine without a battery.
 struct BatteryState {
     bool hasBattery = false;                    ///< an internal battery was found and read
     std::int64_t percent = 0;                   ///< whole percent, 0..100
-    bool isCharging = false;                    ///< takes charge now
+    bool isCharging = false;                    ///< charging now
     bool pluggedIn = false;                     ///< on external power
-    bool isCharged = false;                     ///< the power source calls it fully charged
+    bool isCharged = false;                     ///< the power source reports it as fully charged
     std::optional<std::int64_t> minutesToFull;  ///< minutes, at least 0; empty while still estimating
     std::optional<std::int64_t> minutesToEmpty; ///< minutes, at least 0; empty while still estimating
     std::optional<std::string> sourceName;      ///< the battery's own name
@@ -24,7 +24,7 @@ struct BatteryState {
     std::optional<double> voltage;              ///< volts
     std::optional<double> amperage;             ///< amperes, positive into the battery
     std::optional<std::int64_t> adapterWatts;   ///< rated power of the connected adapter, at least 1
-    bool lowPowerMode = false;                  ///< the system saves power
+    bool lowPowerMode = false;                  ///< the system's low-power mode is on
 
     bool operator==(const BatteryState&) const = default;
 
@@ -40,7 +40,7 @@ struct BatteryState {
     /// "Good", "Fair" or "Worn"; empty when the capacities are unknown.
     std::optional<std::string> healthLabel() const;
 
-    /// Full charge as a percentage of the design, unrounded; empty when either is unknown or the design is not
-    /// positive.
+    /// Full charge as a percentage of the design capacity, unrounded; empty when either is unknown or the design
+    /// capacity is not positive.
     std::optional<double> healthPercent() const;
 };

@@ -10,18 +10,18 @@
 
 namespace {
 
-constexpr double longestInterval = 900; ///< seconds; over a longer gap, for instance sleep, nothing is known
+constexpr double longestInterval = 900; ///< seconds; what happened in a longer gap, such as sleep, is unknown
 
-/// What has been added up for one day.
+/// The running totals of one day.
 struct Acc {
-    double w = 0;   ///< seconds that count
+    double w = 0;   ///< seconds in intervals that count
     double sum = 0; ///< seconds times percent
     std::int64_t lo = 100;
     std::int64_t hi = 0;
-    double chg = 0; ///< of the seconds that count, those spent charging
+    double chg = 0; ///< of these, the seconds spent charging
 };
 
-/// Halves go away from zero.
+/// Rounds halves away from zero.
 std::int64_t rounded(double value) {
     using Limits = std::numeric_limits<std::int64_t>;
     const double whole = std::round(value);
@@ -44,7 +44,8 @@ std::vector<HistoryStore::DaySummary> HistoryStore::dailySummaries(std::int64_t 
     const Date start = calendar_.addingDays(calendar_.day(now).start, 1 - days).value_or(now);
     const std::vector<Sample> list = samplesSince(start);
     std::map<Date, Acc, std::greater<>> accounts;
-    // Asking the calendar takes longer than all the rest, and most samples are of the same day as the one before.
+    // Calendar look-ups take longer than everything else here, and most samples are from the same day as the one
+    // before.
     Calendar::Day day{};
     Date asked = Date::max();
     for (std::size_t i = 0; i < list.size(); ++i) {
@@ -56,7 +57,7 @@ std::vector<HistoryStore::DaySummary> HistoryStore::dailySummaries(std::int64_t 
         Acc& acc = accounts[day.start];
         acc.lo = std::min(acc.lo, sample.p);
         acc.hi = std::max(acc.hi, sample.p);
-        // The whole interval belongs to the day that it begins in.
+        // An interval counts wholly for the day that it begins in.
         const double interval = i + 1 < list.size() ? list[i + 1].t - sample.t : 0;
         if (interval > 0 && interval <= longestInterval) {
             acc.w += interval;

@@ -17,13 +17,13 @@ void append(std::string& text, std::int64_t number) {
     text.append(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr);
 }
 
-/// With leading zeros to two digits.
+/// Pads with zeros to two digits.
 void appendTwo(std::string& text, std::int64_t number) {
     text += static_cast<char>('0' + number / 10);
     text += static_cast<char>('0' + number % 10);
 }
 
-/// With leading zeros to four digits.
+/// Pads with zeros to four digits.
 void appendYear(std::string& text, std::int64_t year) {
     if (year < 0 || year > 9999) {
         append(text, year);
@@ -33,8 +33,8 @@ void appendYear(std::string& text, std::int64_t year) {
     appendTwo(text, year % 100);
 }
 
-/// The date in the proleptic Gregorian calendar. std::chrono's own stops at the year 32767, and a file can hold any
-/// time.
+/// Appends the date in the proleptic Gregorian calendar. std::chrono's own stops at the year 32767, and a file can hold
+/// any time.
 void appendDate(std::string& text, std::int64_t daysSince1970) {
     // Counted in eras of 400 years, and in years that begin in March, so that the leap day comes last.
     // From Howard Hinnant's paper on chrono-compatible low-level date algorithms.
@@ -55,7 +55,7 @@ void appendDate(std::string& text, std::int64_t daysSince1970) {
 }
 
 void appendTimestamp(std::string& text, double t) {
-    // Far beyond any time that means something, and well inside what the arithmetic can do.
+    // Far beyond any meaningful time, and well within the range of the arithmetic.
     constexpr double furthest = 1e15;
     const auto seconds = static_cast<std::int64_t>(std::fmin(std::fmax(std::floor(t), -furthest), furthest));
     const std::int64_t ofDay = ((seconds % secondsOfDay) + secondsOfDay) % secondsOfDay;

@@ -6,6 +6,6 @@
 #include <deque>
 #include <string>
 
-/// The samples as comma-separated text: a header, then a line for each, "2026-11-15T08:00:00Z,80,true,true". Times are
-/// in UTC, the fraction of the second is cut off. Each line ends in a line feed.
+/// The samples as CSV: a header, then one line for each, "2026-11-15T08:00:00Z,80,true,true". Times are in UTC, with
+/// the fraction of the second cut off. Each line ends in a line feed.
 std::string historyCsv(const std::deque<Sample>& samples);

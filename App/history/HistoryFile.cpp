@@ -15,10 +15,10 @@ namespace {
 
 namespace json = simdjson::ondemand;
 
-/// Nobody nests deeper by intention, and the stack has an end.
+/// Nobody nests deeper on purpose, and the stack is finite.
 constexpr int deepestNesting = 200;
 
-/// Reads a number. False when the text is none, or one that a double cannot hold.
+/// Reads a number. False when the text is not a number, or not one that a double can hold.
 bool readNumber(json::value& value, double& into) {
     constexpr std::size_t safeLength = 19;
     const std::string_view text = value.raw_json_token();
@@ -26,17 +26,17 @@ bool readNumber(json::value& value, double& into) {
         return false;
     if (text.size() <= safeLength)
         return true;
-    // QUIRK: the parser, of version 3.0, reads 0.71769313486231587308 as 0.16: it does not notice that 20 digits are
-    // too many for it when they begin behind the point. It can be trusted with what is a number and what is not.
+    // QUIRK: simdjson 3.0 reads 0.71769313486231587308 as 0.16: it does not notice that 20 digits are too many for it
+    // when they begin after the decimal point. It can be trusted to tell whether a text is a number.
     double number = 0;
     if (std::from_chars(text.data(), text.data() + text.size(), number).ec != std::errc())
-        return std::abs(into) < 1; // nearer to zero than a double can be
+        return std::abs(into) < 1; // closer to zero than any double
     into = number;
     return true;
 }
 
-/// The parser looks only at what it is asked for. A value that nobody needs is asked for all the same, because a file
-/// that is broken anywhere may be broken everywhere.
+/// simdjson checks only the values that it is asked for. We ask for unused ones too, because a file that is broken
+/// anywhere may be broken everywhere.
 bool isSound(json::value value, int depth);
 
 bool isSoundArray(json::value value, int depth) {
@@ -86,16 +86,17 @@ bool isSound(json::value value, int depth) {
         bool isNull = false;
         return value.is_null().get(isNull) == simdjson::SUCCESS && isNull;
     }
-    default: // simdjson 4 has a name for what is none of these
+    default: // simdjson 4 adds a type for anything else
         return false;
     }
 }
 
-/// 2 to the 63rd. What is no integer by its writing must be smaller, for a double cannot tell the next larger integers.
+/// 2 to the 63rd. A number that is not written as a 64-bit integer must be smaller, because a double cannot tell this
+/// one from the next larger integers.
 constexpr double tooLargeForPercent = 9223372036854775808.0;
 
-/// Reads a whole number, also one that is written with a decimal point or an exponent; any other number is no value.
-/// False when the text is no number at all.
+/// Reads a whole number, even one written with a decimal point or an exponent; any other number gives no value. False
+/// when the text is not a number at all.
 bool readWhole(json::value& value, std::optional<std::int64_t>& into) {
     std::int64_t whole = 0;
     double number = 0;
@@ -111,15 +112,15 @@ bool readWhole(json::value& value, std::optional<std::int64_t>& into) {
     return true;
 }
 
-/// What has been read of one object.
+/// The fields of one object that have been read so far.
 struct Fields {
     std::optional<double> t;
     std::optional<std::int64_t> p;
     std::optional<bool> c;
     std::optional<bool> a;
 
-    /// Takes one key with its value. False when the text itself is broken; a value of another kind than the key's own
-    /// is no value.
+    /// Takes one key with its value. False when the text itself is broken; a value of the wrong type for its key counts
+    /// as missing.
     bool take(std::string_view key, json::value value) {
         json::json_type type{};
         if (value.type().get(type) != simdjson::SUCCESS)
@@ -184,7 +185,7 @@ void append(std::string& text, Number number, Format... format) {
     text.append(digits.data(), result.ptr);
 }
 
-/// As short as it can be, but times that people live in without an exponent.
+/// Appends the shortest text, but without an exponent for times of any practical use.
 void appendTime(std::string& text, double t) {
     if (std::abs(t) >= 1e-4 && std::abs(t) < 1e16)
         append(text, t, std::chars_format::fixed);
@@ -195,7 +196,7 @@ void appendTime(std::string& text, double t) {
 } // namespace
 
 std::optional<std::deque<Sample>> decodeHistory(std::string text) {
-    // Later versions of the parser step over a byte-order mark.
+    // Later versions of simdjson skip a byte-order mark.
     if (text.starts_with("\xEF\xBB\xBF"))
         return std::nullopt;
     const std::size_t length = text.size();
@@ -217,7 +218,7 @@ std::optional<std::deque<Sample>> decodeHistory(std::string text) {
             return std::nullopt;
         samples.push_back(*sample);
     }
-    // There is no place to read on from when all of the text was used up.
+    // simdjson has no current location once all of the text has been read.
     if (document.current_location().error() != simdjson::OUT_OF_BOUNDS)
         return std::nullopt;
     return samples;

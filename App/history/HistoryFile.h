@@ -10,10 +10,10 @@
 /// The history file: one JSON array with an object for each sample,
 /// [{"t":1731650000.25,"p":80,"c":true,"a":true},…], times in seconds since 1970.
 
-/// The samples in the order of the text; empty when any part of it is not as it must be. White space, the order of the
-/// keys and keys of other names do not matter; of a key that comes twice the last one counts.
+/// The samples in file order; empty when any part of the text is invalid. White space, the order of the keys and
+/// unknown keys do not matter; of a repeated key the last one counts.
 std::optional<std::deque<Sample>> decodeHistory(std::string text);
 
-/// The text for the samples, without white space; numbers are as short as they can be and still read back the same.
-/// Empty when a time is not finite, which JSON cannot say.
+/// The text for the samples, without white space; numbers are as short as possible while reading back the same. Empty
+/// when a time is not finite, which JSON cannot express.
 std::optional<std::string> encodeHistory(const std::deque<Sample>& samples);

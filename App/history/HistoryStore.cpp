@@ -15,11 +15,11 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr Duration longestHistory = 30 * 24h;
-constexpr Duration longestWait = 300s; ///< for the next write, while nothing but the percentage changes
+constexpr Duration longestWait = 300s; ///< for the next write while only the percentage changes
 constexpr Duration staleHistory = 600s;
 constexpr Duration longestGap = 900s; ///< between two samples of one plugged-in run
 
-/// No 30 days fill this; what does is something else.
+/// 30 days never fill this; a larger file is not a history.
 constexpr std::size_t largestFile = std::size_t{64} << 20;
 
 auto firstNotBefore(const std::deque<Sample>& samples, Date date) {
@@ -40,7 +40,7 @@ HistoryStore::HistoryStore(Files& files, const Clock& clock, const Calendar& cal
     if (std::optional<std::string> text = files_.read(url, largestFile))
         if (std::optional<std::deque<Sample>> loaded = decodeHistory(std::move(*text)))
             samples = std::move(*loaded);
-    if (!std::ranges::is_sorted(samples, {}, &Sample::t)) // sorting takes memory for a copy, also where nothing moves
+    if (!std::ranges::is_sorted(samples, {}, &Sample::t)) // sorting allocates a copy even if nothing moves
         std::ranges::stable_sort(samples, {}, &Sample::t);
     prune(clock.now());
 }
@@ -80,7 +80,7 @@ std::string HistoryStore::csv() const {
 }
 
 void HistoryStore::save(Date now) {
-    // Also when writing fails: a full disk is not asked again every minute.
+    // Even if writing fails, so that a full disk is not tried again every minute.
     lastSave = now;
     if (const std::optional<std::string> text = encodeHistory(samples))
         std::ignore = files_.replace(url, *text);

@@ -14,24 +14,24 @@
 #include <string>
 #include <vector>
 
-/// The charge of the last 30 days, in memory and in one file. Nothing here reports an error: a file that cannot be read
-/// is an empty history, and one that cannot be written now is written at the next occasion.
+/// The charge of the last 30 days, in memory and in one file. No errors are reported: an unreadable file counts as an
+/// empty history, and a file that cannot be written now is written on the next occasion.
 class HistoryStore {
 public:
     /// One local day of the history.
     struct DaySummary {
-        Date day;                         ///< its start, and its identity
-        std::int64_t avgPercent = 0;      ///< weighted with the time that each charge lasted
+        Date day;                         ///< its start, which also identifies it
+        std::int64_t avgPercent = 0;      ///< weighted by how long each level lasted
         std::int64_t minPercent = 0;      ///< never above 100
         std::int64_t maxPercent = 0;      ///< never below 0
         std::int64_t chargingMinutes = 0; ///< whole minutes
         bool operator==(const DaySummary&) const = default;
     };
 
-    /// Where the history is kept.
+    /// The path of the history file.
     static std::filesystem::path file(const Files& files);
 
-    /// Loads what the file holds.
+    /// Loads the history from the file.
     HistoryStore(Files& files, const Clock& clock, const Calendar& calendar);
     HistoryStore(const HistoryStore&) = delete;
     HistoryStore& operator=(const HistoryStore&) = delete;
@@ -39,20 +39,20 @@ public:
     /// Oldest first, as long as the clock does not go back.
     std::deque<Sample> samples;
 
-    /// Remembers a reading; one that says nothing new only when `force` is set. What changed matters at once and is
-    /// written at once; the rest waits, so that the disk is left alone.
+    /// Records a reading; one that repeats the last only if `force` is set. A change of power source or charging is
+    /// written to the file at once; the rest waits, to spare the disk.
     void record(const BatteryState& state, Date now, bool force);
 
-    /// Since when the machine has been plugged in without a break; empty when the history cannot say.
+    /// The instant since which the machine has been plugged in without a break; empty when the history cannot tell.
     std::optional<Date> pluggedSinceEstimate(Date now) const;
 
-    /// The samples from the first one that is not before `since`.
+    /// The samples from the first one at or after `since`.
     std::vector<Sample> samplesSince(Date since) const;
 
-    /// The days of the last `days` local days that have samples, newest first.
+    /// Summaries of those of the last `days` local days that have samples, newest first.
     std::vector<DaySummary> dailySummaries(std::int64_t days, Date now) const;
 
-    /// The whole history as comma-separated text with a header.
+    /// The whole history as CSV with a header.
     std::string csv() const;
 
     /// Writes the history to its file now.

@@ -5,11 +5,11 @@
 
 #include <cstdint>
 
-/// One reading of the battery as it is remembered. The names are those of the keys in the history file.
+/// One battery reading in the history. The names are those of the keys in the history file.
 struct Sample {
     double t = 0;       ///< seconds since 1970-01-01 00:00:00 UTC
     std::int64_t p = 0; ///< charge in whole percent
-    bool c = false;     ///< took charge
+    bool c = false;     ///< was charging
     bool a = false;     ///< was on external power
 
     Date date() const { return Date(Duration(t)); }

@@ -31,19 +31,19 @@ void AppDelegate::applicationDidFinishLaunching() {
     statusItem->setAction([this](std::optional<ScreenPoint> point) { togglePopover(point); });
     updateMenu();
     popover = std::make_unique<Popover>();
-    // The chart and the table are made from copies of a week of samples, which the allocator would keep for the next
-    // time; but that may be in hours.
+    // The chart and the table are made from copies of a week of samples. The allocator would keep that memory for the
+    // next time, which may be hours away.
     QObject::connect(popover.get(), &Popover::closed, &giveBackFreeMemory);
     bag.push_back(model.state.subscribe([this](const BatteryState&) { queueUpdate(); }));
     bag.push_back(platform_.defaults.onChange([this] { queueUpdate(); }));
     bag.push_back(model.snoozeUntil.subscribe([this](std::optional<Date>) { queueMenu(); }));
-    // The end of a snooze is told in local time, and whoever travels takes the clock to another zone.
+    // The menu shows the end of a snooze in local time, and a traveller may change the time zone.
     bag.push_back(model.historyVersion.subscribe([this](std::int64_t) {
         if (model.snoozeUntil.get())
             queueMenu();
     }));
     bag.push_back(platform_.sessionEvents.onSessionEnd(terminate_));
-    // While a popup is open on X11 it holds the keyboard, and a screen locker that wants it for the sleep fails.
+    // An open popup on X11 grabs the keyboard, and a screen locker that needs it before sleep fails.
     bag.push_back(platform_.sessionEvents.onWillSleep([this] { popover->hide(); }));
     model.start();
     updateStatusItem();
@@ -54,7 +54,7 @@ void AppDelegate::applicationWillTerminate() {
 }
 
 void AppDelegate::queueUpdate() {
-    // The coming value is announced before it is stored; a redraw on a later turn reads what is stored by then.
+    // Observers are called before the new value is stored; a redraw on a later turn of the loop reads the stored one.
     platform_.mainLoop.async(lifetime_.guard([this] { updateStatusItem(); }));
 }
 
@@ -82,11 +82,11 @@ void AppDelegate::updateStatusItem() {
 }
 
 void AppDelegate::updateMenu() {
-    // Many notification daemons draw no buttons, so that snoozing must be possible here too.
+    // Many notification daemons draw no buttons, so snoozing must be possible here too.
     StatusItem::MenuEntry snooze{"Snooze alerts for 1 hour", [this] { model.snooze(); }};
     if (const std::optional<Date> until = model.snoozeUntil.get())
         snooze = {"Cancel snooze (until " + shortTime(*until).toStdString() + ")", [this] { model.cancelSnooze(); }};
-    // One that is open, in the old tray, loses what is chosen in it.
+    // Replacing the old tray's menu while it is open would lose the user's selection in it.
     if (std::exchange(snoozeLabel_, snooze.label) == snooze.label)
         return;
     statusItem->setMenu({{"Show details", [this] { showDetails(); }},
@@ -102,7 +102,7 @@ bool AppDelegate::popoverIsShown() const {
 void AppDelegate::togglePopover(std::optional<ScreenPoint> point) {
     if (popoverIsShown())
         popover->hide();
-    else if (!popover->wasJustClosed()) // with some panels the click that closed it is also the one that asks
+    else if (!popover->wasJustClosed()) // with some panels the click that closed it also asks for it
         openPopover(point);
 }
 
@@ -120,7 +120,7 @@ void AppDelegate::openPopover(std::optional<ScreenPoint> point) {
         popover->setContent(popoverView);
         QObject::connect(popoverView, &PopoverView::resized, popover.get(), &Popover::place);
     }
-    if (!popoverIsShown()) // else it follows the refresh by itself
+    if (!popoverIsShown()) // an open one follows the refresh by itself
         popoverView->rebuild();
     popover->showAt(point);
 }

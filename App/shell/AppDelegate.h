@@ -21,7 +21,7 @@ class SettingsWindow;
 /// The program's presence on the screen: the status item, the popover that opens from it, and the settings window.
 class AppDelegate {
 public:
-    /// `terminate` is asked to end the program.
+    /// `terminate` is called to quit the program.
     AppDelegate(const Platform& platform, std::function<void()> terminate);
     ~AppDelegate();
     AppDelegate(const AppDelegate&) = delete;
@@ -30,19 +30,19 @@ public:
     /// Puts the item into the panel and starts the model.
     void applicationDidFinishLaunching();
 
-    /// Brings everything onto the disk that must be there; to be called once, when the main loop has ended.
+    /// Saves everything that must be on the disk; to be called once, when the main loop has ended.
     void applicationWillTerminate();
 
     /// Redraws the item from the model's state and the preferences.
     void updateStatusItem();
 
-    /// Opens the popover on a fresh reading, beside the point if one is given, or closes it.
+    /// Opens the popover with a fresh reading, beside the point if one is given; closes it if it is open.
     void togglePopover(std::optional<ScreenPoint> point);
 
     /// Closes the popover and opens the settings window, or brings it to the front.
     void openSettings();
 
-    /// Opens the popover; one that is open comes to the front.
+    /// Opens the popover, or brings an open one to the front.
     void showDetails();
 
 private:
@@ -52,9 +52,9 @@ private:
     std::unique_ptr<StatusItem> statusItem;
     std::unique_ptr<Popover> popover;
     PopoverView* popoverView = nullptr;             ///< the content of the popover, made when it first opens
-    std::unique_ptr<SettingsWindow> settingsWindow; ///< made when it is first wanted, and kept
+    std::unique_ptr<SettingsWindow> settingsWindow; ///< made when first needed, and kept
     SettingsView* settingsView = nullptr;           ///< its content
-    std::string snoozeLabel_;                       ///< the entry of the menu whose words change
+    std::string snoozeLabel_;                       ///< of the only menu entry whose label changes
     std::vector<Subscription> bag;
     Lifetime lifetime_;
 

@@ -31,7 +31,8 @@ AppModel::AppModel(const Platform& platform)
 template <class Function>
 auto AppModel::trigger(Function function) {
     return [&loop = platform_.mainLoop, guarded = lifetime_.guard(std::move(function))]() mutable {
-        // The model has no locks: a trigger from elsewhere is a mistake in an adapter, and going on would corrupt it.
+        // The model has no locks: a trigger on another thread is a bug in an adapter, and going on would corrupt the
+        // model.
         if (!loop.isMainThread())
             std::abort();
         guarded();
@@ -58,12 +59,12 @@ void AppModel::refresh(Reason reason) {
     trackPluggedIn(reading, now, reason);
     if (reading != state.get())
         state.set(reading);
-    // An event may be one of many; what comes on a schedule is remembered even when nothing has changed.
+    // An event may be one of many; other refreshes are recorded even if nothing has changed.
     history.record(reading, now, reason != Reason::event);
     historyVersion.set(historyVersion.get() + 1);
 
     const Prefs prefs = Prefs::current(platform_.defaults);
-    // What holds at launch or after waking is nothing that has just happened.
+    // A condition that holds at launch or after waking has not just begun.
     const bool prime = reason == Reason::launch || reason == Reason::wake;
     const bool deliver = !prime && canDeliver(prefs, now);
     for (const PendingAlert& alert :
@@ -74,8 +75,8 @@ void AppModel::refresh(Reason reason) {
 
 void AppModel::trackPluggedIn(const BatteryState& reading, Date now, Reason reason) {
     const bool pluggedIn = reading.hasBattery && reading.pluggedIn;
-    // Reminders that have been answered by what the user did do not stay on the screen. The engine is not told: the
-    // episode ends for it when its own condition does.
+    // Withdraw reminders that the user has acted on. The engine is not told: for it, an episode ends when its own
+    // condition does.
     if (reading.lowPowerMode && !state.get().lowPowerMode)
         notifier.withdraw({AlertKind::lowPower});
     if (pluggedIn == pluggedSince.get().has_value())
@@ -109,7 +110,7 @@ void AppModel::cancelSnooze() {
 }
 
 void AppModel::publishStoredSnooze() {
-    // Read back, so that what is shown is exactly what is stored.
+    // Read back, so that exactly the stored value is shown.
     snoozeUntil.set(Prefs::snoozeUntil(platform_.defaults, platform_.clock));
 }
 

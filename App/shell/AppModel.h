@@ -19,39 +19,39 @@
 
 struct Prefs;
 
-/// Drives the program: reads the battery whenever something may have changed and publishes what follows from it.
-/// Everything runs on the main thread; a trigger that arrives on another one stops the program.
+/// Drives the program: reads the battery whenever something may have changed and publishes the results. Everything runs
+/// on the main thread; a trigger on another thread aborts the program.
 class AppModel {
 public:
-    /// Why a refresh runs. After `launch` and `wake` the past is not known first-hand.
+    /// Why a refresh runs. With `launch` and `wake` we have not seen what happened before.
     enum class Reason { launch, event, timer, wake };
 
-    /// Reads the stored end of snooze; no battery is read and nothing is observed before `start()`.
+    /// Reads the stored end of the snooze; no battery is read and nothing is observed before `start()`.
     explicit AppModel(const Platform& platform);
     AppModel(const AppModel&) = delete;
     AppModel& operator=(const AppModel&) = delete;
 
     Published<BatteryState> state;               ///< the latest reading; assigned only when it differs
-    Published<std::optional<Date>> pluggedSince; ///< since when on external power; empty on battery or without one
+    Published<std::optional<Date>> pluggedSince; ///< since when plugged in; empty on battery or without a battery
     Published<std::int64_t> historyVersion;      ///< grows whenever the history may have changed
     Published<std::optional<Date>> snoozeUntil;  ///< the end of the snooze, as the views show it
 
     /// Runs the first refresh and then follows the system. Called once.
     void start();
 
-    /// One refresh, from the reading to what is published.
+    /// Does one refresh, from reading the battery to publishing the results.
     void refresh(Reason reason);
 
-    /// No reminders for an hour from now.
+    /// Holds back all reminders for an hour from now.
     void snooze();
 
-    /// Reminders come again.
+    /// Ends the snooze: reminders are given again.
     void cancelSnooze();
 
-    /// Lets the user choose a file and writes the history to it as comma-separated text; says so when that fails.
+    /// Lets the user choose a file and writes the history to it as CSV; shows an error if that fails.
     void exportHistoryCSV();
 
-    /// Forgets the history, on the disk too.
+    /// Deletes the history, on the disk too.
     void resetHistory();
 
 private:
@@ -61,7 +61,7 @@ private:
 public:
     HistoryStore history; ///< saved by the owner when the program ends
 
-    Notifier notifier; ///< asked for the permission when the user wants reminders
+    Notifier notifier; ///< the settings make it ask for permission when the user wants reminders
 
 private:
     AlertEngine engine;
@@ -73,7 +73,8 @@ private:
     bool canDeliver(const Prefs& prefs, Date now);
     void publishStoredSnooze();
 
-    /// A callback for a trigger: does nothing once the model is gone, and stops the program off the main thread.
+    /// A callback for a trigger: does nothing once the model is gone, and aborts the program when called off the main
+    /// thread.
     template <class Function>
     auto trigger(Function function);
 };

@@ -8,7 +8,7 @@
 
 void giveBackLargeBlocks() {
 #ifdef __GLIBC__
-    // The allocator's own first value; what matters is that setting it makes it stay.
+    // malloc's initial value; what matters is that setting it stops malloc from changing it.
     constexpr int bytes = 128 * 1024;
     ::mallopt(M_MMAP_THRESHOLD, bytes);
     ::mallopt(M_TRIM_THRESHOLD, bytes);

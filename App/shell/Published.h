@@ -5,8 +5,8 @@
 
 #include <utility>
 
-/// A value that announces its changes: observers are called before the new value is stored, and redraw on a later turn
-/// of the main loop.
+/// A value that announces its changes: observers are called before the new value is stored, so they redraw on a later
+/// turn of the main loop.
 template <class T>
 class Published {
 public:
@@ -14,13 +14,13 @@ public:
 
     const T& get() const { return value_; }
 
-    /// Announces and stores `coming`, also when it equals the present value.
+    /// Announces and stores `coming`, even if it equals the current value.
     void set(T coming) {
         observers_.notify(coming);
         value_ = std::move(coming);
     }
 
-    /// Calls back at once with the present value, and from then on with each coming value before it is stored.
+    /// Calls back at once with the current value, and from then on with each new value before it is stored.
     [[nodiscard]] Subscription subscribe(std::function<void(const T&)> callback) {
         callback(value_);
         return observers_.add(std::move(callback));

@@ -43,29 +43,29 @@ namespace {
 
 [[noreturn]] void cannotStart(const char* why) {
     std::fprintf(stderr, "velmora: %s\n", why);
-    std::_Exit(EXIT_FAILURE); // also from inside Qt's start, where an orderly exit is not possible
+    std::_Exit(EXIT_FAILURE); // also called while Qt starts, when an orderly exit is not possible
 }
 
 constexpr const char* noDisplay = "there is no display that it could show the battery on";
 constexpr const char* noWaylandDisplay = "there is no display that it could show the battery on; on Wayland that needs "
                                          "Qt's plugin, in Debian the package qt6-wayland";
 
-/// It asks for everything within a few milliseconds, unless the machine is very busy.
+/// The panel asks for everything within a few milliseconds, unless the machine is very busy.
 constexpr Duration untilPanelHasItem{0.1};
 
-/// All that a start has needed and that is not needed again has been freed.
+/// By then everything that only the start needed has been freed.
 constexpr Duration untilStartIsOver{3};
 
-/// The program writes no log, so what Qt has to say is dropped. While it starts it can fail in one way only;
-/// stop here in the debugger to see how.
+/// The program writes no log, so Qt's messages are dropped. Qt can fail in only one way while it starts; set a
+/// breakpoint here to see how.
 void handleQtMessage(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
     if (type == QtFatalMsg && QCoreApplication::startingUp())
         cannotStart(isOnlyWayland() ? noWaylandDisplay : noDisplay);
     noticeDisplayLoss(message);
 }
 
-/// The delegate while the main loop runs. Qt calls exit() from inside the loop when the X server goes away,
-/// which is how many sessions end; a handler for that can reach what it has to save only through a static.
+/// The delegate while the main loop runs. Qt calls exit() from inside the loop when the X server goes away, which is
+/// how many sessions end; an atexit handler can reach the delegate only through a static.
 AppDelegate* runningDelegate = nullptr;
 
 void terminateRunning() {
@@ -83,8 +83,8 @@ int main(int argc, char** argv) {
     if (!prepareDisplay())
         cannotStart(noDisplay);
     QApplication::setQuitOnLastWindowClosed(false);
-    // What a session manager remembers it starts again, beside the entry that starts us at login, and the later of two
-    // starts opens the details.
+    // A session manager would restart us in addition to the entry that starts us at login, and the second start opens
+    // the details.
     QApplication::setAttribute(Qt::AA_DisableSessionManager);
     QApplication::setDesktopFileName(QLatin1String(applicationId));
     QApplication::setApplicationName(QStringLiteral("Velmora"));
@@ -101,7 +101,7 @@ int main(int argc, char** argv) {
     if (!session.claim()) {
         if (session.activateOther())
             return EXIT_SUCCESS;
-        if (!session.claim()) // the other one has not just ended either
+        if (!session.claim()) // the other instance has not just ended either
             cannotStart("the session bus does not let it have its name");
     }
 
@@ -127,7 +127,7 @@ int main(int argc, char** argv) {
     if (XEmbedItem::isPossible())
         makeTrayItem = [](const GlyphImages& glyphs) { return std::make_unique<XEmbedItem>(glyphs); };
     PanelBar statusBar(sessionBus, mainLoop, programFile("share/icons"), makeTrayItem);
-    // Who has chosen Qt's looks has chosen its dialogs.
+    // A user who has chosen Qt's look gets Qt's dialogs too.
     QtDialogs dialogs(themeChoice.isEmpty() ? std::optional(sessionBus) : std::nullopt);
     XdgAutostart loginItem(bundle, files, xdgConfigHome(), xdgConfigFolders());
 
@@ -137,13 +137,13 @@ int main(int argc, char** argv) {
     QObject::connect(&session, &SessionApplication::activated, &session, [&delegate] { delegate.showDetails(); });
     delegate.applicationDidFinishLaunching();
     sessionEvents.start();
-    notifications.start(); // before anything happens that there may be a reminder of
+    notifications.start(); // before anything can cause a reminder
     AppearanceWatch look(sessionBus,
                          [palette = QApplication::palette(), font = QApplication::font()](const auto& changed) {
                              QApplication::setPalette(desktopPalette(palette, changed));
                              QApplication::setFont(desktopFont(font, changed));
                          });
-    // Nothing in the panel waits for what these have to say, so that the panel gets its answers first.
+    // The panel item does not wait for any of these, so the panel gets its answers first.
     mainLoop.after(untilPanelHasItem, [&] {
         powerSaving.start();
         sleep.start();
