@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-/// What a reminder is about. The raw value names the notification request and, in the preferences, the sound.
+/// What a reminder is about. The raw value is the identifier of its notification.
 enum class AlertKind { chargeLimit, low, tooLong, health, lowPower };
 
 /// Every kind, in the order of the cases.

@@ -13,7 +13,7 @@ std::vector<std::string> BatteryState::symbolNames() const {
         return {"battery.100.bolt", "bolt.fill"};
     if (pluggedIn)
         return percent < 100 ? std::vector<std::string>{"powerplug.fill", "powerplug"} : full;
-    // Each step lies a little above the middle between two levels, so that a glyph never promises more than there is.
+    // Each step lies just above the middle between two levels, so that a charge in the middle shows the lower one.
     if (percent >= 88)
         return {"battery.100"};
     if (percent >= 63)

@@ -18,8 +18,8 @@ struct Point {
     bool operator==(const Point&) const = default;
 };
 
-/// The points of a chart that begins at `from`: thinned to some 300, with a new segment after each gap, so that no line
-/// bridges a time of which nothing is known.
+/// The points of a chart that begins at `from`: thinned, from 600 on, to at least 300, with a new segment after each
+/// gap, so that no line bridges a time of which nothing is known.
 std::vector<Point> points(const HistoryStore& history, Date from);
 
 /// The instants from `from` to `to` that the time axis marks: every sixth hour of the local clock or, for more than a
