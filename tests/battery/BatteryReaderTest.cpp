@@ -14,7 +14,7 @@
 
 namespace {
 
-/// Values of every kind, for putting them where another kind is expected.
+/// A value of every kind, to be put where another kind is expected.
 const std::vector<std::pair<const char*, Value>> everyKind{
     {"text", "40"},
     {"boolean", true},

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Shows notifications through the program's own adapter, so that it can be tried with any daemon:
+// Shows notifications through the program's own adapter, so that the adapter can be tried with any daemon:
 //   velmora_notifications_driver DESCRIPTOR ICON
-// reads lines from the file descriptor, "show IDENTIFIER SOUND TITLE" (the sound "-" is none) and "withdraw
-// IDENTIFIER", and writes what comes back: "pressed ACTION", "played SOUND". It ends with its input.
+// reads lines from the file descriptor, "show IDENTIFIER SOUND TITLE" (the sound "-" means none) and "withdraw
+// IDENTIFIER", and writes the answers: "pressed ACTION", "played SOUND". It ends at the end of its input.
 #include "platform/SystemSounds.h"
 #include "platform/linux/files/PosixFiles.h"
 #include "platform/linux/files/XdgFolders.h"

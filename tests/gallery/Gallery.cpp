@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Draws the popover and the settings window in every state to look at: velmora_gallery FOLDER [HEIGHT]. Qt's
-// own QT_SCALE_FACTOR sets the scale, LC_ALL the clock. On a screen of that height there is the settings window alone.
-// It fails when there is nothing to see in one of the pictures, or when the settings window leaves the screen.
+// Draws pictures of the popover and the settings window in every state: velmora_gallery FOLDER [HEIGHT]. Qt's own
+// QT_SCALE_FACTOR sets the scale, LC_ALL the clock. With HEIGHT the screen is that high, and only the settings window
+// is drawn. It fails when one of the pictures shows nothing, or when the settings window leaves the screen.
 #include "alerts/Prefs.h"
 #include "gallery/Pictures.h"
 #include "gallery/SettingsStates.h"
@@ -31,7 +31,7 @@ namespace {
 struct Scene : PopoverScene {
     bool isUnfolded = false;
     bool isWeek = false;
-    bool isDay = false; ///< there is no more history than that
+    bool isDay = false; ///< the history is one day long
 };
 
 struct State {
@@ -112,7 +112,7 @@ void makeScreen(const QTemporaryDir& folder, const char* height) {
 int main(int argc, char** argv) {
     const QTemporaryDir temporary;
     const bool isLow = argc == 3;
-    makeScreen(temporary, isLow ? argv[2] : "4000"); // high enough for everything, at any scale
+    makeScreen(temporary, isLow ? argv[2] : "4000"); // high enough for everything at any scale
     QApplication application(argc, argv);
     if (argc != 2 && !isLow) {
         std::fprintf(stderr, "usage: velmora_gallery FOLDER [HEIGHT]\n");

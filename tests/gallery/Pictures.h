@@ -4,9 +4,9 @@
 #include <QString>
 #include <QWidget>
 
-/// Ends the program, which then has failed.
+/// Ends the program with a failure.
 [[noreturn]] void fail(const char* why, const QString& file);
 
-/// Writes a picture of the widget. It fails when there is nothing to see in it: text and lines have more than a few
-/// colours, and no less than 3 % and no more than `mostDrawn` of it are of another colour than the background.
+/// Writes a picture of the widget. Fails when the picture shows nothing: text and lines give it more than a few
+/// colours, and at least 3 % and at most `mostDrawn` of its pixels must differ from the background colour.
 void keep(QWidget& widget, const QString& file, double mostDrawn);

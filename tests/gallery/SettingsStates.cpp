@@ -21,14 +21,14 @@
 
 namespace {
 
-/// The cards stand on another ground than the window's.
+/// The cards have another background colour than the window.
 constexpr double mostDrawn = 0.97;
 
 struct State {
     const char* name;
-    std::function<void(FakePlatform&)> arrange; ///< before the window is made
+    std::function<void(FakePlatform&)> arrange; ///< runs before the window is made
     std::function<void(SettingsView&)> act;     ///< what the user does in it
-    const char* seen = "limitEnabled";          ///< the control that it is scrolled to
+    const char* seen = "limitEnabled";          ///< the control to scroll to
 };
 
 void nothing(SettingsView& /*view*/) {}

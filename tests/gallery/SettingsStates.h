@@ -5,6 +5,5 @@
 
 #include <functional>
 
-/// Draws the settings window in every state, as it looks with the palette that is set. `file` gives the file for the
-/// name of a state.
+/// Draws the settings window in every state with the current palette. `file` returns the file for the name of a state.
 void drawSettings(const std::function<QString(const char*)>& file);

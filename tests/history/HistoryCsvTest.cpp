@@ -10,7 +10,7 @@ namespace {
 
 const std::string header = "timestamp,percent,charging,plugged_in\n";
 
-/// The time as the text writes it.
+/// The time as the CSV text has it.
 std::string timestamp(double t) {
     const std::string text = historyCsv({{.t = t}}).substr(header.size());
     return text.substr(0, text.find(','));

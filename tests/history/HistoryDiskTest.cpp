@@ -53,7 +53,7 @@ protected:
         return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
     }
 
-    /// What must be so wherever nothing can be written for a while.
+    /// Nothing can be written between `begin` and `end`; afterwards the file is complete, and no other file is left.
     void expectThatTroublePasses(const std::function<void()>& begin, const std::function<void()>& end) {
         start();
         record(0s, 80);
@@ -69,7 +69,7 @@ protected:
         EXPECT_EQ(contentOf(file), before);
         EXPECT_EQ(entries(), 1U);
 
-        record(720s, 76, false); // 300 s after it was tried last
+        record(720s, 76, false); // 300 s after the last attempt
         EXPECT_EQ(contentOf(file), before);
         record(721s, 75, false);
         EXPECT_EQ(onDisk(), store->samples);
@@ -83,8 +83,8 @@ protected:
 
 TEST_F(HistoryDisk, IsFullForAWhile) {
     EXPECT_TRUE(inChild([this] {
-        const TerminationSignals signals; // as the program; otherwise the limit of the file size ends it
-        // Where the system does not let a test have a file system of its own, the limit stands for it.
+        const TerminationSignals signals; // as in the program; otherwise the limit on the file size kills the process
+        // Where the system does not let a test mount a file system, a limit on the file size takes its place.
         const bool isMounted = mountSmallDisk(support, 64 * 1024);
         const OrdinaryUser user(home.path);
         const fs::path ballast = support / "ballast";

@@ -22,7 +22,7 @@ std::optional<Samples> decode(std::string_view text) {
     return decodeHistory(std::string(text));
 }
 
-/// A list of one object, as one sample is written, in which `from` is replaced.
+/// A list of one sample as it is written, with `from` replaced by `to`.
 std::string with(std::string_view from, std::string_view to) {
     std::string text(oneText);
     return '[' + text.replace(text.find(from), from.size(), to) + ']';

@@ -26,7 +26,7 @@ using SteadyClock = std::chrono::steady_clock;
 
 namespace {
 
-/// How often something has been written; told from one process to another.
+/// The number of saves, shared between two processes.
 class SharedCount {
 public:
     SharedCount() {
@@ -51,7 +51,7 @@ protected:
     FakeCalendar calendar;
     SharedCount saves;
 
-    /// What is saved for the nth time; two lists in a row differ in length, and each is told by its last sample.
+    /// The list of the nth save; two lists in a row differ in length, and the last sample of each holds its number.
     std::deque<Sample> listOf(int number) const {
         const int length = number % 2 == 0 ? 1500 : 2000;
         const double start = clock.now().time_since_epoch().count() - 60.0 * length;
@@ -75,7 +75,7 @@ protected:
         }
     }
 
-    /// False when it does not happen.
+    /// False when `condition` never holds.
     template <class Condition>
     static bool spinUntil(Condition condition) {
         const auto deadline = SteadyClock::now() + 40s;
@@ -94,7 +94,7 @@ protected:
 
 TEST_F(HistoryKill, LeavesTheOldOrTheNewHistoryAndNothingElse) {
     constexpr int enoughSaves = 1000;
-    constexpr int leastSaves = 50; // where the disk is that slow
+    constexpr int leastSaves = 50; // enough on a slow disk
     const auto deadline = SteadyClock::now() + 20s;
     ASSERT_NE(saves.count, nullptr);
     std::mt19937 random(1);
@@ -113,7 +113,7 @@ TEST_F(HistoryKill, LeavesTheOldOrTheNewHistoryAndNothingElse) {
         if (child == 0)
             saveOnAndOn(parent);
         const bool hasSaved = spinUntil([&] { return *saves.count >= wanted; });
-        // Somewhere in the next save or two.
+        // The kill falls somewhere in the next save or two.
         const auto oneSave = (SteadyClock::now() - start) / (wanted - before);
         const auto moment = SteadyClock::now() + oneSave * static_cast<int>(random() % 1000) / 700;
         spinUntil([moment] { return SteadyClock::now() >= moment; });
@@ -122,7 +122,7 @@ TEST_F(HistoryKill, LeavesTheOldOrTheNewHistoryAndNothingElse) {
         ASSERT_EQ(::waitpid(child, &status, 0), child);
         ASSERT_TRUE(hasSaved && WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) << "status " << status;
 
-        // As the program at its next start.
+        // As the program does at its next start.
         files.removeLeftovers(file);
         const HistoryStore store(files, clock, calendar);
         ASSERT_FALSE(store.samples.empty()) << "after " << *saves.count << " saves";

@@ -7,7 +7,7 @@
 
 namespace {
 
-/// The parameter is how many minutes the local time is ahead of UTC.
+/// The parameter is the number of minutes by which local time is ahead of UTC.
 class HistoryProperty : public testing::TestWithParam<int> {};
 
 } // namespace

@@ -40,7 +40,7 @@ struct HistoryStoreTest : ::testing::Test {
         files.files[file] = *encodeHistory(samples);
         return store();
     }
-    /// Offers a reading, and tells whether the file was written.
+    /// Offers a reading, and returns whether the file was written.
     bool records(HistoryStore& history, const BatteryState& state, Date now, bool force) {
         const std::size_t before = files.replacedPaths.size();
         history.record(state, now, force);

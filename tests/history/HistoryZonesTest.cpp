@@ -37,7 +37,7 @@ protected:
         return instant + fields.tm_gmtoff;
     }
 
-    /// The hours in which the clock is set, from 2005 to 2024.
+    /// The hours in which the clock is changed, from 2005 to 2024.
     static std::vector<std::int64_t> changes() {
         std::vector<std::int64_t> hours;
         for (std::int64_t hour = 1'104'537'600; hour < 1'735'689'600; hour += 3600) {
@@ -64,7 +64,8 @@ TEST_P(HistoryZones, ThePlainRulesSayTheSameWhereTheClockIsSet) {
         playRandomHistory(seed, calendar, localTime, places);
 }
 
-// They skip or repeat midnight, an hour of the night or half of one, a minute after midnight, a whole day, or nothing.
+// These zones skip or repeat midnight, an hour of the night or half of one, a minute after midnight, a whole day, or
+// nothing.
 INSTANTIATE_TEST_SUITE_P(Zones, HistoryZones,
                          testing::Values("Africa/Cairo", "America/Sao_Paulo", "America/St_Johns", "Asia/Kathmandu",
                                          "Australia/Lord_Howe", "Europe/Berlin", "Pacific/Apia", "UTC"),

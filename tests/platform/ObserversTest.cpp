@@ -47,7 +47,7 @@ TEST_F(ObserversTest, CanEndTheirOwnSubscriptionWhileTheyAreCalled) {
     const auto kept = std::make_shared<std::string>("kept");
     own = observers.add([&own, this, kept](int) {
         own.reset();
-        order += *kept; // what the callback holds must still be there
+        order += *kept; // what the callback captured must still be alive
     });
     observers.notify(0);
     observers.notify(0);

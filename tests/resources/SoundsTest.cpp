@@ -92,7 +92,8 @@ INSTANTIATE_TEST_SUITE_P(Sounds, EachSound, testing::ValuesIn(soundNames),
                          [](const auto& sound) { return std::string(sound.param); });
 
 TEST(Sounds, AreAllToldApart) {
-    // The two nearest, Bottle and Sosumi, are 10.8 dB apart; a Ping a third lower and a little shorter is 9.2 from it.
+    // The closest two, Bottle and Sosumi, are 10.8 dB apart; a Ping a third lower and a little shorter is 9.2 dB from
+    // Ping.
     constexpr double least = 10;
     std::map<std::string, Recording::Character> characters;
     for (const std::string_view name : soundNames)
@@ -159,7 +160,7 @@ TEST(Sounds, MorseIsThreeDitsAndADah) {
 TEST(Sounds, PurrRattlesSoftly) {
     const Recording purr = recording("Purr");
     const std::vector<double> envelope = purr.envelope(0.005);
-    const std::vector<double> half(envelope.begin() + 60, envelope.begin() + 160); // of a second, where it is loud
+    const std::vector<double> half(envelope.begin() + 60, envelope.begin() + 160); // the loud half second
     EXPECT_NEAR(static_cast<double>(runsAbove(half, -10).size()), 12, 1);
     EXPECT_LT(purr.pitch(0.3, 0.5), 400);
     EXPECT_LT(purr.peak(0, 0.05), 0.1 * purr.peak(0, purr.seconds()));

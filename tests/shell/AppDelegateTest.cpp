@@ -114,13 +114,13 @@ TEST_F(AppDelegateTest, TheClickThatClosesThePopoverDoesNotOpenItAgain) {
     item().action(ScreenPoint{100, 10});
     Popover* const open = popover();
     ASSERT_NE(open, nullptr);
-    // A panel takes the keyboard at the click on its item, and says afterwards what was clicked.
+    // A panel takes the keyboard focus at a click on the item, and only then reports the click.
     QEvent deactivated(QEvent::WindowDeactivate);
     QApplication::sendEvent(open, &deactivated);
     EXPECT_EQ(popover(), nullptr);
     item().action(ScreenPoint{100, 10});
     EXPECT_EQ(popover(), nullptr);
-    // What does not come from a click is meant.
+    // "Show details" in the menu always opens it.
     choose("Show details");
     EXPECT_EQ(popover(), open);
     open->hide();

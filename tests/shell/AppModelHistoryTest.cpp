@@ -16,7 +16,7 @@ using Reason = AppModel::Reason;
 
 namespace {
 
-/// What the model remembers, and what it does with that.
+/// The model's history, and what the model does with it.
 struct AppModelHistoryTest : ::testing::Test {
     const std::filesystem::path file = "/home/user/.local/share/Velmora/history.json";
     FakePlatform fake;
@@ -26,7 +26,7 @@ struct AppModelHistoryTest : ::testing::Test {
 
     AppModel& model() { return made ? *made : made.emplace(fake.platform()); }
 
-    /// A history that says: plugged in since then, a sample every five minutes.
+    /// A history in which the laptop has been plugged in for that long, with a sample every five minutes.
     void pluggedInFor(Duration time) {
         std::deque<Sample> samples;
         for (Duration age = time; age > 0s; age -= 5min)
@@ -75,7 +75,7 @@ TEST_F(AppModelHistoryTest, IsPluggedInFromNowOnWhereTheHistoryCannotSay) {
 }
 
 TEST_F(AppModelHistoryTest, RecordsEveryReadingButAnEventThatBringsNothingNew) {
-    model().refresh(Reason::event); // there is none that it could repeat
+    model().refresh(Reason::event); // there is no earlier reading that it could repeat
     model().refresh(Reason::launch);
     model().refresh(Reason::timer);
     model().refresh(Reason::wake);

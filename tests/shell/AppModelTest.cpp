@@ -168,7 +168,7 @@ TEST_F(AppModelTest, StaysPluggedInSinceTheBeginningOfTheRun) {
     fake.powerSources.setBattery(64, true);
     const Date start = fake.clock.now();
     AppModel& running = started();
-    int announcements = -1; // the present value comes first
+    int announcements = -1; // the current value is announced first
     const Subscription subscription = running.pluggedSince.subscribe([&](const auto&) { ++announcements; });
     for (const Reason reason : {Reason::event, Reason::timer, Reason::wake, Reason::launch}) {
         fake.mainLoop.advance(17min);
@@ -247,7 +247,7 @@ TEST_F(AppModelTest, SettlesSinceWhenItIsPluggedInBeforeItPublishesTheState) {
 TEST_F(AppModelTest, AnnouncesTheStateBeforeItChanges) {
     fake.powerSources.setBattery(64, false);
     AppModel& running = started();
-    std::vector<std::pair<std::int64_t, std::int64_t>> heard; // what comes, and what is there
+    std::vector<std::pair<std::int64_t, std::int64_t>> heard; // the new value, and the value in place
     const Subscription subscription = running.state.subscribe(
         [&](const BatteryState& coming) { heard.emplace_back(coming.percent, running.state.get().percent); });
     heard.clear();
@@ -291,7 +291,7 @@ TEST_F(AppModelTest, SnoozingDoesNotRefresh) {
 
 TEST_F(AppModelTest, EveryTriggerIsSilentOnceTheModelIsGone) {
     started();
-    fake.sessionEvents.wake(); // a refresh that is on its way
+    fake.sessionEvents.wake(); // schedules a refresh
     model.reset();
     EXPECT_EQ(readingsDuring([&] {
                   fake.powerSources.change();
@@ -299,7 +299,7 @@ TEST_F(AppModelTest, EveryTriggerIsSilentOnceTheModelIsGone) {
                   fake.sessionEvents.prepareForSleep();
                   fake.sessionEvents.wake();
                   fake.mainLoop.advance(10min);
-                  // And those that were already being called when the model went.
+                  // And callbacks that were already being called when the model was destroyed.
                   fake.powerSources.callbacks.at(0)();
                   fake.powerSaving.callbacks.at(0)();
                   fake.sessionEvents.willSleepCallbacks.at(0)();
@@ -314,7 +314,7 @@ TEST_F(AppModelTest, EveryTriggerIsSilentOnceTheModelIsGone) {
 
 using AppModelDeathTest = AppModelTest;
 
-/// Runs `trigger` on what is not the main thread and expects it to stop the program, before it reads anything.
+/// Runs `trigger` off the main thread and expects it to stop the program before it reads anything.
 #define EXPECT_STOPS_OFF_THE_MAIN_THREAD(trigger)                                                                      \
     do {                                                                                                               \
         fake.mainLoop.mainThread = false;                                                                              \

@@ -8,16 +8,17 @@
 
 #include <cstdlib>
 
-/// One place and one language, whatever the machine's are: local times and dates are compared as they are written. The
-/// place changes its clocks by a rule that is told here, so that no time zone database is needed.
+/// Sets one time zone and one language, whatever the machine's are: local times and dates are compared as text. The
+/// rule for summer time is given here, so that no time zone database is needed.
 int main(int argc, char** argv) {
-    // The allocator counts as used what it keeps at hand for each size, and can be told not to only before it starts.
+    // glibc's allocator counts the blocks in its per-thread cache as used. That cache can be switched off only before
+    // the process starts.
     if (::setenv("GLIBC_TUNABLES", "glibc.malloc.tcache_count=0", 0) == 0 &&
         std::getenv("VELMORA_DAY_TESTS") == nullptr) {
         ::setenv("VELMORA_DAY_TESTS", "started", 1);
         ::execv("/proc/self/exe", argv);
     }
-    giveBackLargeBlocks(); // as the program does
+    giveBackLargeBlocks(); // as in the program
     testing::InitGoogleTest(&argc, argv);
     ::setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
     ::setenv("LC_ALL", "C.UTF-8", 1);

@@ -31,7 +31,7 @@ namespace {
 class DesktopDay : public ::testing::Test {
 protected:
     static constexpr int hours = 24;
-    static constexpr int warmUp = 6; ///< hours, in which windows are made and the allocator finds its sizes
+    static constexpr int warmUp = 6; ///< hours in which windows are made and the heap reaches its size
 
     TemporaryFolder home;
     FakePlatform fakes;
@@ -72,7 +72,7 @@ protected:
         fakes.powerSources.setBattery(percent(minute), isPluggedIn(minute), isPluggedIn(minute));
     }
 
-    /// What the program would have remembered in 30 such days.
+    /// The history that 30 such days would have left.
     std::deque<Sample> month() const {
         std::deque<Sample> all;
         const double end = fakes.clock.now().time_since_epoch().count();
@@ -88,7 +88,7 @@ protected:
                     remember(0);
                 if (minute == 5) // the popover is opened
                     remember(30);
-                if (minute == 55) // it wakes
+                if (minute == 55) // the machine wakes
                     remember(33);
                 remember(60);
             }
@@ -100,7 +100,7 @@ protected:
         QCoreApplication::processEvents();
         fakes.mainLoop.runDue();
         QCoreApplication::processEvents();
-        // What Qt puts off until it is back in its main loop, which a test never is.
+        // Qt puts off deletions until it is back in its main loop, and a test never is.
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     FakeStatusBar::Record& item() { return *fakes.statusBar.items.at(0); }
@@ -123,7 +123,7 @@ protected:
             ->click();
     }
 
-    /// What the user does in each minute of the hour.
+    /// The user's actions in each minute of the hour.
     void act(int minute) {
         switch (minute) {
         case 5:
@@ -156,7 +156,7 @@ protected:
         }
     }
 
-    /// What the fakes remember is not the program's.
+    /// Drops the records of the fakes, which are not the program's memory.
     void forget() {
         fakes.journal.clear();
         fakes.notificationCenter.requests.clear();
@@ -172,7 +172,7 @@ TEST_F(DesktopDay, NeitherMemoryNorDescriptorsGrow) {
     std::vector<double> ofTheProcess;
     std::vector<std::size_t> descriptors;
     for (auto* each : {&allocated, &ofTheProcess})
-        each->reserve(hours); // it is not what is measured
+        each->reserve(hours); // so that these lists do not grow while memory is measured
     descriptors.reserve(hours);
     const int readings = fakes.powerSources.snapshots;
     for (int hour = 0; hour < hours; ++hour) {
@@ -189,21 +189,21 @@ TEST_F(DesktopDay, NeitherMemoryNorDescriptorsGrow) {
         forget();
         if (hour >= warmUp) {
             allocated.push_back(allocatedBytes());
-            giveBackFreeMemory(); // how much the allocator keeps is its own affair
+            giveBackFreeMemory(); // memory that only the allocator keeps does not count
             ofTheProcess.push_back(privateBytes());
             descriptors.push_back(openDescriptors());
         }
     }
-    // The minutes; in each hour two changes, an opening of the popover and a waking.
+    // One reading each minute, and in each hour two changes, an opening of the popover and a waking.
     EXPECT_EQ(fakes.powerSources.snapshots, readings + hours * (60 + 4));
     const double growth = slope(allocated) * 24;
     const double processGrowth = slope(ofTheProcess) * 24;
     std::printf("%.0f bytes a day allocated, %.0f of the process, %zu descriptors\n", growth, processGrowth,
                 descriptors.back());
-    // Qt itself notes each time that a window is activated, which is 2,500 bytes for these 24 settings
-    // windows. Sixteen bytes a minute would be 23,000 more, and a widget left over from each popover 5,000 at least.
+    // Qt itself records each activation of a window, 2,500 bytes for these 24 settings windows. A leak of sixteen bytes
+    // a minute would add 23,000, and a widget left over from each popover at least 5,000.
     EXPECT_LT(growth, 6000);
-#ifndef VELMORA_ADDRESS_SANITIZER // which keeps what was freed, so that its later use shows
+#ifndef VELMORA_ADDRESS_SANITIZER // ASan keeps freed memory to detect its later use
     EXPECT_LT(processGrowth, 4'000'000) << "what is not allocated one by one, such as pictures; a block may come or go";
 #endif
     EXPECT_EQ(descriptors, std::vector<std::size_t>(descriptors.size(), descriptors.front()));

@@ -11,7 +11,7 @@ namespace {
 
 struct PublishedTest : ::testing::Test {
     Published<std::string> value{"old"};
-    std::vector<std::pair<std::string, std::string>> heard; ///< what was announced, and what was stored meanwhile
+    std::vector<std::pair<std::string, std::string>> heard; ///< the announced value, and the value stored at that time
 
     Subscription listen() {
         return value.subscribe([this](const std::string& coming) { heard.emplace_back(coming, value.get()); });

@@ -24,13 +24,13 @@ namespace {
 /// Local midnight of the first day, Monday, 30 October 2023, in a time zone one hour east of UTC.
 constexpr Date firstMidnight{std::chrono::seconds(1'698'624'000 - 3600)};
 
-/// "09:38" on a day of the month; the first day is 1.
+/// A time such as "09:38" on a day of the month; the first day is 1.
 Date at(int day, const std::string& time) {
     const int minutes = std::stoi(time.substr(0, 2)) * 60 + std::stoi(time.substr(3, 2));
     return firstMidnight + Duration((day - 1) * 86400.0 + minutes * 60.0);
 }
 
-/// The day and the local time, "12 09:38:30".
+/// The day and the local time, as in "12 09:38:30".
 std::string shown(Date date) {
     const auto seconds = static_cast<int>((date - firstMidnight).count());
     char text[32];
@@ -49,9 +49,9 @@ std::string shown(const Reminder& reminder) {
     return "day " + shown(reminder.when) + " " + reminder.kind + ": " + reminder.text;
 }
 
-/// A laptop, its user and the program, for a month. The battery is easy to reckon with: plugged in it gains 1 % a
+/// A laptop, its user and the program, for a month. The battery makes for simple sums: plugged in it gains 1 % a
 /// minute, awake on battery it loses 1 % every 5 minutes (every 8 in Low Power Mode), asleep on battery 1 % an hour.
-/// The changes come on the half minute; what the user does, and the program's timer, on the full one.
+/// The charge changes on the half minute; the user acts, and the program's timer fires, on the full one.
 class SimulatedMonth : public ::testing::Test {
 protected:
     static inline const std::filesystem::path historyFile = "/home/user/.local/share/Velmora/history.json";
@@ -59,8 +59,8 @@ protected:
     FakePlatform fake;
     std::optional<AppModel> model;
     std::vector<Reminder> reminders;
-    int savesWithoutReason = 0; ///< neither in time nor for a change
-    int timedSaves = 0;         ///< because five minutes had gone by
+    int savesWithoutReason = 0; ///< neither on schedule nor for a change
+    int timedSaves = 0;         ///< because five minutes had passed
     int transitions = 0;        ///< plugged in, unplugged, charging began or ended
     int sleeps = 0;
     int launchesAndQuits = 0;
@@ -69,7 +69,7 @@ protected:
     SimulatedMonth() {
         fake.clock.setNow(firstMidnight);
         fake.calendar.minutesEastOfUtc = 60;
-        fake.defaults.setObject("quietEnabled", true); // 22:00 to 07:00, as they come
+        fake.defaults.setObject("quietEnabled", true); // 22:00 to 07:00, the defaults
         percent_ = 54;
         fullCapacity_ = 4060; // 81.2 %
         show();
@@ -87,7 +87,7 @@ protected:
         model.reset();
     }
 
-    /// The machine runs until then, and then has that much.
+    /// The machine runs until `end`, and then has that charge.
     void awakeUntil(Date end, int percent) {
         awakeUntil(end);
         ASSERT_EQ(percent_, percent) << "on day " << shown(fake.clock.now());
@@ -123,7 +123,7 @@ protected:
         if (plugged_)
             percent_ = std::min(100, percent_ + static_cast<int>(time / 1min));
         else
-            percent_ = std::max(2, percent_ - static_cast<int>(time / 1h)); // then the machine is off
+            percent_ = std::max(2, percent_ - static_cast<int>(time / 1h)); // at 2 % the machine is off
         minutes_ = 0;
         show();
         did([&] { fake.sessionEvents.wake(); });
@@ -141,7 +141,7 @@ protected:
         });
     }
 
-    /// The battery's controller has learnt something.
+    /// The battery's controller finds a new capacity.
     void setFullCapacity(int capacity) {
         fullCapacity_ = capacity;
         show();
@@ -185,7 +185,7 @@ private:
         did([&] { fake.powerSources.change(); });
     }
 
-    /// Whatever happens happens in here: it is watched for reminders and for writes to the disk.
+    /// Every event of the simulation runs in here, which counts the reminders and the writes to the disk.
     void did(const std::function<void()>& action, bool mayWrite = false) {
         const std::size_t reminded = fake.notificationCenter.requests.size();
         const std::size_t written = fake.files.replacedPaths.size();
@@ -230,7 +230,7 @@ protected:
         awakeUntil(at(day, "20:45"), 65 - less);
     }
 
-    /// Plugged in until then.
+    /// Plugged in until `end`.
     void chargeUntil(Date end, int percent) {
         plug();
         awakeUntil(end, percent);
@@ -246,7 +246,7 @@ TEST_F(SimulatedMonth, BringsTheRemindersThatTheUserShouldHaveAndNoOther) {
     office(2);
     sleepUntil(at(3, "08:00"));
 
-    // All day at a desk, with the charger in and nobody listening.
+    // All day at a desk, with the charger in and the reminders ignored.
     awakeUntil(at(3, "08:30"), 48);
     chargeUntil(at(3, "16:40"), 100);
     awakeUntil(at(3, "17:30"), 90);
@@ -256,7 +256,7 @@ TEST_F(SimulatedMonth, BringsTheRemindersThatTheUserShouldHaveAndNoOther) {
     office(4);
     sleepUntil(at(5, "08:00"));
 
-    // Plugged in at home on Friday and left so until Monday, three days.
+    // Plugged in at home from Friday to Monday, three days.
     awakeUntil(at(5, "08:30"), 48);
     plug();
     awakeUntil(at(5, "20:45"));
@@ -322,7 +322,7 @@ TEST_F(SimulatedMonth, BringsTheRemindersThatTheUserShouldHaveAndNoOther) {
     office(12);
     sleepUntil(at(13, "10:00"), 52);
 
-    // Saturday: the battery finds that it holds less than it did.
+    // Saturday: the battery finds that its capacity has fallen.
     awakeUntil(at(13, "10:30"), 46);
     chargeUntil(at(13, "11:03"), 79);
     awakeUntil(at(13, "12:00"));
@@ -400,7 +400,7 @@ TEST_F(SimulatedMonth, BringsTheRemindersThatTheUserShouldHaveAndNoOther) {
     office(23);
     sleepUntil(at(24, "08:00"));
 
-    // A lower limit is tried, and given up again while the reminders for it have just ended.
+    // The user tries a lower limit, and gives it up just after the reminders for it have ended.
     fake.defaults.setObject("limit", 60);
     awakeUntil(at(24, "09:00"), 42);
     plug();
@@ -468,11 +468,12 @@ TEST_F(SimulatedMonth, BringsTheRemindersThatTheUserShouldHaveAndNoOther) {
         {at(5, "09:12"), "chargeLimit", limit(90)},
         {at(5, "09:17"), "chargeLimit", limit(95)},
         {at(5, "16:31"), "tooLong", tooLong},
-        // Saturday to Monday: nothing, it has all been said, and what holds on waking is an old story.
+        // Saturday to Monday: nothing. All has been said, and a condition that holds on waking is not news.
         // Office, but from 53 %: one minute later, just before the charger is pulled.
         {at(9, "09:39"), "chargeLimit", limit(80)},
-        // The meeting: 41 % at nine. Snoozed at 9:40 for an hour; then, still plugged in, the next two of the repeats,
-        // until it is unplugged at 10:46.
+        // The meeting: 41 % at nine. Snoozed at 9:40 for an hour; then, still plugged in, the next two repeats, until
+        // it
+        // is unplugged at 10:46.
         {at(10, "09:39"), "chargeLimit", limit(80)},
         {at(10, "10:40"), "chargeLimit", limit(100)},
         {at(10, "10:45"), "chargeLimit", limit(100)},
@@ -483,29 +484,29 @@ TEST_F(SimulatedMonth, BringsTheRemindersThatTheUserShouldHaveAndNoOther) {
         // In Low Power Mode from 29 %: 23 % at 17:30 and 22 % at 19:00, so 20 % two times eight minutes later.
         {at(11, "19:16"), "low", low(20)},
         {at(12, "09:38"), "chargeLimit", limit(80)}, // office
-        // Below 80 %, seen at noon by a machine that was awake. 79.9 % is told as 80.
+        // Below 80 %, seen at noon while the machine is awake. 79.9 % is shown as 80.
         {at(13, "12:00"), "health", health},
-        // Monday at 8:00: nothing at 19 %, it was so on waking. 17 % at 8:10, so 80 % 63 minutes later.
+        // Monday at 8:00: nothing at 19 %, because that was so on waking. 17 % at 8:10, so 80 % 63 minutes later.
         {at(15, "09:13"), "chargeLimit", limit(80)},
-        // The health goes on falling: nothing, it has been told.
+        // The health goes on falling: nothing, the reminder for it has been sent.
         {at(16, "09:38"), "chargeLimit", limit(80)}, // office
         {at(17, "09:38"), "chargeLimit", limit(80)}, // office
         {at(18, "09:38"), "chargeLimit", limit(80)}, // office, until the evening
         // No charger: 46 % at seven, so 29 % after 17 and 20 % after 26 times five minutes.
         {at(18, "20:25"), "lowPower", suggestion(29)},
         {at(18, "21:10"), "low", low(20)},
-        // 80 % at 22:16, in the quiet hours, and the machine sleeps before they end. In the morning it is an old story.
+        // 80 % at 22:16, in the quiet hours, and the machine sleeps before they end. In the morning it is not news.
         // Saturday: as at the desk, from 42 % at nine.
         {at(20, "09:38"), "chargeLimit", limit(80)},
         {at(20, "09:43"), "chargeLimit", limit(85)},
         {at(20, "09:48"), "chargeLimit", limit(90)},
         {at(20, "09:53"), "chargeLimit", limit(95)},
-        // The program was started at 12:02 and knows from the history that the charger is in since 9:00.
+        // The program was started at 12:02 and knows from the history that the charger has been in since 9:00.
         {at(20, "17:01"), "tooLong", tooLong},
         // Forgotten: 80 % at ten, so 29 % after 51 and 20 % after 60 times five minutes. Then nobody reads them.
         {at(21, "14:15"), "lowPower", suggestion(29)},
         {at(21, "15:00"), "low", low(20)},
-        // Found flat, 2 % on waking, an old story. Charged from 8:01, so 80 % 78 minutes later.
+        // Found flat: 2 % on waking is not news. Charged from 8:01, so 80 % 78 minutes later.
         {at(22, "09:19"), "chargeLimit", limit(80)},
         {at(23, "09:38"), "chargeLimit", limit(80)}, // office
         // The limit at 60 %: 18 minutes after 42 %, and the three repeats.
@@ -513,7 +514,7 @@ TEST_F(SimulatedMonth, BringsTheRemindersThatTheUserShouldHaveAndNoOther) {
         {at(24, "09:23"), "chargeLimit", limit(65)},
         {at(24, "09:28"), "chargeLimit", limit(70)},
         {at(24, "09:33"), "chargeLimit", limit(75)},
-        // At 80 % again, set at 78 %: not reached any more, and then it is reached anew.
+        // Back to a limit of 80 %, set at 78 %: no longer reached, and then reached anew.
         {at(24, "09:38"), "chargeLimit", limit(80)},
         {at(25, "09:38"), "chargeLimit", limit(80)}, // office
         {at(26, "09:38"), "chargeLimit", limit(80)}, // office
@@ -540,7 +541,7 @@ TEST_F(SimulatedMonth, BringsTheRemindersThatTheUserShouldHaveAndNoOther) {
     EXPECT_TRUE(std::is_sorted(samples.begin(), samples.end(),
                                [](const Sample& one, const Sample& other) { return one.t < other.t; }));
 
-    // The weekend was slept through and has no rows. Monday began with 100 % after it.
+    // The machine slept through the weekend, which has no rows. Monday began with 100 %.
     const auto days = model->history.dailySummaries(7, fake.clock.now());
     ASSERT_EQ(days.size(), 5U);
     for (std::size_t i = 0; i < days.size(); ++i)
@@ -549,7 +550,7 @@ TEST_F(SimulatedMonth, BringsTheRemindersThatTheUserShouldHaveAndNoOther) {
         EXPECT_EQ(days[i].minPercent, 35);
         EXPECT_EQ(days[i].maxPercent, 82);
         EXPECT_EQ(days[i].chargingMinutes, 40 + 40 + 33);
-        // The middles of the stretches between the turning points, weighted with their lengths, give 59.9.
+        // The mean charge between turning points, weighted by the time between them, is 59.9.
         EXPECT_NEAR(static_cast<double>(days[i].avgPercent), 60, 1);
     }
     EXPECT_EQ(days[4].minPercent, 39);
@@ -558,7 +559,7 @@ TEST_F(SimulatedMonth, BringsTheRemindersThatTheUserShouldHaveAndNoOther) {
     EXPECT_GT(days[4].avgPercent, 50);
     EXPECT_LT(days[4].avgPercent, 85);
 
-    // What changed and what a sleep could lose is written at once, the rest every five minutes.
+    // Changes, and samples that a sleep could lose, are written at once, the rest every five minutes.
     EXPECT_EQ(savesWithoutReason, 0);
     EXPECT_LE(timedSaves, static_cast<int>(awakeSeconds / 300) + sleeps);
     EXPECT_LE(static_cast<int>(fake.files.replacedPaths.size()), timedSaves + transitions + sleeps + launchesAndQuits);

@@ -56,7 +56,7 @@ protected:
             const std::int64_t before = model.historyVersion.get();
             fake.mainLoop.advance(60s);
             ++minutes;
-            // The timer's, and for the first minute after a sleep one more.
+            // The timer's reading, and one more in the first minute after a sleep.
             ASSERT_EQ(model.historyVersion.get() - before, 1 + (isWaking ? 1 : 0)) << "minute " << minutes;
             isWaking = false;
             checkHistory();
@@ -75,14 +75,14 @@ protected:
         const auto& samples = model.history.samples;
         ASSERT_GE(samples.front().date(), now - kept);
         ASSERT_EQ(samples.back().date(), now) << "the timer is as punctual as on the first day";
-        // Of the days before, all is there; what is exactly as old as it may be, too.
+        // All samples that may be kept are there, even the one of exactly the greatest age.
         if (minutes > static_cast<int>(kept / day * sessionsOfADay * session / 1min)) {
             ASSERT_EQ(samples.front().date(), now - kept);
             ASSERT_EQ(samples.size(), 30 * samplesOfADay + 1);
         }
     }
 
-    /// What the fakes remember is not the program's.
+    /// Drops the records of the fakes, which are not the program's memory.
     void forget() {
         fake.journal.clear();
         fake.files.replacedPaths.clear();
@@ -95,7 +95,7 @@ protected:
 TEST_F(Year, NeitherGrowsNorDriftsAndKeepsThirtyDays) {
     model.start();
     std::vector<double> memory;
-    memory.reserve(days); // it is not what is measured
+    memory.reserve(days); // so that the list does not grow while memory is measured
     for (int today = 0; today < days && !HasFailure(); ++today) {
         for (int i = 0; i < sessionsOfADay; ++i) {
             use();
@@ -115,10 +115,10 @@ TEST_F(Year, NeitherGrowsNorDriftsAndKeepsThirtyDays) {
     EXPECT_EQ(fake.mainLoop.repetitions.size(), 1U);
     const double growth = slope(memory);
     std::printf("%.3f bytes a day\n", growth);
-    // The minutes; three wakings a day, the first of all being the launch; plugged in and unplugged each time. The
-    // last sleep has not ended.
+    // One reading each minute, three wakings a day (the very first is the launch), and each time plugged in and
+    // unplugged. The waking from the last sleep is still to come.
     EXPECT_EQ(readings, minutes + days * sessionsOfADay * (1 + 2));
-    // The smallest block a day would be 32.
+    // A leak of the smallest block a day would be 32.
     EXPECT_LT(std::abs(growth), 8);
     const auto onDisk = decodeHistory(fake.files.files.at("/home/user/.local/share/Velmora/history.json"));
     ASSERT_TRUE(onDisk);

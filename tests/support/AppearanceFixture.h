@@ -14,11 +14,11 @@
 #include <string>
 #include <vector>
 
-/// What follows the look of the desktop, on a bus of its own.
+/// The watch of the desktop's look, on a bus of its own.
 class AppearanceFixture : public testing::Test {
 protected:
     PrivateBus bus;
-    // A connection beside the stand-in's, as two programs have.
+    // A connection of its own beside the stand-in's, as in two programs.
     QDBusConnection own = QDBusConnection::connectToBus(bus.address(), QStringLiteral("desktop-look-test"));
     std::vector<Appearance> looks;
     std::unique_ptr<AppearanceWatch> watch =
@@ -29,12 +29,12 @@ protected:
         QDBusConnection::disconnectFromBus(own.name());
     }
 
-    /// Whether it comes to this look.
+    /// Whether the watch arrives at this look.
     bool shows(const Appearance& look) {
         return waitUntil([&] { return !looks.empty() && looks.back() == look; });
     }
 
-    /// Whether the bus starts the service, which it could, for what `ask` asks on our connection.
+    /// Whether the calls that `ask` makes on our connection cause the bus to start the service, which it could.
     template <class Ask>
     bool starts(const QString& service, Ask ask) {
         const QString other = QStringLiteral("test.Other");
@@ -47,7 +47,7 @@ protected:
         const QString path = QStringLiteral("/org/freedesktop/DBus");
         bus.call(daemon, path, daemon, QStringLiteral("ReloadConfig"));
         ask();
-        // The bus starts in the order in which it is asked.
+        // The bus starts services in the order in which they are requested.
         auto start = QDBusMessage::createMethodCall(daemon, path, daemon, QStringLiteral("StartServiceByName"));
         start << other << 0U;
         own.asyncCall(start);

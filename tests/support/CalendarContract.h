@@ -10,7 +10,7 @@
 #include <limits>
 
 /// What every calendar must do. A `Backend` is made anew for each test and has
-///   Calendar& calendar();   of a zone that is always 5:30 h ahead of UTC
+///   Calendar& calendar();   in a zone that is always 5:30 h ahead of UTC
 template <class Backend>
 class CalendarContract : public ::testing::Test {
 protected:

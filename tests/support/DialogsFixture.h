@@ -23,7 +23,7 @@
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
-/// A home without anything, and a user who acts once a dialog is there.
+/// An empty home, and a user who acts once a dialog is shown.
 class DialogsFixture : public testing::Test {
 protected:
     TemporaryFolder home;
@@ -45,14 +45,14 @@ protected:
         return nullptr;
     }
 
-    /// Once the dialog of that name is visible, the user does this. Without it, everything is closed after a while.
+    /// The user acts once the dialog of that name is visible. If it never is, everything is closed after a while.
     template <class Dialog = QDialog>
     void whenShown(const char* name, std::function<void(std::type_identity_t<Dialog>&)> act) {
         const auto find = [name = QString::fromLatin1(name)] { return dynamic_cast<Dialog*>(visible(name)); };
         when<Dialog>(find, std::move(act));
     }
 
-    /// The same for a question of Qt's own, which has no name.
+    /// The same for one of Qt's own message boxes, which have no name.
     void whenAsked(std::function<void(QMessageBox&)> act) {
         when<QMessageBox>([] { return qobject_cast<QMessageBox*>(QApplication::activeModalWidget()); }, std::move(act));
     }
@@ -67,7 +67,7 @@ protected:
     static QLineEdit& nameOf(QDialog& dialog) { return *dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit")); }
 
     static void save(QDialog& dialog, const char* name) {
-        // Without the keyboard the dialog takes what is selected in its list for what is meant.
+        // Without the keyboard focus the dialog saves to the entry selected in its list.
         dialog.activateWindow();
         nameOf(dialog).setFocus();
         EXPECT_TRUE(waitUntil([&] { return nameOf(dialog).hasFocus(); }));
@@ -98,7 +98,8 @@ protected:
         ASSERT_TRUE(window.grab().save(folder + QLatin1Char('/') + QLatin1String(name)));
     }
 
-    /// The program's main loop with this in it, until it is told to end; true when it does.
+    /// Runs `task` in the program's main loop until that is told to end; true if the task has finished and the loop
+    /// returned 0.
     bool mainLoopRuns(std::function<void()> task) {
         bool isOver = false;
         loop.async([&] {

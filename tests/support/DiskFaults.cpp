@@ -37,7 +37,7 @@ DiskFaults::~DiskFaults() {
     current = nullptr;
 }
 
-// These stand before the C library's functions of the same names.
+// These take the place of the C library's functions of the same names.
 
 extern "C" ssize_t write(int descriptor, const void* bytes, size_t count) {
     if (current != nullptr && descriptor > STDERR_FILENO && isRegular(descriptor)) {

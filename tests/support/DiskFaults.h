@@ -5,7 +5,7 @@
 #include <deque>
 #include <functional>
 
-/// Makes this process's calls that write files go wrong as told, for as long as it lives. One at a time.
+/// Makes this process's calls that write files fail as told, for the lifetime of this object. One object at a time.
 class DiskFaults {
 public:
     DiskFaults();
@@ -15,10 +15,10 @@ public:
 
     struct Write {
         int error = 0;        ///< an errno value, or 0
-        std::size_t most = 0; ///< without an error, as many bytes are written at most
+        std::size_t most = 0; ///< without an error, at most this many bytes are written
     };
 
-    std::deque<Write> writes; ///< what becomes of the next write() calls to regular files; then they work
+    std::deque<Write> writes; ///< outcomes of the next write() calls to regular files; later calls work
     std::deque<int> syncs;    ///< of the next fsync() calls: an errno value, or 0
 
     std::function<void()> beforeWrite; ///< runs before each write() to a regular file

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-/// Environment variables that are set, or taken away, for as long as this lives. No other thread may look at them while
+/// Environment variables that are set or unset for the lifetime of this object. No other thread may read them while
 /// they change.
 class Environment {
 public:

@@ -3,12 +3,12 @@
 
 #include "platform/Bundle.h"
 
-/// A bundle that is where it should be, unless told otherwise.
+/// A bundle in its proper place, unless told otherwise.
 class FakeBundle final : public Bundle {
 public:
     std::filesystem::path place = "/opt/Velmora.app";
     std::optional<std::string> name = "app.velmora.Velmora";
-    bool installed = false; ///< below a prefix, which `place` is then
+    bool installed = false; ///< below a prefix, which is `place` then
 
     std::filesystem::path location() const override { return place; }
     std::optional<std::string> identifier() const override { return name; }

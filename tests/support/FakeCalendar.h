@@ -5,11 +5,11 @@
 
 #include <cmath>
 
-/// A calendar of a time zone with a fixed distance from UTC.
+/// A calendar in a time zone with a fixed offset from UTC.
 class FakeCalendar final : public Calendar {
 public:
     int minutesEastOfUtc = 0;
-    bool knowsNoTime = false; ///< every instant is beyond what can be told as a local time
+    bool knowsNoTime = false; ///< every instant is outside the range of local times
 
     TimeOfDay timeOfDay(Date date) const override {
         if (!knows(date))
@@ -43,7 +43,7 @@ private:
     static constexpr double secondsOfDay = 86400;
 
     bool knows(Date date) const {
-        constexpr double limit = 9e15; // as the system's calendar
+        constexpr double limit = 9e15; // as in the system's calendar
         return !knowsNoTime && std::abs(date.time_since_epoch().count()) <= limit;
     }
 };

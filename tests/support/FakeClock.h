@@ -6,8 +6,8 @@
 #include <cmath>
 #include <cstdint>
 
-/// Time that stands still until a test moves it. To let time pass together with what is due in it, use
-/// `FakeMainLoop::advance`.
+/// Time that stands still until a test moves it. `FakeMainLoop::advance` moves it and also runs tasks and timers that
+/// become due.
 class FakeClock final : public Clock {
 public:
     /// By default a machine that has been up for a while, in November 2023.
@@ -19,16 +19,16 @@ public:
     Duration uptime() const override { return uptimeAtStart_ + seconds(awake_ + asleep_); }
     Duration slept() const override { return seconds(asleep_); }
 
-    /// Time goes by while the machine is awake, and nobody looks at what is due.
+    /// Time passes while the machine is awake; tasks and timers that become due do not run.
     void pass(Duration time) { awake_ += nanoseconds(time); }
 
-    /// The machine is suspended for that time; what waits in the main loop does not get closer.
+    /// The machine is suspended for that time; timers in the main loop do not count it.
     void suspend(Duration time) { asleep_ += nanoseconds(time); }
 
-    /// Somebody sets the clock.
+    /// The wall clock is set.
     void setNow(Date now) { wallAtStart_ = now - seconds(awake_ + asleep_); }
 
-    /// What intervals of the main loop are measured with: nanoseconds awake, so that sums of them are exact.
+    /// The main loop's time: nanoseconds awake, as integers so that sums are exact.
     std::int64_t steady() const { return awake_; }
 
     static std::int64_t nanoseconds(Duration time) { return std::llround(time.count() * 1e9); }

@@ -13,9 +13,9 @@ class FakeDialogs final : public Dialogs {
 public:
     explicit FakeDialogs(FakeJournal* journal = nullptr) : journal_(journal) {}
 
-    std::optional<std::filesystem::path> chosenFile; ///< what the save dialog gives
-    std::optional<std::size_t> chosenButton;         ///< what ends an alert
-    std::function<void()> whileOpen;                 ///< what happens while the save dialog is open
+    std::optional<std::filesystem::path> chosenFile; ///< the save dialog's answer
+    std::optional<std::size_t> chosenButton;         ///< the button that ends an alert
+    std::function<void()> whileOpen;                 ///< runs while the save dialog is open
 
     std::vector<SaveDialog> saveDialogs;
     std::vector<Alert> alerts;

@@ -14,11 +14,11 @@ public:
     std::filesystem::path support = "/home/user/.local/share";
     std::map<std::filesystem::path, std::string> files;
     std::set<std::filesystem::path> folders;
-    std::vector<std::filesystem::path> documents; ///< what was saved as one
+    std::vector<std::filesystem::path> documents; ///< the files saved with `saveDocument`
     bool refusesReads = false;
     bool refusesWrites = false;
-    mutable std::vector<std::filesystem::path> readPaths; ///< what was asked for, in order
-    std::vector<std::filesystem::path> replacedPaths;     ///< also where it was refused
+    mutable std::vector<std::filesystem::path> readPaths; ///< the files that were read, in order
+    std::vector<std::filesystem::path> replacedPaths;     ///< including refused ones
 
     std::filesystem::path applicationSupportFolder() const override { return support; }
 

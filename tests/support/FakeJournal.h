@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-/// What several fakes were asked, in one order.
+/// The calls to several fakes, in one common order.
 using FakeJournal = std::vector<std::string>;
 
 inline void note(FakeJournal* journal, std::string entry) {

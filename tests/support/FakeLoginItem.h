@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-/// A switch that nobody logs in behind.
+/// A login item without a login.
 class FakeLoginItem final : public LoginItem {
 public:
-    bool enabled = false;                ///< the desktop may switch it too
+    bool enabled = false;                ///< tests change it, too, as the desktop would
     std::optional<std::string> failure;  ///< why nothing can be changed; empty while it can
-    std::vector<std::string> operations; ///< "register" and "unregister", also where they failed
+    std::vector<std::string> operations; ///< "register" and "unregister", including failed ones
 
     bool isEnabled() const override { return enabled; }
     std::optional<std::string> registerItem() override { return set("register", true); }

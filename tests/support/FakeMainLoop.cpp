@@ -48,7 +48,7 @@ void FakeMainLoop::advance(Duration time) {
     constexpr int mostTurns = 1'000'000;
     const std::int64_t end = clock_.steady() + FakeClock::nanoseconds(time);
     const auto passUntil = [this](std::int64_t instant) {
-        // A task may itself have let time pass.
+        // A task may itself have moved the clock.
         if (instant > clock_.steady())
             clock_.pass(Duration(static_cast<double>(instant - clock_.steady()) / 1e9));
     };

@@ -16,7 +16,7 @@ class FakeMainLoop final : public MainLoop {
 public:
     explicit FakeMainLoop(FakeClock& clock, FakeJournal* journal = nullptr) : clock_(clock), journal_(journal) {}
 
-    /// A repeating timer that was asked for, also when it has been destroyed since.
+    /// A repeating timer that was asked for, even if it has been destroyed since.
     struct Repetition {
         Duration interval{};
         Duration tolerance{};
@@ -24,7 +24,7 @@ public:
         bool isAlive = true;
     };
 
-    bool mainThread = true;                               ///< what `isMainThread` says
+    bool mainThread = true;                               ///< the answer of `isMainThread`
     Duration lateness{};                                  ///< how late timers fire, as far as they tolerate it
     std::vector<std::shared_ptr<Repetition>> repetitions; ///< every timer ever asked for
 
@@ -33,10 +33,10 @@ public:
     [[nodiscard]] std::unique_ptr<Timer> repeat(Duration interval, Duration tolerance, Task task) override;
     bool isMainThread() const override { return mainThread; }
 
-    /// Lets time pass and runs what becomes due in it.
+    /// Lets time pass and runs the tasks and timers that become due.
     void advance(Duration time);
 
-    /// Runs what is due now, and what that puts off to later turns of the same instant.
+    /// Runs everything due now, including tasks that those put off to later turns at the same instant.
     void runDue() { advance(Duration(0)); }
 
     /// How many tasks and timers wait.

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-/// Records what is asked of it. It answers and calls its delegate on a thread of its own, as it may.
+/// Records its calls. It answers and calls its delegate on a thread of its own, as the port allows.
 class FakeNotificationCenter final : public NotificationCenter {
 public:
     AuthorizationStatus status = AuthorizationStatus::notDetermined;

@@ -47,7 +47,7 @@ void FakeNotificationDaemon::leave() {
 void FakeNotificationDaemon::die() {
     if (!connection_.isConnected())
         return;
-    leave(); // Qt takes its time to close a connection
+    leave(); // QtDBus closes a connection only some time later
     const QString name = connection_.name();
     connection_ = QDBusConnection(QStringLiteral("none"));
     QDBusConnection::disconnectFromBus(name);

@@ -11,8 +11,8 @@
 
 #include <vector>
 
-/// A daemon for notifications on a private bus, that shows nothing, notes everything, and misbehaves on demand. It
-/// lives in the test's own process, so it answers only while the event loop runs.
+/// A notification daemon on a private bus that shows nothing, records everything and misbehaves on demand. It lives in
+/// the test's own process, so it answers only while the event loop runs.
 class FakeNotificationDaemon final : public QDBusVirtualObject {
     Q_OBJECT
 
@@ -25,10 +25,10 @@ public:
         QStringList actions;
         QVariantMap hints;
         int timeout = 0;
-        uint id = 0; ///< what was answered
+        uint id = 0; ///< the id in the answer
     };
 
-    /// How a method is dealt with.
+    /// How the daemon treats a method call.
     enum class Manner {
         answers,
         waits,         ///< until `answerWaiting`
@@ -36,18 +36,19 @@ public:
         talksNonsense, ///< with `nonsense`
     };
 
-    /// `name` tells several daemons apart. It is on the bus, but has not taken the well-known name yet.
+    /// `name` is the name of the connection, one for each daemon. The daemon is on the bus, but does not own the
+    /// well-known name yet.
     FakeNotificationDaemon(const PrivateBus& bus, const QString& name);
     ~FakeNotificationDaemon() override;
 
     void appear();
     /// Takes another name as well.
     void appearAs(const QString& name);
-    /// Takes the name when it becomes free.
+    /// Queues for the well-known name.
     void appearNext();
     bool hasName() const;
     void leave();
-    /// As `leave`, and the connection is lost, as it is when a program ends.
+    /// Like `leave`, but also closes the connection, as when a program ends.
     void die();
 
     QString serverName = QStringLiteral("test");
@@ -67,7 +68,7 @@ public:
     qsizetype count(const QString& method) const { return calls.count(method); }
     void answerWaiting();
 
-    /// Returns when the bus has dealt with what was sent from here, and what it had for us has arrived.
+    /// Returns when the bus has handled everything sent from here, and everything it had for us has arrived.
     void roundTrip() const;
 
     void closeByUser(uint id, uint reason = 2);

@@ -15,7 +15,7 @@ public:
     explicit FakePowerSaving(FakeJournal* journal = nullptr) : journal_(journal) {}
 
     bool lowPowerMode = false;
-    std::vector<std::function<void()>> callbacks; ///< every one ever handed over, also when its subscription has ended
+    std::vector<std::function<void()>> callbacks; ///< every one ever given, even if its subscription has ended
 
     bool isLowPowerModeEnabled() const override { return lowPowerMode; }
     [[nodiscard]] Subscription onPowerStateChanged(std::function<void()> callback) override {

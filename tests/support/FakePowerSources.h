@@ -9,7 +9,7 @@
 #include <optional>
 #include <vector>
 
-/// Power sources that say what the test put there. By default a machine without any.
+/// Power sources that the test sets. By default a machine without any.
 class FakePowerSources final : public PowerSources {
 public:
     explicit FakePowerSources(FakeJournal* journal = nullptr) : journal_(journal) {}
@@ -18,16 +18,16 @@ public:
     std::optional<Value> registry;                ///< the battery registry's entry
     bool hasRegistry = true;                      ///< false: there is not even a way to ask for the entry
     bool reportsChanges = true;                   ///< false: a system without change reports
-    std::function<void()> whileReading;           ///< what happens while a snapshot is taken
+    std::function<void()> whileReading;           ///< runs while a snapshot is taken
     int snapshots = 0;                            ///< how many were taken
     int registryReads = 0;                        ///< how often the registry's entry was asked for
     int notifyCalls = 0;                          ///< how often change reports were asked for
-    std::vector<std::function<void()>> callbacks; ///< every one ever handed over, also when its handle has gone
+    std::vector<std::function<void()>> callbacks; ///< every one ever given, even if its subscription has ended
 
     PowerSnapshot snapshot() override;
     [[nodiscard]] std::unique_ptr<Notification> notify(std::function<void()> changed) override;
 
-    /// Puts a single internal battery there.
+    /// Sets a single internal battery.
     void setBattery(int percent, bool onExternalPower, bool isCharging = false);
 
     /// The system reports a change.
@@ -39,5 +39,5 @@ private:
     std::vector<Handle*> handles_;
 };
 
-/// The description of an internal battery that can be read.
+/// A readable description of an internal battery.
 Dictionary internalBattery(int percent, bool onExternalPower, bool isCharging = false);

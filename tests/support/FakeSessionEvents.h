@@ -14,7 +14,7 @@ class FakeSessionEvents final : public SessionEvents {
 public:
     explicit FakeSessionEvents(FakeJournal* journal = nullptr) : journal_(journal) {}
 
-    // Every callback ever handed over, also when its subscription has ended.
+    // Every callback ever given, even if its subscription has ended.
     std::vector<std::function<void()>> willSleepCallbacks;
     std::vector<std::function<void()>> didWakeCallbacks;
     std::vector<std::function<void()>> sessionEndCallbacks;

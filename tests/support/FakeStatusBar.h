@@ -9,15 +9,15 @@
 #include <utility>
 #include <vector>
 
-/// A panel that keeps what its items were given.
+/// A panel that records the contents, menus and actions of its items.
 class FakeStatusBar final : public StatusBar {
 public:
-    /// What one item was given; it outlives the item.
+    /// The record of one item; it outlives the item.
     struct Record {
         std::vector<StatusItem::Content> shown;
         std::function<void(std::optional<ScreenPoint>)> action;
         std::vector<StatusItem::MenuEntry> menu;
-        int menus = 0; ///< how often it was given one
+        int menus = 0; ///< how often the menu was set
         bool isAlive = true;
     };
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-/// Sounds that nobody hears.
+/// Records sounds instead of playing them.
 class FakeSystemSounds final : public SystemSounds {
 public:
     std::vector<std::string> played; ///< names, and "default" for the desktop's own

@@ -13,7 +13,7 @@ std::optional<std::int64_t> wholeNumber(const Value& value) {
     return number && std::trunc(*number) == *number ? value.integer() : std::nullopt;
 }
 
-/// What `read` makes of the stored value, or else of the fallback.
+/// The result of `read` for the stored value, or else for the fallback.
 template <class Read>
 auto lookUp(const Dictionary& values, const Dictionary& fallbacks, std::string_view key, Read read) {
     decltype(read(std::declval<const Value&>())) result;

@@ -11,7 +11,7 @@
 /// Preferences in memory. Several stores can share one content, as several programs share one file.
 class FakeUserDefaults final : public UserDefaults {
 public:
-    /// What outlives a store.
+    /// The content, which outlives a store.
     struct Content {
         Dictionary values;
         Observers<> changed;
@@ -30,7 +30,7 @@ public:
     void setObject(std::string_view key, const Value& value) override;
     [[nodiscard]] Subscription onChange(std::function<void()> callback) override;
 
-    /// What is stored, without the fallbacks.
+    /// The stored values, without the fallbacks.
     const Dictionary& stored() const { return values_; }
 
 private:

@@ -9,11 +9,11 @@
 #include <string>
 #include <vector>
 
-/// What a real machine showed, with the reading that is right for it.
+/// The power supplies of a real machine, with the correct reading for them.
 struct Fixture {
     struct Device {
         std::string name;
-        std::map<std::string, std::optional<std::string>> attributes; ///< empty: the file is there but cannot be read
+        std::map<std::string, std::optional<std::string>> attributes; ///< empty: the file exists but cannot be read
     };
 
     std::string name;
@@ -22,10 +22,10 @@ struct Fixture {
 
     static Fixture load(const std::filesystem::path& file);
 
-    /// The files of all fixtures of the tree, in order.
+    /// The files of all fixtures in the source tree, sorted.
     static std::vector<std::filesystem::path> all();
 
-    /// Writes the devices as a power-supply class below `sysfs`, an ordinary folder. Reading an attribute that cannot
-    /// be read then fails, with EISDIR.
+    /// Writes the devices as a power-supply class below `sysfs`, an ordinary folder. Reading an attribute that is
+    /// marked unreadable then fails with EISDIR.
     void writeTree(const std::filesystem::path& sysfs) const;
 };

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-/// Of what `cmake --install` puts below a prefix, one of each kind.
+/// One file of each kind that `cmake --install` puts below a prefix.
 inline const std::vector<std::string> installedFiles = {
     "bin/velmora",
     "share/applications/app.velmora.Velmora.desktop",
@@ -18,7 +18,7 @@ inline const std::vector<std::string> installedFiles = {
     "lib/velmora/velmora-sound.so",
 };
 
-/// Puts them there, with nothing in them that could run.
+/// Writes them as text files that cannot be run.
 inline void makePrefix(const std::filesystem::path& prefix) {
     for (const std::string& name : installedFiles) {
         std::filesystem::create_directories((prefix / name).parent_path());

@@ -7,8 +7,8 @@
 
 /// What every login item must do. A `Backend` is made anew for each test, from an empty world, and has
 ///   LoginItem& item();
-///   void desktopSwitches(bool on);   as the desktop's own list of what it starts does it
-///   void refuseWrites();             from now on nothing can be changed any more
+///   void desktopSwitches(bool on);   switches it as the desktop's own list of autostarted programs does
+///   void refuseWrites();             from now on nothing can be changed
 template <class Backend>
 class LoginItemContract : public ::testing::Test {
 protected:

@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-/// Notes what the user pressed, and completes at once.
+/// Records the actions that the user pressed, and completes at once.
 class RecordingDelegate final : public NotificationCenter::Delegate {
 public:
     std::vector<std::string> received;
@@ -56,7 +56,7 @@ protected:
         QDBusConnection::disconnectFromBus(QStringLiteral("program"));
     }
 
-    /// An answer that comes at all comes long before these end.
+    /// An answer that comes at all comes long before these time out.
     void start(NotificationDaemon::Timeouts timeouts = {.abilities = std::chrono::seconds(20),
                                                         .doNotDisturb = std::chrono::seconds(20),
                                                         .notify = std::chrono::seconds(20)}) {
@@ -79,10 +79,10 @@ protected:
                 .sound = std::move(sound)};
     }
 
-    /// Lets everything arrive that is on its way between the adapter and the daemon, and what follows from it.
+    /// Waits for all messages between the adapter and the daemon, and for those that follow from them.
     void settle() {
-        // What was sent before a round trip to the bus has been passed on after it, and what was received is handled by
-        // the next turn of the loop. To show one notification takes four questions and answers.
+        // After a round trip the bus has passed on all earlier messages, and the next turn of the event loop handles
+        // the received ones. Showing one notification takes four calls and replies.
         for (int round = 0; round < 8; ++round) {
             roundTrip(connection);
             daemon.roundTrip();

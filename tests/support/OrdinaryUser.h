@@ -6,11 +6,11 @@
 #include <cstdlib>
 #include <filesystem>
 
-/// Makes this process an ordinary user for as long as it lives, so that permissions mean something also where the tests
-/// run as root. Nothing changes where they do not.
+/// Makes this process run as an ordinary user for the lifetime of this object, so that permissions matter even if the
+/// tests run as root. Does nothing if they do not.
 class OrdinaryUser {
 public:
-    /// `home` is handed to that user, with what is in it.
+    /// `home` and everything in it are given to that user.
     explicit OrdinaryUser(const std::filesystem::path& home) {
         if (!wasRoot_)
             return;

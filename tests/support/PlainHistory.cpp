@@ -16,7 +16,7 @@ std::int64_t floorDivide(std::int64_t number, std::int64_t divisor) {
     return (number - (((number % divisor) + divisor) % divisor)) / divisor;
 }
 
-/// Halves go away from zero.
+/// Halves are rounded away from zero.
 std::int64_t roundedQuotient(std::int64_t number, std::int64_t divisor) {
     const std::int64_t twice = (2 * std::abs(number) + divisor) / (2 * divisor);
     return number < 0 ? -twice : twice;
@@ -161,7 +161,7 @@ std::int64_t PlainHistory::localDate(Eighths instant) const {
     return floorDivide(localClock_(floorDivide(instant, 8)), secondsOfDay);
 }
 
-/// The first instant of the date, found by looking at every minute that can be of it.
+/// The first instant of the date, found by trying every minute that can belong to it.
 PlainHistory::Eighths PlainHistory::dayStart(std::int64_t localDate) {
     const auto [place, isNew] = dayStarts_.try_emplace(localDate, 0);
     if (isNew) {
@@ -173,7 +173,7 @@ PlainHistory::Eighths PlainHistory::dayStart(std::int64_t localDate) {
     return place->second;
 }
 
-/// As many days before the start of today at the same time of day; where the clock skips that, right after the gap.
+/// The time of the start of today, that many days earlier; where the clock skips it, right after the gap.
 PlainHistory::Eighths PlainHistory::rangeStart(std::int64_t days, Date now) {
     const Eighths today = dayStart(localDate(eighths(now.time_since_epoch().count())));
     const std::int64_t wanted = localClock_(today / 8) - (days - 1) * secondsOfDay;

@@ -13,20 +13,20 @@
 #include <string>
 #include <vector>
 
-/// The rules of the history a second time, as plainly as they can be said and without regard to time: what the store is
-/// compared with. Reckons in whole eighths of a second, so that nothing is rounded; times that are given must be such.
+/// A second implementation of the history's rules, as plain as possible and however slow, to compare the store with. It
+/// counts in whole eighths of a second, so that nothing is rounded; times that are passed in must be multiples of that.
 class PlainHistory {
 public:
-    /// What the local clock shows at an instant: both in seconds from 1970-01-01 0:00, the one of UTC, the other of
-    /// that clock. It differs from UTC by whole minutes.
+    /// Returns local time for an instant, both in seconds from 1970-01-01 0:00, in UTC and on the local clock. They
+    /// differ by whole minutes.
     using LocalClock = std::function<std::int64_t(std::int64_t)>;
 
     explicit PlainHistory(LocalClock localClock);
 
     std::vector<Sample> samples;
-    std::string file;           ///< what is on the disk
+    std::string file;           ///< the file on the disk
     bool isDiskFull = false;    ///< nothing can be written
-    std::size_t timesSaved = 0; ///< also when nothing could be written
+    std::size_t timesSaved = 0; ///< including failed attempts
 
     void load(const std::vector<Sample>& list, Date now);
     void record(const BatteryState& state, Date now, bool force);

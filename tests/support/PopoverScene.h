@@ -13,7 +13,7 @@
 
 using namespace std::chrono_literals;
 
-/// A laptop with its past, at twenty past four on a Friday afternoon; all of it can be changed until the model starts.
+/// A laptop with a history, at twenty past four on a Friday afternoon; all can be changed until the model starts.
 struct PopoverScene {
     FakePlatform fake;
 
@@ -44,7 +44,7 @@ struct PopoverScene {
                                                       {"AdapterDetails", Value(Dictionary{{"Watts", Value(65)}})}});
     }
 
-    /// A sample a minute over so many days, up and down, with the nights asleep; the last hours lead to what is now.
+    /// A sample a minute over that many days, charging and discharging, asleep at night; the last hours lead up to now.
     void past(int days) {
         std::deque<Sample> samples;
         const Date now = fake.clock.now();
@@ -65,7 +65,7 @@ struct PopoverScene {
         fake.files.files["/home/user/.local/share/Velmora/history.json"] = *encodeHistory(samples);
     }
 
-    /// The model, which has started.
+    /// The started model.
     AppModel& started() {
         if (!model_) {
             model_ = std::make_unique<AppModel>(fake.platform());

@@ -58,7 +58,7 @@ void PrivateBus::start() {
     daemon_.start(QStringLiteral("dbus-daemon"),
                   {QStringLiteral("--nofork"), QStringLiteral("--nopidfile"), QStringLiteral("--print-address"),
                    QStringLiteral("--config-file=") + QString::fromStdString((folder_.path / "bus.conf").string())});
-    // It prints its address once it listens.
+    // dbus-daemon prints its address once it listens.
     ASSERT_TRUE(waitUntil([this] { return daemon_.canReadLine(); }));
     connection_ = QDBusConnection::connectToBus(address(), QStringLiteral("test-%1").arg(++starts_));
     ASSERT_TRUE(connection_.isConnected());
@@ -87,7 +87,7 @@ BusService::BusService(const PrivateBus& bus, const QString& name, const QString
                        const QMap<QString, QString>& environment) {
     QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
     all.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), bus.address());
-    all.remove(QStringLiteral("LD_PRELOAD")); // the simulated devices are not its affair
+    all.remove(QStringLiteral("LD_PRELOAD")); // it must not see the simulated devices
     for (auto entry = environment.begin(); entry != environment.end(); ++entry)
         all.insert(entry.key(), entry.value());
     process_.setProcessEnvironment(all);

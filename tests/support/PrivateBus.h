@@ -10,8 +10,8 @@
 
 #include <memory>
 
-/// A message bus of a test's own, at a socket of its own. It can be stopped and started again at the same place. Of all
-/// services it starts only those that the test has put into `services`; what the machine has installed is not there.
+/// A private message bus with a socket of its own. It can be stopped and started again at the same address. It starts
+/// only services that the test has put into `services`, and none that are installed on the machine.
 class PrivateBus {
 public:
     PrivateBus();
@@ -32,7 +32,7 @@ public:
     /// Whether somebody has the name.
     bool has(const QString& name) const;
 
-    /// Calls a method and gives its first answer; fails the test when it is refused.
+    /// Calls a method and returns the first value of the reply; fails the test if the reply is an error.
     QVariant call(const QString& service, const QString& path, const QString& interface, const QString& method,
                   const QVariantList& arguments = {}) const;
 
@@ -43,10 +43,10 @@ private:
     int starts_ = 0;
 };
 
-/// A program with a name on a private bus, which is its system bus, until it is stopped or goes out of scope.
+/// A program that owns a name on a private bus, its system bus, until it is stopped or goes out of scope.
 class BusService {
 public:
-    /// `environment` is what it has beyond our own; returns when `name` is on the bus.
+    /// `environment` is added to our own; returns when `name` is on the bus.
     BusService(const PrivateBus& bus, const QString& name, const QString& program, const QStringList& arguments,
                const QMap<QString, QString>& environment = {});
     ~BusService();
@@ -57,7 +57,7 @@ private:
     QProcess process_;
 };
 
-/// One of python-dbusmock's stand-ins.
+/// A service mocked by python-dbusmock.
 class StandIn : public BusService {
 public:
     /// `arguments` as for `python3 -m dbusmock --system`.

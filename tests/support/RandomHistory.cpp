@@ -14,7 +14,7 @@
 #include <random>
 #include <utility>
 
-// What GoogleTest shows when two differ.
+// GoogleTest prints values with these when two differ.
 static void PrintTo(const Sample& sample, std::ostream* stream) {
     *stream << "{t " << std::to_string(sample.t) << ", p " << sample.p << (sample.c ? ", c" : "")
             << (sample.a ? ", a}" : "}");
@@ -30,7 +30,7 @@ namespace {
 constexpr double days = 86400;
 constexpr double leastStep = 0.125;
 
-/// The same throws on every machine, which the standard library's distributions do not promise.
+/// The same numbers on every machine, which the standard library's distributions do not promise.
 class Dice {
 public:
     explicit Dice(std::uint64_t seed) : engine_(seed) {}
@@ -43,7 +43,7 @@ public:
     const auto& oneOf(const List& list) {
         return list[static_cast<std::size_t>(below(static_cast<std::int64_t>(std::size(list))))];
     }
-    /// That number, or the least step more or less.
+    /// `number`, or one `leastStep` more or less.
     double about(double number) { return number + static_cast<double>(from(-1, 1)) * leastStep; }
 
 private:
@@ -78,24 +78,24 @@ public:
 private:
     Dice dice_;
     double now_;
-    bool isCalm_; ///< a reading each minute most of the time, so that long runs come about
+    bool isCalm_; ///< mostly a reading each minute, so that there are long runs
     const PlainHistory::LocalClock& localClock_;
     FakeClock clock_{Date(Duration(now_))};
     FakeFiles files_;
     BatteryState state_;
-    std::vector<Sample> list_; ///< what the file holds at the start
+    std::vector<Sample> list_; ///< the content of the file at the start
     PlainHistory plain_;
     HistoryStore store_;
 
     Date now() const { return Date(Duration(now_)); }
 
-    /// The limits of all rules, one step below, and one above.
+    /// The limit of one of the rules, or one step below or above it.
     double gap() {
         static constexpr std::array gaps{1.0, 60.0, 300.0, 600.0, 900.0, 3600.0, days, 5 * days, 30 * days};
         return dice_.about(dice_.oneOf(gaps));
     }
 
-    /// The least step more than the limit at most; smaller steps are likelier.
+    /// At most one step above the limit for a gap; small ones are likelier.
     double smallGap() {
         static constexpr std::array gaps{60.0, 60.0, 60.0, 60.0, 60.0, 60.0, 300.0, 600.0, 900.0};
         return dice_.about(dice_.oneOf(gaps));
@@ -105,7 +105,7 @@ private:
         return {t, dice_.oneIn(30) ? dice_.from(-250, 250) : dice_.from(0, 100), dice_.oneIn(2), !dice_.oneIn(3)};
     }
 
-    /// Written by hand in any order, with several samples of one time.
+    /// Makes a file with samples in any order, several of them with the same time.
     FakeFiles& withFile() {
         if (dice_.oneIn(3))
             return files_;
@@ -114,7 +114,7 @@ private:
             list_.push_back(sample(t));
             t += dice_.oneIn(4) ? 0 : dice_.oneIn(isCalm_ ? 20 : 3) ? gap() : smallGap();
         }
-        if (!list_.empty()) // one at the very limit
+        if (!list_.empty()) // one at the age limit
             list_.push_back(sample(dice_.about(now_ - 30 * days)));
         if (dice_.oneIn(2)) {
             for (std::size_t i = list_.size(); i > 1; --i)
@@ -128,7 +128,7 @@ private:
         return files_;
     }
 
-    /// If the clock is not set until then.
+    /// The next midnight, unless the local clock is changed before it.
     double nextMidnight() const {
         const auto local = static_cast<double>(localClock_(static_cast<std::int64_t>(std::floor(now_))));
         return std::floor(now_) + (std::floor(local / days) + 1) * days - local;

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr double quietest = -40; // dB; what is weaker is not noticed beside the rest
+constexpr double quietest = -40; // dB; anything weaker goes unnoticed beside the rest
 constexpr std::size_t window = 8192;
 
 using Spectrum = std::vector<std::complex<double>>;
@@ -97,7 +97,7 @@ double Recording::tone(double hertz, double from, double to) const {
     return 2 * std::abs(sum) / static_cast<double>(index(to) - index(from));
 }
 
-/// The power of each of the frequencies i * rate / window in a part that is not longer than the window.
+/// The power at each of the frequencies i * rate / window in a part no longer than the window.
 std::vector<double> Recording::powers(std::size_t from, std::size_t to) const {
     Spectrum values(window);
     const auto length = static_cast<double>(to - from);
@@ -138,7 +138,7 @@ std::vector<double> Recording::spectrum() const {
     constexpr double lowest = 80;
     constexpr double highest = 16000;
     std::vector<double> energies(bands);
-    // Short parts that overlap by half, so that strike and echo count as they are heard.
+    // Short parts that overlap by half, so that strike and echo count as one hears them.
     constexpr std::size_t part = 2048;
     for (std::size_t from = 0; from < samples_.size(); from += part / 2) {
         const std::vector<double> found = powers(from, std::min(samples_.size(), from + part));

@@ -14,8 +14,8 @@
 #include <fstream>
 #include <string>
 
-/// Runs a part of a test in a process of its own, which may give up what it cannot get back. True when all it expects
-/// is so and it comes to its end.
+/// Runs a part of a test in a child process, which may give up rights and limits for good. True if all its expectations
+/// hold and it runs to the end.
 template <class Part>
 [[nodiscard]] bool inChild(Part part) {
     std::fflush(stdout);
@@ -29,14 +29,15 @@ template <class Part>
     return child > 0 && ::waitpid(child, &status, 0) == child && status == 0;
 }
 
-/// From now on no file of this process can grow beyond that. For a child: others could not raise it again.
+/// From now on no file can grow beyond that size in this process. Only for a child process, because the limit cannot be
+/// raised again.
 inline void limitFileSize(std::size_t bytes) {
     const rlimit limit{.rlim_cur = bytes, .rlim_max = bytes};
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
 }
 
-/// Puts a file system of that size over the folder, for this process only. For a child, and as long as it has not
-/// become another user. False where the system does not allow it.
+/// Mounts a file system of that size over the folder, for this process only. Only for a child process, and before it
+/// becomes another user. False where the system does not allow it.
 [[nodiscard]] inline bool mountSmallDisk(const std::filesystem::path& folder, std::size_t bytes) {
     const uid_t user = ::geteuid();
     const gid_t group = ::getegid();

@@ -17,10 +17,10 @@
 #define VELMORA_ADDRESS_SANITIZER
 #endif
 #ifdef VELMORA_ADDRESS_SANITIZER
-extern "C" std::size_t __sanitizer_get_current_allocated_bytes(); // its header comes with one compiler only
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes(); // only one of the compilers has its header
 #endif
 
-/// What the program has allocated and not given back, in bytes.
+/// The memory that is allocated and not freed, in bytes.
 inline double allocatedBytes() {
 #ifdef VELMORA_ADDRESS_SANITIZER
     return static_cast<double>(__sanitizer_get_current_allocated_bytes());
@@ -30,8 +30,8 @@ inline double allocatedBytes() {
 #endif
 }
 
-/// What this process alone keeps in memory, in bytes; not what is only its copy of a file, which depends on whoever
-/// else has that file open.
+/// The process's private memory, in bytes, without unmodified pages of files: whether those are private depends on
+/// which other processes have the file mapped.
 inline double privateBytes() {
     std::ifstream rollup("/proc/self/smaps_rollup");
     double bytes = 0;
@@ -43,12 +43,12 @@ inline double privateBytes() {
     return bytes;
 }
 
-/// How many files it has open.
+/// The number of the process's open files.
 inline std::size_t openDescriptors() {
     return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
 }
 
-/// How much the values grow from one to the next, by the line that fits them best.
+/// The growth from one value to the next, by the line that fits them best.
 inline double slope(const std::vector<double>& values) {
     const auto count = static_cast<double>(values.size());
     const double middle = (count - 1) / 2;

@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <string>
 
-/// Takes what anything in this process writes to standard error, for as long as it lives.
+/// Captures everything that this process writes to standard error, for the lifetime of this object.
 class StandardError {
 public:
     StandardError() {
@@ -25,7 +25,7 @@ public:
     StandardError(const StandardError&) = delete;
     StandardError& operator=(const StandardError&) = delete;
 
-    /// What was written so far.
+    /// The text written so far.
     std::string text() const { return contentOf(file_); }
 
 private:

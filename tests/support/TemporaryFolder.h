@@ -7,7 +7,7 @@
 #include <iterator>
 #include <string>
 
-/// An empty folder of a test's own, gone with everything in it afterwards.
+/// An empty folder for one test, removed with everything in it at the end.
 class TemporaryFolder {
 public:
     TemporaryFolder() {
@@ -29,7 +29,7 @@ inline std::string contentOf(const std::filesystem::path& file) {
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
-/// Writes the file in place, as an editor does that keeps the inode.
+/// Writes the file in place, like an editor that keeps the inode.
 inline void write(const std::filesystem::path& file, const std::string& content) {
     std::ofstream(file, std::ios::binary | std::ios::trunc) << content;
 }

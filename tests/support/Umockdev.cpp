@@ -13,7 +13,7 @@
 
 namespace {
 
-/// A list of C strings with the null at its end, as GLib takes it; alternately keys and values.
+/// A null-terminated list of C strings, alternately keys and values, as umockdev takes it.
 std::vector<char*> pointers(std::vector<std::string>& texts) {
     std::vector<char*> list;
     for (std::string& text : texts)

@@ -12,16 +12,16 @@
 
 /// What every preferences store must do. A `Backend` is made anew for each test, from an empty world, and has
 ///   std::unique_ptr<UserDefaults> open();   a store on the backend's one content; several may be open at a time
-///   template <class Condition> bool waitUntil(Condition); lets the loop run until it holds, false when it never does
-///   void settle();                          lets the loop run until everything that was caused has arrived
-///   void refuseWrites();                    from now on nothing can be written any more
+///   template <class Condition> bool waitUntil(Condition); runs the loop until it holds, false if it never does
+///   void settle();                          runs the loop until all pending changes have arrived
+///   void refuseWrites();                    from now on nothing can be written
 template <class Backend>
 class UserDefaultsContract : public ::testing::Test {
 protected:
     Backend backend;
     std::unique_ptr<UserDefaults> store = backend.open();
 
-    /// What a program that starts now finds.
+    /// The store of a program that starts now.
     std::unique_ptr<UserDefaults> restarted() {
         backend.settle();
         return backend.open();
@@ -196,7 +196,7 @@ TYPED_TEST_P(UserDefaultsContract, WritesOfOthersAreKeptByOwnOnes) {
     EXPECT_EQ(next->integerForKey("ours"), 2);
 }
 
-// The program registers its fallbacks at every look at the preferences, also from the callback.
+// The program registers its fallbacks each time that it reads the preferences, even in the callback.
 TYPED_TEST_P(UserDefaultsContract, ReadingAndRegisteringAnnounceNothing) {
     int calls = 0;
     const Subscription subscription = this->store->onChange([&] { ++calls; });

@@ -8,11 +8,11 @@
 
 #include <chrono>
 
-/// Lets the event loop run until `condition` holds; false when it does not within the limit.
+/// Runs the event loop until `condition` holds; false if it does not within the limit.
 template <class Condition>
 bool waitUntil(Condition condition, std::chrono::milliseconds limit = std::chrono::seconds(10)) {
     const QDeadlineTimer deadline(limit);
-    QTimer tick; // wakes the loop for conditions that no event announces
+    QTimer tick; // wakes the loop when no event announces the condition
     tick.start(10);
     while (!condition()) {
         if (deadline.hasExpired())

@@ -10,7 +10,8 @@
 #include <QObject>
 #include <QStringList>
 
-/// A watcher of items on a private bus, which notes who registers. Its process is no panel that the program knows.
+/// A StatusNotifierWatcher on a private bus that records the items registered with it. The program does not know its
+/// process as a panel.
 class Watcher final : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
@@ -20,7 +21,7 @@ public:
     static QString serviceName() { return QStringLiteral("org.kde.StatusNotifierWatcher"); }
     static QString path() { return QStringLiteral("/StatusNotifierWatcher"); }
 
-    /// `name` is that of its connection, one for each watcher of a test.
+    /// `name` is the name of its connection; each watcher of a test needs another.
     Watcher(const PrivateBus& bus, const QString& name)
         : connection_(QDBusConnection::connectToBus(bus.address(), name)) {
         connection_.registerObject(path(), this, QDBusConnection::ExportAllContents);
@@ -29,12 +30,12 @@ public:
     Watcher(const Watcher&) = delete;
     Watcher& operator=(const Watcher&) = delete;
 
-    /// Takes the name from whoever has it, and waits for it when that one leaves.
+    /// Takes the name, also from an owner that allows it.
     void takeName() {
         connection_.interface()->registerService(serviceName(), QDBusConnectionInterface::ReplaceExistingService,
                                                  QDBusConnectionInterface::AllowReplacement);
     }
-    /// Takes the name, and queues for it when it is taken away.
+    /// Takes the name, and queues for it if it is taken away.
     void takeNameAndQueue() {
         connection_.interface()->registerService(serviceName(), QDBusConnectionInterface::QueueService,
                                                  QDBusConnectionInterface::AllowReplacement);
@@ -45,10 +46,10 @@ public:
         ++questions_;
         return hasHost;
     }
-    /// How often it was asked whether it has a panel.
+    /// How often an item asked whether there is a panel.
     int questions() const { return questions_; }
 
-    /// Asks the item that registered last for its title, as panels do.
+    /// Asks the last registered item for its title, as panels do.
     QDBusPendingCall askForTitle() const {
         auto message =
             QDBusMessage::createMethodCall(items.value(items.size() - 1), QStringLiteral("/StatusNotifierItem"),

@@ -2,7 +2,7 @@
 #include <QApplication>
 #include <gtest/gtest.h>
 
-/// The adapters need Qt's event loop, the windows a screen that nobody sees.
+/// The adapters need Qt's event loop, and the windows an offscreen display.
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     qputenv("QT_QPA_PLATFORM", "offscreen");

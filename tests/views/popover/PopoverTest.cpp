@@ -50,7 +50,7 @@ protected:
     }
     ThinScrollBar& scrollBar() { return *popover.findChild<ThinScrollBar*>(); }
     int available() { return popover.screen()->availableGeometry().height(); }
-    /// Everything that is seen leaves the margins free.
+    /// No visible widget reaches into the margins.
     void expectMargins() {
         EXPECT_EQ(popover.width(), 340);
         EXPECT_EQ(content->width(), 340);
@@ -95,7 +95,7 @@ TEST_F(PopoverTest, KeepsItsMarginsWithAScrollBarAndTextTwiceAsLarge) {
     EXPECT_EQ(popover.height(), available());
     EXPECT_TRUE(scrollBar().isVisible());
     expectMargins();
-    // The handle is on the margin, and it is seen.
+    // The handle is in the margin, and visible.
     const QRect bar(scrollBar().mapTo(&popover, QPoint()), scrollBar().size());
     EXPECT_GE(bar.left(), 340 - 16);
     EXPECT_LT(bar.right(), 340 - 1);
@@ -119,7 +119,7 @@ TEST_F(PopoverTest, ScrollsByWheelAndByItsBar) {
     EXPECT_EQ(content->y() + content->height(), popover.height());
     scrollBar().setValue(0);
     EXPECT_EQ(content->y(), 0);
-    // And to where the keyboard goes.
+    // The keyboard focus scrolls, too.
     auto* quit = content->findChild<QWidget*>(QStringLiteral("quitButton"));
     for (int i = 0; i < 20 && !quit->hasFocus(); ++i)
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
@@ -155,7 +155,7 @@ TEST_F(PopoverTest, ClosesWhenTheUserTurnsToAnotherWindow) {
 }
 
 TEST_F(PopoverTest, APopupClosesWhenNobodyMovesThePointer) {
-    // It keeps a screen locker from what that needs.
+    // A popup grabs the pointer and the keyboard, which a screen locker needs.
     popover.setWindowFlags(Qt::Popup);
     open();
     const auto timers = popover.findChildren<QTimer*>(QString(), Qt::FindDirectChildrenOnly);

@@ -45,12 +45,12 @@ struct PopoverViewTest : ::testing::Test {
     Widget* find(const char* name) {
         return shown().findChild<Widget*>(QLatin1String(name));
     }
-    /// Whether the user sees it.
+    /// Whether the widget is visible.
     bool sees(const char* name) {
         const auto* widget = find(name);
         return widget != nullptr && widget->isVisible();
     }
-    /// The text of a label that is seen.
+    /// The text of a visible label.
     std::optional<std::string> text(const char* name) {
         if (!sees(name))
             return std::nullopt;
@@ -59,7 +59,7 @@ struct PopoverViewTest : ::testing::Test {
     QColor colorOf(const char* name) { return find(name)->palette().color(QPalette::WindowText); }
     QColor tint(Tint tint, Use use = Use::text) { return tintColor(tint, shown().palette(), use); }
 
-    /// Labels with values, from the top, as they are seen.
+    /// The visible labels with their values, from the top.
     std::vector<std::string> details() {
         std::vector<std::string> rows;
         for (const auto* value : shown().findChildren<QLabel*>(QStringLiteral("detailValue"))) {
@@ -453,7 +453,7 @@ TEST_F(PopoverViewTest, NothingIsCutOffWithTextTwiceAsLarge) {
     Prefs::setSnoozeUntil(scene.fake.defaults, scene.fake.clock.now() + 1h);
     Popover popover;
     popover.setContent(&shown());
-    PopoverView* content = view.release(); // the popover's own by now
+    PopoverView* content = view.release(); // the popover owns it now
     QObject::connect(content, &PopoverView::resized, &popover, &Popover::place);
     popover.showAt(std::nullopt);
     content->findChild<QAbstractButton*>(QStringLiteral("dailySummaryDisclosure"))->click();

@@ -14,7 +14,7 @@ namespace {
 const QColor arc(200, 0, 0);
 const QColor track(0, 0, 200);
 
-/// What is drawn for a charge.
+/// The picture of the ring for a charge.
 class DrawnRing {
 public:
     explicit DrawnRing(std::int64_t percent) {
@@ -23,7 +23,8 @@ public:
         image = ring.grab().toImage();
     }
 
-    /// So many degrees clockwise from the top, so far from the centre; at first in the middle of the line.
+    /// The colour at an angle clockwise from the top and a distance from the centre, by default in the middle of the
+    /// line.
     QColor at(double degrees, double radius = 46) const {
         const double angle = degrees / 180 * 3.14159265358979;
         return image.pixelColor(static_cast<int>(52 + radius * std::sin(angle)),

@@ -291,7 +291,7 @@ TEST_F(SettingsViewTest, HoursAndMinutesAreClickedAndTypedOver) {
 }
 
 TEST_F(SettingsViewTest, MinutesThatNoDayHasAreLeftAloneAndShownAsThePresentTime) {
-    // By the clock of the program, whatever the machine's says.
+    // By the program's clock, not the machine's.
     const auto now = fake.calendar.timeOfDay(fake.clock.now());
     for (const std::int64_t minutes : {1440, 1500, -1}) {
         fake.defaults.setObject("quietStart", minutes);
@@ -414,7 +414,7 @@ TEST_F(SettingsViewTest, LaunchAtLoginShowsWhatReallyIs) {
     launch.click();
     EXPECT_FALSE(launch.isChecked());
     EXPECT_FALSE(find("loginError").isVisible());
-    fake.loginItem.enabled = true; // by the desktop's own settings
+    fake.loginItem.enabled = true; // in the desktop's own settings
     view->readAgain();
     EXPECT_TRUE(launch.isChecked());
 }
@@ -485,7 +485,7 @@ TEST_F(SettingsViewTest, GoesAwayWithTheQuestionOpen) {
     find<QPushButton>("resetHistory").click();
     const QPointer<QMessageBox> open = question();
     ASSERT_FALSE(open.isNull());
-    window.reset(); // what the question tells a form that is half gone, the sanitizers see
+    window.reset(); // if the question still called the half-destroyed form, the sanitizers would report it
     EXPECT_TRUE(open.isNull());
     EXPECT_EQ(model.history.samples.size(), 1U) << "that was no answer";
 }

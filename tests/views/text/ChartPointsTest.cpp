@@ -87,7 +87,7 @@ TEST_F(ChartPointsTest, BeginANewSegmentAfterAGap) {
 
 TEST_F(ChartPointsTest, AllowALongerGapWhereSamplesAreLeftOut) {
     addMinutes(600);
-    // Every second one is kept, and the last, which is no second one.
+    // Every second sample is kept, and the last one, which is not a second one.
     history.samples.back().t = (start + 598min + 1020s).time_since_epoch().count();
     EXPECT_EQ(all().back().seg, 0);
     history.samples.back().t += 1;

@@ -35,7 +35,7 @@ TEST(PopoverPlacement, StaysOnTheScreen) {
     EXPECT_EQ(placed(ScreenPoint{-5000, 3000}), (ScreenPoint{100, 650}));
 }
 
-/// A panel of 40 pixels on one side of a screen, a click in its middle, and where the popover goes.
+/// A panel of 40 pixels on one side of a screen, a click in its middle, and the place of the popover.
 struct PanelCase {
     const char* name;
     ScreenRect whole;

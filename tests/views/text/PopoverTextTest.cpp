@@ -22,7 +22,7 @@ BatteryState battery(std::int64_t percent) {
     return state;
 }
 
-/// The row of that label; empty when there is none.
+/// The row with that label; empty when there is none.
 std::optional<DetailRow> row(const BatteryState& state, const std::string& label) {
     for (const DetailRow& each : detailRows(state)) {
         if (each.label == label)

@@ -29,7 +29,7 @@ constexpr double afternoon = 1763215500.9; // 2025-11-15 14:05:00 UTC
 
 TEST_F(TimeText, IsWrittenAsPeopleOfTheLocaleWriteIt) {
     EXPECT_EQ(at(afternoon, "de_DE"), "14:05");
-    // As the locale data write it, which had a plain space there once and later a narrow one that does not break.
+    // The locale data had a plain space there once, and later a narrow no-break space.
     EXPECT_THAT(at(afternoon, "en_US"), testing::AnyOf("2:05 PM", "2:05\u202fPM"));
     EXPECT_EQ(at(afternoon, "da_DK"), "14.05");
     EXPECT_EQ(at(afternoon, "C"), "14:05");

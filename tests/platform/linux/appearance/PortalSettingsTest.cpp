@@ -30,11 +30,11 @@ public:
     }
 
     Spaces spaces;
-    QVariant nonsense; ///< answered instead, when there is any
-    QStringList asked; ///< the namespaces, of all questions
+    QVariant nonsense; ///< sent instead of the answer, if set
+    QStringList asked; ///< the namespaces of all questions
 
     void change(const QString& space, const QString& key, const QVariant& value) {
-        spaces[space][key] = value; // for who asks from now on
+        spaces[space][key] = value; // for those who ask from now on
         auto message = QDBusMessage::createSignal(path, interface, QStringLiteral("SettingChanged"));
         message << space << key << QVariant::fromValue(QDBusVariant(value));
         connection_.send(message);

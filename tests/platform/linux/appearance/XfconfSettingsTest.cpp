@@ -29,7 +29,7 @@ public:
     }
 
     QVariantMap properties;
-    bool answersNothing = false; ///< sends an answer without anything in it
+    bool answersNothing = false; ///< sends an empty answer
     int asked = 0;
 
     void change(const QString& channel, const QString& property, const QVariant& value) {

@@ -49,8 +49,8 @@ private:
     Subscription subscription_;
 };
 
-/// Lets everything that is queued or on its way through the kernel arrive: a change made now is announced after all
-/// that was made before.
+/// Waits for everything that is queued or on its way through the kernel: a change made now is announced after all
+/// earlier ones.
 void settle(JsonUserDefaults& store, Announcements& announcements) {
     const int before = announcements.count;
     store.setObject("settled", true);
@@ -235,7 +235,7 @@ TEST_F(JsonUserDefaultsTest, KeepsAValueForTheRunWhereTheFolderMayNotBeWritten) 
     defaults->setObject("limit", 85);
     EXPECT_EQ(defaults->integerForKey("limit"), 85);
     EXPECT_EQ(store()->integerForKey("limit"), 70);
-    // Once it may be written again, what was held back goes out with the next value.
+    // Once the folder can be written to again, the value held back is written together with the next one.
     fs::permissions(file.parent_path(), fs::perms::owner_all);
     defaults->setObject("low", 15);
     EXPECT_EQ(store()->integerForKey("limit"), 85);
@@ -307,7 +307,7 @@ public:
         return ::waitUntil(condition);
     }
     void settle() {
-        // A file that is written now comes back through the kernel after all that was written before.
+        // The kernel reports a file that is written now after all files that were written before.
         const auto witness = std::make_unique<JsonUserDefaults>(home_.path / "witness.json", witnessFiles_, loop_);
         bool told = false;
         const auto subscription = witness->onChange([&] { told = true; });

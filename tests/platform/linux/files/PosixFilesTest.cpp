@@ -89,7 +89,7 @@ TEST_F(PosixFilesTest, SurvivesARingOfLinks) {
     fs::create_symlink("a", home.path / "b");
     EXPECT_EQ(PosixFiles::linkTarget(home.path / "a"), home.path / "a");
     EXPECT_FALSE(files.read(home.path / "a", 100));
-    EXPECT_FALSE(files.replace(home.path / "a", "new")); // the ring led nowhere
+    EXPECT_FALSE(files.replace(home.path / "a", "new")); // the ring leads to no file, so the link itself is replaced
     EXPECT_EQ(contentOf(home.path / "a"), "new");
 }
 
@@ -112,7 +112,7 @@ TEST_F(PosixFilesTest, ReadsNothingButRegularFiles) {
     EXPECT_FALSE(files.read(home.path / "missing", 100));
     EXPECT_FALSE(files.read(home.path, 100));
     ASSERT_EQ(::mkfifo((home.path / "pipe").c_str(), 0600), 0);
-    EXPECT_FALSE(files.read(home.path / "pipe", 100)); // and does not wait for a writer
+    EXPECT_FALSE(files.read(home.path / "pipe", 100)); // nor does it wait for a writer
     EXPECT_FALSE(files.read("/dev/zero", 100));
 }
 
@@ -124,7 +124,7 @@ TEST_F(PosixFilesTest, ReadsNoMoreThanTheLimitOfAFileThatIsLargerThanItSays) {
 
 TEST_F(PosixFilesTest, TakesNoMemoryForAFileBeyondTheLimit) {
     write(home.path / "file", "x");
-    fs::resize_file(home.path / "file", std::uintmax_t{1} << 40); // more than there is memory
+    fs::resize_file(home.path / "file", std::uintmax_t{1} << 40); // larger than the memory
     EXPECT_FALSE(files.read(home.path / "file", std::size_t{64} << 20));
 }
 
@@ -194,8 +194,8 @@ TEST_F(PosixFilesTest, ReplacesAFileWithTheLongestPossibleName) {
 
 namespace {
 
-/// A file that is there and can be replaced, as an ordinary user; what goes wrong must leave it as it is, and nothing
-/// beside it, and must not last.
+/// An ordinary user, and a file that exists and can be replaced. A failure must leave that file as it was and no other
+/// file beside it, and the next attempt must work.
 class PosixFilesFailureTest : public PosixFilesTest {
 protected:
     fs::path folder = home.path / "folder";
@@ -276,7 +276,7 @@ TEST_F(PosixFilesFailureTest, GoesOnAfterInterruptionsAndShortWrites) {
 
 TEST_F(PosixFilesFailureTest, SurvivesALimitOfTheFileSize) {
     EXPECT_TRUE(inChild([this] {
-        const TerminationSignals signals; // as the program; otherwise the limit ends it
+        const TerminationSignals signals; // as in the program; otherwise the limit kills the process
         limitFileSize(100'000);
         EXPECT_EQ(files.replace(file, large), std::errc::file_too_large);
         expectUntouched();
@@ -284,7 +284,7 @@ TEST_F(PosixFilesFailureTest, SurvivesALimitOfTheFileSize) {
     }));
 }
 
-// A file system of its own where the system lets a test have one; elsewhere the limit of the file size stands for it.
+// Where the system does not let a test mount a file system, a limit on the file size takes its place.
 TEST_F(PosixFilesTest, SurvivesAFullDisk) {
     fs::create_directory(home.path / "disk");
     EXPECT_TRUE(inChild([this] {
@@ -356,7 +356,7 @@ TEST_F(PosixFilesLeftoversTest, AreRemoved) {
     EXPECT_EQ(entries(folder), 1U);
 }
 
-// Killed in the midst of writing, which is where real ones come from.
+// Real leftovers come from processes that were killed while writing, like this one.
 TEST_F(PosixFilesLeftoversTest, OfAProcessThatWasKilledAreRemoved) {
     EXPECT_FALSE(inChild([this] {
         DiskFaults faults;
@@ -390,7 +390,7 @@ TEST_F(PosixFilesLeftoversTest, AreToldFromEverythingElse) {
                             ".history.json.Velmora-Ab3xY9"};
     for (const char* name : others)
         write(folder / name, "x");
-    // Of the right name, but not of the right kind.
+    // The right name, but the wrong kind of file.
     fs::create_directory(folder / ".history.json.velmora-folder");
     fs::create_symlink("history.json", folder / ".history.json.velmora-linked");
     ASSERT_EQ(::mkfifo((folder / ".history.json.velmora-piping").c_str(), 0600), 0);
@@ -426,7 +426,7 @@ TEST_F(PosixFilesLeftoversTest, AreNotTakenForWhatIsBeingWritten) {
     EXPECT_EQ(contentOf(file), "content");
 }
 
-// Between its making and its locking a temporary file looks like a leftover.
+// Between its creation and its lock, a temporary file looks like a leftover.
 TEST_F(PosixFilesLeftoversTest, CostNoWriterItsFile) {
     DiskFaults faults;
     bool wasThere = false;

@@ -30,9 +30,9 @@ TEST(Utf8, AcceptsWellFormedText) {
 
 TEST(Utf8, RejectsEverythingElse) {
     const std::string_view texts[] = {
-        "\x80", // a continuation alone
+        "\x80", // a continuation byte alone
         "\xBF",
-        "\xC0\x80", // longer than need be
+        "\xC0\x80", // overlong
         "\xC1\xBF",
         "\xE0\x9F\xBF",
         "\xF0\x8F\xBF\xBF",
@@ -45,9 +45,9 @@ TEST(Utf8, RejectsEverythingElse) {
         "\xC3", // cut off
         "\xE2\x82",
         "\xF0\x9F\x94",
-        std::string_view("\xC3\xA4", 1), // cut off, and what follows in memory would fit
+        std::string_view("\xC3\xA4", 1), // cut off, though the next byte in memory would complete it
         std::string_view("\xE2\x82\xAC", 2),
-        "\xC3(", // no continuation
+        "\xC3(", // no continuation byte
         "\xC3\xC3",
         "\xE2(\xA1",
         "\xE2\x82(",

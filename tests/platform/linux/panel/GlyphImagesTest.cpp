@@ -16,7 +16,7 @@
 
 namespace {
 
-// Every plain glyph, and every digit and meaning of those with numbers.
+// Every plain glyph, and every digit and every meaning of the glyphs with numbers.
 const std::vector<std::string> symbols{
     "battery.0",        "battery.25",       "battery.50",         "battery.75",      "battery.100",
     "battery.100.bolt", "powerplug.fill",   "battery.100percent", "powerplug",       "bolt.fill",
@@ -24,7 +24,7 @@ const std::vector<std::string> symbols{
     "percent.72.level", "percent.100.full", "percent.100.level",
 };
 
-/// The colours of panels, solid ones: all greys, and what themes and people choose beside them.
+/// Solid colours of panels: all greys, and others that themes and people choose.
 std::vector<QRgb> panelColours() {
     std::vector<QRgb> colours;
     for (int grey = 0; grey < 256; ++grey)
@@ -42,7 +42,7 @@ QImage on(QRgb panel, const QImage& picture) {
     return image;
 }
 
-/// The places of the glyph itself: what has its lightest colour, or nearly so. A glyph of one colour is all of it.
+/// The pixels of the glyph itself: those of its lightest colour, or nearly so. In a glyph of one colour that is all.
 std::vector<QPoint> ink(const QImage& picture) {
     std::map<double, std::vector<QPoint>> byLuminance;
     for (int y = 0; y < picture.height(); ++y) {
@@ -59,7 +59,7 @@ std::vector<QPoint> ink(const QImage& picture) {
     return places;
 }
 
-/// A picture as the few colours that it is made of, so that it need not be drawn for every panel.
+/// A picture reduced to an index into its few colours, so that it need not be drawn for every panel.
 struct Indexed {
     explicit Indexed(const QImage& picture) : size(picture.size()) {
         std::map<QRgb, std::size_t> known;
@@ -82,11 +82,11 @@ struct Indexed {
 
     QSize size;
     std::vector<QRgb> colours;
-    std::vector<std::size_t> indices; ///< of the colours, row by row
-    std::vector<std::size_t> glyph;   ///< the places of the glyph itself
+    std::vector<std::size_t> indices; ///< into `colours`, row by row
+    std::vector<std::size_t> glyph;   ///< the indices of the pixels of the glyph itself
 };
 
-/// Which of its colours are 3 to 1 against the panel, once they are on it.
+/// For each colour of the picture, whether its contrast is at least 3 to 1 once it is drawn on the panel.
 std::vector<bool> visible(const Indexed& picture, QRgb panel) {
     QImage strip(static_cast<int>(picture.colours.size()), 1, QImage::Format_ARGB32);
     for (int i = 0; i < strip.width(); ++i)
@@ -98,8 +98,8 @@ std::vector<bool> visible(const Indexed& picture, QRgb panel) {
     return result;
 }
 
-/// The share of the glyph that is lost in the panel: the eye gets there from the edge of the picture without crossing
-/// anything that is 3 to 1 against the panel.
+/// The share of the glyph that blends into the panel: the pixels that can be reached from the edge of the picture
+/// without crossing a pixel whose contrast with the panel is at least 3 to 1.
 double lostShare(QRgb panel, const Indexed& picture) {
     const std::vector<bool> stops = visible(picture, panel);
     const int width = picture.size.width();
@@ -193,7 +193,7 @@ TEST(GlyphImages, HaveThePanelInsideAnEmptyBatteryButNotBetweenDigits) {
         EXPECT_FALSE(isThrough(image, image.height() * 2 / 5)) << image.width() << " px";
 }
 
-// To be judged by eye.
+// For somebody to look at.
 TEST(GlyphImages, AreLeftAsAPicture) {
     const GlyphImages glyphs{programFile("share/icons")};
     const std::vector<const char*> panels{"#ffffff", "#dadada", "#a0a0a0", "#7a7a7a", "#3c3b37", "#1e1e1e", "#000000"};

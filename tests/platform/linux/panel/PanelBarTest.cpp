@@ -18,14 +18,14 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// The bus is real, and so is what goes over it; the time is not.
+/// The bus and the messages on it are real; the time is not.
 class PanelBarTest : public testing::Test {
 protected:
     PrivateBus bus;
     QDBusConnection connection = QDBusConnection::connectToBus(bus.address(), QStringLiteral("item"));
     FakeClock clock;
     FakeMainLoop loop{clock};
-    FakeStatusBar tray; ///< the old one
+    FakeStatusBar tray; ///< the X11 system tray
     PanelBar bar{connection, loop, programFile("share/icons"),
                  [this](const GlyphImages&) { return tray.createItem(); }};
     std::unique_ptr<StatusItem> item;
@@ -55,7 +55,8 @@ protected:
         return waitUntil([&] { return loop.waiting() == 1; });
     }
 
-    /// The item has asked the watcher and has the answer: what the watcher sends after it has been answered as well.
+    /// The item has asked the watcher and has its answer, because it has answered a question that the watcher sent
+    /// later.
     bool knowsWatcher() {
         if (!waitUntil([&] { return watcher.questions() == 1; }))
             return false;

@@ -10,7 +10,7 @@ TEST(PanelHost, IsToldByTheProcessOfItsWatcher) {
         bool recolours;
         bool premultiplied = false;
     };
-    // The processes' names as the kernel gives them, cut off after 15 characters.
+    // The kernel cuts process names off after 15 characters.
     const Row rows[] = {
         {"gnome-shell", true, true},      {"ayatana-indicat", true, true}, {"mate-panel", true, false},
         {"notification-ar", true, false}, {"kded5", false, true},          {"kded6", false, true},

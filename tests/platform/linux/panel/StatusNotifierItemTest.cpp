@@ -16,7 +16,7 @@
 
 namespace {
 
-/// A watcher that does not say whether it has a panel before the test lets it.
+/// A watcher that does not say whether it has a panel until the test lets it.
 class SlowWatcher final : public QDBusVirtualObject {
 public:
     SlowWatcher(const PrivateBus& bus, const QString& name)
@@ -80,7 +80,7 @@ protected:
     }
 };
 
-/// Counts what the item tells the panel.
+/// Counts the item's signals to the panel.
 struct Signals {
     explicit Signals(StatusNotifierItem& item) {
         QObject::connect(&item, &StatusNotifierItem::NewIcon, &item, [this] { ++icons; });
@@ -167,7 +167,7 @@ TEST_F(StatusNotifierItemTest, OffersPicturesToAPanelThatItDoesNotKnow) {
     for (const StatusNotifierPixmap& pixmap : pixmaps) {
         EXPECT_EQ(pixmap.width, pixmap.height);
         ASSERT_EQ(pixmap.pixels.size(), 4 * pixmap.width * pixmap.height);
-        // In the level, at half height: opaque, and light.
+        // A pixel of the level, at half height, is opaque and light.
         const qsizetype pixel = 4 * (pixmap.width * (pixmap.height / 2) + pixmap.width * 5 / 16);
         EXPECT_EQ(pixmap.pixels.mid(pixel, 4), QByteArray("\xFF\xCC\xCC\xCC", 4)) << pixmap.width;
         EXPECT_EQ(pixmap.pixels.at(0), 0) << "the corner is transparent";

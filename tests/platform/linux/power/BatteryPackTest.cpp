@@ -14,7 +14,7 @@ using Attributes = std::map<std::string, std::string, std::less<>>;
 using Status = BatteryPack::Status;
 using Unit = BatteryPack::Unit;
 
-/// A laptop's pack, 30 of 40 Wh at 12 V; `attributes` are added to it, and an empty one takes its namesake away.
+/// A laptop's pack, 30 of 40 Wh at 12 V. `attributes` are added or replaced; an empty one removes the attribute.
 Attributes energyPack(const Attributes& attributes = {}) {
     Attributes all{{"type", "Battery\n"},        {"status", "Discharging\n"},   {"capacity", "75\n"},
                    {"energy_now", "30000000\n"}, {"energy_full", "40000000\n"}, {"energy_full_design", "50000000\n"},
@@ -24,7 +24,7 @@ Attributes energyPack(const Attributes& attributes = {}) {
     return all;
 }
 
-/// The same counted in charge: 3 of 4 Ah.
+/// The same measured as charge: 3 of 4 Ah.
 Attributes chargePack(const Attributes& attributes = {}) {
     Attributes all{{"type", "Battery\n"},        {"status", "Discharging\n"},  {"capacity", "75\n"},
                    {"charge_now", "3000000\n"},  {"charge_full", "4000000\n"}, {"charge_full_design", "5000000\n"},
@@ -144,7 +144,7 @@ TEST(BatteryPack, CountsInEnergyWhereBothUnitsAreThere) {
 }
 
 TEST(BatteryPack, NeverMixesTheUnits) {
-    // As one driver does: energy_now and charge_full, and neither with its partner.
+    // One driver has energy_now and charge_full, and neither's partner.
     const BatteryPack pack = read({{"type", "Battery\n"},
                                    {"capacity", "80\n"},
                                    {"energy_now", "60000000\n"},
@@ -230,7 +230,7 @@ TEST(BatteryPack, TakesUnitsForWhatTheyAreWhereACapacityIsLargeEnough) {
         const BatteryPack pack = read(chargePack({{"charge_full", row.full}, {"charge_full_design", row.design}}));
         EXPECT_DOUBLE_EQ(pack.full.value(), row.read) << row.full << ", " << row.design;
     }
-    // A worn pack beside a design that is right stays what it is.
+    // A worn pack with a correct design capacity is left alone.
     EXPECT_EQ(read(energyPack({{"energy_full", "500000"}, {"energy_now", "250000"}})).full, 500);
 }
 

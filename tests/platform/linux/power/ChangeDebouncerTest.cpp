@@ -22,7 +22,7 @@ struct ChangeDebouncerTest : ::testing::Test {
     const Duration start = clock.uptime();
     Instants reports; ///< seconds after the start, to the millisecond
     Instants looks;
-    bool differs = false; ///< what a look finds
+    bool differs = false; ///< whether a look finds a change
     std::function<void()> duringReport;
     std::unique_ptr<ChangeDebouncer> changes = std::make_unique<ChangeDebouncer>(
         loop, clock,
@@ -86,7 +86,7 @@ TEST_F(ChangeDebouncerTest, PassAnEventOnAtOnceWhenTheSecondIsOver) {
 }
 
 TEST_F(ChangeDebouncerTest, GoOutOnceASecondInAStorm) {
-    differs = true; // every look would find something to tell
+    differs = true; // every look would find a change to report
     for (int event = 0; event < 2000; ++event)
         eventAt(event * 0.005);
     advanceTo(10);
@@ -139,7 +139,7 @@ TEST_F(ChangeDebouncerTest, ALookIsLeftOutWhileAReportIsDue) {
     EXPECT_EQ(looks, Instants{2});
 }
 
-// Whoever is told reads everything; two readings within a second gain nothing, whatever caused them.
+// A listener reads everything; two readings within a second gain nothing, whatever caused them.
 TEST_F(ChangeDebouncerTest, AnEventJustAfterALookThatToldSomethingWaitsForTheSecondToPass) {
     differs = true;
     eventAt(0);
@@ -203,7 +203,7 @@ TEST_F(ChangeDebouncerTest, SettlingLooksAgainWhenTheLooksAreOver) {
     EXPECT_EQ(looks, (Instants{21, 22, 25, 35}));
 }
 
-// Whoever is told reads at once, and asks for another look where that reading is unsettled.
+// A listener reads at once, and asks for another look if that reading is unsettled.
 TEST_F(ChangeDebouncerTest, SettlingFromWithinAReportWorks) {
     duringReport = [this] {
         if (reports.size() < 3)

@@ -18,10 +18,10 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// How the devices of a fixture are shown to the adapter.
+/// How the adapter sees the devices of a fixture.
 enum class Shown {
-    throughUmockdev, ///< below /sys, where an attribute that cannot be read is missing
-    asFiles,         ///< in a folder, where reading such an attribute fails
+    throughUmockdev, ///< below /sys; an attribute that cannot be read is missing
+    asFiles,         ///< in a folder; reading such an attribute fails
 };
 
 class FixturesTest : public testing::TestWithParam<std::tuple<std::filesystem::path, Shown>> {
@@ -49,7 +49,7 @@ private:
 protected:
     std::unique_ptr<SysfsPowerSources> sources;
 
-    /// Whether the fixture decides what `key` must be; unknown may be as good.
+    /// Whether the fixture says what `key` must be. For some keys it accepts an unknown value too.
     bool decides(const char* key, bool isKnown = true) const {
         const auto listed = [&](const char* list) {
             return fixture.expected[QLatin1String(list)].toArray().contains(QLatin1String(key));
@@ -73,7 +73,7 @@ protected:
     }
 
     void expectRelative(const char* key, std::optional<double> actual, double share) const {
-        // Half a unit of the last digit that a fixture gives comes on top.
+        // Fixtures are rounded, so half a unit of their last digit is added.
         expectNumber(key, actual, std::abs(expected(key).toDouble()) * share + 0.0005);
     }
 };
@@ -104,7 +104,7 @@ std::string nameOf(const testing::TestParamInfo<FixturesTest::ParamType>& info) 
 } // namespace
 
 TEST_P(FixturesTest, IsReadRight) {
-    // Without a battery the state is that of none; adapter and source are then told by the snapshot alone.
+    // Without a battery the state is empty; only the snapshot then holds the adapter and the power source.
     const PowerSnapshot snapshot = sources->snapshot();
     const BatteryState state = BatteryReader(*sources, powerSaving).read();
     EXPECT_EQ(state.hasBattery, expected("hasBattery").toBool());
@@ -138,7 +138,7 @@ TEST_P(FixturesTest, TellsTheTimeAtTheSecondReading) {
     loop.advance(20s);
     const BatteryState second = reader.read();
     const double tolerance = expected("minutesTolerance").toDouble();
-    // A minute comes on top, for whole minutes are told.
+    // Times are whole minutes, so one minute is added.
     for (const auto& [key, minutes] :
          {std::pair("minutesToEmpty", second.minutesToEmpty), std::pair("minutesToFull", second.minutesToFull)})
         expectNumber(key, real(minutes), expected(key).toDouble() * tolerance + 1);

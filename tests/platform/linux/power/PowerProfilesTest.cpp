@@ -52,7 +52,7 @@ protected:
 
     static QVariantMap toProfile(const char* profile) { return {{activeProfile, QString::fromLatin1(profile)}}; }
 
-    /// Tells of a change of properties as the new daemon does, with any arguments.
+    /// Sends PropertiesChanged as the new daemon does, with any arguments.
     void tell(const QVariantList& arguments, const char* signature = "sa{sv}as") const {
         QVariantList wrapped;
         for (const QVariant& argument : arguments)
@@ -62,7 +62,8 @@ protected:
                   QString::fromLatin1(signature), wrapped});
     }
 
-    /// That power has been saved so far, through everything that was told; a change would have been seen and undone.
+    /// Expects that the low-power mode stayed on through all signals so far. A signal that switched it off would have
+    /// added two changes, off and on again.
     void expectNothingHeard() {
         tell({newName, toProfile("power-saver"), QStringList()});
         tell({newName, toProfile("balanced"), QStringList()});
@@ -147,7 +148,7 @@ TEST_F(PowerProfilesTest, HearsNoSignalOfOtherTypes) {
     expectNothingHeard();
 }
 
-// The daemon of the distribution, on a machine whose firmware is a folder. Its user may do everything.
+// The distribution's daemon, on a machine whose firmware is a folder and where polkit allows everything.
 TEST_F(PowerProfilesTest, FollowsTheRealDaemon) {
     TemporaryFolder machine;
     const auto firmware = machine.path / "sys/firmware/acpi";
@@ -171,7 +172,7 @@ TEST_F(PowerProfilesTest, FollowsTheRealDaemon) {
     choose("balanced");
     EXPECT_TRUE(becomes(false));
     choose("performance");
-    // A key of the laptop, which its firmware obeys by itself.
+    // The user presses a key of the laptop, and the firmware itself changes the profile.
     write(firmware / "platform_profile", "low-power\n");
     EXPECT_TRUE(becomes(true));
 }
@@ -181,7 +182,7 @@ TEST_F(PowerProfilesTest, BelievesTheFirmwareWhereNoDaemonIs) {
     write(sysfs.path / "firmware/acpi/platform_profile", "low-power\n");
     start();
     EXPECT_TRUE(profiles.isLowPowerModeEnabled());
-    // A daemon knows better.
+    // The daemon takes precedence.
     const auto daemon = oldDaemon();
     switchTo(oldName, oldPath, QStringLiteral("balanced"));
     EXPECT_TRUE(becomes(false));

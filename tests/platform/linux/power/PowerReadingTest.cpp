@@ -14,7 +14,7 @@ using Attributes = std::map<std::string, std::string, std::less<>>;
 using Supplies = std::vector<PowerSupply>;
 using Flow = TimeEstimate::Flow;
 
-/// A pack, 30 of 40 Wh at 12 V and 12 W; `attributes` are added to it, and an empty one takes its namesake away.
+/// A pack, 30 of 40 Wh at 12 V and 12 W. `attributes` are added or replaced; an empty one removes the attribute.
 PowerSupply energyPack(const char* status, const Attributes& attributes = {}, const char* name = "BAT0") {
     PowerSupply supply{.name = name,
                        .attributes = {{"type", "Battery\n"},
@@ -30,7 +30,7 @@ PowerSupply energyPack(const char* status, const Attributes& attributes = {}, co
     return supply;
 }
 
-/// A pack that is counted in charge: 3 of 4 Ah at 12 V (11 V nominal) and 1.5 A.
+/// A pack measured as charge: 3 of 4 Ah at 12 V (11 V nominal) and 1.5 A.
 PowerSupply chargePack(const char* status, const Attributes& attributes = {}, const char* name = "BAT0") {
     PowerSupply supply{.name = name,
                        .attributes = {{"type", "Battery\n"},
@@ -87,7 +87,7 @@ Dictionary registered(const Supplies& supplies) {
     return PowerReading::of(supplies).registry();
 }
 
-/// The value of a key, or nothing where the key is left out.
+/// The value of a key; empty when there is no such key.
 std::optional<Value> at(const Dictionary& dictionary, std::string_view key) {
     const Value* value = find(dictionary, key);
     return value != nullptr ? std::optional(*value) : std::nullopt;
@@ -348,7 +348,7 @@ TEST(PowerReading, SeveralBatteriesAreChargedWhenEachIsFullOrHeldNearlyFull) {
     EXPECT_EQ(at(described({mains(true), full, held("Discharging", "99", "39600000")}), "Is Charged"), Value(false));
     EXPECT_EQ(at(described({mains(false), full, held("Not charging", "95", "38000000")}), "Is Charged"), Value(true));
     EXPECT_EQ(at(described({mains(false), full, held("Discharging", "95", "38000000")}), "Is Charged"), Value(false));
-    // 94.6 %, which is shown as 95, and 94.4 %.
+    // 94.6 %, which is shown as 95 %, and 94.4 %.
     EXPECT_EQ(at(described({mains(true), full, held("Not charging", "", "37840000")}), "Is Charged"), Value(true));
     EXPECT_EQ(at(described({mains(true), full, held("Not charging", "", "37760000")}), "Is Charged"), Value(false));
 }
@@ -489,7 +489,7 @@ TEST(PowerReading, TimesOfChargeRestOnTheCurrent) {
     EXPECT_EQ(reading.now, 3'000);
     EXPECT_EQ(reading.rate, 1'500);
     EXPECT_EQ(reading.remaining, 1'000);
-    EXPECT_EQ(reading.slowest, 40); // the hundredth part of 4 Ah in an hour
+    EXPECT_EQ(reading.slowest, 40); // a hundredth of 4 Ah per hour
 }
 
 TEST(PowerReading, TimesHaveNoRateWhereAWorkingPackTellsNone) {
@@ -510,7 +510,7 @@ TEST(PowerReading, ChargingEndsAtTheThreshold) {
     EXPECT_EQ(remaining("Charging", "30000000", "0"), 10'000);
     EXPECT_EQ(remaining("Charging", "32000000", "80"), 0);
     EXPECT_EQ(remaining("Charging", "32800000", "80"), 0);     // a little past the threshold
-    EXPECT_EQ(remaining("Charging", "32900000", "80"), 7'100); // so far past it that it cannot be heeded
+    EXPECT_EQ(remaining("Charging", "32900000", "80"), 7'100); // so far past it that the threshold is ignored
     EXPECT_EQ(remaining("Not charging", "38000000", "80"), 0);
     EXPECT_EQ(remaining("Charging", "41000000", ""), 0);
 }

@@ -44,7 +44,7 @@ protected:
         notification = sources.notify([this] { ++changes; });
     }
 
-    /// Runs the event loop until so many changes were told.
+    /// Runs the event loop until that many changes were reported.
     bool waitForChanges(int count) {
         return waitUntil([&] { return changes >= count; });
     }
@@ -199,7 +199,7 @@ TEST_F(SysfsPowerSourcesTest, IgnoresEventsOfPeripherals) {
     supplies.event("AC");
     ASSERT_TRUE(waitForChanges(1));
     EXPECT_EQ(changes, 1);
-    loop.advance(2s); // where a second event would be passed on
+    loop.advance(2s); // by now a second event would have been passed on
     EXPECT_EQ(changes, 1);
 }
 
@@ -211,7 +211,7 @@ TEST_F(SysfsPowerSourcesTest, SaysNothingOnceNobodyListens) {
     supplies.set("AC", "online", "1");
     supplies.event("AC");
     loop.advance(60s);
-    // The event is in before this one of a new listener.
+    // The old event arrives before this one, which a new listener waits for.
     observe();
     supplies.event("AC");
     ASSERT_TRUE(waitForChanges(1));

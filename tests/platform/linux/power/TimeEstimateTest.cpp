@@ -27,7 +27,7 @@ Minutes toFull(std::int64_t minutes) {
     return {.toEmpty = std::nullopt, .toFull = minutes};
 }
 
-/// A reading on battery: mWh stored, mW drawn (none where the firmware tells none).
+/// A reading on battery: mWh stored, mW drawn (none where the firmware reports none).
 Reading draining(double seconds, double now, std::optional<double> drawn) {
     Reading reading;
     reading.uptime = Duration(1000 + seconds);
@@ -53,7 +53,7 @@ Reading filling(double seconds, double remaining, std::optional<double> taken) {
 struct TimeEstimateTest : ::testing::Test {
     TimeEstimate estimate;
 
-    /// Takes readings until a time is told: 50 Wh at 10 W.
+    /// Takes readings until there is a time: 50 Wh at 10 W.
     void settleOnBattery() {
         estimate.update(draining(0, 50'000, 10'000));
         ASSERT_EQ(estimate.update(draining(15, 50'000, 10'000)), toEmpty(300));
@@ -93,7 +93,7 @@ TEST_F(TimeEstimateTest, DistrustsTheReadingsOfTheFirstTenSeconds) {
 TEST_F(TimeEstimateTest, TrustsAReadingFromTheTenthSecondOn) {
     estimate.update(draining(0, 50'000, 10'000));
     estimate.update(draining(10, 50'000, 20'000));
-    // The new rate is only beginning to weigh in.
+    // The new rate has little weight yet.
     const auto minutes = estimate.update(draining(15, 50'000, 10'000)).toEmpty;
     ASSERT_TRUE(minutes);
     EXPECT_LT(*minutes, 200);
@@ -169,7 +169,7 @@ TEST_F(TimeEstimateTest, StartsAnewWhenSomethingElseBegins) {
 TEST_F(TimeEstimateTest, GoesOnWhenNothingElseBegan) {
     settleOnBattery();
     Reading reading = draining(16, 49'990, 10'000);
-    reading.slept += Duration(0.9); // the clocks behind it are read one after the other
+    reading.slept += Duration(0.9); // the two clocks behind `slept` are read one after the other
     reading.slowest = 400;
     reading.remaining = 7;
     EXPECT_EQ(estimate.update(reading), toEmpty(299));
@@ -180,7 +180,7 @@ TEST_F(TimeEstimateTest, ForgetsTheOldRateAndTheOldAmountsAtANewStart) {
     estimate.update(draining(10, 50'000, std::nullopt));
     EXPECT_EQ(estimate.update(draining(70, 49'000, std::nullopt)), toEmpty(49)); // 1 Wh in a minute
     Reading charging = filling(71, 1'000, std::nullopt);
-    charging.now = 60'000; // more than the run before began with, so that a rate could be made of the two
+    charging.now = 60'000; // more than at the start of the last run, so a rate could be derived from the two
     estimate.update(charging);
     charging.uptime += Duration(10);
     estimate.update(charging);
@@ -246,11 +246,11 @@ TEST_F(TimeEstimateTest, ADerivedRateFollowsTheLoadWithinFifteenMinutes) {
         minutes = estimate.update(draining(seconds, now, std::nullopt));
         now -= seconds < 2700 ? 100 : 1'000; // 6 W for 45 minutes, then 60 W for fifteen
     }
-    EXPECT_EQ(minutes, toEmpty(70)); // 70.5 Wh at the last fifteen minutes' 60 W
+    EXPECT_EQ(minutes, toEmpty(70)); // 70.5 Wh at the 60 W of the last fifteen minutes
 }
 
 TEST_F(TimeEstimateTest, ARateDerivedFromCoarseStepsHoldsUntilTheNextIsOverdue) {
-    // A step of 500 mWh each five minutes: 6 W.
+    // A step of 500 mWh every five minutes: 6 W.
     for (int seconds = 10; seconds < 1510; seconds += 20) {
         const int steps = (seconds - 10) / 300;
         estimate.update(draining(seconds, 50'000 - steps * 500, std::nullopt));
@@ -276,7 +276,7 @@ TEST_F(TimeEstimateTest, ANewBeginningAtTheFirstChangeLosesNoTime) {
     EXPECT_EQ(estimate.update(draining(130, 49'780, std::nullopt)), toEmpty(414)); // 120 mWh in 60 s
 }
 
-/// Reads 10 W at seconds 0 and 10, and as first change 10 mWh less at second 20.
+/// Reads 10 W at seconds 0 and 10; the first change is 10 mWh less, at second 20.
 struct TimeEstimateAfterAChangeTest : TimeEstimateTest {
     TimeEstimateAfterAChangeTest() {
         estimate.update(draining(0, 60'010, 10'000));
@@ -286,17 +286,17 @@ struct TimeEstimateAfterAChangeTest : TimeEstimateTest {
 };
 
 TEST_F(TimeEstimateAfterAChangeTest, WhatHasGoneOutWeighsInForThePartOfFifteenMinutesThatItCovers) {
-    EXPECT_EQ(estimate.update(draining(79, 49'600, 10'000)), toEmpty(297));  // less than a minute tells nothing
-    EXPECT_EQ(estimate.update(draining(110, 49'500, 10'000)), toEmpty(270)); // 20 W, for a tenth: 11 W
-    EXPECT_EQ(estimate.update(draining(470, 47'500, 10'000)), toEmpty(190)); // 20 W, for one half: 15 W
+    EXPECT_EQ(estimate.update(draining(79, 49'600, 10'000)), toEmpty(297));  // less than a minute does not count
+    EXPECT_EQ(estimate.update(draining(110, 49'500, 10'000)), toEmpty(270)); // 20 W with a weight of a tenth: 11 W
+    EXPECT_EQ(estimate.update(draining(470, 47'500, 10'000)), toEmpty(190)); // 20 W with a weight of one half: 15 W
 }
 
 TEST_F(TimeEstimateAfterAChangeTest, OnlyWhatHasGoneOutCountsAfterFifteenMinutes) {
     for (int minutes = 1; minutes < 15; ++minutes)
         estimate.update(draining(20 + 60 * minutes, 50'000 - 200 * minutes, 10'000)); // 12 W
     EXPECT_EQ(estimate.update(draining(920, 47'000, 10'000)), toEmpty(235));
-    EXPECT_EQ(estimate.update(draining(1'820, 43'000, 10'000)), toEmpty(161)); // the last fifteen minutes' 16 W
-    EXPECT_EQ(estimate.update(draining(3'620, 35'000, 10'000)), toEmpty(131)); // and the last half hour's, unread
+    EXPECT_EQ(estimate.update(draining(1'820, 43'000, 10'000)), toEmpty(161)); // 16 W in the last fifteen minutes
+    EXPECT_EQ(estimate.update(draining(3'620, 35'000, 10'000)), toEmpty(131)); // 16 W in half an hour without readings
 }
 
 TEST_F(TimeEstimateAfterAChangeTest, AnAmountThatMovesTheWrongWayLeavesTheReportedRateAlone) {
@@ -307,7 +307,7 @@ TEST_F(TimeEstimateAfterAChangeTest, AnAmountThatMovesTheWrongWayLeavesTheReport
 TEST_F(TimeEstimateTest, AnAmountThatIsHeldAtFullForAWhileDoesNotLengthenTheTime) {
     for (int seconds = 0; seconds <= 600; seconds += 60)
         EXPECT_EQ(estimate.update(draining(seconds, 50'000, 10'000)), seconds == 0 ? unknown : toEmpty(300));
-    EXPECT_EQ(estimate.update(draining(660, 49'990, 10'000)), toEmpty(299)); // 10 mWh in ten minutes means nothing
+    EXPECT_EQ(estimate.update(draining(660, 49'990, 10'000)), toEmpty(299)); // 10 mWh in ten minutes are ignored
     // From second 660 on, 12 W.
     estimate.update(draining(710, 49'990 - 166, 10'000));
     EXPECT_EQ(estimate.update(draining(1'560, 46'990, 10'000)), toEmpty(234));
@@ -317,15 +317,15 @@ TEST_F(TimeEstimateAfterAChangeTest, ACorrectionOfTheGaugeIsNotTakenForALoad) {
     for (int seconds = 30; seconds <= 560; seconds += 10)
         estimate.update(draining(seconds, 50'000 - (seconds - 20) / 10.0 * 28, 10'000)); // near 10 W
     estimate.update(draining(620, 46'800, 10'000));                                      // 1688 mWh in a minute: 101 W
-    EXPECT_EQ(estimate.update(draining(679, 46'600, 10'000)), toEmpty(279)); // nothing is known for a minute
-    EXPECT_EQ(estimate.update(draining(710, 46'300, 10'000)), toEmpty(252)); // 20 W since, for a tenth
+    EXPECT_EQ(estimate.update(draining(679, 46'600, 10'000)), toEmpty(279)); // no rate is derived for a minute
+    EXPECT_EQ(estimate.update(draining(710, 46'300, 10'000)), toEmpty(252)); // 20 W since, with a weight of a tenth
 }
 
 TEST_F(TimeEstimateTest, ACorrectionOfTheGaugeIsAsGoodABeginningAsAnyChange) {
     estimate.update(draining(0, 51'000, 10'000));
     estimate.update(draining(10, 51'000, 10'000));
     estimate.update(draining(20, 50'000, 10'000));
-    EXPECT_EQ(estimate.update(draining(110, 49'500, 10'000)), toEmpty(270)); // 20 W, for a tenth
+    EXPECT_EQ(estimate.update(draining(110, 49'500, 10'000)), toEmpty(270)); // 20 W with a weight of a tenth
 }
 
 TEST_F(TimeEstimateAfterAChangeTest, ABurstOfTenTimesTheReportedRateIsALoad) {
@@ -362,7 +362,7 @@ TEST_F(TimeEstimateTest, WhileChargingTheReportedRateAloneCounts) {
 TEST_F(TimeEstimateTest, KeepsAReportedRateThroughAGapOfFiveMinutes) {
     settleOnBattery();
     EXPECT_EQ(estimate.update(draining(315, 49'005, std::nullopt)), toEmpty(294));
-    // After that it is no rate any more, and the derived one takes over: 995 mWh in 300 s.
+    // After that it no longer counts as a rate, and the derived one takes over: 995 mWh in 300 s.
     EXPECT_EQ(estimate.update(draining(316, 49'005, std::nullopt)), toEmpty(246));
 }
 

@@ -19,7 +19,7 @@ using Result = SoundOutput::Result;
 
 namespace {
 
-/// A sound server that the test is: what it was asked to play, and what comes of it.
+/// A sound server inside the test: it notes which sounds it was asked to play, and answers as told.
 class Server {
 public:
     SoundThread::MakeOutput output() {
@@ -35,13 +35,13 @@ public:
     }
     int connections() const { return locked(connections_); }
 
-    /// What comes of a sound with that name; it plays when nothing is said.
+    /// The result for the sound of that name; without one, it plays.
     void answer(const std::string& name, Result result) { answers_[name] = result; }
 
     void hang() { setHanging(true); }
     void goOn() { setHanging(false); }
 
-    /// Lets the sound come to its end that was asked for last.
+    /// Ends the last sound that was asked for.
     void finish() { finished_(); }
 
 private:
@@ -108,7 +108,7 @@ protected:
         EXPECT_TRUE(isQuiet());
     }
 
-    // Well below the time after which a sound is given up that does not end.
+    // Well below the time after which a sound that does not end is given up.
     static constexpr std::chrono::seconds limit{5};
 
     bool isAsked(const Names& names) {
@@ -153,7 +153,7 @@ TEST_F(CanberraSoundsTest, PlaysNothingThatIsNotOneOfItsNames) {
          {""sv, "."sv, ".."sv, "Unknown"sv, "glass"sv, "Glass.wav"sv, "Glass.wav\0"sv, "Glass\0"sv, "./Glass"sv,
           "below/Glass"sv, "below/../Glass"sv, "../Glass"sv, "/Glass"sv, "Folder"sv, "Two words"sv, "default"sv}) {
         EXPECT_FALSE(sounds->file(name)) << name;
-        sounds->play(name); // would be next when the server goes on
+        sounds->play(name); // would come next when the server goes on
     }
     server.goOn();
     server.finish();
@@ -254,14 +254,14 @@ TEST_F(CanberraSoundsTest, DoesNotKeepTheProgramForAServerThatHangs) {
 
 namespace {
 
-/// libcanberra itself, with a sound card that writes what it is given into a file, and no themes but those of the test.
+/// libcanberra itself, with a sound card that writes its samples into a file, and no themes but those of the test.
 class CanberraOutputTest : public testing::Test {
 protected:
     TemporaryFolder home;
     const fs::path card = home.path / "card";
     const std::string cardThatWrites =
         "pcm.!default { type file slave.pcm { type null } format raw file \"" + card.string() + "\" }\n";
-    // What libcanberra has looked up it remembers for the process; without a folder to do so in it looks again.
+    // libcanberra caches its look-ups for the life of the process; without a cache folder it looks again.
     Environment environment{{"CANBERRA_DRIVER", "alsa"},
                             {"CANBERRA_DEVICE", std::nullopt},
                             {"ALSA_CONFIG_PATH", home.path / "asound.conf"},
@@ -271,7 +271,7 @@ protected:
 
     void setCard(const std::string& configuration) { write(home.path / "asound.conf", configuration); }
 
-    /// Gives libcanberra's answer, after the end of the sound when there is one.
+    /// Returns libcanberra's answer; if the sound plays, only after its end.
     static Result played(const Properties& properties) {
         bool finished = false;
         std::mutex mutex;
@@ -287,7 +287,7 @@ protected:
         return result;
     }
 
-    /// The samples of a file of ours.
+    /// The samples of one of our files.
     static std::string samplesOf(const std::string& name) {
         return contentOf(fs::path(VELMORA_SOUNDS) / (name + ".wav")).substr(44);
     }
