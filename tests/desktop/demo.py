@@ -3,8 +3,8 @@
 
     demo.py BUNDLE PICTURE_FOLDER [--window]
 
-With --window it is seen in a window on the desktop that is there. Each step prints what changed below /sys and what the
-panel then shows, and leaves pictures. The exit code is 0 when every step showed what it must."""
+With --window the private desktop is shown in a window on the current one. Each step prints the changes below /sys and
+then the item in the panel, and saves pictures. The exit code is 0 if every step showed the right item."""
 
 import json
 import os
@@ -23,10 +23,10 @@ CHANGE_SECONDS = 5
 ESTIMATE_SECONDS = 25
 QUIET_SECONDS = 5
 
-# How much larger the tray is shown.
+# The scale of the tray's pictures.
 ENLARGED = 6
 
-# Of the sum of red, green and blue: below this a panel is dark, and so much the glyph must differ from it.
+# The sum of red, green and blue below which a panel is dark, and the least difference of the glyph from the panel.
 DARK = 384
 CONTRAST = 400
 
@@ -165,7 +165,7 @@ class Demo:
         print(f"   file:  Velmora/defaults.json is {file.read_text(encoding='utf-8')}")
 
     def change(self, level=None, online=None, **battery):
-        """Changes the laptop, prints what changed, and sends the events that a kernel would send."""
+        """Changes the laptop, prints the changes, and sends the events that a kernel would send."""
         before = {name: dict(attributes) for name, attributes in self.laptop.supplies.items()}
         if online is not None:
             self.laptop.set("AC", online=online)
@@ -182,13 +182,13 @@ class Demo:
             self.laptop.event(name)
 
     def expect(self, label, icon, first_line, limit=CHANGE_SECONDS):
-        """The panel is given this, and nothing else, within so many seconds."""
+        """Within `limit` seconds the item offers exactly this to the panel."""
         expected = (label, f"velmora-{icon}-symbolic", [first_line, "Health: 87% (Fair)", "Cycles: 312"])
         shown = lambda: (self.item.label, self.item.icon, self.item.tooltip)
         wait_until(lambda: shown() == expected, limit, lambda: f"expected {expected}, shown {shown()}")
         label, icon, tooltip = shown()
         if icon != self.icon:
-            # The panel is told that it changed, and draws it at its leisure.
+            # The panel is told of the change, and draws the item some time later.
             redrawn = lambda: self.desktop.picture().crop(TRAY).changed_box(self.tray)
             wait_until(redrawn, CHANGE_SECONDS, "the panel draws the item")
         self.icon, self.tray = icon, self.desktop.picture().crop(TRAY)
@@ -219,7 +219,7 @@ class Demo:
         wait_until(lambda: not drawn(), CHANGE_SECONDS, f"{what} is gone")
 
     def take_pictures(self):
-        """One of the screen and one of the tray, enlarged, as soon as nothing moves any more."""
+        """Takes one picture of the screen and one of the tray, enlarged, as soon as nothing moves."""
         last = self.desktop.picture()
 
         def quiet():
@@ -234,7 +234,7 @@ class Demo:
 
 
 def main(bundle, folder, window_on):
-    # Output may go to a pipe, and the locale may know no character beyond ASCII.
+    # Output may go to a pipe, and the locale may be limited to ASCII.
     sys.stdout.reconfigure(encoding="utf-8", line_buffering=True)
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
     shutil.rmtree(folder, ignore_errors=True)

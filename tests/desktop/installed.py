@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The program as a package has installed it. `tools/newcomer deb` runs this on a system of its own:
-VELMORA_COMMAND starts the program, VELMORA_ENTRY is where the entry that starts it at login is kept."""
+"""The program as a package has installed it. `tools/newcomer deb` runs this on a system of its own: VELMORA_COMMAND
+starts the program, and the autostart entry is copied to VELMORA_ENTRY."""
 
 import os
 import shutil

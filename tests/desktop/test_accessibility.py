@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What those have of the windows who do not see them, or have no mouse."""
+"""The windows for users who cannot see them, or have no mouse."""
 
 import json
 import unittest
@@ -17,7 +17,7 @@ NOTE = (
     "Velmora can only remind you; it cannot control charging."
 )
 
-# What the settings consist of, from the top: what it is, what it is called, and where it is stored.
+# The controls of the settings, from the top: role, label and preference.
 SETTINGS = [
     ("label", "Alerts", None),
     ("check box", "Charge limit", "limitEnabled"),
@@ -50,7 +50,7 @@ SETTINGS = [
 ]
 CONTROLS = [(role, label, key) for role, label, key in SETTINGS if role != "label"]
 TIMES = ("From", "Until")
-# Qt's own, which hold others together or adorn them, and which nobody operates.
+# Roles of Qt's containers and ornaments, which nobody operates.
 HOLDERS = ("filler", "frame", "panel", "graphic")
 
 
@@ -62,7 +62,7 @@ class AccessibilityCase(DesktopCase):
         if preferences is not None:
             self.screen.defaults_file.parent.mkdir()
             self.screen.defaults_file.write_text(json.dumps(preferences), encoding="utf-8")
-        # The user has been asked before, and is not to be asked while switches are tried.
+        # The user was asked for consent before, so no question comes up while switches are tried.
         consent = self.screen.home / ".local/state/Velmora/notifications"
         consent.parent.mkdir(parents=True)
         consent.write_text("authorized\n", encoding="utf-8")
@@ -70,14 +70,14 @@ class AccessibilityCase(DesktopCase):
         self.item = self.start_and_wait(self.screen, self.laptop(), card.environment).item
 
     def focused(self, role, label):
-        """It has the keyboard, and says so by itself."""
+        """The control gets the keyboard focus, and announces it."""
         told = lambda: self.reader.focused and (self.reader.focused.role, self.reader.focused.label)
         self.soon_equal(told, (role, label), AT_ONCE_SECONDS)
         self.assertTrue(self.reader.focused.has("focused"))
         return self.reader.focused
 
     def all_have_names(self, window):
-        """Everything that is shown has a role, and what says or does something a name."""
+        """Everything visible has a role, and everything that says or does something has a name."""
         unnamed = [each.role for each in window.walk() if each.role not in HOLDERS and not each.label]
         self.assertEqual(unnamed, [])
         self.assertNotIn("", [each.role for each in window.walk()])
@@ -94,7 +94,7 @@ class Settings(AccessibilityCase):
         self.open()
         window = self.form.window
         shown = [each for each in window.walk() if each.role not in HOLDERS + ("dialog", "scroll bar")]
-        # What names a control is not read twice.
+        # A label that names a control is not read twice.
         names = [label for each in shown for label in each.labels]
         read = [(each.role, each.label) for each in shown if each not in names]
         self.assertEqual(read, [(role, label) for role, label, _ in SETTINGS])
@@ -158,7 +158,7 @@ class Settings(AccessibilityCase):
         self.form.gone()
 
     def leave(self, control, key):
-        """Goes on to the next one. A time has hours and minutes, which are gone through one by one."""
+        """Moves on to the next control. A time takes two steps, because it has hours and minutes."""
         for _ in range(2 if control[1] in TIMES else 1):
             self.screen.press(key)
 
@@ -183,7 +183,7 @@ class Settings(AccessibilityCase):
         self.screen.type(str(least + 1))
         self.press("Return", self.value(key), least + 1)
         self.press("Next", self.value(key), least)
-        # As it was, so that what it is called is as well.
+        # Back to the old value, so that the label is as before, too.
         self.screen.press("ctrl+a")
         self.screen.type(str(first))
         self.press("Return", self.value(key), first)
@@ -200,7 +200,7 @@ class Settings(AccessibilityCase):
     def try_sound(self, key):
         self.press("Down", self.value(key), "none")
         self.press("Up", self.value(key), "default")
-        # The list opens, and typing leads to the sound of that name.
+        # The list opens, and typing selects the sound of that name.
         self.screen.press("space")
         self.screen.type("Frog")
         self.press("Return", self.value(key), "Frog")
@@ -215,7 +215,7 @@ class Settings(AccessibilityCase):
 
 
 class ThePopover(AccessibilityCase):
-    """Qt does not count it among the program's windows; what has the keyboard leads to it."""
+    """Qt does not list the popover among the program's windows; it is found through the control with the focus."""
 
     def test_says_the_charge_when_it_opens_and_leaves_nothing_without_a_name(self):
         self.begin()

@@ -13,7 +13,7 @@ CHARGING = "64% · Charging, estimating time to full…"
 STORM_SECONDS = 5
 STORM_RATE = 200
 
-# A glitch of the firmware must not look like a missing battery, so that is believed only after some ten seconds.
+# A glitch of the firmware must not look like a missing battery, so the program waits some ten seconds to believe it.
 GLITCH_SECONDS = 20
 
 
@@ -66,7 +66,7 @@ class Changes(DesktopCase):
         self.assertGreater(sum(reached), STORM_SECONDS * STORM_RATE / 2)
         self.assertGreaterEqual(len(moments), 2)
         self.assertLessEqual(len(moments), STORM_SECONDS + 1)
-        # And what changes at its end is not lost.
+        # And a change at the end of the storm is not lost.
         self.machine.set_level(40)
         self.machine.event("BAT0")
         self.soon_equal(lambda: item.label, " 40%", 2)
@@ -92,7 +92,7 @@ class Changes(DesktopCase):
 
 
     def test_a_battery_that_is_gone_for_a_moment_is_not_missed(self):
-        # What is plugged in at the limit at the start is not told; an empty bay in between would make it news.
+        # A laptop plugged in at the limit at the start causes no reminder; an empty bay in between would cause one.
         self.machine = self.laptop({"BAT0": BATTERY | {"status": "Not charging"}, "AC": ADAPTER | {"online": "1"}})
         self.machine.set_level(85)
         item = self.begin()

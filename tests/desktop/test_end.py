@@ -36,7 +36,7 @@ class End(DesktopCase):
         self.ends_cleanly(self.program)
 
     def test_when_the_x_server_goes(self):
-        # Qt ends the program then, with a code and a line of its own.
+        # Qt then ends the program, with its own exit code and message.
         self.screen.kill_x_server()
         self.program.process.wait_exit(END_SECONDS)
 
@@ -51,7 +51,7 @@ class End(DesktopCase):
 
 
 class HistoryAtTheEnd(DesktopCase):
-    """What was read last is on the disk afterwards, also when it was not there before."""
+    """The last reading is on the disk afterwards, even if it was not there before."""
 
     def begin(self, changes=None):
         self.screen = self.desktop(panel=False)
@@ -95,7 +95,7 @@ class HistoryAtTheEnd(DesktopCase):
         self.check()
 
     def test_when_the_x_server_goes_and_gtk_is_the_first_to_notice(self):
-        # It has a connection of its own.
+        # GTK has an X11 connection of its own.
         self.begin({"QT_QPA_PLATFORMTHEME": "gtk3"})
         self.screen.kill_x_server()
         self.check()
@@ -121,8 +121,8 @@ class Killed(DesktopCase):
 
     @staticmethod
     def wait_for_half_written(screen):
-        """What is to become the history; None when it was not seen. It is not there for long, so there is no pause
-        between two looks."""
+        """The temporary file that is to become the history; None if it was not seen. It does not exist for long, so
+        there is no pause between two looks."""
         folder = screen.history_file.parent
         deadline = time.monotonic() + SHOW_SECONDS
         while time.monotonic() < deadline:

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The system bus is missing, goes, and comes back. (When the session bus goes, the program ends; see the test of the
-end.)"""
+"""The system bus is missing, goes away, and comes back. (When the session bus goes away, the program ends; see
+test_end.py.)"""
 
 import signal
 import unittest
@@ -9,7 +9,7 @@ from support import history
 from support.faults import SHOW_SECONDS, FaultCase
 from support.logind import Logind
 
-# A lock that was let go is taken again, as soon as there is somebody to give it.
+# A lock that was released is taken again as soon as logind is there to give it.
 LOCK_SECONDS = 10
 TIMES = 3
 
@@ -63,7 +63,7 @@ class SystemBus(FaultCase):
         self.still_right()
 
     def test_hangs_from_before_the_start(self):
-        """It is connected to when it goes on, or when another one comes."""
+        """The program connects to the bus when it goes on, or when another one takes its place."""
         self.prepare(self.small_desktop())
         for comes_to in (lambda: self.screen.system_bus.send(signal.SIGCONT), self.start_another_bus):
             self.screen.system_bus.send(signal.SIGSTOP)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The machine's clock is set while the program runs."""
+"""The machine's clock is changed while the program runs."""
 
 import time
 import unittest
@@ -23,7 +23,7 @@ class Clock(FaultCase):
         return history.samples(history.read(self.screen)[1])
 
     def plug(self):
-        """It is told at once, and on the disk at once."""
+        """The item shows it at once, and it is on the disk at once."""
         self.machine.plug()
         self.shows("Charging")
         self.is_saved(charging=True)
@@ -55,7 +55,7 @@ class Clock(FaultCase):
         self.unplug()
 
     def nothing_is_lost(self):
-        """In the order in which it was read; the next start brings it into that of time."""
+        """The samples are in the order of reading; the next start sorts them by time."""
         samples = self.all_that_was_shown()
         self.clock.set(0)
         again = self.start_and_wait(self.screen, self.machine)

@@ -1,6 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The notification daemon hangs, and never comes back. (One that does shows the last reminder then; see the test of the
-reminders.)"""
+"""The notification daemon hangs for good. (One that recovers shows the last reminder; see test_reminders.py.)"""
 
 import signal
 import unittest
@@ -9,7 +8,7 @@ from support.case import ESTIMATING
 from support.faults import SHOW_SECONDS, FaultCase
 from support.notifications import Dunst, Listener
 
-# Each plug above the limit is told, each unplug takes that back.
+# Each plug above the limit causes a reminder, and each unplug withdraws it.
 PLUGS = 6
 
 

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Nothing can be written for a while: the home may not be, or the disk is full."""
+"""Nothing can be written for a while: the home is read-only, or the disk is full."""
 
 import contextlib
 import ctypes
@@ -20,14 +20,14 @@ SNOOZE = "Snooze alerts for 1 hour"
 
 
 class Disk(FaultCase):
-    """While nothing can be written, the program goes on with what it knows; afterwards all of it is on the disk."""
+    """While nothing can be written, the program goes on with its state in memory, which is on the disk afterwards."""
 
     def trouble(self, begin, end):
         before = history.read(self.screen)
         begin()
         for level in (63, 62):
             self.change_level(level)
-        # Would be written at once.
+        # This would be written at once.
         self.machine.plug()
         self.soon(lambda: "· Charging" in self.item.tooltip[0], SHOW_SECONDS, "the item says that it charges")
         self.item.menu.choose(SNOOZE)
@@ -40,21 +40,21 @@ class Disk(FaultCase):
         end()
 
     def is_over(self):
-        """The user does something else that is to be kept."""
+        """The fault ends; the user changes something else."""
         self.item.menu.choose(next(entry.label for entry in self.item.menu.entries() if "Cancel" in entry.label))
         self.soon(lambda: not self.is_snoozed(), SHOW_SECONDS, "the menu says that there are reminders")
         self.assertEqual(self.take_stored_snooze(), 0)
         self.still_right()
 
     def is_over_and_the_user_leaves(self):
-        """What was chosen meanwhile is kept all the same."""
+        """The fault ends and the program, too; choices made meanwhile are kept all the same."""
         self.assertEqual(self.program.process.stop(), 0, self.program.process.errors)
         self.wrote_nothing(self.program)
         self.assertGreater(self.take_stored_snooze(), time.time())
         self.nothing_is_lost()
 
     def take_stored_snooze(self):
-        """Of all preferences, the one that the program has written."""
+        """Removes the one preference that the program itself has written."""
         stored = json.loads(self.screen.defaults_file.read_text(encoding="utf-8"))
         until = stored.pop("snoozeUntil")
         self.screen.defaults_file.write_text(json.dumps(stored), encoding="utf-8")
@@ -66,7 +66,7 @@ class Disk(FaultCase):
 
 class ReadOnly(Disk):
     def begin_as_ordinary_user(self):
-        """Permissions mean nothing to root."""
+        """Permissions do not apply to root."""
         self.screen = self.small_desktop(ordinary_user=True)
         self.prepare(self.screen)
         self.start_program(app=self.screen.own_bundle())
@@ -85,7 +85,7 @@ class ReadOnly(Disk):
         self.is_over()
 
     def test_home_from_the_start_and_to_the_end(self):
-        """What was there before stays as it was."""
+        """Existing files stay as they were."""
         self.screen = self.small_desktop(ordinary_user=True)
         self.prepare(self.screen)
         app = self.screen.own_bundle()
@@ -103,7 +103,7 @@ class ReadOnly(Disk):
         self.nothing_is_lost()
 
     def test_home_without_anything_in_it(self):
-        """No folder of the program's can be made."""
+        """The program cannot make any of its folders."""
         self.screen = self.small_desktop(ordinary_user=True)
         app = self.screen.own_bundle()
         self.screen.hand_over(self.screen.folder)
@@ -118,13 +118,13 @@ class ReadOnly(Disk):
 
 class Full(Disk):
     def test_when_files_may_not_grow(self):
-        """A limit of the kernel's for this process."""
+        """The kernel limits the size of files for this process."""
         self.begin()
         self.trouble_by_limit()
         self.is_over_and_the_user_leaves()
 
     def test_when_there_is_no_room(self):
-        """Where we may not make a small disk, the limit stands for it."""
+        """Where we may not mount a small disk, the limit on the file size takes its place."""
         screen = self.small_desktop()
         has_disk = mount_small_disk(screen.home)
         self.prepare(screen)
@@ -146,8 +146,8 @@ class Full(Disk):
 
 
 def mount_small_disk(folder):
-    """Puts a file system of its own over the folder, for us and what we start; it goes with us. False where we may
-    not."""
+    """Mounts a file system over the folder, for this process and those that it starts; it goes away with them. False
+    where that is not permitted."""
     libc = ctypes.CDLL(None)
     if os.geteuid() != 0 or libc.unshare(CLONE_NEWNS) != 0:
         return False
@@ -158,7 +158,7 @@ def mount_small_disk(folder):
 
 
 def fill_with(ballast):
-    """Takes all the room that there is."""
+    """Fills the disk."""
     with open(ballast, "wb", buffering=0) as file:
         with contextlib.suppress(OSError):
             while True:

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The program is killed at any moment, again and again through a week."""
+"""The program is killed at random moments, again and again through a week."""
 
 import json
 import os
@@ -11,17 +11,17 @@ from support import history
 from support.clock import WallClock
 from support.faults import PREFERENCES, SHOW_SECONDS, FaultCase
 
-# The long form, which tools/faults runs, or what fits beside the other tests.
+# The long form, which tools/faults runs, or the short one for the test suite.
 LIVES = 400 if "VELMORA_LONG" in os.environ else 20
 WEEK = 7 * 86400
 
-# Younger at the end of the week than what is dropped for its age.
+# Few enough that at the end of the week none of them is old enough to be dropped.
 OLD_SAMPLES = 20000
 
-# A change of the charge alone may wait so long for its way to the disk.
+# A change of the charge alone may wait this long to be written to the disk.
 LONGEST_WAIT = 300
 
-# A start takes some tenths of a second, and what follows from a change some hundredths.
+# A start takes some tenths of a second, the reaction to a change some hundredths.
 EARLY_SECONDS = 0.5
 SOON_SECONDS = 0.04
 
@@ -32,20 +32,20 @@ class Week(FaultCase):
         self.dice = random.Random(self.seed)
         self.screen = self.small_desktop()
         self.old = history.write_old(self.screen, OLD_SAMPLES)
-        self.known = list(self.old)  # what is on the disk for certain
+        self.known = list(self.old)  # certainly on the disk
         self.screen.defaults_file.parent.mkdir()
         self.screen.defaults_file.write_text(json.dumps(PREFERENCES), encoding="utf-8")
         self.clock = WallClock(self.screen.folder)
         self.machine = self.laptop()
         self.level, self.plugged = 64, False
-        self.last_save = None  # at the latest, in seconds of the program's clock
+        self.last_save = None  # its latest possible time, in seconds of the program's clock
         self.item = None
 
     def now(self):
         return time.time() + self.clock.ahead
 
     def on_disk(self):
-        """What is there: all that was there, and nothing but what the battery had."""
+        """Returns the samples on the disk: all earlier ones, and besides them only charges that the battery had."""
         samples = history.samples(history.read(self.screen)[1])
         self.assertTrue(samples[: len(self.known)] == self.known, f"something is missing; seed {self.seed}")
         for sample in samples[len(self.known) :]:
@@ -54,11 +54,11 @@ class Week(FaultCase):
         return samples
 
     def must_be_saved(self):
-        """What the program has just taken in is on the disk, and all before it."""
+        """The program's latest reading is on the disk, and everything before it."""
         samples = self.on_disk()
         last = samples[-1]
         self.assertEqual((last["p"], last["c"], last["a"]), (self.level, self.plugged, self.plugged), f"seed {self.seed}")
-        # Each charge that was shown since the last save, in order.
+        # Every charge shown since the last save, in order.
         shown = [sample["p"] for sample in samples[len(self.known) :]]
         for level in self.pending:
             self.assertIn(level, shown, f"seed {self.seed}")
@@ -76,7 +76,7 @@ class Week(FaultCase):
         )
 
     def act(self):
-        """Something happens to the battery, or time passes. Gives whether it must be on the disk when it is shown."""
+        """The battery changes, or time passes. Returns whether the change must be on the disk once it is shown."""
         kind = self.dice.choice(["charge", "charge", "plug", "time"])
         if kind == "time":
             self.clock.set(self.clock.ahead + self.dice.randint(30, 900))
@@ -93,7 +93,7 @@ class Week(FaultCase):
         return late
 
     def live(self):
-        """One start, some changes, and the end at any moment."""
+        """One start, some changes, and a kill at a random moment."""
         self.had = {self.level}
         self.pending = []
         program = self.start(self.screen, self.machine, self.clock.environment)

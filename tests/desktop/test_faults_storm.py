@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""More happens than the program can want to know: udev events and edits of the preferences without end."""
+"""Storms: an endless stream of udev events, or of edits of the preferences."""
 
 import json
 import os
@@ -9,23 +9,23 @@ import unittest
 
 from support.faults import PREFERENCES, SHOW_SECONDS, FaultCase, most_growth, most_processor
 
-# A minute in the long form, which tools/faults runs.
+# The long form, which tools/faults runs, takes a minute.
 STORM_SECONDS = 60 if "VELMORA_LONG" in os.environ else 10
 EVENTS_A_SECOND = 200
 EDITS_A_SECOND = 100
 
-# The program may take so many times the processor's time that the sender takes, a script that is told what to send.
+# The program's processor time as a multiple of that of the sender, a script that is told what to send.
 MOST_FOR_EVENTS = 1.0
 MOST_FOR_EDITS = 4.0
 
-# The kernel keeps ten messages for a listener like this one; then all that came is answered.
+# The kernel queues ten messages for a listener like this one; the program works them off and answers within this time.
 MOST_ANSWER_SECONDS = 1
 MOST_GROWTH_KIB = 256
 
 
 class Storm(FaultCase):
     def blow(self, act, rate, most):
-        """Calls `act` so many times a second. The program must keep up with it, take no more of the processor than that,
+        """Calls `act` `rate` times a second. The program must keep up, take no more processor time than `most` allows,
         and not grow."""
         own = slowest = 0.0
         memory = []
@@ -46,7 +46,7 @@ class Storm(FaultCase):
                 slowest = max(slowest, time.monotonic() - asked)
         taken = self.usage().processor - before.processor
         quarter = len(memory) // 4
-        # Something else may pass through its memory for a moment.
+        # Something else may take memory for a moment.
         growth = statistics.median(memory[-quarter:]) - statistics.median(memory[quarter : 2 * quarter])
         print(
             f"{number} in {passed:.1f} s; program {taken:.2f} s of the processor, sender {own:.2f} s; slowest answer "
@@ -65,7 +65,7 @@ class Storm(FaultCase):
         self.still_right()
 
     def test_of_edited_preferences(self):
-        """Another program puts a new file there again and again."""
+        """Another program replaces the file again and again."""
         self.begin()
         texts = [json.dumps(PREFERENCES | {"showPercent": bool(number)}) for number in range(2)]
         fresh = self.screen.defaults_file.with_name("fresh")
@@ -75,7 +75,7 @@ class Storm(FaultCase):
             fresh.rename(self.screen.defaults_file)
 
         self.blow(edit, EDITS_A_SECOND, MOST_FOR_EDITS)
-        # The last one counts.
+        # The last edit takes effect.
         for number, label in ((0, ""), (1, " 64%")):
             edit(number)
             self.soon_equal(lambda: self.item.label, label, SHOW_SECONDS)

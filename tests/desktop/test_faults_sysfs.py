@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Firmware that fails or talks nonsense, one attribute after the other, and batteries that come and go."""
+"""Firmware that fails or reports nonsense in one attribute after the other, and batteries that come and go."""
 
 import contextlib
 import os
@@ -11,7 +11,7 @@ from support.case import ESTIMATING, HEALTH_AND_CYCLES
 from support.faults import SHOW_SECONDS, FaultCase
 from support.laptop import BATTERY
 
-# Supplies that tell all that the program asks for.
+# Supplies that have all attributes that the program reads.
 FULL_BATTERY = {
     "type": "Battery",
     "scope": "System",
@@ -50,7 +50,7 @@ FULL_ADAPTER = {
     "input_power_limit": "65000000",
 }
 
-# No file that the user may write can be made to fail with every error of a driver, but the program is to treat all alike.
+# An ordinary user cannot make a file fail with every error of a driver, but the program is to treat all errors alike.
 FAILING = {
     "EIO": lambda file: file.symlink_to("/proc/self/mem"),  # nothing is mapped at the beginning
     "EISDIR": lambda file: file.mkdir(),
@@ -83,7 +83,7 @@ GONE_SECONDS = 20  # a glitch of the firmware must not look like a missing batte
 
 
 def bind(file):
-    """A socket, by a short name because the path may be too long for one."""
+    """Makes a socket, by a short relative name because the path may be too long for one."""
     with contextlib.chdir(file.parent), socket.socket(socket.AF_UNIX) as place:
         place.bind(file.name)
 
@@ -99,17 +99,17 @@ class Firmware(FaultCase):
     def setUp(self):
         self.begin(machine=self.laptop({"BAT0": FULL_BATTERY, "AC": FULL_ADAPTER}))
         self.right = self.item.tooltip
-        # What the popover takes when it is first opened is no growth. More words and pictures come later.
+        # The memory that the popover takes on its first opening is no growth. More texts and pictures follow later.
         self.read_now()
         self.before = self.settled_usage()
 
     def read_now(self):
-        """Opening the popover takes a reading, an event would do so once a second at most."""
+        """Opening the popover takes a reading each time; an event would do so once a second at most."""
         self.item.menu.choose("Show details")
-        self.item.menu.entries()  # answered after it
+        self.item.menu.entries()  # answered after the reading
 
     def each(self, faults, make):
-        """Each fault in each attribute, and each time the right value after it."""
+        """Tries each fault in each attribute, and restores the right value after it."""
         for name, attributes in (("BAT0", FULL_BATTERY), ("AC", FULL_ADAPTER)):
             for attribute, value in attributes.items():
                 for what, fault in faults.items():
@@ -128,7 +128,7 @@ class Firmware(FaultCase):
                         raise
 
     def item_is_sound(self):
-        """What a single attribute says wrong may be believed, but it is a battery's."""
+        """The program may believe a single wrong attribute, but the item must still show a battery."""
         label = self.item.label
         self.assertRegex(label, r"\A( (100|[1-9]?[0-9])%)?\Z")
         if label not in ("", " 64%"):

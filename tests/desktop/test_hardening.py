@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""How the program is built: what the linker and the compiler can do against mistakes in it being used by others."""
+"""How the program is built: the compiler's and the linker's protections against the exploitation of bugs."""
 
 import os
 import re
@@ -12,7 +12,7 @@ OPTIMISED = os.environ.get("VELMORA_OPTIMISED", "1") == "1"
 
 
 def files():
-    """All that is ours and runs."""
+    """The program and its modules."""
     usr = bundle() / "usr"
     return [usr / "bin/velmora", *sorted(usr.glob("lib/**/*.so"))]
 
@@ -23,10 +23,10 @@ def readelf(option, file):
 
 
 class Hardening(unittest.TestCase):
-    """What readelf writes is long, so that only the file's name is told."""
+    """readelf writes a lot, so a failure names only the file."""
 
     def each(self, option, expression, wanted=True, chosen=None):
-        """The expression is found in what is told of each file, or of none."""
+        """The expression is found in readelf's output for each of the files, or for none of them."""
         self.assertGreater(len(files()), 1)
         for file in chosen or files():
             with self.subTest(file=file.name, expression=expression):
@@ -50,7 +50,7 @@ class Hardening(unittest.TestCase):
         self.each("--dyn-syms", r"\b__stack_chk_fail\b")
 
     def test_calls_of_the_c_library_are_checked(self):
-        if OPTIMISED:  # they are not otherwise
+        if OPTIMISED:  # _FORTIFY_SOURCE works only with optimisation
             self.each("--dyn-syms", r" __\w+_chk@", chosen=files()[:1])
 
 

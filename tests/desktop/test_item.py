@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The item in a real panel: what it says and how it looks."""
+"""The item in a real panel: its properties and its look."""
 
 import unittest
 
@@ -68,7 +68,7 @@ class ItemInThePanel(DesktopCase):
 
     def test_looks_different_when_the_battery_is_low(self):
         desktop, laptop = self.desktop(), self.laptop()
-        # Without the number, so that it is the glyph that has to change.
+        # Without the number, so that the glyph has to change.
         preferences = desktop.config / "Velmora/defaults.json"
         preferences.parent.mkdir()
         preferences.write_text('{"showPercent": false}', encoding="utf-8")

@@ -92,7 +92,7 @@ class ItemMenu(DesktopCase):
         self.answers()
 
     def test_an_entry_that_says_something_new_is_a_new_item(self):
-        # In a menu that is open, what is clicked may just have been replaced.
+        # In an open menu, the clicked entry may just have been replaced.
         before = self.menu.entries()
         self.menu.event(before[1].id, "clicked")
         self.soon(lambda: self.menu.entries()[1].label.startswith("Cancel snooze"), 5, "it is snoozed")
@@ -114,7 +114,7 @@ class ItemMenu(DesktopCase):
         self.ends_cleanly(self.program)
 
     def call_that_may_be_refused(self, method, arguments):
-        """An error is a fair answer, as long as the program gives it: silence is not."""
+        """The program may answer with an error, but it must answer."""
         try:
             self.menu.call(method, arguments)
         except GLib.Error as error:

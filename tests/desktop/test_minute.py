@@ -1,11 +1,11 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What a laptop does not announce is found by the minute's own reading."""
+"""The reading every minute finds changes for which the laptop sends no event."""
 
 import unittest
 
 from support.case import HEALTH_AND_CYCLES, DesktopCase
 
-# The timer's minute and its tolerance.
+# The timer's period of a minute, and its tolerance.
 MINUTE_SECONDS = 70
 
 
@@ -17,7 +17,7 @@ class MinuteReading(DesktopCase):
     def test_the_remaining_time_is_told_and_then_a_change_without_event_shows_within_seventy_seconds(self):
         laptop = self.laptop()
         item = self.start_and_wait(self.desktop(panel=False), laptop).item
-        # When the time is known, nothing is left to look for before the next reading of the timer.
+        # Once the time is known, the program reads nothing more before the timer's next reading.
         self.soon_equal(lambda: item.tooltip, [WITH_TIME, *HEALTH_AND_CYCLES], MINUTE_SECONDS)
         laptop.set("AC", online=1)
         laptop.set("BAT0", status="Charging")

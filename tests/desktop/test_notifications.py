@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The notifications on the daemons that people have."""
+"""Notifications on the daemons that people use."""
 
 import unittest
 
@@ -12,7 +12,7 @@ QUIET_SECONDS = 1
 
 
 class OnEachDaemon:
-    """What is the same everywhere."""
+    """Tests that are the same for every daemon."""
 
     daemon = None
 
@@ -53,7 +53,7 @@ class OnEachDaemon:
         self.stays(lambda: self.driver.lines, ["pressed SNOOZE"])
 
     def press_button(self):
-        """The daemon may still be drawing it."""
+        """Presses the button unless a press was heard. It may take several: the daemon may still be drawing."""
         if not self.driver.lines and self.shown.count() == 1:
             self.shown.press()
         return self.driver.lines
@@ -77,7 +77,7 @@ class OnEachDaemon:
 
 
 class Quiet(OnEachDaemon):
-    """What holds where the desktop tells whether the user is to be left alone."""
+    """Tests for desktops that report do-not-disturb."""
 
     def test_sounds_are_heard_unless_the_user_is_to_be_left_alone(self):
         self.begin()

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The item in a tray of the old kind, XEmbed, where there is no newer panel."""
+"""The item in an X11 system tray (XEmbed), where no panel shows StatusNotifierItems."""
 
 import time
 import unittest
@@ -16,7 +16,7 @@ TRAY_SECONDS = 15
 CHANGE_SECONDS = 2
 TITLE = "Velmora"
 
-# A panel that has nothing but a tray, at its right end.
+# A panel with nothing but a tray, at its right end.
 CONFIGURATION = f"""rounded = 0
 background_color = #e0e0e0 100
 panel_items = FS
@@ -26,7 +26,7 @@ panel_background_id = 1
 systray_icon_size = 24
 """
 
-# An item of ours in a tray that cannot colour it: the glyph and its outline.
+# The colours of our item in a tray that cannot recolour it: the glyph and its outline.
 GLYPH, OUTLINE = bytes.fromhex("cccccc"), bytes.fromhex("0a0a0a")
 
 
@@ -40,7 +40,7 @@ class OldTray(DesktopCase):
         self.soon(lambda: self.screen.windows("tint2"), TRAY_SECONDS, lambda: f"the tray is ready; {self.tray.errors}")
 
     def find_item(self):
-        """The box of what has the colours of our pictures in the tray; None while nothing has."""
+        """The box of the pixels in the tray that have the colours of our pictures; None while there are none."""
         picture = self.screen.picture().crop(TRAY)
         columns, rows = set(), set()
         for y, row in enumerate(picture.rows):

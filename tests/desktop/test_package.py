@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The Debian package of the build that is there: what is in it, what judges it, and that it runs as it installs."""
+"""The Debian package of this build: its content, the checkers' verdict, and whether it runs as installed."""
 
 import os
 import re
@@ -34,15 +34,15 @@ OUTSIDE_THE_BUNDLE = {
     f"usr/share/metainfo/{ID}.metainfo.xml",
 }
 
-# What the program and its module of the chart are linked with, as far as it must be named.
+# Packages that the dependencies must name, because the program and its modules are linked with them.
 DEPENDENCIES = {"libcanberra0", "libqcustomplot2.1-qt6", "libqt6dbus6", "libqt6svg6", "libqt6widgets6", "libudev1"}
 
-# The element for the developer is newer than 0.16, which takes nothing but its predecessor, and 1.0 complains of that.
+# The element <developer> is newer than AppStream 0.16, which knows only its predecessor, and 1.0 rejects that one.
 UNKNOWN_TO_OLD_APPSTREAM = ["unknown-tag developer"]
 
 
 def output_of(*command):
-    """What a program writes; it must have nothing to complain about."""
+    """The output of a program, which must not complain about anything."""
     environment = os.environ | {"LC_ALL": "C.UTF-8"}
     done = subprocess.run(
         command, env=environment, capture_output=True, text=True, check=False, timeout=TOOL_SECONDS
@@ -53,12 +53,12 @@ def output_of(*command):
 
 
 def appstream_version():
-    """The first number of it."""
+    """The major version."""
     return int(re.search(r"(\d+)\.", output_of("appstreamcli", "--version"))[1])
 
 
 def pack(file):
-    """Makes the package, as this file."""
+    """Makes the package as `file`."""
     command = [TOP / "make_app.sh", "deb", os.environ.get("VELMORA_BUILD", TOP / "build/default"), file]
     subprocess.run(command, check=True, stdout=subprocess.DEVNULL, timeout=PACK_SECONDS)
     return file

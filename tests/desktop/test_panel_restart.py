@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Panels crash, and at login they may come late."""
+"""Panels crash, and at login they may start late."""
 
 import unittest
 
@@ -31,7 +31,7 @@ class PanelRestart(DesktopCase):
         self.assertEqual([value for _, value in alive], [True])
         desktop.start_panel()
         self.soon(lambda: program.item.registered, BACK_SECONDS, "the late panel has the item")
-        # An icon of the old kind, for panels without a watcher, must not stay beside it.
+        # The X11 tray icon, for desktops without a watcher, must not stay beside it.
         box = self.soon(desktop.find_item, 5, "the item is drawn")
         self.assertLess(box.width, 30, "there is more than one icon")
 

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The ways to the popover, its place, and the ways out."""
+"""Opening the popover, its place, and closing it."""
 
 import json
 import shutil
@@ -29,7 +29,7 @@ XFCONF = "org.xfce.Xfconf"
 
 class PopoverCase(DesktopCase):
     def shown(self, desktop):
-        """The box of the popover, which must appear."""
+        """Waits for the popover and returns its box."""
         return self.soon(lambda: desktop.windows(TITLE), SHOW_SECONDS, "the popover is there")[0]
 
     def gone(self, desktop):
@@ -159,7 +159,7 @@ class PopoverButtons(PopoverCase):
         self.soon(lambda: "Snooze alerts for 1 hour" not in self.entries(), SHOW_SECONDS, "it is snoozed")
         window = self.open()
         before = self.screen.picture().crop(window)
-        # "Cancel" is what the keyboard comes to first.
+        # "Cancel" is the first control that the keyboard reaches.
         self.screen.press("Tab")
         focused = lambda: self.screen.picture().crop(window).changed_box(before)
         self.soon(focused, SHOW_SECONDS, "the focus is seen")
@@ -184,7 +184,7 @@ class PopoverChart(PopoverCase):
         self.soon_equal(loaded, ["velmora-chart", "QCustomPlot"], SHOW_SECONDS)
 
     def test_is_not_loaded_from_a_bundle_that_took_the_place_of_its_own(self):
-        # As an upgrade does, or a build: what is there then is for another program.
+        # As an upgrade or a build does: the files in its place are for another version of the program.
         screen = self.desktop(panel=False)
         history.write_old(screen, 100)
         app = screen.own_bundle()
@@ -222,7 +222,7 @@ class PopoverLook(PopoverCase):
 
 
 class PopoverXfceLook(PopoverCase):
-    """The desktop's own settings service, and no portal."""
+    """A desktop with Xfce's own settings service and no portal."""
 
     def setUp(self):
         self.screen = self.desktop(panel=False)
@@ -245,7 +245,7 @@ class PopoverXfceLook(PopoverCase):
 
 class PopoverPlace(PopoverCase):
     def check(self, x, y):
-        """It opens near the point, and all of it can be seen."""
+        """The popover opens near the point, and is wholly visible."""
         desktop = self.desktop(panel=False)
         program = self.start_and_wait(desktop, self.laptop())
         program.item.activate(x, y)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The build that is there as the packages of most distributions install it: below a prefix, among other programs."""
+"""This build as the packages of most distributions install it: below a prefix, among other programs."""
 
 import os
 import shutil
@@ -19,7 +19,7 @@ ID = "app.velmora.Velmora"
 ICON = f"share/icons/hicolor/scalable/apps/{ID}.svg"
 INSTALL_SECONDS = 60
 
-# What is named in packaging/README.md, beside glyphs and sounds.
+# The files that packaging/README.md names, besides glyphs and sounds.
 NAMED = {
     "bin/velmora",
     "lib/velmora/velmora-chart.so",
@@ -72,7 +72,7 @@ class Direct(OfAPrefix, DesktopCase):
 
 
 class Staged(OfAPrefix, DesktopCase):
-    """Installed for "/usr" below another folder, where it must run as well."""
+    """Installed for "/usr" in a staging folder, where it must run as well."""
 
     place = "stage/usr"
 

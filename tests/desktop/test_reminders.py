@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The reminders on the screen, by the daemons that people have."""
+"""The reminders on the screen, with the daemons that people use."""
 
 import signal
 import unittest
@@ -39,7 +39,7 @@ class HangingDaemon(DesktopCase):
         counter = self.count_reads(laptop)
         shown.process.send(signal.SIGSTOP)
         for change, status in ((laptop.plug, "Charging"), (laptop.unplug, "On battery"), (laptop.plug, "Charging")):
-            # What comes within a second of the change before waits for that second to pass.
+            # A change within a second of the last one waits for that second to pass.
             wait_for_quiet(counter, REST_SECONDS, SETTLED_SECONDS)
             change()
             self.soon(lambda: f"· {status}" in str(item.tooltip), AT_ONCE_SECONDS, f"the item says {status}")

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The history is saved where the desktop's own dialog says, which its portal shows: the real one, with GTK's dialog."""
+"""The history is saved to the file chosen in the desktop's own dialog: the real portal shows GTK's."""
 
 import json
 import unittest
@@ -13,7 +13,7 @@ BACKEND = "org.freedesktop.impl.portal.desktop.gtk"
 PORTAL = "org.freedesktop.portal.Desktop"
 LIBEXEC = Path("/usr/libexec")
 SHOWN_SECONDS = 10
-LOOK_SECONDS = 1  # that a person takes; what is closed within half of it was closed by something else
+LOOK_SECONDS = 1  # the time that a person takes; a dialog that closes within half of it was closed by something else
 
 
 class SaveDialog(SettingsCase):
@@ -32,7 +32,7 @@ class SaveDialog(SettingsCase):
         self.form.opened()
 
     def ask(self):
-        """The dialog is on the screen and stays there, and it is none of ours."""
+        """The dialog appears and stays open, and it is not one of the program's own."""
         self.form.click(self.form.control("Export History as CSV…"))
         self.soon(lambda: self.screen.windows("Save As"), SHOWN_SECONDS, "the desktop's dialog is there")
         self.never(lambda: not self.screen.windows("Save As"), LOOK_SECONDS)

@@ -31,11 +31,11 @@ class SettingsCase(DesktopCase):
         self.form = SettingsForm(self.screen, self.reader)
 
     def becomes(self, key, value):
-        """The preference is stored."""
+        """Waits until the preference has this value on the disk."""
         self.soon_equal(lambda: stored(self.screen).get(key), value, AT_ONCE_SECONDS)
 
     def dialog(self, name):
-        """It appears."""
+        """Waits for the dialog."""
         return self.soon(lambda: self.reader.window(name), DIALOG_SECONDS, f"the dialog {name!r} is there")
 
     def press_in_dialog(self, dialog, button):
@@ -121,7 +121,7 @@ class AUser(SettingsCase):
     def holds_the_arrow_of_the_limit(self):
         stepper = self.form.stepper("Alert when charging reaches")
         box = self.form.reach(stepper)
-        # The arrows are at the right, the upper one goes up.
+        # The arrows are at the right; the upper one increases the value.
         with self.screen.hold_button(box.x + box.width - 7, box.y + 6):
             self.soon(lambda: stored(self.screen)["limit"] >= 60, HOLD_SECONDS, "the arrow repeats")
         limit = int(stepper.value)
@@ -279,7 +279,7 @@ class TheWindow(SettingsCase):
         self.form.click(self.form.control("Show time remaining"))
         x, y = window.box.centre[0], window.box.y - 12
         with self.screen.hold_button(x, y):
-            # The window manager takes the first move for the start of one.
+            # The window manager takes the first motion as the start of the move.
             for left in (150, 300):
                 self.screen.move_pointer(x - left, y)
             self.soon(lambda: window.box.x < 200, AT_ONCE_SECONDS, "it is moved")
@@ -321,7 +321,7 @@ class TheWindow(SettingsCase):
         self.soon(entry.exists, AT_ONCE_SECONDS, "there is an entry")
         self.screen.press("Escape")
         self.form.gone()
-        entry.write_text(entry.read_text(encoding="utf-8") + "Hidden=true\n", encoding="utf-8")  # as managers do
+        entry.write_text(entry.read_text(encoding="utf-8") + "Hidden=true\n", encoding="utf-8")  # as desktops do
         self.open()
         self.assertFalse(self.form.control("Launch at Login").has("checked"))
 

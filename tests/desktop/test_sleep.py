@@ -12,20 +12,20 @@ from support.logind import Logind
 from support.notifications import Listener
 
 LOCK_SECONDS = 5
-# A machine sleeps five seconds after it said so, whether the lock was let go or not.
+# The machine sleeps five seconds after the announcement, whether the lock was released or not.
 RELEASE_SECONDS = 4
 
-# The last of the looks that the program takes after its start.
+# The time of the last look that the program takes after its start.
 LAST_LOOK_SECONDS = 15
 
-# Batteries cannot be read at once after waking. The rest is left to a machine that is busy.
+# Batteries cannot be read right after waking. The rest of the time allows for a busy machine.
 EARLIEST_READING = 3
 LATEST_READING = 5
 # A timer may round to the nearest millisecond.
 ROUNDING = 0.002
 
-# Through the charge limit, which is not to be told after waking; soon after the start, since the minute's reading
-# would.
+# These pass the charge limit, which must cause no reminder after waking; soon after the start, because the reading each
+# minute would cause one.
 LEVELS = range(79, 89)
 SHORTEST_MINUTE = 50
 
@@ -86,7 +86,7 @@ class Sleep(DesktopCase):
         self.assertEqual(listener.methods, [])
 
     def test_an_open_popover_closes_before(self):
-        # It holds the keyboard, without which a screen locker that is told of the sleep as well locks nothing.
+        # The popover grabs the keyboard, which a screen locker needs that is told of the sleep at the same time.
         desktop = self.desktop(panel=False)
         logind = Logind(desktop, lambda: None)
         self.addCleanup(logind.close)
@@ -103,7 +103,7 @@ class Sleep(DesktopCase):
 
     @staticmethod
     def new_levels(content):
-        """What this program has added. The minute's reading may see a level again."""
+        """The levels that this program has added. The reading each minute may see a level again."""
         return [level for level, _ in groupby(history.levels(content)[history.OLD_SAMPLES :])]
 
 

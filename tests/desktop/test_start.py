@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Starting in surroundings that lack something."""
+"""Starting where something is missing."""
 
 import shutil
 import socket
@@ -13,7 +13,7 @@ ONE_LINE = r"\A[^\n]*display[^\n]*\n\Z"
 
 class WithoutDisplay(DesktopCase):
     def refused(self, changes):
-        """What it writes when it ends because there is no display."""
+        """The program's message when it ends because there is no display."""
         desktop = self.desktop(panel=False)
         process = self.start(desktop, self.laptop(), changes).process
         self.assertEqual(process.wait_exit(END_SECONDS), 1)
@@ -32,13 +32,13 @@ class WithoutDisplay(DesktopCase):
         self.assertIn("qt6-wayland", errors)
 
     def test_the_named_one_does_not_let_us_in(self):
-        # libxcb says so as well, by itself.
+        # libxcb prints a line of its own as well.
         last = self.refused({"XAUTHORITY": None}).rstrip("\n").split("\n")[-1]
         self.assertRegex(last + "\n", ONE_LINE)
 
 
 class PoorSurroundings(DesktopCase):
-    """All is as usual, and nothing is written to the terminal."""
+    """Everything works as usual, and nothing is written to the terminal."""
 
     def runs(self, changes=None, app=None, system_bus=True, laptop=None):
         machine = laptop or self.laptop()
@@ -87,8 +87,8 @@ class PoorSurroundings(DesktopCase):
 
 class WithASessionManager(DesktopCase):
     def test_it_is_left_alone(self):
-        # One that knows the program starts it at the next login, beside the entry that does; the later of two starts
-        # opens the details. And one that does not answer must not hold the start up.
+        # A session manager that knows the program starts it at the next login, and so does the autostart entry; the
+        # second of the two starts would open the details. And one that does not answer must not delay the start.
         desktop = self.desktop(panel=False)
         with socket.socket(socket.AF_UNIX) as manager:
             manager.bind(str(desktop.runtime / "session-manager"))

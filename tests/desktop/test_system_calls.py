@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A day with the program, and all that it asked the kernel for meanwhile: it talks to this machine only, starts nothing,
-and writes only where it is said to."""
+"""A day with the program and all of its system calls: it talks to this machine only, starts nothing, and writes only to
+the documented places."""
 
 import re
 import shlex
@@ -16,17 +16,17 @@ from support.system_calls import system_calls, traced
 START_SECONDS = 30
 WAKE_SECONDS = 15
 SETTINGS = "Velmora Settings"
-LAUNCH_AT_LOGIN = ["shift+Tab", "shift+Tab", "shift+Tab"]  # from the first control, around
+LAUNCH_AT_LOGIN = ["shift+Tab", "shift+Tab", "shift+Tab"]  # from the first control backwards to the last ones
 SHOW_TIME = ["shift+Tab"]
 EXPORT = ["Tab", "Tab"]
 
-# A name that a file has until it is whole.
+# The name of a file until it is complete.
 UNFINISHED = r"(\.{name}\.velmora-\w{{6}}|{name})"
 
 
 class Traced(FaultCase):
     def start_traced(self, machine):
-        """What the program does from its first moment on is written down."""
+        """Starts the program under strace from its first system call on."""
         self.log = self.screen.folder / "system-calls"
         script = self.screen.folder / "traced"
         command = traced(self.log, [bundle() / "AppRun"])
@@ -37,7 +37,7 @@ class Traced(FaultCase):
         self.soon(lambda: self.item.tooltip, START_SECONDS, lambda: f"the item is there; {self.program.process.errors}")
 
     def check(self):
-        """What the calls of a run that has ended must be like."""
+        """Checks the calls of a run that has ended."""
         self.soon(self.tracer_is_done, SHOW_SECONDS, "all is written down")
         calls = system_calls(self.log)
         self.assertEqual([call.name for call in calls if call.name.startswith("exec")], ["execve"], "it starts nothing")
@@ -57,7 +57,7 @@ class Traced(FaultCase):
         return self.log.read_text(encoding="utf-8", errors="replace").rstrip().endswith("+++ exited with 0 +++")
 
     def check_writes(self, calls, allowed):
-        """Whatever is made, changed or removed, also in vain, is at one of these places."""
+        """Everything that is made, changed or removed, even without success, is in one of these places."""
         writing = [call for call in calls if call.writes]
         place = re.compile("|".join(allowed))
         strange = [(call, path) for call in writing for path in call.paths if not place.fullmatch(path)]
@@ -95,11 +95,11 @@ class Day(Traced):
             rf"{home}/" + UNFINISHED.format(name=r"Velmora-history\.csv"),
             rf"{home}/\.local/state/Velmora(/.*)?",
             rf"{home}/\.cache(/.*)?",
-            rf"{home}/(\.config|\.local|\.local/share|\.local/state)(/Velmora|/autostart)?",  # made where missing
-            re.escape(str(self.screen.runtime)),  # likewise; it is there
+            rf"{home}/(\.config|\.local|\.local/share|\.local/state)(/Velmora|/autostart)?",  # made if missing
+            re.escape(str(self.screen.runtime)),  # likewise; it exists
             r"/dev/null",
-            r"/proc/self/task/\d+/comm",  # names of threads
-            rf"{re.escape(str(self.machine.root))}/event\d+",  # what stands for the kernel's events here
+            r"/proc/self/task/\d+/comm",  # thread names
+            rf"{re.escape(str(self.machine.root))}/event\d+",  # umockdev's socket for the kernel's events
         ])
         for file in (self.screen.history_file, self.screen.defaults_file, self.autostart, self.csv):
             self.assertIn(str(file), written, "it was not seen being written")
@@ -120,7 +120,7 @@ class Day(Traced):
         self.window_goes("Velmora")
 
     def settle(self):
-        """A preference, the start at login, and the export of the history, all by the keyboard."""
+        """Changes a preference, switches on the start at login and exports the history, all by keyboard."""
         self.autostart = self.screen.config / "autostart/app.velmora.Velmora.desktop"
         self.csv = self.screen.home / "Velmora-history.csv"
         self.item.menu.choose("Settings…")
@@ -154,7 +154,7 @@ class Day(Traced):
 
 class Machine(Traced):
     def test_on_this_machine(self):
-        """Here the kernel's own power supplies and events are asked for."""
+        """Without umockdev: the program asks the kernel itself for power supplies and events."""
         self.screen = self.desktop(panel=False)
         self.start_traced(None)
         self.assertEqual(self.program.process.stop(), 0)

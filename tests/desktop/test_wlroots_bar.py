@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The item in the bar of a wlroots compositor, which shows no label, colours nothing and drops what is not square."""
+"""The item in the bar of a wlroots compositor, which shows no label, recolours nothing and drops non-square icons."""
 
 import unittest
 
@@ -26,7 +26,7 @@ class ItemInAWlrootsBar(DesktopCase):
 
     @staticmethod
     def whole(box):
-        """The box if it can be that of the whole item; a picture may be taken while the bar is being drawn."""
+        """The box if it can be the whole item's; a picture may be taken while the bar is being drawn."""
         fits = box and all(LEAST_SIZE <= side <= BAR_HEIGHT for side in (box.width, box.height))
         return box if fits else None
 
@@ -35,7 +35,7 @@ class ItemInAWlrootsBar(DesktopCase):
         self.assertEqual(program.item.icon, "")
         sizes = [(width, height) for width, height, _ in program.item.get("IconPixmap")]
         self.assertEqual(sizes, [(size, size) for size in (16, 22, 24, 32, 44, 48, 64)])
-        # Another number with the same rest: only a picture that carries the number can differ.
+        # Another number and nothing else changed: only a picture that carries the number can differ.
         before = desktop.picture().crop(box)
         laptop.set_level(61)
         laptop.event("BAT0")
@@ -52,11 +52,11 @@ class ItemInAWlrootsBar(DesktopCase):
     def test_the_popover_floats_and_another_click_closes_it(self):
         desktop, laptop, program, _ = self.bar()
         opened = lambda: desktop.windows("Velmora")
-        # As swaybar tells it: the place inside the item, which is none on the screen.
+        # swaybar reports a position inside the item, not one on the screen.
         program.item.activate(5, 5)
         window = self.soon(opened, CHANGE_SECONDS, "the popover is there")[0]
         self.assertTrue(SCREEN.contains(window), window)
-        # It follows the battery, also here.
+        # The popover follows the battery here, too.
         self.soon(lambda: len(desktop.picture().crop(window).colours()) > 2, CHANGE_SECONDS, "text is drawn")
         before = desktop.picture().crop(window)
         laptop.set_level(33)
@@ -72,7 +72,7 @@ class ItemInAWlrootsBar(DesktopCase):
         background = max(colours, key=colours.get)
         # The glyph's own two tones, not the colours of a few pixels at its edges.
         tones = sorted((colour for colour in colours if colour != background), key=colours.get)[-2:]
-        # Smoothed edges are between the tones and the bar, neither lighter nor darker, or the glyph has a rim.
+        # Smoothed edges lie between the tones and the bar; a lighter or darker colour means that the glyph has a rim.
         for colour in colours:
             for value, *ends in zip(colour, background, *tones):
                 self.assertTrue(min(ends) - ROUNDING <= value <= max(ends) + ROUNDING, (colour, tones, background))

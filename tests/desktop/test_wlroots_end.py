@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The end of a Wayland session: the compositor goes, and the session bus may stay."""
+"""The end of a Wayland session: the compositor goes away, and the session bus may stay."""
 
 import unittest
 

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The reminders on a wlroots compositor, by the daemon that people have there; it draws no buttons."""
+"""The reminders on a wlroots compositor, with mako, the daemon that people use there; it draws no buttons."""
 
 import unittest
 

@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Which room of App/ may include headers of which, and what the core may include at all.
+"""Which room of App/ may include headers of which other one, and which headers the core may include at all.
 
-What links which is said by App/CMakeLists.txt; this also sees arrows inside a target, and headers that need no linking.
+App/CMakeLists.txt says which target links which; this also sees arrows inside a target, and headers that need no
+linking.
 """
 
 import re
@@ -19,7 +20,7 @@ ADAPTER = [PORTS, QT, FILES, BUS]
 MODEL = "shell/model"
 WIDGET = [*DECIDES, QT, MODEL, "views/text", "views/style"]
 
-# Every room includes itself and these.
+# Every room may include its own headers and those of these rooms.
 MAY_INCLUDE = {
     PORTS: [],
     "battery": [PORTS],
@@ -42,11 +43,11 @@ MAY_INCLUDE = {
     MODEL: DECIDES,
     "shell/delegate": [*WIDGET, "views/popover", "views/settings"],
 }
-# The folder shell has three rooms; main, which makes everything and may include everything, is not asked.
+# The folder shell has three rooms. main makes everything and may include everything, so it is not checked.
 SHELL = {"AppModel": MODEL, "Published": MODEL, "AppDelegate": "shell/delegate", "HeapMemory": "shell/delegate"}
 MAIN = "shell/VelmoraApp.cpp"
 
-# Made at build time, in no room.
+# Generated at build time, in no room.
 GENERATED = re.compile(r"\w+adaptor\.h$")
 
 
@@ -67,7 +68,7 @@ def own(file):
 
 
 def core():
-    """The files of the core's target, with all headers of ours that they include."""
+    """The files of the core's target and all of our headers that they include."""
     files = set()
     for lists in APP.rglob("CMakeLists.txt"):
         for listed in re.findall(r"velmora_sources\(velmora_core\s([^)]*)\)", lists.read_text(encoding="utf-8")):

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""How run.sh and test.sh get what they need: with apt while somebody else uses it, and on systems without apt."""
+"""How run.sh and test.sh install their packages: with apt while another program uses it, and on systems without apt."""
 
 import os
 import subprocess
@@ -10,7 +10,7 @@ from pathlib import Path
 SCRIPT = Path(__file__).parents[2] / "tools/packages.sh"
 LISTS = ("BUILD", "DESKTOP", "WINDOW", "PACKAGE", "TEST", "FORMAT", "CHECK")
 
-# What it takes to build and test at all is installed wherever this runs.
+# The packages for building and testing are installed wherever this runs.
 INSTALLED = '"${BUILD_PACKAGES[@]}" "${DESKTOP_PACKAGES[@]}" "${PACKAGE_PACKAGES[@]}" "${TEST_PACKAGES[@]}"'
 
 
@@ -23,7 +23,7 @@ class Packages(unittest.TestCase):
         self.calls = Path(folder.name) / "calls"
 
     def have_commands_except(self, *names):
-        """All commands of the system but these."""
+        """Provides all commands of the system but these."""
         for place in os.environ["PATH"].split(":"):
             for command in Path(place).glob("*"):
                 link = self.commands / command.name
@@ -31,7 +31,7 @@ class Packages(unittest.TestCase):
                     link.symlink_to(command)
 
     def have_apt(self, *answers):
-        """An apt-get that notes how it is called, and answers with these commands in turn, the last of them for ever;
+        """Provides an apt-get that records its calls and answers with these commands in turn, repeating the last one;
         no package is installed."""
         self.have_commands_except("apt-get", "dpkg-query", "sudo", "sleep")
         cases = "".join(f"{count}) {answer} ;;\n" for count, answer in enumerate(answers[:-1], 1))
@@ -43,7 +43,7 @@ class Packages(unittest.TestCase):
 
     def command(self, name, script):
         file = self.commands / name
-        file.unlink(missing_ok=True)  # what may be there is a link to the system's own
+        file.unlink(missing_ok=True)  # it may be a link to the system's own
         file.write_text(f"#!/bin/sh\n{script}\n", encoding="utf-8")
         file.chmod(0o755)
 
@@ -63,7 +63,7 @@ class Packages(unittest.TestCase):
         names = self.output_of("".join(f'printf "%s\\n" "${{{name}_PACKAGES[@]}}"\n' for name in LISTS)).split()
         rows = [row.split("|") for row in self.output_of('echo "$UPSTREAM"').strip().splitlines()]
         known = [name.strip() for name, _upstream, _probe in rows]
-        self.assertEqual(sorted(known), sorted([*names, "debootstrap"]))  # which tools/newcomer needs
+        self.assertEqual(sorted(known), sorted([*names, "debootstrap"]))  # debootstrap is for tools/newcomer
 
     def test_names_what_it_does_not_know_by_the_name_that_it_was_given(self):
         self.have_commands_except()
@@ -83,7 +83,7 @@ class Packages(unittest.TestCase):
         done = self.run_bash(f"ensure_packages {INSTALLED}")
         self.assertEqual(done.returncode, 1)
         missing = [line.strip() for line in done.stderr.splitlines() if line.startswith("    ")]
-        # What only pkg-config tells of cannot be seen without it.
+        # Packages that only pkg-config knows cannot be detected without it.
         self.assertLess({"Ninja", "pkg-config", "libudev, of systemd or eudev"}, set(missing))
         self.assertNotIn("xdotool", missing)
 
@@ -96,7 +96,7 @@ class Packages(unittest.TestCase):
         waits = [line for line in done.stdout.splitlines() if line.startswith("Waiting: ")]
         self.assertEqual(waits, ["Waiting: Could not get lock /var/lib/apt/lists/lock. It is held by process 1 (apt)"] * 2)
         calls = [call.split() for call in self.calls.read_text(encoding="utf-8").splitlines()]
-        # In English, or it would not be understood; and with what makes apt wait for dpkg by itself.
+        # In English, so that the script understands it; and with the option that makes apt itself wait for dpkg.
         self.assertEqual({tuple(call[:3]) for call in calls}, {("C", "-o", "DPkg::Lock::Timeout=-1")})
         self.assertEqual([call[3] for call in calls], ["update"] * 3 + ["install"] * 2)
 

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What all whole-program tests share: each begins with an empty world and ends with a program that ended cleanly."""
+"""The base of all whole-program tests: each begins with an empty world and ends with a program that ended cleanly."""
 
 import unittest
 
@@ -18,7 +18,7 @@ HEALTH_AND_CYCLES = ["Health: 87% (Fair)", "Cycles: 312"]
 
 
 class DesktopCase(unittest.TestCase):
-    """`desktop`, `laptop` and `start` make what a test needs; it all goes when the test ends, also when it fails."""
+    """`desktop`, `laptop` and `start` make what a test needs; all of it is removed when the test ends or fails."""
 
     maxDiff = None
 
@@ -38,14 +38,14 @@ class DesktopCase(unittest.TestCase):
         return counter
 
     def start(self, desktop, laptop=None, changes=None, app=None):
-        """Starts the program. If it still runs when the test ends, it is asked to end and must do so cleanly; and it
-        must never have written anything."""
+        """Starts the program. If it still runs when the test ends, it is asked to end and must do so cleanly; it must
+        never have printed anything."""
         program = Program(desktop, laptop, changes, app)
         self.addCleanup(self._check_end, program)
         return program
 
     def start_and_wait(self, desktop, laptop=None, changes=None, app=None):
-        """As `start`, and waits until the item can be read (and is in the panel where there is one)."""
+        """Like `start`, and waits until the item can be read (and is in the panel where there is one)."""
         program = self.start(desktop, laptop, changes, app)
         self.soon(lambda: program.item.tooltip != [], START_SECONDS, "the item is on the bus")
         if desktop.has_panel:
@@ -53,24 +53,24 @@ class DesktopCase(unittest.TestCase):
         return program
 
     def start_and_find(self, desktop, laptop):
-        """As `start_and_wait`; gives the program and the box of its item on the screen."""
+        """Like `start_and_wait`; returns the program and the box of its item on the screen."""
         program = self.start_and_wait(desktop, laptop)
         return program, self.soon(desktop.find_item, START_SECONDS, "the item is drawn")
 
     def soon(self, condition, limit, what):
-        """The condition comes true within so many seconds."""
+        """The condition becomes true within `limit` seconds."""
         return wait_until(condition, limit, what)
 
     def never(self, condition, seconds):
-        """The condition stays false for so many seconds."""
+        """The condition stays false for that many seconds."""
         self.assertEqual([value for _, value in watch(lambda: bool(condition()), seconds)], [False])
 
     def soon_equal(self, observe, expected, limit):
-        """What `observe` gives becomes `expected` within so many seconds."""
+        """The result of `observe` becomes `expected` within `limit` seconds."""
         wait_until(lambda: observe() == expected, limit, lambda: f"{expected!r}; it is {observe()!r}")
 
     def keep_picture(self, desktop, name):
-        """Leaves what is on the screen, as soon as it stands still, in the build's pictures for a person to look at."""
+        """Saves the screen, as soon as nothing moves, among the build's pictures for a person to look at."""
         last = desktop.picture()
 
         def still():
@@ -84,7 +84,7 @@ class DesktopCase(unittest.TestCase):
         last.save(folder / f"{name}.png")
 
     def ends_cleanly(self, program, limit=END_SECONDS):
-        """It ends by itself within so many seconds, with exit code 0 and without a word."""
+        """The program ends by itself within `limit` seconds, with exit code 0 and no output."""
         self.assertEqual(program.process.wait_exit(limit), 0, program.process.errors)
         self.wrote_nothing(program)
 

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A program's own clock on the wall, which can be set; what counts the time since the start of the machine is left as it
-is. (The kernel has no such clock for a single program, so the library libfaketime stands before its calls.)"""
+"""A wall clock for one program, which can be set; the clocks that count from the start of the machine are left alone.
+(The kernel has no wall clock for a single program, so libfaketime is preloaded.)"""
 
 import os
 from pathlib import Path
@@ -18,14 +18,14 @@ def plain_fstat():
 
 
 class WallClock:
-    """Goes right at first."""
+    """Right at first."""
 
     def __init__(self, folder):
         self._file = folder / "wall-clock"
         self.set(0)
 
     def set(self, seconds):
-        """It is ahead by so many seconds from now on."""
+        """From now on it is ahead by that many seconds."""
         self.ahead = seconds
         fresh = self._file.with_name("fresh-wall-clock")
         fresh.write_text(f"{seconds:+d}\n", encoding="utf-8")
@@ -34,7 +34,7 @@ class WallClock:
 
     @property
     def environment(self):
-        """Of a program that goes by this clock, on a simulated laptop."""
+        """The environment of a program with this clock on a simulated laptop."""
         library = next(Path("/usr/lib").glob(f"*/{LIBRARY}"))
         return {
             "LD_PRELOAD": f"{PRELOAD}:{plain_fstat()}:{library}",
@@ -46,6 +46,6 @@ class WallClock:
 
     @staticmethod
     def clean_up(pid):
-        """Removes what the library leaves behind of a process that was killed."""
+        """Removes the files that libfaketime leaves behind when its process was killed."""
         for name in (f"sem.faketime_sem_{pid}", f"faketime_shm_{pid}"):
             (SHARED_MEMORY / name).unlink(missing_ok=True)

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A desktop of its own: X server, window manager, panel with a tray, session and system bus, home. Nothing of the
-session that it is started from is visible inside, and nothing that happens inside is visible there."""
+"""A private desktop: X server, window manager, panel with a tray, session and system bus, home. It is isolated from the
+session that it is started from, in both directions."""
 
 import contextlib
 import os
@@ -21,13 +21,13 @@ from .screen import Box, Picture
 from .waiting import wait_until
 
 SCREEN = Box(0, 0, 1280, 800)
-PANEL = Box(0, 0, 1280, 29)  # its lower border is a pixel more than its size
-# The end of the panel where items come; without the panel's edges, which change by themselves.
+PANEL = Box(0, 0, 1280, 29)  # its lower border adds a pixel to its size
+# The end of the panel where items appear, without the panel's edges, which change by themselves.
 TRAY = Box(PANEL.width - 160, 0, 159, PANEL.height - 1)
 BELOW_PANEL = Box(0, PANEL.height, SCREEN.width, SCREEN.height - PANEL.height)
 START_SECONDS = 20
 
-# "nobody": is everywhere, owns nothing, and needs no entry in the list of users.
+# "nobody": exists everywhere, owns nothing, and needs no entry in /etc/passwd.
 ORDINARY_USER = 65534
 
 BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
@@ -81,7 +81,7 @@ PANEL_CONFIGURATION = """<?xml version="1.0" encoding="UTF-8"?>
 
 
 class PrivateDesktop:
-    """Everything is there and ready when the constructor returns; `stop` ends it all and leaves nothing behind."""
+    """Everything is ready when the constructor returns; `stop` ends it all and leaves nothing behind."""
 
     def __init__(
         self,
@@ -93,8 +93,8 @@ class PrivateDesktop:
         ordinary_user=False,
         window_on=None,
     ):
-        """`ordinary_user`: where we are root, what is started here is not, because some compositors refuse that.
-        `window_on`: the environment of a desktop with a display; this one is then seen in a window there."""
+        """`ordinary_user`: even if we are root, programs started here are not, because some compositors refuse to be.
+        `window_on`: the environment of a desktop with a display; this desktop is then shown in a window there."""
         self._window_on = window_on
         self._user = ORDINARY_USER if ordinary_user and os.geteuid() == 0 else None
         self.folder = Path(tempfile.mkdtemp(prefix="velmora-desktop-"))
@@ -114,12 +114,12 @@ class PrivateDesktop:
             "XDG_CACHE_HOME": str(self.home / ".cache"),
             "XDG_CURRENT_DESKTOP": "XFCE",
             "XDG_SESSION_TYPE": "x11",
-            # Nothing that the private buses do not offer is to be asked for.
+            # Programs must not ask for services that the private buses do not offer.
             "NO_AT_BRIDGE": "1",
             "GIO_USE_VFS": "local",
             "GSETTINGS_BACKEND": "memory",
         }
-        # Where the program keeps what it remembers.
+        # The program's history.
         self.history_file = self.home / ".local/share/Velmora/history.json"
         self.defaults_file = self.config / "Velmora/defaults.json"
         self._processes = []
@@ -158,21 +158,21 @@ class PrivateDesktop:
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def start(self, name, command, environment=None, pass_fds=()):
-        """Starts a program on this desktop; it ends with it at the latest."""
+        """Starts a program on this desktop, which ends with the desktop at the latest."""
         self.hand_over(self.folder)
         return self._start(name, command, environment, pass_fds, self._user)
 
     def hand_over(self, folder):
-        """What we have made in this folder belongs to the user of this desktop from now on."""
+        """From now on the files that we have made in this folder belong to the user of this desktop."""
         if self._user is None:
             return
         for file in [folder, *folder.rglob("*")]:
-            with contextlib.suppress(FileNotFoundError):  # others make files here as well, and remove them
+            with contextlib.suppress(FileNotFoundError):  # other programs make and remove files here, too
                 if file.lstat().st_uid == 0:
                     os.lchown(file, self._user, self._user)
 
     def own_bundle(self):
-        """A copy of the bundle that this desktop's user can read wherever the bundle itself is."""
+        """A copy of the bundle that this desktop's user can read, wherever the original is."""
         copy = self.folder / "Velmora.app"
         if not copy.exists():
             shutil.copytree(bundle(), copy, symlinks=True)
@@ -195,7 +195,7 @@ class PrivateDesktop:
         return self._panel is not None and self._panel.running
 
     def kill_panel(self):
-        """Ends the panel as a crash would, and waits until its tray has gone as well."""
+        """Ends the panel as a crash would, and waits until its tray is gone as well."""
         self._panel.kill()
         wait_until(lambda: self.bus.owner(WATCHER) is None, START_SECONDS, "the panel's tray is gone")
 
@@ -222,7 +222,7 @@ class PrivateDesktop:
         self.x_server.kill()
 
     def picture(self):
-        """What is on the screen now."""
+        """The current content of the screen."""
         if self._window_on is None:
             return Picture.of_dump((self.runtime / "Xvfb_screen0").read_bytes())
         dump = subprocess.run(
@@ -231,7 +231,7 @@ class PrivateDesktop:
         return Picture.of_dump(dump.stdout)
 
     def find_item(self):
-        """The box of what is drawn in the tray; None while it is empty."""
+        """The box around everything drawn in the tray; None while it is empty."""
         tray = self.picture().crop(TRAY)
         drawn = tray.changed_box(tray.blank())
         return drawn and drawn._replace(x=drawn.x + TRAY.x, y=drawn.y + TRAY.y)
@@ -246,7 +246,7 @@ class PrivateDesktop:
         self._tool("key", key, check=True)
 
     def type(self, text):
-        """Presses the keys of a text, one after the other."""
+        """Types a text key by key."""
         self._tool("type", "--", text, check=True)
 
     @contextlib.contextmanager
@@ -259,7 +259,7 @@ class PrivateDesktop:
 
     @contextlib.contextmanager
     def hold_button(self, x, y):
-        """Holds the left button of the pointer down there."""
+        """Holds the left button of the pointer down at this position."""
         self._tool("mousemove", x, y, "mousedown", 1, check=True)
         try:
             yield
@@ -267,12 +267,12 @@ class PrivateDesktop:
             self._tool("mouseup", 1, check=True)
 
     def windows(self, title):
-        """The boxes of the visible windows of that title."""
+        """The boxes of the visible windows with that title."""
         found = self._tool("search", "--onlyvisible", "--name", f"^{title}$").stdout.split()
         boxes = []
         for window in found:
             answer = self._tool("getwindowgeometry", "--shell", window)
-            if answer.returncode == 0:  # it may have gone meanwhile
+            if answer.returncode == 0:  # the window may be gone by now
                 values = dict(line.split("=") for line in answer.stdout.split())
                 boxes.append(Box(*(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))))
         return boxes
@@ -297,7 +297,7 @@ class PrivateDesktop:
         else:
             command = ["Xephyr", "-screen", screen, "-title", "Velmora: a laptop's day", "-no-host-grab"]
         command += ["-auth", authority, "-noreset", "-nolisten", "tcp", "-displayfd"]
-        # Not as the ordinary user, who may not make the folder of the X servers' sockets where it is missing.
+        # Not as the ordinary user, who may not make the folder for X servers' sockets if it is missing.
         self.x_server, number = self._start_and_hear(command[0], command, self._window_on)
         self.environment |= {"DISPLAY": f":{number}", "XAUTHORITY": str(authority)}
 
@@ -310,7 +310,7 @@ class PrivateDesktop:
         return bus
 
     def refuse_name(self, name):
-        """From now on the session bus lets nobody own that name."""
+        """From now on the session bus lets no program own that name."""
         configuration = self.runtime / "session.conf"
         text = configuration.read_text(encoding="utf-8")
         configuration.write_text(text.replace("</policy>", f'<deny own="{name}"/></policy>'), encoding="utf-8")
@@ -318,8 +318,8 @@ class PrivateDesktop:
         self.bus.call(bus, "/org/freedesktop/DBus", bus, "ReloadConfig")
 
     def _start_and_hear(self, name, command, environment=None):
-        """Starts a server that says by a line on a file descriptor, its last argument, that it is ready; gives both. It
-        runs as we do."""
+        """Starts a server that prints a line on a file descriptor, its last argument, when it is ready; returns the
+        process and the line. The server runs as the same user as we do."""
         reading, writing = os.pipe()
         with os.fdopen(reading) as answer:
             process = self._start(name, [*command, writing], environment, [writing], None)
@@ -331,7 +331,7 @@ class PrivateDesktop:
         return process, line
 
     def _start_settings(self):
-        # Where it is differs between machine types; the file that lets a bus start it says so.
+        # Its path differs between architectures; the D-Bus service file has it.
         service = Path("/usr/share/dbus-1/services/org.xfce.Xfconf.service").read_text(encoding="utf-8")
         command = next(line.removeprefix("Exec=") for line in service.splitlines() if line.startswith("Exec="))
         self.start("xfconfd", command.split())
@@ -354,7 +354,7 @@ class PrivateDesktop:
 
 
 def _authority(cookie):
-    """The file by which an X server and its clients know each other: any host, any display, this cookie."""
+    """The content of an Xauthority file, for any host and any display with this cookie."""
 
     def counted(value):
         return struct.pack(">H", len(value)) + value

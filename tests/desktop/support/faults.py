@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A program to which something bad happens, and what must be so afterwards, whatever it was."""
+"""Faults that befall the program, and the state that it must be in afterwards, whatever the fault was."""
 
 import json
 import os
@@ -15,13 +15,13 @@ SHOW_SECONDS = 5
 REST_SECONDS = 2
 SETTLED_SECONDS = 0.2
 
-# Of a processor, over the time of rest. A program that waits for events takes next to nothing; one that spins takes what
-# it gets, on a busy machine with two processors still several times that.
+# The share of a processor at rest. A program that waits for events takes next to nothing; one that spins takes all it
+# gets, which is several times this even on a busy machine with two processors.
 MOST_AT_REST = 0.05
 
-# A history of a month is written as one text of two megabytes, and the popover and its fonts take as much.
+# A month of history is written as one text of two megabytes, and the popover and its fonts take as much.
 MOST_GROWTH_KIB = 6 * 1024
-# The address sanitizer keeps what was freed, so that its later use shows, and everything takes several times as long.
+# AddressSanitizer keeps freed memory to detect its later use, and makes everything take several times as long.
 SANITIZED = "VELMORA_SANITIZED" in os.environ
 SANITIZERS_SHARE_KIB = 512 * 1024
 SANITIZERS_SLOWNESS = 5
@@ -31,7 +31,7 @@ PREFERENCES = {"limit": 90, "low": 12, "somebodyElses": ["kept", 1]}
 
 
 class Usage(NamedTuple):
-    """What a process takes of the machine."""
+    """The resources that a process uses."""
 
     processor: float  # seconds since its start
     private_kib: int
@@ -42,28 +42,27 @@ class Usage(NamedTuple):
         folder = Path("/proc") / str(pid)
         numbers = (folder / "stat").read_text(encoding="utf-8").rpartition(")")[2].split()
         memory = dict(line.split(":") for line in (folder / "smaps_rollup").read_text(encoding="utf-8").splitlines()[1:])
-        # Clean pages are the libraries', and private only while nobody else uses these.
+        # Clean pages belong to libraries, and are private only while no other process uses those.
         private = int(memory["Private_Dirty"].split()[0])
         ticks = int(numbers[11]) + int(numbers[12])
         return cls(ticks / os.sysconf("SC_CLK_TCK"), private, len(list((folder / "fd").iterdir())))
 
 
 def most_growth(kib):
-    """So much as a limit for the growth of the program, which is wider where a sanitizer is in it."""
+    """The limit for the growth of the program, which is wider in a build with sanitizers."""
     return kib + SANITIZERS_SHARE_KIB * SANITIZED
 
 
 def most_processor(seconds):
-    """So much as a limit for what the program takes of a processor, likewise."""
+    """The limit for the processor time of the program, likewise."""
     return seconds * (SANITIZERS_SLOWNESS if SANITIZED else 1)
 
 
 class FaultCase(DesktopCase):
-    """`begin` starts the program with a month of history and preferences of the user's own; `still_right` is the end of
-    each test."""
+    """`begin` starts the program with a month of history and changed preferences; each test ends with `still_right`."""
 
     def small_desktop(self, **options):
-        """Without what is seldom needed, and slow to start on a busy machine."""
+        """A desktop without the parts that are seldom needed and slow to start on a busy machine."""
         return self.desktop(**{"panel": False, "window_manager": False} | options)
 
     def prepare(self, screen):
@@ -89,7 +88,7 @@ class FaultCase(DesktopCase):
         return Usage.of(self.program.process.pid)
 
     def settled_usage(self):
-        """When its memory stands still: right after something big was read or written it takes more."""
+        """The usage once the memory no longer changes: right after something big was read or written it is higher."""
         last = self.usage()
 
         def settled():
@@ -102,14 +101,14 @@ class FaultCase(DesktopCase):
         return last
 
     def change_level(self, percent):
-        """The battery has another charge, and the item says so."""
+        """The battery's charge changes, and the item shows it."""
         self.machine.set_level(percent)
         self.machine.event("BAT0")
         self.soon_equal(lambda: self.item.label, f" {percent}%", SHOW_SECONDS)
         self.seen.append(percent)
 
     def rests(self, most_growth_kib=MOST_GROWTH_KIB):
-        """It takes no processor's time, and not much more memory than it did at the beginning."""
+        """The program takes no processor time, and not much more memory than at the beginning."""
         before = self.usage()
         start = time.monotonic()
         self.never(lambda: not self.program.process.running, REST_SECONDS)
@@ -120,7 +119,7 @@ class FaultCase(DesktopCase):
         self.assertLessEqual(after.descriptors - self.before.descriptors, MOST_NEW_DESCRIPTORS)
 
     def still_right(self, level=47, **limits):
-        """It runs, says what the battery has, is at rest, ends cleanly when asked to, and has lost nothing."""
+        """The program runs, shows the right charge, is at rest, ends cleanly when asked to, and has lost nothing."""
         self.assertTrue(self.program.process.running)
         self.change_level(level)
         self.rests(**limits)
@@ -129,21 +128,21 @@ class FaultCase(DesktopCase):
         self.nothing_is_lost()
 
     def nothing_is_lost(self):
-        """The preferences are as the user left them; the history is whole, and all that was there or was shown is in it."""
+        """The preferences are as the user left them; the history is whole, with all old samples and charges shown."""
         self.assertEqual(json.loads(self.screen.defaults_file.read_text(encoding="utf-8")), PREFERENCES)
         samples = self.all_that_was_shown()
         self.assertTrue(sorted(samples, key=lambda sample: sample["t"]) == samples, "in the order of time")
         self.only_ours_is_there()
 
     def all_that_was_shown(self):
-        """The samples in the history, in which nothing is missing."""
+        """Returns the samples in the history, of which none may be missing."""
         samples = history.samples(history.read(self.screen)[1])
-        # Compared as a whole, because the difference of two months is long to read.
+        # Compared as a whole, because unittest's diff of two months would be very long.
         self.assertTrue(samples[: len(self.old)] == self.old, "what was there before is as it was")
         self.assertEqual([level for level, _ in groupby(sample["p"] for sample in samples[len(self.old) :])], self.seen)
         return samples
 
     def only_ours_is_there(self):
-        """Nothing that was written by halves."""
+        """There are no half-written files."""
         for file in (self.screen.history_file, self.screen.defaults_file):
             self.assertEqual([other.name for other in file.parent.iterdir()], [file.name], "something is left over")

@@ -1,16 +1,16 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What the program remembers of the battery's charge, as it is on the disk."""
+"""The history file on the disk."""
 
 import json
 import os
 import time
 
-# Enough that writing it takes a while: what happens meanwhile, or in the wrong order, then shows.
+# Enough that writing them takes a while, so that races and wrong orders show.
 OLD_SAMPLES = 40000
 
 
 def write_old(desktop, count=OLD_SAMPLES):
-    """A month, or so many minutes, that the program finds when it starts; gives its samples."""
+    """Writes a month of history, or `count` minutes, for the program to find at its start; returns the samples."""
     newest = time.time() - 60
     times = [newest - 60 * number for number in reversed(range(count))]
     samples = [{"t": t, "p": number % 101, "c": False, "a": False} for number, t in enumerate(times)]
@@ -20,13 +20,13 @@ def write_old(desktop, count=OLD_SAMPLES):
 
 
 def read(desktop):
-    """Which file it is now, and what it holds."""
+    """The identity of the current file, and its content."""
     with open(desktop.history_file, "rb") as file:
         return os.fstat(file.fileno()).st_ino, file.read()
 
 
 def samples(content):
-    """What it holds, oldest first; the content must be whole."""
+    """The samples, oldest first; the content must be whole."""
     return json.loads(content)
 
 

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The program as it was installed somewhere, used once from its start to its end."""
+"""The installed program, used once from its start to its end."""
 
 import json
 import os
@@ -18,7 +18,7 @@ PAST = [{"t": time.time() - 60 * minute, "p": 70, "c": False, "a": False} for mi
 
 
 def files_below(folder):
-    """All that is no folder, each as what it leads to or None."""
+    """Everything but folders, each with the target of a link or None."""
     names = (Path(at) / name for at, folders, names in os.walk(folder) for name in [*folders, *names])
     return {
         str(file.relative_to(folder)): os.readlink(file) if file.is_symlink() else None
@@ -28,15 +28,15 @@ def files_below(folder):
 
 
 class Installed:
-    """To be mixed into a case, once for each place."""
+    """A mixin for a test case, once for each place of installation."""
 
-    command = None  # what the user starts
-    prefix = None  # below which it finds its files
-    login_command = None  # what the entry starts it by at login
+    command = None  # that the user starts
+    prefix = None  # below which the program finds its files
+    login_command = None  # in the autostart entry
     icon = None  # of the entry
 
     def keep(self, name):
-        """Leaves a picture of the screen for a person to look at."""
+        """Saves a picture of the screen for a person to look at."""
         raise NotImplementedError
 
     def test_shows_reminds_remembers_and_starts_at_login(self):
@@ -68,7 +68,7 @@ class Installed:
         self.soon_equal(titles, ["Low battery", "Try Low Power Mode"], START_SECONDS)
 
     def draws_its_chart(self):
-        """The chart's library is loaded for it, not linked."""
+        """The module with QCustomPlot is loaded for the chart, not linked."""
         maps = Path(f"/proc/{self.program.process.pid}/maps")
         loaded = lambda name: name in maps.read_text(encoding="utf-8")
         self.assertFalse(loaded("libQCustomPlotQt6"))

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The program as others on the session bus see it: its item in the panel and the item's menu."""
+"""The program as seen on the session bus: its item in the panel and the item's menu."""
 
 from typing import NamedTuple
 
@@ -27,24 +27,24 @@ class Bus:
             self._connection.close_sync(None)
 
     def call(self, name, path, interface, method, arguments=None):
-        """Calls a method and gives what it returns, as a tuple of plain values. Failure: GLib.Error."""
+        """Calls a method and returns its result as a tuple of plain values. Raises GLib.Error on failure."""
         return self.answer(name, path, interface, method, arguments).unpack()
 
     def answer(self, name, path, interface, method, arguments=None):
-        """As `call`, with the types that were sent."""
+        """Like `call`, but with the types of the reply."""
         flags = Gio.DBusCallFlags.NO_AUTO_START
         limit = CALL_MILLISECONDS
         return self._connection.call_sync(name, path, interface, method, arguments, None, flags, limit, None)
 
     def owner(self, name):
-        """The connection that owns a name; None when nobody does."""
+        """The connection that owns a name; None if nobody does."""
         try:
             return self._bus_call("GetNameOwner", "(s)", name)
         except GLib.Error:
             return None
 
     def pid(self, name):
-        """The process behind a name."""
+        """The process that owns a name."""
         return self._bus_call("GetConnectionUnixProcessID", "(s)", name)
 
     def get(self, name, path, interface, key):
@@ -57,18 +57,18 @@ class Bus:
 
 
 def registered_items(bus):
-    """The items that the panel's watcher knows, each as connection and path; none when there is no watcher."""
+    """The items registered with the panel's watcher, each as connection and path; none without a watcher."""
     owner = bus.owner(WATCHER)
     if owner is None:
         return []
     try:
         return bus.get(owner, "/StatusNotifierWatcher", WATCHER, "RegisteredStatusNotifierItems")
     except GLib.Error:
-        return []  # it has just gone
+        return []  # the watcher has just gone away
 
 
 class StatusItem:
-    """The program's item, asked anew at each access."""
+    """The program's item; each access asks it anew."""
 
     def __init__(self, bus):
         self._bus = bus
@@ -84,7 +84,7 @@ class StatusItem:
         return f"{self.owner}{ITEM_PATH}" in registered_items(self._bus)
 
     def get(self, key):
-        """None while nobody is there to answer."""
+        """A property of the item; None while nobody answers."""
         owner = self.owner
         if owner is None:
             return None
@@ -114,12 +114,12 @@ class StatusItem:
 
     @property
     def tooltip(self):
-        """Its lines."""
+        """The lines of the tooltip."""
         value = self.get("ToolTip")
         return value[2].split("\n") if value else []
 
     def activate(self, x, y):
-        """A click at this place, as panels tell it."""
+        """Reports a click at this position, as panels do."""
         self._bus.call(self.owner, ITEM_PATH, ITEM_INTERFACE, "Activate", GLib.Variant("(ii)", (x, y)))
 
     @property
@@ -152,12 +152,12 @@ class Menu:
         return revision, item
 
     def entries(self):
-        """What can be chosen, in order."""
+        """The entries that can be chosen, in order."""
         _, (_, _, children) = self.layout()
         return [MenuEntry(child[0], child[1].get("label", "").replace("_", "")) for child in children]
 
     def choose(self, label):
-        """Chooses an entry as a panel does when it is clicked."""
+        """Activates an entry as a panel does when it is clicked."""
         entry = next(entry for entry in self.entries() if entry.label == label)
         self.event(entry.id, "clicked")
 

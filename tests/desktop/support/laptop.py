@@ -1,10 +1,10 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A laptop's power supplies as a program sees them below /sys, and the udev events that tell of them.
+"""A laptop's power supplies as a program sees them below /sys, and their udev events.
 
 umockdev's preload library shows a program the folder `$UMOCKDEV_DIR/sys` as /sys, and lets it listen on a socket in
 that folder instead of the kernel's. The folder and the events are made here by hand: umockdev's own sender ends the
-sending process when a listener's queue is full, where a kernel only loses the event, and it writes attributes such that
-a reader may find them empty.
+sending process when a listener's queue is full, where the kernel only drops the event, and a reader may find an
+attribute empty while umockdev writes it.
 """
 
 import itertools
@@ -40,11 +40,10 @@ ADAPTER = {"type": "Mains", "online": "0"}
 
 
 class SimulatedLaptop:
-    """Power supplies by name; what is set here is what a program reads from then on. Events are sent only when asked
-    for."""
+    """Power supplies by name; programs read the values that are set here. Events are sent only when asked for."""
 
     def __init__(self, supplies=None):
-        """The supplies to begin with, by name; a battery BAT0 that discharges and an adapter AC when none are given."""
+        """`supplies`: the supplies at first, by name; by default a battery BAT0 that discharges and an adapter AC."""
         self.root = Path(tempfile.mkdtemp(prefix="velmora-laptop-"))
         self._class_folder = self.root / "sys/class" / CLASS
         self._class_folder.mkdir(parents=True)
@@ -59,7 +58,7 @@ class SimulatedLaptop:
 
     @classmethod
     def from_fixture(cls, file):
-        """The machine that a fixture describes; an attribute that cannot be read there is missing here."""
+        """The machine that a fixture describes; attributes that cannot be read there are missing here."""
         devices = json.loads(Path(file).read_text(encoding="utf-8"))["devices"]
         return cls({
             device["name"]: {key: value for key, value in device["attributes"].items() if value is not None}
@@ -72,26 +71,26 @@ class SimulatedLaptop:
 
     @property
     def environment(self):
-        """What a program needs in its environment to see these devices instead of the machine's own."""
+        """The environment variables that make a program see these devices instead of the machine's own."""
         return {"LD_PRELOAD": PRELOAD, "UMOCKDEV_DIR": str(self.root)}
 
     def attribute_file(self, name, attribute):
-        """The file behind an attribute, for those who want to see it being read."""
+        """The file of an attribute, for tests that watch it being read."""
         return self._folder(name) / attribute
 
     def set(self, name, **attributes):
-        """Changes attributes without telling anyone. Each changes at once: a reader finds the old value or the new."""
+        """Changes attributes without an event. Each change is atomic: a reader finds the old value or the new one."""
         for key, value in attributes.items():
             self.supplies[name][key] = str(value)
             self._write(self._folder(name) / key, f"{value}\n")
 
     def set_level(self, percent):
-        """Changes how much is in BAT0, without an event."""
+        """Changes the charge of BAT0, without an event."""
         full = int(self.supplies["BAT0"]["energy_full"])
         self.set("BAT0", capacity=percent, energy_now=full * percent // 100)
 
     def plug(self):
-        """Plugs the adapter in, as the kernel tells it: the adapter first, then the battery, which now charges."""
+        """Plugs the adapter in, with the kernel's events: first the adapter's, then the now charging battery's."""
         self._plugged(online=1, status="Charging")
 
     def unplug(self):
@@ -104,7 +103,7 @@ class SimulatedLaptop:
         self.event("BAT0")
 
     def event(self, name, action="change"):
-        """Sends one udev event to everyone who listens; gives how many were reached. A listener whose queue is full
+        """Sends one udev event to all listeners; returns the number of those reached. A listener whose queue is full
         misses it."""
         properties = {"ACTION": action, "DEVPATH": self._path(name), "SUBSYSTEM": CLASS, "SEQNUM": next(self._sequence)}
         message = _udev_message(properties | self._properties(name))
@@ -118,19 +117,19 @@ class SimulatedLaptop:
         return reached
 
     def add(self, name, attributes):
-        """A supply appears, with its event."""
+        """Adds a supply, with its event."""
         self._create(name, attributes)
         self.event(name, "add")
 
     def remove(self, name):
-        """A supply goes, with its event, which comes when it cannot be found any more."""
+        """Removes a supply, and then sends its event."""
         (self._class_folder / name).unlink()
         shutil.rmtree(self._folder(name))
         self.event(name, "remove")
         del self.supplies[name]
 
     def refuse_listeners(self):
-        """From now on nobody gets a connection for udev events: the places where their sockets would be are taken."""
+        """From now on no program can listen for udev events: the paths of their sockets are taken."""
         for number in range(256):
             (self.root / f"event{number}").mkdir()
 
@@ -156,16 +155,15 @@ class SimulatedLaptop:
 
     @staticmethod
     def _write(file, text):
-        # Beside the device's folder, so that nobody who lists it sees the temporary file.
+        # Beside the device's folder, so that listing the folder does not show the temporary file.
         fresh = file.parent.parent / f".{file.name}"
         fresh.write_text(text, encoding="utf-8")
         fresh.rename(file)
 
 
 def _udev_message(properties):
-    """An event as udevd sends it: a header with the place and size of the properties, which end in a zero each.
-    Listeners filter by the hashes of subsystem and device type in the header; the tags, of which there are none, come
-    last."""
+    """An event as udevd sends it: a header with the offset and size of the properties, each of which ends with a zero
+    byte. Listeners filter by the hashes of subsystem and device type in the header; the tags, here none, come last."""
     body = b"".join(f"{key}={value}\0".encode() for key, value in properties.items())
     sizes = struct.pack("=III", 40, 40, len(body))
     hashes = struct.pack("!II", _hash(properties["SUBSYSTEM"]), _hash(properties["DEVTYPE"]))
@@ -173,7 +171,7 @@ def _udev_message(properties):
 
 
 def _hash(text):
-    """MurmurHash2 of 32 bits with seed 0, as udev uses it."""
+    """32-bit MurmurHash2 with seed 0, as udev uses it."""
     data = text.encode()
     multiplier, mask = 0x5BD1E995, 0xFFFFFFFF
     result = len(data)

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """A stand-in for logind on a private system bus: announces that the machine goes to sleep and that it is awake again,
-and gives the locks that delay it."""
+and hands out inhibitor locks that delay the sleep."""
 
 import os
 import threading
@@ -16,17 +16,17 @@ CLOSE_SECONDS = 5
 
 
 class Release(NamedTuple):
-    moment: float  # of the monotonic clock
-    seen: object  # what was there to be seen at that moment
+    moment: float  # on the monotonic clock
+    seen: object  # the result of `look` at that moment
 
 
 class Logind:
-    """The machine would sleep as soon as no lock is left, so this looks at the world exactly then."""
+    """The machine would sleep as soon as no lock is left, so `look` is called exactly then."""
 
     def __init__(self, desktop, look):
-        """`look` is called on another thread when a lock is let go; what it gives is kept with the release."""
+        """`look` is called on another thread when a lock is released; its result is kept with the release."""
         self.releases = []
-        self.given = []  # what was said when a lock was asked for: what, who, why, mode
+        self.given = []  # the arguments of each Inhibit call: what, who, why, mode
         self._look = look
         self._waiting = []
         address = desktop.environment["DBUS_SYSTEM_BUS_ADDRESS"]
@@ -40,7 +40,7 @@ class Logind:
         )
 
     def close(self):
-        """To be called when nobody holds a lock any more; in a test that has failed somebody may."""
+        """To be called when no lock is held any more; after a failed test one may be."""
         if not self._connection.is_closed():
             self._connection.close_sync(None)
         for thread in self._waiting:
@@ -48,7 +48,7 @@ class Logind:
 
     @property
     def locks(self):
-        """How many are held."""
+        """The number of locks held."""
         return len(self.given) - len(self.releases)
 
     def announce(self, sleep):
@@ -56,7 +56,7 @@ class Logind:
         self._connection.emit_signal(None, PATH, MANAGER, "PrepareForSleep", arguments)
 
     def _hear(self, _, message, incoming):
-        """Called on a thread of the library's."""
+        """Called on GDBus's worker thread."""
         is_call = message.get_message_type() == Gio.DBusMessageType.METHOD_CALL
         if not incoming or not is_call or message.get_member() != "Inhibit":
             return message
@@ -75,7 +75,7 @@ class Logind:
         return None
 
     def _wait_for_release(self, reading):
-        os.read(reading, 1)  # nobody writes; it ends when the last copy of the other end is closed
+        os.read(reading, 1)  # nobody writes; it returns when the last copy of the other end is closed
         moment = time.monotonic()
         self.releases.append(Release(moment, self._look()))
         os.close(reading)

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Real daemons that show notifications on a private desktop: started by us, asked or looked at to learn
-what they show."""
+"""Real notification daemons on a private desktop: we start them, and query them or look at the screen for the
+notifications that they show."""
 
 import os
 import shutil
@@ -23,19 +23,19 @@ ICON = TOP / "resources/icons/hicolor/scalable/apps/app.velmora.Velmora.svg"
 
 
 class Asked:
-    """One notification that somebody asked a daemon for."""
+    """One notification that a program sent to a daemon."""
 
     def __init__(self, message):
         _, self.replaced, _, self.title, self.body, *_ = message.get_body().unpack()
         self.call = message.get_sender(), message.get_serial()
-        self.id = None  # of the one that is shown, once the daemon has said it
+        self.id = None  # that the daemon gave to the notification; None before its answer
 
 
 class Listener:
-    """Hears what the daemon on a desktop's bus is asked for, by whomever."""
+    """Hears all calls to the daemon on a desktop's bus, whoever makes them."""
 
     def __init__(self, desktop):
-        self.methods = []  # the names of all calls
+        self.methods = []  # of all calls, by name
         self.asked = []
         self._listens = False
         address = desktop.environment["DBUS_SESSION_BUS_ADDRESS"]
@@ -55,7 +55,7 @@ class Listener:
             self._connection.close_sync(None)
 
     def _hear(self, _, message, incoming):
-        """Called on a thread of the library's. What is heard is not for us to answer, so it ends here."""
+        """Called on GDBus's worker thread. The messages are not for us to answer, so they end here."""
         if not incoming or not self._listens:
             return message
         if message.get_message_type() == Gio.DBusMessageType.METHOD_CALL:
@@ -70,15 +70,15 @@ class Listener:
 
 
 def driver():
-    """What shows notifications through the program's adapter."""
+    """The executable that shows notifications through the program's adapter."""
     return Path(os.environ.get("VELMORA_NOTIFICATIONS", TOP / "build/default/bin/velmora_notifications_driver"))
 
 
 class Driver:
-    """One run of it on a desktop."""
+    """One run of the driver on a desktop."""
 
     def __init__(self, desktop, icon=ICON):
-        # The user of the desktop may not be allowed to see where we come from.
+        # The user of the desktop may not have access to the build folder.
         program = desktop.folder / "driver"
         shutil.copy(driver(), program)
         copied_icon = desktop.folder / "icon.svg"
@@ -89,7 +89,7 @@ class Driver:
         self._commands = os.fdopen(writing, "w", encoding="utf-8", buffering=1)
 
     def close(self):
-        """It ends by itself when it hears nothing more; gives its exit code."""
+        """The driver ends by itself at the end of its input; returns its exit code."""
         self._commands.close()
         return self.process.wait_exit(START_SECONDS)
 
@@ -101,14 +101,14 @@ class Driver:
 
     @property
     def lines(self):
-        """What came back so far: "pressed ACTION", "played SOUND"."""
+        """The answers so far: "pressed ACTION", "played SOUND"."""
         return self.process.output.splitlines()
 
 
 class Daemon:
     """A daemon that draws one window for each notification."""
 
-    name = ""  # what GetServerInformation says
+    name = ""  # from GetServerInformation
     window_class = ""
     press_button = 1  # of the mouse
 
@@ -136,34 +136,34 @@ class Daemon:
         return self.call("GetCapabilities")[0]
 
     def windows(self):
-        """The boxes of the windows that it shows."""
+        """The boxes of the daemon's windows."""
         found = self._tool("search", "--onlyvisible", "--class", self.window_class).stdout.split()
         boxes = []
         for window in found:
             answer = self._tool("getwindowgeometry", "--shell", window)
-            if answer.returncode == 0:  # it may have gone meanwhile
+            if answer.returncode == 0:  # the window may be gone by now
                 values = dict(line.split("=") for line in answer.stdout.split())
                 boxes.append(Box(*(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))))
         return [box for box in boxes if box.width > 1 and box.height > 1]
 
     def show(self, title):
-        """Shows a notification of another program's; gives its id."""
+        """Shows a notification of another program; returns its id."""
         arguments = GLib.Variant("(susssasa{sv}i)", ("stranger", 0, "", title, "", [], {}, 0))
         return self.desktop.bus.call(NAME, PATH, NAME, "Notify", arguments)[0]
 
     def count(self):
-        """How many notifications are on the screen."""
+        """The number of notifications on the screen."""
         return len(self.windows())
 
     def press(self):
-        """Presses the only button of the only notification, as a user does who sees it."""
+        """Clicks the only button of the only notification, as a user would."""
         boxes = self.windows()
         if len(boxes) != 1:
             raise AssertionError(f"{len(boxes)} notifications")
         self.desktop.click(*self.button(boxes[0]), self.press_button)
 
     def button(self, box):
-        """Where it is: at the right below. Wide enough that it is hit with and without a countdown beside it."""
+        """The position of the button, at the lower right; this hits it with and without a countdown beside it."""
         return box.x + box.width - 74, box.y + box.height - 29
 
     def let_alone(self, on):
@@ -181,7 +181,7 @@ class Daemon:
 class Dunst(Daemon):
     name = "dunst"
     window_class = "Dunst"
-    press_button = 2  # it draws no button, only a hint that there is one
+    press_button = 2  # dunst draws no button, only a hint that there is one
 
     def command(self):
         return ["dunst"]
@@ -219,7 +219,7 @@ class Mate(Daemon):
 
 
 class Mako(Daemon):
-    """On a desktop with a wlroots compositor."""
+    """mako, on a desktop with a wlroots compositor."""
 
     name = "mako"
 
@@ -227,12 +227,12 @@ class Mako(Daemon):
         return ["mako"]
 
     def count(self):
-        # Asked as its tool does, which writes the answer in another form in each version.
+        # The same D-Bus call as makoctl's, whose output has another format in each version.
         (notifications,) = self.desktop.bus.call(NAME, "/fr/emersion/Mako", "fr.emersion.Mako", "ListNotifications")
         return len(notifications)
 
     def press(self):
-        """It draws nothing to press, so its tool does it, for the latest."""
+        """mako draws no buttons, so makoctl invokes the action of the latest notification."""
         self._run("makoctl", "invoke", "SNOOZE")
 
     def let_alone(self, on):

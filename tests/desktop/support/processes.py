@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Programs that are started and ended by us; none outlives the process that runs the tests."""
+"""Programs that the tests start and end; none outlives the process that runs the tests."""
 
 import signal
 import subprocess
@@ -10,7 +10,7 @@ STOP_SECONDS = 5
 
 
 class Process:
-    """One program, with what it wrote kept in files."""
+    """One program, with its output kept in files."""
 
     def __init__(self, name, command, environment, log_folder, pass_fds=(), user=None):
         """Starts `command` with exactly this environment, as the user with this number if one is given; its output goes
@@ -18,11 +18,11 @@ class Process:
         self.name = name
         self.output_file = log_folder / f"{name}.out"
         self.error_file = log_folder / f"{name}.err"
-        # The signals that end a program may be ignored by whoever started us, and that is inherited. And when we are
-        # killed, the kernel ends what we started.
+        # Our parent may ignore the signals that end a program, and that is inherited. When we are killed, the kernel
+        # kills the programs that we started.
         wrapper = ["env", "--default-signal=HUP,INT,TERM", "setpriv", "--pdeathsig", "KILL", "--"]
         if user is not None:
-            # Before the rest: the kernel forgets what to do at our end when the user changes.
+            # First of all: the kernel resets the parent-death signal when the user changes.
             wrapper = ["setpriv", f"--reuid={user}", f"--regid={user}", "--clear-groups", "--", *wrapper]
         with open(self.output_file, "wb") as output, open(self.error_file, "wb") as error:
             self._process = subprocess.Popen(
@@ -60,12 +60,12 @@ class Process:
         self._process.send_signal(number)
 
     def wait_exit(self, limit):
-        """The exit code; it must come within `limit` seconds."""
+        """Waits for the end, at most `limit` seconds; returns the exit code."""
         wait_until(lambda: not self.running, limit, f"{self.name} ends; it wrote: {self.output}{self.errors}")
         return self.exit_code
 
     def stop(self):
-        """Ends the program, by force if it does not listen; gives its exit code."""
+        """Ends the program, by force if it does not react; returns its exit code."""
         if self.running:
             self.send(signal.SIGTERM)
             try:
@@ -75,6 +75,6 @@ class Process:
         return self.exit_code
 
     def kill(self):
-        """Ends the program at once, without a chance to say good-bye."""
+        """Kills the program."""
         self.send(signal.SIGKILL)
         self._process.wait()

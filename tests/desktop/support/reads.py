@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Counts how often the attributes of a simulated supply are read."""
+"""Counts the readings of a simulated supply."""
 
 import ctypes
 import os
@@ -9,14 +9,14 @@ import time
 from .waiting import wait_until
 
 IN_OPEN = 0x20
-# The program opens it once in each reading, whatever the supply is. Other attributes may be opened before and after a
-# look at the counter, and would make one reading seem two.
+# The program opens this attribute once in each reading, for any kind of supply. Other attributes may be opened before
+# and after a look at the counter, so that one reading would seem two.
 ONCE_IN_A_READING = "type"
 EVENT_HEADER = struct.Struct("=iIII")
 
 
 class ReadCounter:
-    """Sees every opening of an attribute file of one supply from its creation on."""
+    """Watches the attribute files of one supply and sees each time that one is opened."""
 
     def __init__(self, laptop, name):
         libc = ctypes.CDLL(None, use_errno=True)
@@ -29,7 +29,7 @@ class ReadCounter:
         os.close(self._descriptor)
 
     def readings(self):
-        """How many readings have begun since the last call."""
+        """The number of readings that have begun since the last call."""
         begun = 0
         while True:
             try:
@@ -45,7 +45,7 @@ class ReadCounter:
 
 
 def wait_for_quiet(counter, seconds, limit):
-    """Waits until there was no reading for so many seconds."""
+    """Waits until there has been no reading for that many seconds."""
     last = time.monotonic()
 
     def quiet():
@@ -58,7 +58,7 @@ def wait_for_quiet(counter, seconds, limit):
 
 
 def readings_over_time(counter, act, seconds, rate):
-    """Calls `act` so many times a second; gives the moment of each reading that was seen meanwhile, in seconds."""
+    """Calls `act` `rate` times a second; returns the time of each reading seen meanwhile, in seconds."""
     start = time.monotonic()
     moments = []
     for number in range(int(seconds * rate)):

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What a user sees of the reminders, whatever daemon shows them."""
+"""The reminders as a user sees them, whatever daemon shows them."""
 
 import json
 import time
@@ -15,14 +15,14 @@ SHOWN_SECONDS = 5
 QUIET_SECONDS = 1
 
 HOUR = 3600
-ZONE = "Asia/Kolkata"  # half an hour off most others, so that the machine's own is not taken for it
+ZONE = "Asia/Kolkata"  # half an hour off most zones, so that a test cannot pass with the machine's own
 SNOOZE = "Snooze alerts for 1 hour"
 
 LOW_ALONE = {"lowPowerEnabled": False}
 
 
 class RemindersOnADaemon:
-    """To be mixed into a case, once for each daemon."""
+    """A mixin for a test case, once for each daemon."""
 
     daemon = None
 
@@ -35,7 +35,7 @@ class RemindersOnADaemon:
         return self.start_and_wait(self.screen, self.machine, {"TZ": ZONE})
 
     def begin(self, preferences):
-        """The program runs on battery at 64 %, of which there is nothing to be reminded."""
+        """Starts the program on battery at 64 %, where no reminder is due."""
         self.screen = self.make_desktop()
         self.shown = self.daemon(self.screen)
         self.shown.start()
@@ -52,18 +52,18 @@ class RemindersOnADaemon:
         self.soon_equal(lambda: self.item.label, f" {percent}%", SHOWN_SECONDS)
 
     def becomes(self, count):
-        """So many are on the screen."""
+        """Waits until that many notifications are on the screen."""
         self.soon_equal(self.shown.count, count, SHOWN_SECONDS)
 
     def stays(self, observe, value):
         self.assertEqual([seen for _, seen in watch(observe, QUIET_SECONDS)], [value])
 
     def bodies(self):
-        """Of all that was asked for."""
+        """The bodies of all notifications sent."""
         return [asked.body for asked in self.listener.asked]
 
     def last_asked(self, body):
-        """The latest that was asked for, when the daemon has answered."""
+        """The last notification sent, once the daemon has answered."""
         answered = lambda: self.bodies()[-1:] == [body] and self.listener.asked[-1].id
         self.soon(answered, SHOWN_SECONDS, lambda: f"{body!r}; asked for {self.bodies()}")
         return self.listener.asked[-1]
@@ -147,15 +147,15 @@ class RemindersOnADaemon:
         self.assertEqual(self.bodies()[1:], ["Battery is at 86%. Unplug to keep it healthy."])
 
     def press_button(self):
-        """Presses it, again while nothing comes of that: the daemon may still be drawing. True when it was heard."""
+        """Presses the button, again if nothing happens: the daemon may still be drawing. True when it worked."""
         if self.snooze_until() is None and self.shown.count() == 1:
             self.shown.press()
         return self.snooze_until() is not None
 
     def snooze_until(self):
-        """As it is stored; None when it never was."""
+        """The stored end of the snooze; None if there never was one."""
         return json.loads(self.screen.defaults_file.read_text(encoding="utf-8")).get("snoozeUntil")
 
     def snooze_entry(self):
-        """What the menu says about it."""
+        """The menu's entry for snoozing."""
         return next(entry.label for entry in self.item.menu.entries() if "snooze" in entry.label.lower())

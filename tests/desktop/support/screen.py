@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What is on the screen of a private X server, read from the file that it keeps its picture in."""
+"""The screen of a private X server, read from the file in which the server keeps its framebuffer."""
 
 import struct
 import zlib
@@ -52,8 +52,8 @@ class Picture:
 
     @classmethod
     def of_dump(cls, data):
-        """From an X window dump, as Xvfb keeps one and xwd makes one: a header of big-endian numbers, colours, and
-        pixels of blue, green, red and nothing."""
+        """Reads an X window dump, as Xvfb keeps and xwd makes it: a header of big-endian numbers, colours, and pixels
+        of blue, green, red and an unused byte."""
         header = struct.unpack(">25I", data[:100])
         header_size, width, height, bits, bytes_per_line, colours = (header[i] for i in (0, 4, 5, 11, 12, 19))
         if bits not in (24, 32):
@@ -69,13 +69,13 @@ class Picture:
         return cls(width, rows)
 
     def crop(self, box):
-        """The part inside the box, as far as the picture reaches."""
+        """The part inside the box, clipped to the picture."""
         left, right = max(box.x, 0), min(box.x + box.width, self.width)
         rows = self.rows[max(box.y, 0) : max(box.y + box.height, 0)]
         return Picture(right - left, [row[3 * left : 3 * right] for row in rows])
 
     def enlarge(self, factor):
-        """Each pixel as a square of so many."""
+        """Each pixel becomes a square with sides of `factor` pixels."""
         rows = []
         for row in self.rows:
             wide = b"".join(row[i : i + 3] * factor for i in range(0, len(row), 3))

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What programs tell to those who cannot see: the tree of their controls, asked over the bus for that as screen readers
-do. The library for it keeps one bus for the whole life of a process, where each test here has a desktop of its own."""
+"""The tree of a program's controls, queried over the accessibility bus as screen readers do. pyatspi is not used: it
+keeps one bus for the whole life of a process, and each test here has a desktop of its own."""
 
 import contextlib
 
@@ -23,13 +23,13 @@ TEXT = "org.a11y.atspi.Text"
 SCREEN_COORDINATES = 0
 START_SECONDS = 20
 
-# Their places in the set of states.
+# Their bit numbers in the state set.
 STATES = {"checked": 4, "enabled": 8, "focusable": 11, "focused": 12, "showing": 25}
 LABELLED_BY = 2
 
 
 class ScreenReader:
-    """Programs that are started after it find that somebody listens."""
+    """Programs that are started after it find a screen reader running."""
 
     def __init__(self, desktop):
         self.desktop = desktop
@@ -39,7 +39,7 @@ class ScreenReader:
         desktop.bus.call(BUS_NAME, "/org/a11y/bus", "org.freedesktop.DBus.Properties", "Set", value)
         address = desktop.bus.call(BUS_NAME, "/org/a11y/bus", BUS_NAME, "GetAddress")[0]
         self._bus = Bus(address)
-        # Nobody else starts it, and calls of ours do not.
+        # Nothing else starts it, and our calls do not either.
         bus = "org.freedesktop.DBus"
         arguments = GLib.Variant("(su)", (REGISTRY, 0))
         self._bus.call(bus, "/org/freedesktop/DBus", bus, "StartServiceByName", arguments)
@@ -52,7 +52,7 @@ class ScreenReader:
 
     @property
     def focused(self):
-        """What has got the keyboard last, as programs tell it by themselves; None before the first."""
+        """The control that got the focus last, from the programs' own events; None before the first."""
         return self._focused and Control(self._bus, *self._focused)
 
     def _follow_focus(self, address):
@@ -71,7 +71,7 @@ class ScreenReader:
             )
 
     def _hear(self, _, message, incoming):
-        """Called on a thread of the library's."""
+        """Called on GDBus's worker thread."""
         if incoming and message.get_interface() == EVENT:
             kind, has_it, *_ = message.get_body().unpack()
             if kind == "focused" and has_it:
@@ -79,17 +79,17 @@ class ScreenReader:
         return message
 
     def window(self, name):
-        """The shown window of that name, of whatever program; None while there is none."""
+        """The visible window with that name, of any program; None while there is none."""
         for program in Control(self._bus, REGISTRY, ROOT).children():
             for window in program.children():
-                with contextlib.suppress(GLib.Error):  # gone since it was told of
+                with contextlib.suppress(GLib.Error):  # gone since it was listed
                     if window.name == name and window.has("showing"):
                         return window
         return None
 
 
 class Control:
-    """One object of the tree, asked anew at each access. GLib.Error when it has gone."""
+    """One object of the tree; each access asks it anew. GLib.Error if it is gone."""
 
     def __init__(self, bus, owner, path):
         self._bus = bus
@@ -107,23 +107,23 @@ class Control:
 
     @property
     def window(self):
-        """What it stands in: the last before the program."""
+        """The window that contains it: the last ancestor below the application."""
         parent = Control(self._bus, *self._get(ACCESSIBLE, "Parent"))
         return self if parent.role == "application" else parent.window
 
     def walk(self):
-        """It and all below it that is shown, as one reads it."""
+        """The control and everything visible below it, in reading order."""
         yield self
         for child in self.children():
             if child.has("showing"):
                 yield from child.walk()
 
     def controls(self):
-        """Those below it that can have the keyboard, as one reads them."""
+        """The controls below it that can have the focus, in reading order."""
         return [each for each in self.walk() if each.has("focusable")]
 
     def find(self, role, name):
-        """The first of that role and name below it; None when there is none."""
+        """The first control with that role and name below it; None if there is none."""
         return next((each for each in self.walk() if (each.role, each.name) == (role, name)), None)
 
     @property
@@ -144,29 +144,29 @@ class Control:
 
     @property
     def labels(self):
-        """What stands before it."""
+        """The labels in front of it."""
         relations = self._call(ACCESSIBLE, "GetRelationSet")[0]
         return [Control(self._bus, *each) for kind, targets in relations if kind == LABELLED_BY for each in targets]
 
     @property
     def label(self):
-        """What people call it: what stands before it, or else its own name."""
+        """Its label in front of it, or else its own name."""
         labels = self.labels
         return labels[0].name if labels else self.name
 
     @property
     def box(self):
-        """Where it is on the screen."""
+        """Its place on the screen."""
         return Box(*self._call(COMPONENT, "GetExtents", GLib.Variant("(u)", (SCREEN_COORDINATES,)))[0])
 
     @property
     def value(self):
-        """Of what holds a number."""
+        """The number in it."""
         return self._get(VALUE, "CurrentValue")
 
     @property
     def text(self):
-        """Of what holds a text."""
+        """The text in it."""
         return self._call(TEXT, "GetText", GLib.Variant("(ii)", (0, -1)))[0]
 
     def _call(self, interface, method, arguments=None):

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The settings window in a user's hands: what is in it is found as a screen reader finds it, and operated by pointer
-and keys."""
+"""The settings window as a user operates it: controls are found as a screen reader finds them, and operated with
+pointer and keyboard."""
 
 import json
 
@@ -11,7 +11,7 @@ LIMIT = 5
 
 
 class SettingsForm:
-    """The window is asked for anew at each access, because it comes and goes."""
+    """Each access looks for the window anew, because it comes and goes."""
 
     def __init__(self, desktop, reader):
         self._desktop = desktop
@@ -19,7 +19,7 @@ class SettingsForm:
 
     @property
     def window(self):
-        """None while it is not shown."""
+        """The window; None while it is not shown."""
         return self._reader.window(TITLE)
 
     def opened(self):
@@ -29,14 +29,14 @@ class SettingsForm:
         wait_until(lambda: self.window is None, LIMIT, "the settings window is gone")
 
     def control(self, label, section=None):
-        """The first with that label, or the first of them behind the one with the label `section`."""
+        """The first control with that label, or the first one after the control with the label `section`."""
         controls = [(control.label, control) for control in self.window.controls()]
         labels = [name for name, _ in controls]
         start = labels.index(section) if section else 0
         return controls[labels.index(label, start)][1]
 
     def stepper(self, start):
-        """The one whose label begins so; the number stands in it."""
+        """The stepper whose label begins with `start`; the label contains the number."""
         return next(each for each in self.window.controls() if each.label.startswith(start))
 
     def texts(self):
@@ -44,21 +44,21 @@ class SettingsForm:
         return [each.name for each in self.window.walk() if each.role == "label"]
 
     def click(self, control):
-        """Clicks in its middle."""
+        """Clicks in the middle of the control."""
         self._desktop.click(*self.reach(control).centre)
 
     def reach(self, control):
-        """Turns the wheel until it is wholly seen; gives where it is then."""
+        """Turns the wheel until the control is wholly visible; returns its place."""
         window = self.window.box
         while not window.contains(box := control.box):
             up = box.y < window.y
-            # At the edge, where nothing else turns with the wheel.
+            # At the edge, where no other control reacts to the wheel.
             self._desktop.click(window.x + 6, window.centre[1], button=4 if up else 5)
             wait_until(lambda before=box: control.box != before, LIMIT, f"{control} moves with the wheel")
         return box
 
     def write(self, control, text):
-        """Types it in the place of what is there."""
+        """Replaces the control's text by typing."""
         box = self.reach(control)
         self._desktop.click(box.x + 10, box.centre[1])
         self._desktop.press("ctrl+a")
@@ -66,7 +66,7 @@ class SettingsForm:
         self._desktop.press("Return")
 
     def write_time(self, control, digits):
-        """Clicks on its hours and types these and the minutes."""
+        """Clicks on the hours and types hours and minutes."""
         box = self.reach(control)
         self._desktop.click(box.x + 10, box.centre[1])
         self._desktop.type(digits)

@@ -1,11 +1,11 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What a program asks the kernel for, as strace writes it down."""
+"""The system calls of a program, as recorded by strace."""
 
 import os
 import re
 from pathlib import Path
 
-# Those that make a connection or a process, and those that change something in the file system by a name.
+# Calls that make a connection or a process, and calls that change something in the file system by name.
 TRACED = (
     "socket,connect,bind,execve,execveat,fork,vfork,clone,clone3,"
     "open,openat,openat2,creat,rename,renameat,renameat2,link,linkat,symlink,symlinkat,unlink,unlinkat,"
@@ -13,7 +13,7 @@ TRACED = (
     "setxattr,lsetxattr,removexattr,mount,umount2,chroot,ptrace,chdir,fchdir"
 )
 
-# After the process: a call that came to its end, or the second half of one that was interrupted by another thread's.
+# After the process id: a finished call, or the second half of one that another thread's call interrupted.
 LINE = re.compile(r"\A(\d+) +(\w+)\((.*)\) += (-?\d+|0x[0-9a-f]+|\?)(?:<([^>]*)>)?(.*)\Z")
 BEGUN = re.compile(r"\A(\d+) +(.*) <unfinished \.\.\.>\Z")
 RESUMED = re.compile(r"\A(\d+) +<\.\.\. \w+ resumed>(.*)\Z")
@@ -23,7 +23,7 @@ NAME = re.compile(r'"((?:[^"\\]|\\.)*)"')
 
 
 class SystemCall:
-    """One call and its outcome."""
+    """One call and its result."""
 
     def __init__(self, name, arguments, failed):
         self.name = name
@@ -45,7 +45,7 @@ class SystemCall:
 
     @property
     def paths(self):
-        """The files that it names, as whole paths."""
+        """The files that it names, as full paths."""
         if "at" in self.name.removeprefix("creat") and FOLDER_AND_NAME.search(self.arguments):
             pairs = [(folder, name) for _, folder, name in FOLDER_AND_NAME.findall(self.arguments)]
         else:
@@ -54,13 +54,13 @@ class SystemCall:
 
 
 def traced(log, command):
-    """The command, with its system calls and those of all that it starts written to the file. They go on being its own
-    process: the tracer is the one that is started beside it."""
+    """The command with its system calls, and those of its children, written to the file. The command keeps its process
+    id: the tracer is a process beside it."""
     return ["strace", "-D", "-f", "-y", "-q", "-s", "4096", "-e", f"trace={TRACED}", "-o", log, "--", *command]
 
 
 def system_calls(log):
-    """What was written, in order of the beginnings. Raises ValueError where a line is not understood."""
+    """The recorded calls, ordered by their beginnings. Raises ValueError if a line is not understood."""
     calls = []
     begun = {}
     for line in log.read_text(encoding="utf-8", errors="replace").splitlines():

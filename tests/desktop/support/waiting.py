@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Waiting for something to come true, never for time to pass."""
+"""Waiting for a condition, never for time to pass."""
 
 import time
 
@@ -7,8 +7,8 @@ POLL_SECONDS = 0.02
 
 
 def wait_until(condition, limit, what):
-    """Asks `condition` until it gives something true, and gives that. After `limit` seconds: AssertionError with
-    `what`, which may be a text or a function that gives one."""
+    """Calls `condition` until it returns something true, and returns that. After `limit` seconds raises AssertionError
+    with `what`, which may be a text or a function that returns one."""
     deadline = time.monotonic() + limit
     while True:
         late = time.monotonic() >= deadline
@@ -21,8 +21,8 @@ def wait_until(condition, limit, what):
 
 
 def watch(observe, seconds):
-    """Collects what `observe` gives, with the time since the start, each time it differs from the one before, for that
-    long. For what must not happen, or not too often: there is nothing to wait for then."""
+    """For that many seconds collects each change in the result of `observe`, with the time since the start. For things
+    that must not happen, or not too often: those give no condition to wait for."""
     start = time.monotonic()
     seen = []
     while (passed := time.monotonic() - start) < seconds:

@@ -12,7 +12,7 @@ from .screen import Box
 from .waiting import wait_until
 
 BAR_HEIGHT = 28
-# The end of the bar where items come; the rest of it is the workspaces' and the window title's.
+# The end of the bar where items appear; the rest of it shows workspaces and the window title.
 TRAY = Box(SCREEN.width - 160, 0, 160, BAR_HEIGHT)
 
 CONFIGURATION = """xwayland disable
@@ -38,18 +38,18 @@ window#waybar {{ background: {background}; color: {text}; }}
 
 
 def open_shared_memory():
-    """Lets everyone make shared memory, as on every system that was started: the compositor draws in it, and without it
-    ends those that connect. One that was unpacked but never started has a folder there that is root's."""
+    """Lets everyone make shared memory, as on every booted system: the compositor needs it to draw, and without it
+    disconnects its clients. On a system that was unpacked but never booted, that folder belongs to root."""
     folder = Path("/dev/shm")
     if os.geteuid() == 0 and not folder.stat().st_mode & stat.S_IWOTH:
         folder.chmod(0o1777)
 
 
 class WlrootsDesktop(PrivateDesktop):
-    """As a private desktop; the panel is a bar of sway. Nothing in it runs as root, which sway refuses to do."""
+    """A private desktop whose panel is a bar of sway. Nothing in it runs as root, because sway refuses to."""
 
     def __init__(self, bar="swaybar", dark=True, scale=1, height=BAR_HEIGHT):
-        """`bar` is "swaybar" or "waybar"; `height` None leaves it to the bar."""
+        """`bar` is "swaybar" or "waybar"; with `height` None the bar decides."""
         open_shared_memory()
         super().__init__(panel=False, window_manager=False, ordinary_user=True)
         self.environment["XDG_CURRENT_DESKTOP"] = "sway"
@@ -62,7 +62,7 @@ class WlrootsDesktop(PrivateDesktop):
                 self._write_waybar_configuration(height)
                 self._panel = self.start("waybar", ["waybar"])
             wait_until(self._tray_is_ready, START_SECONDS, lambda: f"the bar's tray is ready; {self._panel.errors}")
-            # The tray takes items before there is anything to see of the bar.
+            # The tray takes items before the bar is visible.
             wait_until(self._bar_is_drawn, START_SECONDS, lambda: f"the bar is drawn; {self._panel.errors}")
             self.environment["QT_QPA_PLATFORM"] = "wayland"
         except BaseException:
@@ -70,17 +70,17 @@ class WlrootsDesktop(PrivateDesktop):
             raise
 
     def find_item(self):
-        """The box of what is drawn in the tray; None while it is empty."""
+        """The box around everything drawn in the tray; None while it is empty."""
         tray = self.picture().crop(TRAY)
         drawn = tray.changed_box(tray.blank())
         return drawn and drawn._replace(x=drawn.x + TRAY.x, y=drawn.y + TRAY.y)
 
     def kill_compositor(self):
-        """Ends the compositor as a crash would; the buses stay, as those of a user who is still logged in do."""
+        """Ends the compositor as a crash would; the buses stay, as for a user who is still logged in."""
         self._compositor.kill()
 
     def windows(self, title):
-        """The boxes of the visible windows of that title that float above the others."""
+        """The boxes of the visible floating windows with that title."""
         tree = json.loads(self._sway_message("-t", "get_tree"))
         boxes = []
 
@@ -109,7 +109,7 @@ class WlrootsDesktop(PrivateDesktop):
         wait_until(self._find_sway, START_SECONDS, lambda: f"sway is ready; {self._panel.errors}")
 
     def _find_sway(self):
-        """Whether the compositor listens; programs started from now on find it."""
+        """Whether the compositor listens; if so, programs started from now on find it."""
         sockets = [file.name for file in self.runtime.glob("wayland-*") if file.suffix != ".lock"]
         commands = list(self.runtime.glob("sway-ipc.*.sock"))
         if not sockets or not commands:
@@ -118,7 +118,7 @@ class WlrootsDesktop(PrivateDesktop):
         return True
 
     def _bar_is_drawn(self):
-        """Whether the upper edge is in the bar's colour, whatever its height."""
+        """Whether the upper edge of the screen has the bar's colour, whatever the bar's height."""
         edge = self.picture().crop(TRAY._replace(height=1))
         return set(edge.colours()) == {bytes.fromhex(self._colours["background"][1:])}
 
