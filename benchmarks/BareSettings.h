@@ -5,5 +5,5 @@
 
 #include <memory>
 
-/// A window of as many plain controls as the settings have, which does nothing.
+/// A window with as many plain controls as the settings have, which does nothing.
 std::unique_ptr<QDialog> makeBareSettings();

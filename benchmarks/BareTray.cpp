@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The floor that the program is measured against: an item in the panel, by Qt's own means, a popover of as
-// many plain widgets that a click on it opens, and a window of as many plain controls that its menu opens. It knows
-// nothing of batteries.
+// The floor that the program is measured against: Qt's own tray icon, a popover with as many plain widgets as the
+// program's, which a click opens, and a window with as many plain controls, which the menu opens. It knows nothing of
+// batteries.
 #include "BareSettings.h"
 
 #include <QApplication>
@@ -20,7 +20,7 @@
 
 namespace {
 
-/// A surface with a curve, as large as what it stands for.
+/// A surface with a curve, as large as the widget that it stands for.
 class Surface final : public QWidget {
 public:
     explicit Surface(QSize size, QWidget* parent) : QWidget(parent) { setFixedSize(size); }

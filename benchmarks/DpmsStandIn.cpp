@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Preloaded into xfce4-power-manager where tools/cost measures it: the X servers of private desktops have no screen
-// that could be switched off, and without one that program frees what it never had and ends.
+// tools/cost preloads this into xfce4-power-manager. The X servers of private desktops have no DPMS, and without it
+// xfce4-power-manager frees memory that it never allocated, and ends.
 #include <cstdint>
 
 extern "C" {

@@ -28,8 +28,7 @@ void countBytes(benchmark::State& state, std::size_t each) {
     state.SetBytesProcessed(static_cast<std::int64_t>(each) * state.iterations());
 }
 
-// What reading is measured against: the bytes themselves, and the parser when it looks at each value once and keeps
-// none.
+// The baselines for loading: copying the bytes, and the parser alone, which looks at each value once and keeps none.
 
 void copyTheText(benchmark::State& state) {
     const std::string& text = monthText();
@@ -82,7 +81,7 @@ void csv(benchmark::State& state) {
 }
 BENCHMARK(csv)->Unit(benchmark::kMillisecond);
 
-/// A store with a month in it, on files in memory.
+/// A store with a month of samples, with files in memory.
 struct Month {
     explicit Month(int intervals = 43'200) { store.samples = monthOfSamples(intervals); }
 
@@ -108,7 +107,7 @@ void samplesOfSevenDays(benchmark::State& state) {
 }
 BENCHMARK(samplesOfSevenDays)->Unit(benchmark::kMillisecond);
 
-/// One reading after half a month in which the program did not run.
+/// One reading after the program has not run for half a month.
 void dropHalfOfTheMonth(benchmark::State& state) {
     BatteryState battery;
     battery.hasBattery = true;
@@ -126,8 +125,8 @@ void dropHalfOfTheMonth(benchmark::State& state) {
 }
 BENCHMARK(dropHalfOfTheMonth)->Unit(benchmark::kMillisecond);
 
-/// A reading at the end of each interval, and the oldest sample goes. What is written now and then is not part of it.
-/// The time must not depend on the argument.
+/// A reading at the end of each interval, which drops the oldest sample. The periodic writing is not part of it. The
+/// time must not depend on the argument.
 void recordWithoutWriting(benchmark::State& state) {
     const auto intervals = static_cast<int>(state.range(0));
     const Duration interval = Duration(30.0 * 86'400 / intervals);

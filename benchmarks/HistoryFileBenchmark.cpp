@@ -24,7 +24,7 @@
 
 namespace {
 
-/// A store with a month in its file.
+/// A store with a month of samples in its file.
 struct MonthOnDisk {
     MonthOnDisk() {
         store.samples = monthOfSamples();
@@ -39,7 +39,7 @@ struct MonthOnDisk {
     std::filesystem::path file = home.path / "Velmora/history.json";
 };
 
-/// A line of /proc/self/status, "VmHWM:", in bytes.
+/// The value of a line of /proc/self/status, such as "VmHWM:", in bytes.
 double memory(const std::string& name) {
     std::ifstream status("/proc/self/status");
     std::string word;
@@ -51,8 +51,8 @@ double memory(const std::string& name) {
     return 0;
 }
 
-/// The most memory that was resident while a store loaded its file, above what was resident before, and what was kept
-/// afterwards; each by the size of the file. Measured in a process of its own, whose heap is as small as can be.
+/// The peak of resident memory while a store loads its file, and the memory kept afterwards, both above the resident
+/// memory before, as multiples of the file's size. Measured in a process of its own with as small a heap as possible.
 void memoryWhileLoading(benchmark::State& state) {
     const MonthOnDisk month;
     double peak = 0;
@@ -87,7 +87,7 @@ void storeFromDisk(benchmark::State& state) {
 }
 BENCHMARK(storeFromDisk)->Unit(benchmark::kMillisecond);
 
-/// What saving is measured against: the same bytes written over and over into one open file and forced to the disk.
+/// The baseline for saving: the same bytes are written over and over into one open file and forced to the disk.
 void writeAndSync(benchmark::State& state) {
     const TemporaryFolder home;
     const std::string text = encodeHistory(monthOfSamples()).value();
@@ -123,7 +123,7 @@ int printMemoryWhileLoading(const char* home) {
     PosixFiles files{home};
     const FakeClock clock{monthEnd()};
     const SystemCalendar calendar;
-    std::ofstream("/proc/self/clear_refs") << 5; // the peak begins here
+    std::ofstream("/proc/self/clear_refs") << 5; // resets the peak
     const double before = memory("VmRSS:");
     const HistoryStore store{files, clock, calendar};
     std::printf("%f %f", memory("VmHWM:") - before, memory("VmRSS:") - before);

@@ -11,9 +11,9 @@
 namespace {
 
 constexpr double full = 50'000;     ///< a common laptop's battery, mWh
-constexpr double gaugeSeconds = 4;  ///< a gauge measures the rate so often, as the mean of that time
-constexpr double asleepPower = 300; ///< what a sleeping machine draws
-constexpr double lateSeconds = 60;  ///< how far behind a slow gauge tells the rate
+constexpr double gaugeSeconds = 4;  ///< period of the gauge's measurements, each the mean rate of that time
+constexpr double asleepPower = 300; ///< draw of a sleeping machine
+constexpr double lateSeconds = 60;  ///< delay of the rate that a slow gauge reports
 constexpr double eventsLast[] = {0, 1, 2, 5, 15};
 
 class Random {
@@ -34,7 +34,7 @@ Draw noisy(Random& random, double power, double deviation) {
     return [&random, power, deviation] { return power * std::max(0.1, 1 + random.normal(deviation)); };
 }
 
-/// Alternates between two powers; how long each lasts is left to chance.
+/// Alternates between two powers for random times.
 Draw twoPowers(Random& random, double low, double lowSeconds, double high, double highSeconds) {
     return [&random, low, lowSeconds, high, highSeconds, isHigh = false, left = 0.0]() mutable {
         if (--left <= 0) {
@@ -55,7 +55,7 @@ Draw video(Random& random) {
     };
 }
 
-/// Work, video, a call and idling in turn, 25 minutes each on average.
+/// Work, video, a call and idle time in turn, 25 minutes each on average.
 Draw mixedDay(Random& random) {
     std::vector<Draw> phases{twoPowers(random, 6'000, 60, 18'000, 20), video(random), noisy(random, 16'000, 0.1),
                              twoPowers(random, 4'000, 120, 20'000, 5)};
@@ -68,7 +68,7 @@ Draw mixedDay(Random& random) {
     };
 }
 
-/// Light work that turns into heavy work for good when half of the battery is gone.
+/// Light work that turns into heavy work for good once half of the charge is gone.
 Draw heavierForGood(Random& random) {
     return [&random, drawn = 0.0]() mutable {
         const double power = (drawn < full / 2 ? 7'000 : 15'000) * (1 + random.normal(0.05));
@@ -80,18 +80,18 @@ Draw heavierForGood(Random& random) {
 struct Setup {
     bool charging = false;
     double start = full;
-    double end = 0;         ///< where it is full, or empty
-    bool tapers = false;    ///< takes less and less above 80 %
-    double amountStep = 10; ///< the amount is told in such steps
-    double mostTold = full; ///< above this the amount is told as this
-    double corrects = 0;    ///< at half of the battery the gauge finds that so much less is there
-    double rateStep = 1;    ///< the rate is told in such steps
-    double rateDelay = 0;   ///< seconds until it is told
+    double end = 0;         ///< the amount at which it is full, or empty
+    bool tapers = false;    ///< charges more and more slowly above 80 %
+    double amountStep = 10; ///< the amount is reported in these steps
+    double mostTold = full; ///< larger amounts are reported as this
+    double corrects = 0;    ///< at half charge the gauge finds that there is this much less
+    double rateStep = 1;    ///< the rate is reported in these steps
+    double rateDelay = 0;   ///< seconds until the rate is reported
     bool reportsRate = true;
     double sleepsEvery = 0; ///< seconds awake between two sleeps of an hour; 0: never
 };
 
-/// What goes through the battery's terminals while the machine draws `power`.
+/// The power at the battery's terminals while the machine draws `power`.
 double flow(const Setup& setup, double stored, double power) {
     if (!setup.charging)
         return power;
@@ -107,7 +107,7 @@ double flow(const Setup& setup, double stored, double power) {
 SimulatedLoad simulate(std::string name, const Setup& setup, const Draw& draw, Random& random) {
     SimulatedLoad load{.name = std::move(name), .readings = {}};
     std::vector<double> awakeAt;
-    std::deque<double> rates; // those a slow gauge has not told yet
+    std::deque<double> rates; // that a slow gauge has not reported yet
     double stored = setup.start;
     double slept = 0;
     double awake = 0;
@@ -164,7 +164,7 @@ SimulatedLoad simulate(std::string name, const Setup& setup, const Draw& draw, R
             untilSleep = setup.sleepsEvery;
             slept += 3600;
             stored -= asleepPower;
-            sinceEvent = -1; // the very next second is the first one awake
+            sinceEvent = -1; // the next second is the first one awake
         }
     }
     for (std::size_t i = 0; i < awakeAt.size(); ++i)
@@ -186,7 +186,7 @@ std::vector<SimulatedLoad> simulateLoads(std::uint64_t seed) {
     add("steady", {}, noisy(random, 8'000, 0.03));
     add("bursty", {}, twoPowers(random, 5'000, 90, 22'000, 40));
     add("video", {}, video(random));
-    add("spikes", {}, twoPowers(random, 4'000, 120, 20'000, 5)); // idle, and for seconds not
+    add("spikes", {}, twoPowers(random, 4'000, 120, 20'000, 5)); // idle, with spikes of a few seconds
     add("sleeps", {.sleepsEvery = 2700}, twoPowers(random, 5'000, 60, 15'000, 30));
     add("taper", {.charging = true, .start = 0.2 * full, .end = full, .tapers = true}, noisy(random, 6'000, 0.1));
     add("to 80 %", {.charging = true, .start = 0.2 * full, .end = 0.8 * full},
@@ -195,13 +195,13 @@ std::vector<SimulatedLoad> simulateLoads(std::uint64_t seed) {
     add("late", {.rateDelay = lateSeconds}, twoPowers(random, 6'000, 120, 18'000, 60));
     add("mixed", {.sleepsEvery = 7200}, mixedDay(random));
     add("heavier", {}, heavierForGood(random));
-    // The amount is told in steps of a hundredth.
+    // The amount is reported in steps of a hundredth.
     add("1 %", {.amountStep = percent}, work);
     add("1 %, 8W", {.amountStep = percent}, noisy(random, 8'000, 0.03));
     add("1 %, 24W", {.amountStep = percent}, noisy(random, 24'000, 0.03));
     add("held", {.mostTold = 0.96 * full}, noisy(random, 8'000, 0.03)); // "full" for a quarter of an hour
     add("mended", {.corrects = 3 * percent}, noisy(random, 8'000, 0.03));
-    // No rate is told; the last two also tell the amount in coarse steps only.
+    // No rate is reported; the last two also report the amount in coarse steps only.
     add("no rate", {.reportsRate = false}, work);
     add("no, 1 %", {.amountStep = percent, .reportsRate = false}, work);
     add("no, fill",

@@ -7,18 +7,19 @@
 #include <string>
 #include <vector>
 
-/// What the program reads at one instant, and what nobody can know then: how long it really takes from here on.
+/// A reading at one instant, with the time that is really left, which nobody can know at that instant.
 struct SimulatedReading {
     TimeEstimate::Reading reading;
-    double trueMinutes = 0; ///< until empty or full, as it turned out; sleep is not counted, for nobody looks at it
+    double trueMinutes =
+        0; ///< until empty or full, as it turned out; sleep does not count, because nobody looks at the time then
 };
 
-/// One battery that empties or fills once, read as the program reads it: each minute, and 0, 1, 2, 5 and 15 seconds
+/// One battery that empties or fills once, read as the program reads it: every minute, and 0, 1, 2, 5 and 15 seconds
 /// after an event (the plug, waking up, each whole percent). Amounts are in mWh, rates in mW.
 struct SimulatedLoad {
     std::string name;
     std::vector<SimulatedReading> readings;
 };
 
-/// Each kind of load once; a different seed gives the same kinds with other accidents.
+/// Each kind of load once; another seed gives the same kinds with other random values.
 std::vector<SimulatedLoad> simulateLoads(std::uint64_t seed);

@@ -7,13 +7,13 @@
 #include <cstdint>
 #include <deque>
 
-/// When the month is over.
+/// The end of the month.
 inline Date monthEnd() {
     return Date(Duration(1'731'650'000));
 }
 
-/// What 30 days leave behind with a reading in each of the `intervals` that they are divided into: each minute makes
-/// 43,200. The battery fills in two hours and empties in four; timers fire some milliseconds late.
+/// The samples of 30 days with a reading in each of `intervals` intervals; one each minute makes 43,200. The battery
+/// fills in two hours and empties in four; timers fire some milliseconds late.
 inline std::deque<Sample> monthOfSamples(int intervals = 43'200) {
     const double interval = 30.0 * 86'400 / intervals;
     std::deque<Sample> samples;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What the popover does each time that it opens, and each minute while it is open, with a month of history behind it.
+// The work of the popover each time that it opens, and each minute while it is open, with a month of history.
 #include "MonthOfSamples.h"
 #include "history/HistoryFile.h"
 #include "support/FakePlatform.h"
@@ -19,7 +19,7 @@ namespace {
 
 constexpr double day = 86'400;
 
-/// A laptop at the end of that month.
+/// A laptop at the end of the month.
 struct Month {
     PopoverScene scene;
     Month() {
@@ -28,7 +28,7 @@ struct Month {
     }
 };
 
-/// The samples of the last days, each looked at once: what the points cannot cost less than.
+/// Each sample of the last days is looked at once, which is the least that the chart's points can cost.
 void copySamples(benchmark::State& state) {
     Month month;
     const HistoryStore& history = month.scene.started().history;
@@ -73,7 +73,7 @@ void paint(QWidget& widget, QPixmap& target) {
     widget.render(&target);
 }
 
-/// As large as the chart, with one anti-aliased line of as many points and a few texts, by the painter alone.
+/// QPainter alone: a picture as large as the chart, with one anti-aliased line of as many points and a few texts.
 void paintALine(benchmark::State& state) {
     QPixmap target(308, 110);
     QPolygonF line;
@@ -91,7 +91,7 @@ void paintALine(benchmark::State& state) {
 }
 BENCHMARK(paintALine)->Unit(benchmark::kMicrosecond);
 
-/// Of the chart as it is, and after new values, which it draws anew.
+/// Repaints the chart as it is, and after new values, which make it draw anew.
 void repaintChart(benchmark::State& state) {
     Shown shown(static_cast<int>(state.range(0)));
     auto* chart = shown.view.findChild<QWidget*>(QStringLiteral("historyChart"));
@@ -101,7 +101,7 @@ void repaintChart(benchmark::State& state) {
 }
 BENCHMARK(repaintChart)->Arg(1)->Arg(7)->Unit(benchmark::kMicrosecond);
 
-/// What a change of the battery costs while the popover is open: all values, and all of it painted.
+/// The cost of a change of the battery while the popover is open: all values are set, and all of it is painted.
 void rebuildAndPaint(benchmark::State& state) {
     Shown shown(static_cast<int>(state.range(0)));
     QPixmap target(shown.view.size());

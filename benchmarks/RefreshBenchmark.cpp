@@ -27,7 +27,7 @@ public:
     TemporaryFolder sysfs;
 };
 
-/// What the reading is measured against: every attribute file of the same devices, opened, read and closed.
+/// The baseline for a snapshot: every attribute file of the same devices is opened, read and closed.
 void readEveryFile(benchmark::State& state) {
     const Laptop laptop;
     std::vector<std::filesystem::path> files;

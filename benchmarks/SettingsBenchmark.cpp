@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What the settings window costs from the click to its first frame: when it is made, and when it opens again. Beside it
-// a bare window of as many plain controls.
+// The cost of the settings window from the click to its first frame, when it is made and when it opens again, beside a
+// bare window with as many plain controls.
 #include "BareSettings.h"
 #include "alerts/Prefs.h"
 #include "shell/AppModel.h"
@@ -24,7 +24,7 @@ struct Laptop {
     }
 };
 
-/// Until all of it is painted.
+/// Shows the window and paints all of it.
 void show(QDialog& window) {
     window.show();
     QCoreApplication::processEvents();
@@ -69,7 +69,7 @@ void dropMessage(QtMsgType /*type*/, const QMessageLogContext& /*context*/, cons
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    qInstallMessageHandler(dropMessage); // what that platform cannot do
+    qInstallMessageHandler(dropMessage); // warnings about what Qt's offscreen platform cannot do
     const QApplication application(argc, argv);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();

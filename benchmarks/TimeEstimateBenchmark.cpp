@@ -20,7 +20,7 @@ namespace {
 using Flow = TimeEstimate::Flow;
 using Reading = TimeEstimate::Reading;
 
-/// Gives the rate to divide by, in the direction of the flow, or none.
+/// Returns the rate to divide by, in the direction of the flow, or none.
 class Rule {
 public:
     virtual ~Rule() = default;
@@ -30,7 +30,7 @@ public:
 
 using Make = std::function<std::unique_ptr<Rule>()>;
 
-/// Moves towards each reading by the weight that `weight` gives for the seconds since the last one.
+/// Moves towards each reading, with the weight that `weight` returns for the seconds since the last one.
 class Smoothed final : public Rule {
 public:
     using Weight = std::function<double(double seconds, double age)>;
@@ -51,8 +51,8 @@ private:
     double last_ = 0;
 };
 
-/// What has gone through within the window, divided by its length. While the window is longer than the run, the filler
-/// stands in for what is missing; without a filler the run is the window.
+/// The charge moved within the window, divided by its length. While the window is longer than the run, the filler
+/// stands in for the missing part; without a filler the window is the run.
 class Movement final : public Rule {
 public:
     Movement(double window, std::unique_ptr<Rule> filler) : window_(window), filler_(std::move(filler)) {}
@@ -80,11 +80,12 @@ private:
     std::deque<Point> points_;
 };
 
-/// What is told: whole minutes to empty or to full.
+/// The time shown: whole minutes to empty or to full.
 using Told = std::optional<std::int64_t>;
 using Tell = std::function<Told(const Reading&)>;
 
-/// The rule under the same conditions as ours: it starts anew with each run, waits as long, and has the same limits.
+/// Applies a rule under the same conditions as ours: it starts anew with each run, waits as long, and has the same
+/// limits.
 Tell underTheSameConditions(const Make& make) {
     struct State {
         std::unique_ptr<Rule> rule;
@@ -129,7 +130,7 @@ Smoothed::Weight exponential(double seconds) {
     return [seconds](double passed, double /*age*/) { return 1 - std::exp(-passed / seconds); };
 }
 
-/// The mean since the run's start, until that is older than the smoothing remembers. The first reading counts for the
+/// The mean since the run's start, until the run is longer than the smoothing time. The first reading counts for the
 /// seconds that passed before it.
 Smoothed::Weight meanThenExponential(double seconds) {
     return [smooth = exponential(seconds)](double passed, double age) {
@@ -168,14 +169,14 @@ std::vector<Contender> contenders() {
     return all;
 }
 
-/// Nearer the end than this, a minute's rounding outweighs every rule, and nothing is counted.
+/// Nearer the end than this, rounding to a minute outweighs every rule, and nothing is counted.
 constexpr double leastMinutes = 10;
 
-/// How one rule did on one kind of load. What is divided by nothing is not a number, and shown as a dash.
+/// The score of one rule on one kind of load. A division by zero gives NaN, which is shown as a dash.
 struct Score {
     double errors = 0;
     double jumps = 0;
-    double minutes = 0; ///< for which a time was told at both ends
+    double minutes = 0; ///< with a time shown at both ends
     double told = 0;
     double readings = 0;
 
@@ -247,7 +248,7 @@ void print(const char* title, const std::vector<std::string>& loads, const std::
 
 } // namespace
 
-/// Arguments: the first seed (1) and how many of them (10).
+/// Arguments: the first seed (1) and the number of seeds (10).
 int main(int argc, char** argv) {
     const auto first = argc > 1 ? std::strtoull(argv[1], nullptr, 10) : 1;
     const auto count = argc > 2 ? std::strtoull(argv[2], nullptr, 10) : 10;

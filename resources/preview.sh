@@ -1,18 +1,18 @@
 #!/bin/sh
 # SPDX-License-Identifier: GPL-3.0-or-later
 #
-# Draws contact sheets of all icon files, to be judged by eye. What panels get that cannot colour them, the test of
-# GlyphImages leaves in pictures/glyphs.png of the build folder.
+# Draws contact sheets of all icon files, to be judged by eye. For the pictures that panels get which cannot recolour
+# glyphs, see pictures/glyphs.png in the build folder, which the test of GlyphImages makes.
 # Usage: preview.sh FOLDER [NUMBERS]
 # NUMBERS is the folder with the generated percentage glyphs: share/icons/hicolor/scalable/status in a build folder.
 # Needs rsvg-convert and ImageMagick (convert, montage).
 #
-# Glyph columns are in the order of $glyphs below, rows are 16 px, which has files of its own, and the sizes of $sizes.
-#   glyphs-light-on-dark.png, glyphs-dark-on-light.png   recoloured, as a panel would
+# Glyph columns are in the order of $glyphs below; rows are 16 px, which has files of its own, and the sizes in $sizes.
+#   glyphs-light-on-dark.png, glyphs-dark-on-light.png   recoloured, as by a panel
 #   glyphs-plain-on-dark.png, glyphs-plain-on-light.png  as they are in the files
 #   glyphs-16-enlarged-*.png, glyphs-22-enlarged-*.png   those sizes, every pixel eight times as large
 #   application-on-dark.png, application-on-light.png    the application icon, 16 to 256 px
-# With NUMBERS: columns are the percentages of $numbers, rows the meanings of $meanings, for each of the sizes.
+# With NUMBERS: columns are the percentages in $numbers, rows the meanings in $meanings, for each of the sizes.
 #   numbers-light-on-dark.png, -dark-on-light.png, -plain-on-dark.png, -plain-on-light.png
 #   numbers-22-enlarged-*.png                            the 22 px ones, every pixel eight times as large
 set -eu
@@ -77,7 +77,7 @@ row() {
     montage -background "$background" -tile x1 -geometry +10+10 $pictures "$target"
 }
 
-# enlarged FILE SIZE COLUMNS BACKGROUND GLYPH...: glyphs that are drawn already, every pixel eight times as large
+# enlarged FILE SIZE COLUMNS BACKGROUND GLYPH...: glyphs that have been drawn, every pixel eight times as large
 enlarged() {
     target=$1
     size=$2

@@ -1,38 +1,38 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # shellcheck shell=bash
-# The Debian packages that the scripts need, and how they get there. Sourced, not run.
-# shellcheck disable=SC2034 # who sources this uses the lists
+# The Debian packages that the scripts need, and functions that install them. Sourced, not run.
+# shellcheck disable=SC2034 # scripts that source this use the lists
 
-# To build the program and to run it in a session that is there.
+# To build the program and to run it in the current session.
 BUILD_PACKAGES=(cmake g++ libcanberra-dev libglib2.0-dev libqcustomplot-dev libsimdjson-dev libudev-dev ninja-build
                 pkg-config qt6-base-dev qt6-svg-dev)
 
-# A private desktop with a simulated laptop: X server, window manager, panel, notifications, and what draws their icons
-# and text; umockdev shows the devices. Python drives it, xdotool clicks.
+# A private desktop with a simulated laptop: X server, window manager, panel, notification daemon, and icons and fonts
+# for them; umockdev shows the devices. Python drives it, xdotool clicks.
 DESKTOP_PACKAGES=(adwaita-icon-theme dbus-daemon dunst fonts-dejavu-core hicolor-icon-theme librsvg2-common python3-gi
                   umockdev xdotool xfce4-panel xfconf xfwm4 xvfb)
 
-# The same desktop in a window on the desktop that is there: a nested X server, and what takes pictures of it.
+# The same desktop in a window on the current one: a nested X server, and xwd to take pictures of it.
 WINDOW_PACKAGES=(x11-apps xserver-xephyr)
 
 # To make the Debian package of a build, and to draw its icons.
 PACKAGE_PACKAGES=(debhelper dpkg-dev librsvg2-bin)
 
-# What the tests and the checks need beyond that.
-# sway comes with a bar of its own; Qt shows windows in it by its Wayland plugin. By GTK Qt takes its
-# looks for those who ask for that. libfaketime sets the program's clock, strace sees what it asks the kernel for,
-# readelf of binutils how it was built. Screen readers hear of windows through at-spi2-core.
+# Further packages for the tests and the checks.
+# sway comes with a bar of its own; Qt shows windows in it through its Wayland plugin. Qt's platform theme for GTK is
+# for users who ask for it. libfaketime sets the program's clock, strace records its system calls, readelf of binutils
+# shows how it was built. Screen readers learn of windows through at-spi2-core.
 TEST_PACKAGES=(appstream at-spi2-core binutils desktop-file-utils libbenchmark-dev libfaketime libglib2.0-bin
                libgmock-dev libgtest-dev libumockdev-dev mako-notifier mate-notification-daemon nlohmann-json3-dev
                power-profiles-daemon python3-dbusmock qt6-gtk-platformtheme qt6-wayland strace sway systemd tint2
                tzdata xdg-desktop-portal xdg-desktop-portal-gtk xfce4-notifyd)
 
-# What tools/lint and tools/coverage need beyond that. Versions of clang-format disagree about some lines; the sources are
-# formatted with Debian 12's.
+# Further packages for tools/lint and tools/coverage. Versions of clang-format disagree about some lines; the sources
+# are formatted with Debian 12's.
 FORMAT_PACKAGES=(clang-format-14)
 CHECK_PACKAGES=(clang clang-tidy cppcheck gcovr)
 
-# For systems that call them otherwise: each of these packages, its upstream name, and what shows that it is there.
+# For systems with other package names: each of these packages, its upstream name, and how to detect it.
 UPSTREAM='
 cmake                    | CMake 3.25                           | run:cmake
 g++                      | a C++20 compiler, GCC 12 or Clang 14 | run:c++
@@ -96,7 +96,7 @@ gcovr                    | gcovr                                | run:gcovr
 debootstrap              | debootstrap                          | run:debootstrap
 '
 
-# is_there KIND:WHAT...: whether the system has one of these.
+# is_there KIND:WHAT...: whether the system has at least one of these.
 is_there() {
     local probe what
     for probe in "$@"; do
@@ -129,9 +129,9 @@ as_root() {
     if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
 }
 
-# apt_get ARGUMENT...: waits for a lock that another program holds, such as what updates a new machine in the background.
-# apt itself waits for the locks of dpkg, but not for those of its lists and of what it has downloaded. What it says of
-# them is in English for this; what it complains of is seen when it has ended.
+# apt_get ARGUMENT...: waits for a lock that another program holds, such as a background update of a new machine. apt
+# itself waits for dpkg's locks, but not for those of its package lists and its downloads. Its messages about those are
+# parsed here, so they have to be in English; its errors are shown once it has ended.
 apt_get() {
     local log status held said=
     log=$(mktemp)
@@ -149,11 +149,11 @@ apt_get() {
     return "$status"
 }
 
-# ensure_packages NAME...: installs those that are missing and says which; does nothing at all when none is. Where there
-# is no apt, it goes by what is there.
+# ensure_packages NAME...: says which packages are missing and installs them; does nothing at all if none is. Where
+# there is no apt, it only looks for their contents and names the missing ones.
 ensure_packages() {
     local name state missing=()
-    # Other systems can have both commands as tools; none of what they have is installed by them.
+    # Other systems can have both commands as mere tools that have installed nothing.
     if ! command -v apt-get >/dev/null || ! dpkg-query --show base-files >/dev/null 2>&1; then
         mapfile -t missing < <(missing_upstream "$@")
         [ ${#missing[@]} -gt 0 ] || return 0
@@ -173,7 +173,7 @@ ensure_packages() {
         return 1
     fi
     echo "Installing them with apt-get."
-    # A source that cannot be reached at the moment need not be the one that has these packages: installing decides.
+    # An unreachable source need not be the one with these packages, so only a failure to install counts.
     apt_get update || echo "apt-get update failed; going on with the lists that are here." >&2
     apt_get install --yes --no-install-recommends "${missing[@]}"
 }

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # shellcheck shell=bash disable=SC2154
-# What `tools/newcomer deb` does on the systems that it has made. Sourced there, not run.
+# The steps of `tools/newcomer deb` on the systems that it has made. Sourced there, not run.
 
 build='cmake --preset default -DVELMORA_TESTS=OFF -DVELMORA_BENCHMARKS=OFF
     cmake --build --preset default --target velmora
@@ -24,7 +24,7 @@ give_proc
 install install "${DESKTOP_PACKAGES[@]}"
 install satisfy "$(dpkg-deb --field "$package" Depends)"
 inside useradd --create-home "$user"
-mkdir -p "$root/tmp/.X11-unix" # a system that runs has it
+mkdir -p "$root/tmp/.X11-unix" # a booted system has it
 chmod 1777 "$root/tmp/.X11-unix"
 cp -r "$top/tests" "$root/srv/tests"
 cp "$package" "$root/srv/velmora.deb"
@@ -32,8 +32,8 @@ dpkg-deb --raw-extract "$package" "$work/next"
 sed -i 's/^Version: .*/&+next/' "$work/next/DEBIAN/control"
 dpkg-deb --root-owner-group --build "$work/next" "$root/srv/next.deb" >/dev/null
 
-# Every folder and link with its mode, and every file with what is in it, but for what the user, the package manager and
-# running programs keep.
+# Lists every folder and link with its mode, and every file with its checksum, except the data of the user, of the
+# package manager and of running programs.
 files() {
     local skip=(-path ./proc -o -path ./tmp -o -path ./home -o -path ./var/log -o -path ./var/lib/dpkg
         -o -path ./var/lib/apt -o -path ./var/cache/apt)

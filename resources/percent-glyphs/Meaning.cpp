@@ -5,12 +5,12 @@
 
 namespace {
 
-/// A lying battery with its contact.
+/// A horizontal battery with its contact.
 Shape battery() {
     return {box(0, 0, 18, 6, 1.5), box(19, 2, 20, 4)};
 }
 
-// Whole units keep the end of the level sharp at 22 px. Only 0 is empty and only 100 is without a gap.
+// Whole units keep the end of the level sharp at 22 px. Only 0 is empty, and only 100 leaves no gap.
 Shape level(int percent) {
     constexpr int room = 16;
     Shape shape = battery();
@@ -21,7 +21,7 @@ Shape level(int percent) {
     return shape;
 }
 
-// Lying down, it gets the whole width; upright it would be six pixels high and a speck.
+// Lying down it has the whole width; upright it would be six pixels high and only a speck.
 Shape bolt() {
     return {{{1, 4}, {12, 0}, {12, 2}, {19, 2}, {8, 6}, {8, 4}}};
 }
@@ -42,7 +42,7 @@ Shape plug() {
              {0, 4}}};
 }
 
-// The tick tells it from a full level that is about to be used up.
+// The tick distinguishes it from a full level on battery.
 Shape full() {
     Shape shape = battery();
     shape.push_back(hole({{6, 2.2}, {8.3, 4}, {12.2, 0.6}, {13.2, 1.7}, {8.4, 5.6}, {5, 3.2}}));

@@ -15,8 +15,8 @@ enum class Meaning {
 
 inline constexpr Meaning meanings[] = {Meaning::Level, Meaning::Bolt, Meaning::Plug, Meaning::Full};
 
-/// The word for it in names of files.
+/// The word for the meaning in file names.
 std::string_view meaningName(Meaning meaning);
 
-/// The sign for it, 20 wide and 6 high. The level is 0 to 100 percent.
+/// The sign for the meaning, 20 wide and 6 high. The level is 0 to 100 percent.
 Shape meaningShape(Meaning meaning, int percent);

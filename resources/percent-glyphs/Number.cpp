@@ -5,8 +5,8 @@
 
 namespace {
 
-// Stems are 3 thick and bars 2, all on whole units: at 22 px they are sharp. 3 and 8 have a notch in the waist, 5, 6
-// and 9 end in short terminals: wide openings are what tells them apart from 8.
+// Stems are 3 thick and bars 2, all on whole units: at 22 px they are sharp. 3 and 8 have a notch in the waist; 5, 6
+// and 9 end in short terminals, because wide openings tell them apart from 8.
 constexpr double digitWidth = 9;
 constexpr double digitGap = 2;
 
@@ -113,7 +113,7 @@ Shape digit(int value) {
     }
 }
 
-/// Its stems are 2 thick: there is no room for more.
+/// The stems of 100 are 2 thick: there is no room for more.
 Shape hundred() {
     Shape shape{{{2, 0}, {4, 0}, {4, 13}, {2, 13}, {2, 3.5}, {0, 4.5}, {0, 2}}};
     append(shape, moved(zero(6, 2), 6, 0));

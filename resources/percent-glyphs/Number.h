@@ -6,6 +6,6 @@
 /// The height of every digit; numbers are drawn from y = 0 to here.
 inline constexpr double numberHeight = 13;
 
-/// A percentage, 0 to 100, in the middle of a width of 20. Each digit of one- and two-digit numbers has the same cell,
-/// so that nothing moves while the number counts; only 100 is narrower.
+/// A percentage, 0 to 100, in the middle of a width of 20. Each digit of one- and two-digit numbers has a cell of the
+/// same width, so that nothing moves when the number changes; only the digits of 100 are narrower.
 Shape numberShape(int percent);

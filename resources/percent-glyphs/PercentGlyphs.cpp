@@ -14,8 +14,8 @@
 
 namespace {
 
-// The colour stands where panels look for it when they draw the glyph in their own: the style sheet is for Plasma, the
-// attributes are for all others. The id is for those who draw pictures of it, on a ground of their own.
+// The colour is where panels look for it to replace it by their own: Plasma in the style sheet, all others in the
+// attributes. The id is for GlyphImages, which draws pictures of the glyph with a background of its own.
 std::string path(const std::string& id, const Shape& shape) {
     return "  <path id=\"" + id +
            R"(" class="ColorScheme-Text" style="fill:currentColor" fill="#7f7f7f" fill-rule="evenodd"
@@ -23,7 +23,7 @@ std::string path(const std::string& id, const Shape& shape) {
            pathData(shape) + "\"/>\n";
 }
 
-/// The number above, its meaning below, a unit of air between them; and one around it, where an outline has room.
+/// The number above, its meaning below, one unit of space between them, and one around both for an outline.
 std::string document(int percent, Meaning meaning) {
     return R"(<?xml version="1.0" encoding="UTF-8"?>
 <!-- SPDX-License-Identifier: GPL-3.0-or-later -->

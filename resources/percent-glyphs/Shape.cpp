@@ -8,13 +8,13 @@
 
 namespace {
 
-/// The point at `distance` from a corner on the way to another one.
+/// The point at `distance` from one corner on the way to another.
 Corner towards(const Corner& from, const Corner& to, double distance) {
     const double share = distance / std::hypot(to.x - from.x, to.y - from.y);
     return {from.x + (to.x - from.x) * share, from.y + (to.y - from.y) * share};
 }
 
-// Whole hundredths, so that no compiler's last bit ends up in a file.
+// Whole hundredths, so that rounding that differs between compilers does not show in a file.
 std::string number(double value) {
     const long hundredths = std::lround(value * 100);
     std::string text = hundredths < 0 ? "-" : "";

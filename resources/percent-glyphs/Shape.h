@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-/// A corner of an outline, in units of the drawing (y points down); the rounding takes `radius` of both its edges.
+/// A corner of an outline, in units of the drawing (y points down); rounding cuts `radius` off both of its edges.
 struct Corner {
     double x = 0;
     double y = 0;
@@ -14,13 +14,12 @@ struct Corner {
 /// A closed outline, clockwise around what is filled.
 using Outline = std::vector<Corner>;
 
-/// Outlines that do not cross. Holes run the other way, so that every fill rule gives the same picture.
+/// Outlines that do not cross. Holes run the other way round, so that every fill rule gives the same picture.
 using Shape = std::vector<Outline>;
 
-/// A rectangle.
 Outline box(double left, double top, double right, double bottom, double radius = 0);
 
-/// The outline, taken out of the one around it.
+/// The outline as a hole in the one around it.
 Outline hole(Outline outline);
 
 /// The shape, moved to the right and down.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Laptops' loudspeakers give next to nothing below 200 Hz, so the low sounds live on what is above their fundamental.
+// Laptop loudspeakers produce next to nothing below 200 Hz, so the low sounds rely on their overtones.
 #include "Recipes.h"
 
 #include <cmath>
@@ -8,7 +8,7 @@
 
 namespace {
 
-/// One of the tones in which something that is struck rings.
+/// One of the tones of something that is struck.
 struct Mode {
     double hertz;
     double level;
@@ -27,8 +27,8 @@ Voices together(Voices voices, const Voices& more) {
     return voices;
 }
 
-// The rim of a glass swings in 2, 3, 4, 5 waves around it: n(n²-1)/√(n²+1), which is 1, 2.83, 5.42 and 8.77. No glass
-// is quite round, so each of them is two, and they beat.
+// The rim of a glass vibrates in 2, 3, 4, 5 waves around it: n(n²-1)/√(n²+1), which is 1, 2.83, 5.42 and 8.77. No
+// glass is quite round, so each mode is a pair of tones, which beat.
 Voices glass() {
     return struck({{1050, 0.5, 1.8},
                    {1053, 0.12, 1.8},
@@ -43,7 +43,7 @@ Voices ping() {
     return {{.wave = Wave::Triangle, .pitch = 1760, .envelope = {.attack = 0.004, .hold = 0.05, .fade = 0.8}}};
 }
 
-// A brass tone is brighter the louder it is, so its upper harmonics come later and go sooner.
+// The louder a brass tone, the brighter it is, so its upper harmonics begin later and end sooner.
 Voices brass(double hertz, double start, double hold) {
     Voices voices;
     for (int harmonic = 1; harmonic <= 9; ++harmonic)
@@ -55,7 +55,7 @@ Voices brass(double hertz, double start, double hold) {
     return voices;
 }
 
-// F, A and C, one after the other, and they stay.
+// F, A and C, one after the other, each held.
 Voices hero() {
     return together(together(brass(349.2, 0, 0.55), brass(440.0, 0.17, 0.4)), brass(523.3, 0.34, 0.45));
 }
@@ -66,7 +66,7 @@ Voices submarine() {
                   3, 0.36, 0.4);
 }
 
-// A string that is plucked at a sixth of its length and slapped on the fingerboard: the pitch starts sharp.
+// A string plucked at a sixth of its length and slapped on the fingerboard: the pitch starts sharp.
 Voices funk() {
     constexpr double string = 98.0;
     Voices voices{{.wave = Wave::Noise,
@@ -90,14 +90,14 @@ Voices basso() {
     return voices;
 }
 
-// Mostly air; the narrow band is the hollow that it finds.
+// Mostly air; the narrow band is the resonance of the hollow.
 Voices blow() {
     constexpr Envelope breath{.attack = 0.18, .hold = 0.25, .fade = 0.7};
     return {{.wave = Wave::Noise, .pitch = {700, 1100, 0.6}, .level = 1, .envelope = breath, .narrowness = 0.6},
             {.wave = Wave::Noise, .pitch = 520, .level = 5, .envelope = breath, .narrowness = 14}};
 }
 
-// The resonance of the air in the neck, and the puff that wakes it.
+// The resonance of the air in the neck, and the puff that excites it.
 Voices bottle() {
     return {{.pitch = {350, 262, 0.22}, .envelope = {.attack = 0.006, .hold = 0.03, .fade = 0.42}},
             {.pitch = {1050, 786, 0.22}, .level = 0.08, .envelope = {.attack = 0.006, .fade = 0.15}},
@@ -122,7 +122,7 @@ Voices frog() {
     return together(croak(0, 10, 0.019, 620), croak(0.27, 13, 0.016, 760));
 }
 
-// V, for Velmora: three dits and a dah, and as long a pause between them as a dit.
+// V, for Velmora: three dits and a dah, with pauses as long as a dit.
 Voices morse() {
     constexpr double dit = 0.075;
     Voices voices;
@@ -144,7 +144,7 @@ Voices pop() {
     return {{.pitch = {260, 1500, 0.11}, .envelope = {.attack = 0.004, .hold = 0.03, .fade = 0.07}}};
 }
 
-// A rattle of 24 a second in something soft.
+// A soft rattle, 24 times a second.
 Voices purr() {
     constexpr Envelope breath{.attack = 0.35, .hold = 0.25, .fade = 1.0};
     constexpr Tremolo rattle{.rate = 24, .depth = 0.9};
@@ -153,7 +153,7 @@ Voices purr() {
             {.wave = Wave::Noise, .pitch = 500, .level = 1.2, .envelope = breath, .tremolo = rattle}};
 }
 
-// The wood of a xylophone is cut so that its second tone is the twelfth; the third is where it happens to be.
+// A xylophone bar is cut so that its second tone is the twelfth; the third is not tuned.
 Voices sosumi() {
     return together(struck({{784, 1, 0.55}, {2352, 0.5, 0.22}, {5010, 0.25, 0.09}}),
                     {{.wave = Wave::Noise, .pitch = 1800, .level = 0.6, .envelope = {.attack = 0.001, .fade = 0.02}}});

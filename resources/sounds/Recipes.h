@@ -6,12 +6,12 @@
 #include <string_view>
 #include <vector>
 
-/// A sound and what it is made of.
+/// A sound and its ingredients.
 struct Recipe {
     std::string_view name;
     double seconds;
     Voices voices;
 };
 
-/// The alert sounds, in the order in which they are offered.
+/// The alert sounds, in the order of the settings.
 std::vector<Recipe> recipes();

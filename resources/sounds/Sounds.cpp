@@ -15,7 +15,7 @@
 
 namespace {
 
-// Room for loudspeakers and for what else is playing.
+// Headroom for loudspeakers and for other sounds that are playing.
 const double peak = std::pow(10, -3.0 / 20);
 
 Samples sound(const Recipe& recipe) {

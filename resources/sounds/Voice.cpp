@@ -13,7 +13,7 @@ namespace {
 constexpr double turn = 2 * std::numbers::pi;
 constexpr double minus60Decibels = -6.907755278982137; // the exponent: ln(0.001)
 
-/// From 0 to 1 without a corner at either end.
+/// A smooth rise from 0 to 1, without a corner at either end.
 double ramp(double share) {
     return 0.5 - 0.5 * std::cos(std::numbers::pi * std::clamp(share, 0.0, 1.0));
 }
@@ -33,7 +33,7 @@ double frequency(const Pitch& pitch, double seconds) {
     return pitch.to + (pitch.from - pitch.to) * std::exp(-3 * seconds / pitch.seconds); // e^-3 is 5 percent
 }
 
-// Summed up from harmonics, because drawn corners would be folded back from above half the sample rate.
+// Summed up from harmonics, because a wave with real corners has some above half the sample rate, which would alias.
 double triangle(double phase, double hertz) {
     double value = 0;
     double sign = 1;
@@ -44,7 +44,7 @@ double triangle(double phase, double hertz) {
     return value;
 }
 
-/// Numbers from -1 to 1 without an order, always the same ones (xorshift by G. Marsaglia).
+/// Pseudorandom numbers from -1 to 1, always the same ones (xorshift by G. Marsaglia).
 class WhiteNoise {
 public:
     double next() {
@@ -58,7 +58,7 @@ private:
     std::uint64_t state_ = 0x9E3779B97F4A7C15U;
 };
 
-/// Lets a band around a frequency through (the state variable filter in A. Simper's form).
+/// A band-pass filter around a frequency (the state variable filter in A. Simper's form).
 class Band {
 public:
     double pass(double in, double hertz, double narrowness) {
@@ -119,7 +119,7 @@ Voices echoed(Voices voices, int echoes, double delay, double level) {
 void finish(Samples& samples, double peak) {
     if (samples.empty())
         return;
-    // A thousandth of a second is short enough for the hardest strike and long enough not to click.
+    // A millisecond is short enough for the hardest strike and long enough not to click.
     constexpr double rise = 0.001 * sampleRate;
     constexpr double fall = 0.03 * sampleRate;
     const std::size_t last = samples.size() - 1;
@@ -128,7 +128,7 @@ void finish(Samples& samples, double peak) {
         window[i] = ramp(static_cast<double>(i) / rise) * ramp(static_cast<double>(last - i) / fall);
     std::transform(samples.begin(), samples.end(), window.begin(), samples.begin(), std::multiplies<>());
 
-    // What is constant is taken out in the window's shape, so that the ends stay at zero.
+    // The constant part is removed in the shape of the window, so that the ends stay at zero.
     const double constant =
         std::accumulate(samples.begin(), samples.end(), 0.0) / std::accumulate(window.begin(), window.end(), 0.0);
     double highest = 0;

@@ -5,5 +5,5 @@
 
 #include <string>
 
-/// The bytes of a WAV file: RIFF, one channel, 16-bit PCM. What is above full scale is cut off there.
+/// The bytes of a WAV file: RIFF, one channel, 16-bit PCM. Samples above full scale are clipped.
 std::string wavFile(const Samples& samples);

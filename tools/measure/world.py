@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Private desktops with a panel, on which programs are started over and over and watched from outside."""
+"""Private desktops with a panel, on which programs are started again and again and watched from outside."""
 
 import contextlib
 import json
@@ -19,7 +19,7 @@ from support.waiting import wait_until
 
 LIMIT = 20
 POLL_SECONDS = 0.0002
-SETTLE_SECONDS = 0.4  # the popover is finished when nothing of it has changed for so long
+SETTLE_SECONDS = 0.4  # the popover is finished when nothing in it has changed for this long
 POINT = (900, 14)
 CALL_FLAGS = Gio.DBusCallFlags.NO_AUTO_START
 
@@ -35,8 +35,8 @@ WATCHER_INTERFACE = f"""<node><interface name="{WATCHER}">
 
 
 class Panel:
-    """Stands in for the panel. As panels do, it asks an item that comes for everything; the item is there at the moment
-    at which it has the answer. It has a connection and a thread of its own."""
+    """Stands in for the panel. As panels do, it asks a new item for all of its properties; the item counts as there
+    once the answer has arrived. It has a connection and a thread of its own."""
 
     def __init__(self, address):
         self._context = GLib.MainContext()
@@ -81,23 +81,23 @@ class Panel:
         self._came.clear()
 
     def wait(self):
-        """The moment at which the item was there."""
+        """Waits for the item; returns the time at which it was there."""
         if not self._came.wait(LIMIT):
             raise AssertionError("no item came")
         return self.moment
 
     def click(self):
-        """A click on the item, without waiting for the answer."""
+        """Clicks on the item, without waiting for the answer."""
         self._call(ITEM_PATH, ITEM_INTERFACE, "Activate", GLib.Variant("(ii)", POINT))
 
     def choose(self, menu_path, number):
-        """Chooses that entry of the item's menu, without waiting for the answer."""
+        """Chooses an entry of the item's menu, without waiting for the answer."""
         arguments = GLib.Variant("(isvu)", (number, "clicked", GLib.Variant("i", 0), 0))
         self._call(menu_path, MENU_INTERFACE, "Event", arguments)
 
 
 class World:
-    """A desktop with a simulated laptop. The panel is the stand-in, or Xfce's own where `real_panel` says so."""
+    """A desktop with a simulated laptop. The panel is the stand-in, or Xfce's with `real_panel`."""
 
     def __init__(self, command, changes, real_panel=False, prepare=None, preload=()):
         self.command = command
@@ -135,7 +135,7 @@ class World:
         return self.process.pid
 
     def remember(self, minutes):
-        """Puts a history of so many minutes where the program finds it."""
+        """Writes a history of that many minutes for the program to find."""
         self.desktop.history_file.parent.mkdir(parents=True, exist_ok=True)
         now = time.time()
         level = lambda minute: round(60 + 38 * math.sin(minute / 200))
@@ -145,7 +145,7 @@ class World:
         self.desktop.history_file.write_text(json.dumps(records, separators=(",", ":")), encoding="utf-8")
 
     def start(self):
-        """Starts the program; the seconds until its item was there."""
+        """Starts the program; returns the seconds until its item was there."""
         if self.panel:
             self.panel.expect()
         else:
@@ -153,7 +153,7 @@ class World:
             tray = self._rows(TRAY)
             empty = self._pixels(tray)
         before = time.monotonic()
-        # Not by the test support: what that has between us and the program would be in all figures.
+        # Not by the tests' own code: its wrapper between us and the program would distort all figures.
         self.process = subprocess.Popen(
             self.command, env=self._environment, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
             stderr=subprocess.DEVNULL, cwd=self.desktop.logs,
@@ -167,7 +167,7 @@ class World:
         return time.monotonic() - before
 
     def end(self):
-        """Ends the program, by force if it does not listen."""
+        """Ends the program, by force if it does not react."""
         self.process.send_signal(signal.SIGTERM)
         with contextlib.suppress(subprocess.TimeoutExpired):
             self.process.wait(LIMIT / 4)
@@ -176,12 +176,12 @@ class World:
         self.process = None
 
     def toggle(self):
-        """Clicks; the seconds until something was seen, and until all was."""
+        """Clicks; returns the seconds until something was visible, and until everything was."""
         return self._see(self.panel.click, SCREEN)
 
     def open_settings(self):
-        """Chooses it in the menu; as `toggle`. What is looked at is the inside of the window, not what the window
-        manager draws around it."""
+        """Opens the settings from the menu; returns the same as `toggle`. Only the inside of the window counts, not the
+        window manager's frame."""
         path = self.desktop.bus.get(self.panel.owner, ITEM_PATH, ITEM_INTERFACE, "Menu")
         entries = Menu(self.desktop.bus, self.panel.owner, path).entries()
         number = next(entry.id for entry in entries if entry.label == "Settings…")
@@ -192,7 +192,7 @@ class World:
         self._see(lambda: self.desktop.press("Escape"), SCREEN)
 
     def _see(self, act, box):
-        """The seconds from `act` until something in the box changed, and until nothing did any more."""
+        """The seconds from `act` until something in the box changed, and until the last change."""
         rows = self._rows(box, step=20)[2:-2]
         last = self._pixels(rows)
         first = finished = None
@@ -210,7 +210,7 @@ class World:
         return first - begin, finished - begin
 
     def _rows(self, box, step=1):
-        """Where in the X server's picture the rows of a box are."""
+        """The positions of a box's rows in the X server's framebuffer."""
         width = 4 * SCREEN.width
         start = len(self._screen) - width * SCREEN.height + 4 * box.x
         return [
@@ -221,12 +221,12 @@ class World:
         return [self._screen[row] for row in rows]
 
 
-# What a UPower daemon says of the same battery, for programs that ask it.
+# The same battery as a mocked UPower reports it, for programs that ask UPower.
 UPOWER = ("--template", "upower", "--parameters", json.dumps({"OnBattery": True, "DaemonVersion": "0.99"}))
 
 
 def prepare_xfce_power_manager(desktop):
-    """It asks UPower for the battery, and shows an item only when told to."""
+    """xfce4-power-manager asks UPower for the battery, and shows an item only if configured to."""
     desktop.start("upower", ["/usr/bin/python3", "-m", "dbusmock", "--system", *UPOWER])
     environment = desktop.environment
     call = lambda *arguments: subprocess.run(
@@ -245,6 +245,6 @@ def prepare_xfce_power_manager(desktop):
 
 
 def missing_programs(names):
-    """Of the programs, those that are nowhere."""
+    """The programs that are not installed."""
     folders = [*os.environ.get("PATH", "").split(":"), "/usr/bin", "/usr/sbin"]
     return [name for name in names if not any(os.access(os.path.join(folder, name), os.X_OK) for folder in folders)]
