@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-3.0-or-later
-# Makes of a finished build what is given away:
+# Packages a finished build:
 #
-#   make_app.sh [BUILD_DIR [OUTPUT]]       the bundle, an AppDir: it runs from wherever it is put, by OUTPUT/AppRun
+#   make_app.sh [BUILD_DIR [OUTPUT]]       the bundle, an AppDir, which runs from any place by OUTPUT/AppRun
 #   make_app.sh deb [BUILD_DIR [OUTPUT]]   the Debian package, which installs the bundle
 #
-# The package holds the same bytes whenever and wherever it is made of the same commit with the same tools.
+# The same commit and the same tools always give a package with the same bytes.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 . "$here/tools/packages.sh"
@@ -22,7 +22,7 @@ if [ ! -x "$build/bin/velmora" ]; then
     exit 1
 fi
 
-# make_bundle FOLDER: the bundle in a folder that is not there yet.
+# make_bundle FOLDER: makes the bundle in a folder that does not exist yet.
 make_bundle() {
     local new=$1 file
     cmake --install "$build" --prefix "$new/usr" --strip >"$work/install.log" ||
@@ -36,14 +36,14 @@ make_bundle() {
     done
 }
 
-# The time that the files in the package bear: that of the last commit; without a history, of the changelog.
+# The modification time of the files in the package: that of the last commit or, without git, of the changelog.
 commit_time() {
     git -C "$here" log -1 --format=%ct 2>/dev/null || stat --format=%Y "$here/CHANGELOG.md"
 }
 
 if [ "$what" = bundle ]; then
     output=${2:-$here/build/Velmora.app}
-    # Beside the place it goes to, so that putting it there is a rename, and nothing of an older bundle stays behind.
+    # Beside its destination, so that a rename puts it there and nothing of an older bundle stays behind.
     mkdir -p "$(dirname "$output")"
     work=$(mktemp -d "$output.XXXXXX")
     trap 'rm -rf "$work"' EXIT
@@ -62,7 +62,7 @@ trap 'rm -rf "$work"' EXIT
 export SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(commit_time)}
 umask 022
 
-# What debhelper takes from a folder: its rules, and what they name.
+# debhelper's input: its rules, and the files that they name.
 pack=$work/velmora
 mkdir "$pack"
 cp -r "$here/packaging/debian" "$here/CHANGELOG.md" "$pack"
@@ -73,7 +73,7 @@ for size in 16 22 24 32 48 64 128 256 512; do
     mkdir -p "$icons"
     rsvg-convert --width=$size --height=$size "$pack/Velmora.app/$id.svg" --output="$icons/$id.png"
 done
-# The revision is that of a package that is not Debian's, and grows with each commit, so that apt sees an upgrade.
+# The revision marks the package as not Debian's own, and grows with each commit, so that apt sees an upgrade.
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
 version+=-0local$(date --utc --date="@$SOURCE_DATE_EPOCH" +%Y%m%d%H%M%S)
 maintainer=$(sed -n 's/^Maintainer: //p' "$pack/debian/control")
@@ -85,7 +85,7 @@ velmora ($version) UNRELEASED; urgency=medium
  -- $maintainer  $(LC_ALL=C date --utc --rfc-email --date="@$SOURCE_DATE_EPOCH")
 END
 
-# The tools of the package set only later times to this one; those of a checkout may be earlier.
+# debhelper sets only later times to this one; those of a checkout may be earlier.
 find "$pack" -exec touch --no-dereference --date="@$SOURCE_DATE_EPOCH" {} +
 (cd "$pack" && DEB_RULES_REQUIRES_ROOT=no debian/rules binary >"$work/debhelper.log" 2>&1) ||
     { cat "$work/debhelper.log" >&2; exit 1; }

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-3.0-or-later
-# Builds Velmora and starts it: run.sh        in this desktop session, or as a demo where there is none
+# Builds Velmora and starts it: run.sh        in this desktop session, or as a demo if there is none
 #                               run.sh demo   on a private desktop with a simulated laptop; pictures go to build/demo
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
@@ -34,7 +34,7 @@ fi
 [ -z "${WAYLAND_DISPLAY:-}" ] || packages+=(qt6-wayland)
 ensure_packages "${packages[@]}"
 
-# A build folder that is configured already keeps its choices; a new one needs neither tests nor benchmarks.
+# A configured build folder keeps its options; a new one needs neither tests nor benchmarks.
 if [ ! -f build/default/build.ninja ]; then
     cmake --preset default -DVELMORA_TESTS=OFF -DVELMORA_BENCHMARKS=OFF
 fi

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-3.0-or-later
-# Installs what the tests need, builds and runs all of them: test.sh [PRESET]
+# Installs the packages for the tests, then builds and runs all of them: test.sh [PRESET]
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 . tools/packages.sh
@@ -11,7 +11,7 @@ ensure_packages "${BUILD_PACKAGES[@]}" "${DESKTOP_PACKAGES[@]}" "${PACKAGE_PACKA
 cmake --preset "$preset" -DVELMORA_TESTS=ON -DVELMORA_BENCHMARKS=ON
 cmake --build --preset "$preset"
 
-# ctest ends with a list of failures or of labels; its verdict is repeated, so that it is the last thing to be read.
+# ctest ends with a list of failures or of labels, so its verdict is repeated as the last line.
 log=build/$preset/ctest.log
 status=0
 # Two tests more than there are processors: the whole-program tests mostly wait, for a panel or for a minute to pass.
