@@ -10,8 +10,7 @@
 /// A reading at one instant, with the time that is really left, which nobody can know at that instant.
 struct SimulatedReading {
     TimeEstimate::Reading reading;
-    double trueMinutes =
-        0; ///< until empty or full, as it turned out; sleep does not count, because nobody looks at the time then
+    double trueMinutes = 0; ///< until empty or full, as it turned out, without time asleep, when nobody looks at it
 };
 
 /// One battery that empties or fills once, read as the program reads it: every minute, and 0, 1, 2, 5 and 15 seconds

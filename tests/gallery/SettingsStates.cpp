@@ -27,7 +27,7 @@ constexpr double mostDrawn = 0.97;
 struct State {
     const char* name;
     std::function<void(FakePlatform&)> arrange; ///< runs before the window is made
-    std::function<void(SettingsView&)> act;     ///< what the user does in it
+    std::function<void(SettingsView&)> act;     ///< the user's actions in it
     const char* seen = "limitEnabled";          ///< the control to scroll to
 };
 

@@ -16,7 +16,7 @@ using Names = std::vector<std::string>;
 
 namespace {
 
-/// What the model reminds of, and when it stays silent. The clock of the tests starts at 22:13 UTC.
+/// The model's reminders, and the times when it stays silent. The clock of the tests starts at 22:13 UTC.
 struct AppModelAlertsTest : ::testing::Test {
     FakePlatform fake;
     std::optional<AppModel> made;

@@ -16,7 +16,7 @@ using Reason = AppModel::Reason;
 
 namespace {
 
-/// The model's history, and what the model does with it.
+/// The model's history, and its use.
 struct AppModelHistoryTest : ::testing::Test {
     const std::filesystem::path file = "/home/user/.local/share/Velmora/history.json";
     FakePlatform fake;

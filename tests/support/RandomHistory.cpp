@@ -14,7 +14,7 @@
 #include <random>
 #include <utility>
 
-// GoogleTest prints values with these when two differ.
+// GoogleTest prints values with these functions when two differ.
 static void PrintTo(const Sample& sample, std::ostream* stream) {
     *stream << "{t " << std::to_string(sample.t) << ", p " << sample.p << (sample.c ? ", c" : "")
             << (sample.a ? ", a}" : "}");

@@ -59,7 +59,8 @@ def most_processor(seconds):
 
 
 class FaultCase(DesktopCase):
-    """`begin` starts the program with a month of history and changed preferences; each test ends with `still_right`."""
+    """`begin` starts the program with a month of history and the user's preferences; each test ends with
+    `still_right`."""
 
     def small_desktop(self, **options):
         """A desktop without the parts that are seldom needed and slow to start on a busy machine."""

@@ -36,7 +36,7 @@ class SettingsForm:
         return controls[labels.index(label, start)][1]
 
     def stepper(self, start):
-        """The stepper whose label begins with `start`; the label contains the number."""
+        """The stepper whose label, which contains its number, begins with `start`."""
         return next(each for each in self.window.controls() if each.label.startswith(start))
 
     def texts(self):

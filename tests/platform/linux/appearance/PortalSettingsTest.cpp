@@ -34,7 +34,7 @@ public:
     QStringList asked; ///< the namespaces of all questions
 
     void change(const QString& space, const QString& key, const QVariant& value) {
-        spaces[space][key] = value; // for those who ask from now on
+        spaces[space][key] = value; // for later questions
         auto message = QDBusMessage::createSignal(path, interface, QStringLiteral("SettingChanged"));
         message << space << key << QVariant::fromValue(QDBusVariant(value));
         connection_.send(message);
