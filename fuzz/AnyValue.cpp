@@ -9,7 +9,7 @@
 #include <cstring>
 
 std::uint64_t Bytes::number() {
-    // Mostly small, because those are the ones that mean something.
+    // Mostly small numbers, because those have a meaning.
     if (flag())
         return static_cast<std::uint64_t>(below(8)) - 2;
     std::uint64_t all = 0;
@@ -66,7 +66,8 @@ QString Bytes::text() {
     QString other;
     for (int length = below(12); length > 0; --length) {
         const std::uint8_t byte = next();
-        other += byte == 0 ? QChar(0x1F50) : QChar::fromLatin1(static_cast<char>(byte)); // no text holds a zero
+        other +=
+            byte == 0 ? QChar(0x1F50) : QChar::fromLatin1(static_cast<char>(byte)); // a D-Bus string cannot hold a zero
     }
     return other;
 }

@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <optional>
 
-/// The bytes of an input as a row of decisions; zeros when they have run out.
+/// The bytes of an input as a sequence of decisions; zeros once they have run out.
 class Bytes {
 public:
     Bytes(const std::uint8_t* data, std::size_t size) : at_(data), end_(data + size) {}
@@ -21,7 +21,7 @@ public:
     std::uint64_t number();
     double fraction();
 
-    /// A word that our code knows, or any other text that a message can hold.
+    /// A word that our code knows, or any other string that a message can hold.
     QString text();
 
 private:
@@ -29,7 +29,7 @@ private:
     const std::uint8_t* end_;
 };
 
-/// A value that a message can hold, and the colour that it is, if it is one.
+/// A value that a message can hold; and, if it is a colour, that colour.
 struct AnyValue {
     QVariant value;
     std::optional<std::array<double, 3>> color;
@@ -37,5 +37,5 @@ struct AnyValue {
     static AnyValue of(Bytes& bytes, int depth = 0);
 };
 
-/// Some of them.
+/// Several such values.
 QVariantList anyValues(Bytes& bytes);

@@ -22,8 +22,8 @@
 #include <memory>
 #include <vector>
 
-// An input is what everybody else on the buses says: first how they answer, then what they send by themselves. Right
-// and wrong types take turns. The bus is a real one, so that everything comes in by the way that it always comes.
+// An input is what all other services on the buses do: first how they answer, then which signals they send, with right
+// and wrong types. The bus is a real one, so that everything arrives the way it does in a session.
 
 namespace {
 
@@ -47,7 +47,7 @@ QVariant variant(const QVariant& value) {
     return QVariant::fromValue(QDBusVariant(value));
 }
 
-/// Everybody else: has all names, and answers as it was told.
+/// All other services: owns all names, and answers as told.
 class Others final : public QDBusVirtualObject {
 public:
     explicit Others(QDBusConnection connection) : connection_(std::move(connection)) {
@@ -56,7 +56,7 @@ public:
             connection_.registerService(name);
     }
 
-    /// By what was called: the name in a question for a property, else the method.
+    /// By what is called: the property for a Get, else the method.
     std::map<QString, QVariantList> answers;
 
     QString introspect(const QString& /*path*/) const override { return {}; }
@@ -73,7 +73,7 @@ private:
     QDBusConnection connection_;
 };
 
-/// What there is once for all inputs.
+/// Made once for all inputs.
 struct World {
     PrivateBus bus;
     QDBusConnection own = QDBusConnection::connectToBus(bus.address(), QStringLiteral("own"));
@@ -86,7 +86,7 @@ struct World {
     World() { systemBus.start(); }
 
     static World& get() {
-        // Its arguments are looked at again later.
+        // QCoreApplication keeps a reference to its arguments.
         static int count = 1;
         static char name[] = "fuzz";
         static char* arguments[] = {name, nullptr};
@@ -97,7 +97,7 @@ struct World {
         return world;
     }
 
-    /// Until everybody has heard what was said so far and has answered to it, and to the answers again.
+    /// Waits until all messages so far have arrived, and the answers to them, and the answers to those.
     void settle(int rounds) {
         for (int round = 0; round < rounds; ++round) {
             for (const QDBusConnection& ours : {own, systemBus.connection()}) {
@@ -116,7 +116,7 @@ private:
     }
 };
 
-/// What the settings of the portal come to, worked out from what was sent.
+/// The expected portal settings, worked out from what was sent.
 class PortalModel {
 public:
     Appearance look() const { return appearanceOf(settings_); }
@@ -143,7 +143,7 @@ private:
     DesktopSettings settings_;
 };
 
-/// What one input comes to.
+/// Runs one input.
 class Story {
 public:
     explicit Story(Bytes& bytes) : bytes_(bytes) {}
@@ -207,7 +207,7 @@ private:
     int clicks_ = 0;
     int wantedClicks_ = 0;
     StatusNotifierItem item_{world_.own, world_.glyphs, [](bool) {}};
-    DBusMenu menu_{world_.own}; // in the place of the item's own, so that both are there
+    DBusMenu menu_{world_.own}; // in place of the item's own menu, so that both are tested
     SessionApplication application_{world_.own};
     std::vector<QDBusPendingCall> calls_;
 
@@ -222,7 +222,7 @@ private:
         QVariantList& answer = world_.others.answers[QStringLiteral("ReadAll")];
         if (bytes_.below(4) == 0) {
             answer = anyValues(bytes_);
-            // It may be right by chance; then it is empty.
+            // By chance it may have the right type; then it is empty.
             return;
         }
         Spaces spaces;
@@ -246,7 +246,7 @@ private:
         for (const QString& name : {newProfiles, oldProfiles}) {
             QVariantList& answer = world_.others.answers[name];
             if (bytes_.below(4) == 0) {
-                answer = {bytes_.text()}; // not in a variant, as it should be
+                answer = {bytes_.text()}; // wrong: it belongs in a variant
                 continue;
             }
             const QVariant profile = AnyValue::of(bytes_).value;
@@ -371,12 +371,12 @@ private:
         if (profile.typeId() == QMetaType::QString) {
             profilesModel_[interface] = profile.toString();
         } else if (invalidated.contains(profileKey) && (interface == newProfiles || interface == oldProfiles)) {
-            // Asked again, and answered as before.
+            // The program asks again and gets the same answer.
             const QVariant answer = world_.others.answers[interface].value(0).value<QDBusVariant>().variant();
             if (answer.typeId() == QMetaType::QString)
                 profilesModel_[interface] = answer.toString();
         }
-        world_.settle(2); // so that an answer does not overtake the next change
+        world_.settle(2); // so that the answer comes before the next change
     }
 
     void notificationEvent() {
@@ -491,7 +491,7 @@ private:
 } // namespace
 
 std::optional<bool> isTaken(const std::string& /*text*/) {
-    return std::nullopt; // each message is judged by itself
+    return std::nullopt; // no input is refused as a whole
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

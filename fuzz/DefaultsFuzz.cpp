@@ -22,7 +22,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
-// An input is what somebody left in the file of the preferences.
+// An input is the content of the preferences file.
 
 namespace {
 
@@ -31,7 +31,7 @@ using Json = nlohmann::json;
 const std::filesystem::path file = "/there is no such folder/Velmora/defaults.json";
 const std::filesystem::path aside = "/there is no such folder/Velmora/defaults.json.damaged";
 
-/// A start of the program with that file.
+/// One start of the program with that file.
 struct Start {
     FakeFiles& files;
     FakeClock clock;
@@ -41,7 +41,7 @@ struct Start {
     explicit Start(FakeFiles& theFiles) : files(theFiles) {}
 };
 
-/// Looks for a number nearer to zero than a double can be; such a file is refused, like one with a number beyond.
+/// Finds a number nearer to zero than any double; such a file is refused, like one with a number too large.
 struct TinyNumbers final : nlohmann::json_sax<Json> {
     bool found = false;
 
@@ -65,10 +65,10 @@ struct TinyNumbers final : nlohmann::json_sax<Json> {
     }
 };
 
-/// A second opinion on the file; empty when there is no JSON object in it. It does not stop at a depth, and refuses
-/// halves of surrogate pairs.
+/// A second opinion on the file; empty if it holds no JSON object. It has no limit of depth, and refuses unpaired
+/// surrogates.
 std::optional<Json> slowlyRead(const std::string& text) {
-    if (text.find('\0') != std::string::npos) // the end of everything to this parser
+    if (text.find('\0') != std::string::npos) // this parser takes it for the end
         return std::nullopt;
     TinyNumbers tiny;
     if (Json::sax_parse(text, &tiny) && tiny.found)
@@ -77,7 +77,7 @@ std::optional<Json> slowlyRead(const std::string& text) {
     return json.is_object() ? std::optional(std::move(json)) : std::nullopt;
 }
 
-/// The same for what is stored under a key.
+/// The same for the value of a key.
 const Json* at(const Json& json, std::string_view key) {
     const auto found = json.find(key);
     return found == json.end() ? nullptr : &*found;
@@ -94,7 +94,7 @@ std::optional<std::int64_t> wholeNumber(const Json* value) {
     return fits ? std::optional(static_cast<std::int64_t>(number)) : std::nullopt;
 }
 
-/// With every number as a double that no 64-bit integer holds, which is how it is kept.
+/// With every number that no 64-bit integer holds as a double, which is how it is stored.
 Json asKept(Json json) {
     if (json.is_structured())
         for (Json& part : json)
@@ -122,7 +122,7 @@ void checkValues(const JsonUserDefaults& store, const Json& json) {
             "an instant is as it is stored");
 }
 
-/// What the program does with preferences of any value.
+/// What the program does with preferences, whatever their values.
 void use(Start& start) {
     const Prefs prefs = Prefs::current(start.store);
     require(prefs == Prefs::current(start.store), "what nobody changes stays");
@@ -185,8 +185,8 @@ bool isQtObject(const std::string& text) {
     return QJsonDocument::fromJson(QByteArray(text.data(), static_cast<qsizetype>(text.size()))).isObject();
 }
 
-/// Whether there is a byte order mark anywhere but at the beginning. Qt leaves one out that begins a key or a
-/// value, unless it is written as an escape; so such texts may change when they are written again.
+/// Whether there is a byte order mark anywhere but at the beginning. Qt drops one that begins a key or a value, unless
+/// it is written as an escape; so such texts may change when they are written again.
 bool hasInnerMark(const std::string& text) {
     std::string lower = text;
     std::ranges::transform(lower, lower.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; });
@@ -195,7 +195,7 @@ bool hasInnerMark(const std::string& text) {
 
 } // namespace
 
-/// Stands before the C library's: there is no folder to watch, and the kernel takes milliseconds to end each watch.
+/// Replaces the C library's: there is no folder to watch, and the kernel takes milliseconds to end each watch.
 extern "C" int inotify_init1(int /*flags*/) noexcept {
     errno = EMFILE;
     return -1;
@@ -210,7 +210,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static int count = 1;
     static char name[] = "fuzz";
     static char* arguments[] = {name, nullptr};
-    static const QCoreApplication application(count, arguments); // what waits for changes of files needs one
+    static const QCoreApplication application(count, arguments); // QSocketNotifier, which FolderWatch uses, needs one
     const std::string text(data, data + size);
     const auto json = slowlyRead(text);
     const bool isObject = isQtObject(text);

@@ -22,7 +22,7 @@ void checkThatItReadsBack(const std::deque<Sample>& samples) {
     require(strictlyDecoded(*text) == samples, "another parser reads it the same");
 }
 
-/// The samples a program has that starts with the file, and what it makes of them.
+/// The samples that a program has after starting with the file, and what it makes of them.
 void checkStore(const std::string& text, const std::deque<Sample>& samples) {
     FakeFiles files;
     files.files[files.support / "Velmora/history.json"] = text;

@@ -13,9 +13,8 @@
 #include <string_view>
 #include <vector>
 
-/// Feeds each file of the corpus, as a whole and cut off at every byte, without the fuzzer; with the word "whole" only
-/// as a whole. Where inputs can be turned away, the name of a file says what is expected: a file called good-... is
-/// taken, one called bad-... is not.
+/// Feeds each file of the corpus without the fuzzer, whole and cut off at every byte; with the word "whole" only whole.
+/// Where inputs can be refused, the name of a file says what is expected: good-... is accepted, bad-... is not.
 int main(int argc, char** argv) {
     const bool onlyWhole = argc == 3 && std::string_view(argv[2]) == "whole";
     if (argc != 2 && !onlyWhole) {
@@ -29,7 +28,7 @@ int main(int argc, char** argv) {
     bool isRight = !files.empty();
     for (const auto& file : files) {
         const std::string name = file.filename().string();
-        std::cout << name << std::endl; // now, in case that the next line does not come back
+        std::cout << name << std::endl; // flushed, in case the next line never returns
         std::ifstream stream(file, std::ios::binary);
         const std::vector<std::uint8_t> bytes{std::istreambuf_iterator<char>(stream), {}};
         for (std::size_t length = onlyWhole ? bytes.size() : 0; length <= bytes.size(); ++length)

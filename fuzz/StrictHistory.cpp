@@ -10,8 +10,8 @@
 
 namespace {
 
-/// Hears of each value in the order of the text, also of those that a later one of the same key replaces. Each event
-/// answers whether the text is right so far.
+/// Gets each value in the order of the text, including those that a later one with the same key replaces. Each event
+/// returns whether the text is valid so far.
 class Listener final : public nlohmann::json_sax<nlohmann::json> {
 public:
     std::deque<Sample> samples;
@@ -28,7 +28,7 @@ public:
         return value(read);
     }
     bool number_float(number_float_t number, const string_t& text) override {
-        // The parser of the program reads no exponent with more digits, not even of leading zeros; nobody writes one.
+        // The program's parser reads no exponent with more digits, not even leading zeros; nobody writes one.
         constexpr std::size_t mostExponentDigits = 19;
         const std::size_t exponent = text.find_first_of("eE");
         if (exponent != std::string::npos &&
@@ -73,12 +73,12 @@ public:
     }
 
 private:
-    // How many lists and objects are open around a sample, around its fields, and around the innermost value.
+    // How many arrays and objects are open around a sample, around its fields, and around the innermost value.
     static constexpr int inList = 1;
     static constexpr int inSample = 2;
     static constexpr int deepest = inSample + 200;
 
-    /// A value as what it can be taken for.
+    /// A value as the type that it can be read as.
     struct Value {
         std::optional<double> real = {};
         std::optional<std::int64_t> whole = {};
@@ -99,7 +99,7 @@ private:
 } // namespace
 
 std::optional<std::deque<Sample>> strictlyDecoded(const std::string& text) {
-    // This parser steps over a byte-order mark and takes a null byte for the end.
+    // This parser skips a byte order mark and takes a zero byte for the end.
     if (text.starts_with("\xEF\xBB\xBF") || text.find('\0') != std::string::npos)
         return std::nullopt;
     Listener listener;

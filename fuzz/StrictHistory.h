@@ -7,5 +7,5 @@
 #include <optional>
 #include <string>
 
-/// A second opinion on what a history file holds, by another parser; empty when any part of it is not as it must be.
+/// A second opinion on a history file, by another parser; empty if any part of it is invalid.
 std::optional<std::deque<Sample>> strictlyDecoded(const std::string& text);

@@ -17,13 +17,13 @@
 #include <string_view>
 #include <vector>
 
-// An input is a story of power supplies, told by lines:
-//   @BAT0           from here on about this device, which is there from now on
+// An input is a sequence of power supplies, in lines:
+//   @BAT0           the following lines are about this device, which exists from now on
 //   status=Full     one of its attribute files has this content
-//   -status         and now it is gone
+//   -status         that file is gone
 //   !BAT0           the device is gone
-//   +60             a minute later they are read
-//   z3600           the machine sleeps for an hour, and then they are read
+//   +60             a minute later the devices are read
+//   z3600           the machine sleeps for an hour, then they are read
 // At the end they are read once more.
 
 namespace {
@@ -33,14 +33,14 @@ constexpr std::size_t mostSupplies = 6;
 
 using Attributes = std::map<std::string, std::string, std::less<>>;
 
-/// The devices at an instant.
+/// The devices at one moment.
 struct Scene {
     std::map<std::string, Attributes, std::less<>> supplies;
     Duration uptime{100};
     Duration slept{};
 };
 
-/// How an attribute comes out of its file.
+/// An attribute as read from its file.
 using Content = std::string (*)(const std::string& value);
 
 std::string asTheKernelWrites(const std::string& value) {
@@ -62,7 +62,7 @@ std::vector<PowerSupply> suppliesOf(const Scene& scene, Content content) {
     return supplies;
 }
 
-/// Only with the attributes that are read of a device of its kind.
+/// Only those attributes that are read from a device of its kind.
 PowerSupply asScanned(const PowerSupply& whole) {
     PowerSupply supply{.name = whole.name, .attributes = {}};
     const auto take = [&](const auto& names) {
@@ -87,7 +87,7 @@ bool holdsOnlyNumbersThatAreSome(const Dictionary& dictionary) {
     });
 }
 
-/// A second opinion on the numbers of the kernel: an optional minus and digits that fit, nothing else.
+/// A second opinion on the kernel's numbers: an optional minus and digits that fit, nothing else.
 std::optional<std::int64_t> slowlyRead(std::string_view text) {
     const auto isBlank = [](char c) { return std::string_view(" \t\r\n\v\f\0", 7).find(c) != std::string_view::npos; };
     while (!text.empty() && isBlank(text.front()))
@@ -121,7 +121,7 @@ void checkRegistry(const PowerReading& reading, const Dictionary& registry) {
         const Value* value = find(registry, key);
         require(value == nullptr || value->integer().value_or(-1) >= 0, "what is counted is not negative");
     }
-    // No computer draws more than 300 W of a pack, and no pack has less than a volt.
+    // No computer draws more than 300 W from a pack, and no pack has less than a volt.
     const double most = 300e3 * static_cast<double>(reading.packs.size()) + 1;
     if (const Value* value = find(registry, "Amperage"))
         require(std::abs(value->number().value()) <= most, "no more flows than can");
@@ -148,7 +148,7 @@ void checkState(const BatteryState& state, const PowerReading& reading) {
 void checkTexts(const BatteryState& state) {
     Prefs prefs;
     prefs.showPercent = prefs.showTime = true;
-    // "100 % · 48:00" is the longest that there is room for.
+    // "100 % · 48:00" is the longest text that there is room for.
     require(statusItemTitle(state, prefs).size() <= std::string_view(" 100% · 48:00").size(), "the title is short");
     require(!state.stateText().empty() && !statusItemToolTip(state).empty(), "there is something to say");
     for (const std::string& symbol : state.symbolNames())
@@ -162,7 +162,7 @@ void checkTexts(const BatteryState& state) {
     }
 }
 
-/// What one reading comes to.
+/// The result of one reading.
 struct Told {
     Dictionary description;
     Dictionary registry;
@@ -210,7 +210,7 @@ private:
     }
 };
 
-/// One pack that tells its percentage is believed.
+/// A single pack that reports its percentage is believed.
 void checkPercent(const Scene& scene, const Told& told) {
     const PowerSupply* battery = nullptr;
     const std::vector<PowerSupply> supplies = suppliesOf(scene, asTheKernelWrites);
@@ -230,7 +230,7 @@ void checkPercent(const Scene& scene, const Told& told) {
             "a pack that tells its percentage is believed");
 }
 
-/// What a machine without power supplies, or one more thing that says nothing, changes.
+/// What changes without any power supplies, or with one more device that reports nothing.
 void checkWhatDoesNotMatter(const Scene& scene, const Told& told) {
     const auto tell = [&](const std::vector<PowerSupply>& supplies) {
         const PowerReading reading = PowerReading::of(supplies);
@@ -308,7 +308,7 @@ void tellTheStory(std::string_view story) {
 } // namespace
 
 std::optional<bool> isTaken(const std::string& /*text*/) {
-    return std::nullopt; // what cannot be read is missing, and nothing more
+    return std::nullopt; // an unreadable attribute only counts as missing
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

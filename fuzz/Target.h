@@ -6,11 +6,11 @@
 #include <optional>
 #include <string>
 
-/// What each target defines: it ends the program when an input makes something go wrong.
+/// Defined by each target: ends the program if an input makes something go wrong.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
-/// Whether an input is taken, and not turned away as a whole. Empty where nothing is turned away.
+/// Whether an input is accepted or refused as a whole. Empty if the target refuses none.
 std::optional<bool> isTaken(const std::string& text);
 
-/// Ends the program where something does not hold.
+/// Ends the program if a condition does not hold.
 void require(bool holds, const char* what);

@@ -19,11 +19,11 @@
 #include <string_view>
 #include <vector>
 
-// An input is what a desktop says in single words and numbers, in lines such as "font=Cantarell 11".
+// An input is single words and numbers that a desktop sends, in lines such as "font=Cantarell 11".
 
 namespace {
 
-/// The lines by their first word, each of which may be there several times.
+/// The lines by their first word, each of which may occur several times.
 using Lines = std::multimap<std::string, std::string, std::less<>>;
 
 Lines linesOf(const std::string& text) {
@@ -47,7 +47,7 @@ std::vector<std::string> words(const Lines& lines, std::string_view key) {
     return all;
 }
 
-/// The numbers in a text, whatever stands between them; zeros where there are too few.
+/// The numbers in a text, whatever is between them; zeros if there are too few.
 template <class Number, std::size_t count>
 std::array<Number, count> numbers(const std::string& text) {
     std::array<Number, count> all{};
@@ -63,7 +63,7 @@ std::array<Number, count> numbers(const std::string& text) {
     return all;
 }
 
-/// A second opinion on what is UTF-8: every character is what it would be written as.
+/// A second opinion on UTF-8: every character has to be what encoding it gives.
 bool isSlowlyUtf8(std::string_view text) {
     while (!text.empty()) {
         const auto lead = static_cast<unsigned char>(text[0]);
@@ -218,7 +218,7 @@ void checkRest(const Lines& lines, const std::string& text) {
 } // namespace
 
 std::optional<bool> isTaken(const std::string& /*text*/) {
-    return std::nullopt; // each word is judged by itself
+    return std::nullopt; // no input is refused as a whole
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
