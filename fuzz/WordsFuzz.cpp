@@ -2,7 +2,6 @@
 #include "Target.h"
 #include "platform/GlyphName.h"
 #include "platform/linux/appearance/AppearanceSettings.h"
-#include "platform/linux/files/Utf8.h"
 #include "platform/linux/notifications/NotificationConsent.h"
 #include "platform/linux/notifications/NotificationPlan.h"
 #include "platform/linux/panel/DevicePoint.h"
@@ -63,34 +62,7 @@ std::array<Number, count> numbers(const std::string& text) {
     return all;
 }
 
-/// A second opinion on UTF-8: every character has to be what encoding it gives.
-bool isSlowlyUtf8(std::string_view text) {
-    while (!text.empty()) {
-        const auto lead = static_cast<unsigned char>(text[0]);
-        std::size_t length = 1;
-        while (length < text.size() && (static_cast<unsigned char>(text[length]) >> 6U) == 2)
-            ++length;
-        std::uint32_t code = lead;
-        if (lead >= 0x80) {
-            const std::size_t wanted = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-            if (lead < 0xC0 || lead >= 0xF8 || length < wanted)
-                return false;
-            length = wanted;
-            code = lead & (wanted == 4 ? 7U : wanted == 3 ? 15U : 31U);
-            for (std::size_t i = 1; i < wanted; ++i)
-                code = code * 64 + (static_cast<unsigned char>(text[i]) & 63U);
-        } else {
-            length = 1;
-        }
-        const std::size_t shortest = code < 0x80 ? 1 : code < 0x800 ? 2 : code < 0x10000 ? 3 : 4;
-        if (shortest != length || code > 0x10FFFF || (code >= 0xD800 && code < 0xE000))
-            return false;
-        text.remove_prefix(length);
-    }
-    return true;
-}
-
-void checkLook(const Lines& lines) {
+void checkAppearance(const Lines& lines) {
     DesktopSettings settings;
     if (const auto scheme = word(lines, "scheme"))
         settings.colorScheme = numbers<std::uint32_t, 1>(*scheme)[0];
@@ -100,18 +72,19 @@ void checkLook(const Lines& lines) {
         settings.textScale = numbers<double, 1>(*scale)[0];
     settings.fontName = word(lines, "font");
     settings.themeName = word(lines, "theme");
-    const Appearance look = appearanceOf(settings);
-    require(look == appearanceOf(settings), "the same settings look the same");
+    const Appearance appearance = appearanceOf(settings);
+    require(appearance == appearanceOf(settings), "the same settings look the same");
     const std::uint32_t scheme = settings.colorScheme.value_or(0);
     if (scheme == 1 || scheme == 2)
-        require(look.isDark == (scheme == 1), "what is said outright counts");
-    if (look.accent)
-        for (const double part : *look.accent)
+        require(appearance.isDark == (scheme == 1), "what is said outright counts");
+    if (appearance.accent)
+        for (const double part : *appearance.accent)
             require(part >= 0 && part <= 1, "a colour is one");
-    if (look.font) {
-        require(!look.font->family.empty() && settings.fontName->starts_with(look.font->family),
+    if (appearance.font) {
+        require(!appearance.font->family.empty() && settings.fontName->starts_with(appearance.font->family),
                 "the family is what the description begins with");
-        require(look.font->points == 0 || (look.font->points >= 4 && look.font->points <= 72), "a font can be read");
+        require(appearance.font->points == 0 || (appearance.font->points >= 4 && appearance.font->points <= 72),
+                "a font can be read");
     }
     const std::string desktops = word(lines, "desktops").value_or("");
     const std::string choice = word(lines, "choice").value_or("");
@@ -193,7 +166,6 @@ void checkPoint(const Lines& lines) {
 }
 
 void checkRest(const Lines& lines, const std::string& text) {
-    require(isUtf8(text) == isSlowlyUtf8(text), "UTF-8 is told by both in the same way");
     const PanelHost host = panelHost(text);
     require(!host.premultiplied || !host.recolours, "a panel that draws pictures does not draw names");
     const std::string icon = glyphIconName(text);
@@ -224,7 +196,7 @@ std::optional<bool> isTaken(const std::string& /*text*/) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(data, data + size);
     const Lines lines = linesOf(text);
-    checkLook(lines);
+    checkAppearance(lines);
     checkNotification(lines);
     checkPoint(lines);
     checkRest(lines, text);

@@ -2,14 +2,15 @@
 #include "platform/linux/power/PowerSupply.h"
 
 #include "platform/linux/files/AsciiLower.h"
-#include "platform/linux/files/Utf8.h"
+
+#include <simdjson.h>
 
 #include <charconv>
 
 std::optional<std::string> PowerSupply::text(std::string_view attribute) const {
     constexpr std::string_view blank(" \t\r\n\v\f\0", 7);
     const auto entry = attributes.find(attribute);
-    if (entry == attributes.end() || !isUtf8(entry->second))
+    if (entry == attributes.end() || !simdjson::validate_utf8(entry->second))
         return std::nullopt;
     const std::string& content = entry->second;
     const auto first = content.find_first_not_of(blank);
