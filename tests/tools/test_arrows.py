@@ -30,7 +30,7 @@ MAY_INCLUDE = {
     "platform/linux/appearance": ADAPTER,
     BUS: ADAPTER,
     "platform/linux/dialogs": ADAPTER,
-    FILES: ADAPTER,
+    FILES: [PORTS, QT],
     "platform/linux/notifications": ADAPTER,
     "platform/linux/panel": ADAPTER,
     "platform/linux/power": ADAPTER,
@@ -60,16 +60,18 @@ def room(file):
 
 
 def includes(file):
-    return re.findall(r'^#\s*include ([<"].+[>"])', (APP / file).read_text(encoding="utf-8"), re.MULTILINE)
+    """The included names in their brackets or quotes. How a name of ours is written makes no difference."""
+    names = re.findall(r'^\s*#\s*include\s*([<"][^>"]+[>"])', (APP / file).read_text(encoding="utf-8"), re.MULTILINE)
+    return [f'"{name[1:-1]}"' if (APP / name[1:-1]).is_file() else name for name in names]
 
 
 def own(file):
-    return [Path(name.strip('"')) for name in includes(file) if name.startswith('"') and not GENERATED.search(name[:-1])]
+    return [Path(name[1:-1]) for name in includes(file) if name[0] == '"' and not GENERATED.search(name[1:-1])]
 
 
 def core():
     """The files of the core's target and all of our headers that they include."""
-    files = set()
+    files = {file for file in sources() if str(file.parent) == PORTS}
     for lists in APP.rglob("CMakeLists.txt"):
         for listed in re.findall(r"velmora_sources\(velmora_core\s([^)]*)\)", lists.read_text(encoding="utf-8")):
             files |= {lists.parent.relative_to(APP) / name for name in listed.split()}
@@ -103,6 +105,13 @@ class Arrows(unittest.TestCase):
                 if name.startswith("<"):
                     with self.subTest(file=str(file), header=name):
                         self.assertRegex(name, r"^<([a-z_]+|simdjson\.h)>$")
+
+    def test_only_adapters_and_main_include_their_libraries(self):
+        for file in sources():
+            if str(file) != MAIN and not str(file).startswith("platform/linux"):
+                for name in includes(file):
+                    with self.subTest(file=str(file), header=name):
+                        self.assertNotRegex(name, r"^<(QDBus|QtDBus|glib|gio|libudev|canberra)")
 
     def test_every_file_is_listed_by_its_folder(self):
         for file in sources():
