@@ -119,7 +119,7 @@ private:
 /// The expected portal settings, worked out from what was sent.
 class PortalModel {
 public:
-    Appearance look() const { return appearanceOf(settings_); }
+    Appearance expected() const { return appearanceOf(settings_); }
     void forget() { settings_ = {}; }
 
     void set(const QString& space, const QString& key, const AnyValue& sent) {
@@ -184,8 +184,8 @@ private:
     World& world_ = World::get();
 
     PortalModel portalModel_;
-    Appearance look_;
-    AppearanceWatch portalSettings_{world_.own, [this](const Appearance& look) { look_ = look; }};
+    Appearance appearance_;
+    AppearanceWatch portalSettings_{world_.own, [this](const Appearance& changed) { appearance_ = changed; }};
 
     std::map<QString, QString> profilesModel_;
     PowerProfiles profiles_{world_.systemBus, "/there is no such folder"};
@@ -286,7 +286,7 @@ private:
     }
 
     void check() {
-        require(look_ == portalModel_.look(), "it looks as the portal says");
+        require(appearance_ == portalModel_.expected(), "it looks as the portal says");
         PowerProfileChoice choice;
         for (const QString& name : {newProfiles, oldProfiles})
             if (const auto profile = profilesModel_.find(name); profile != profilesModel_.end())

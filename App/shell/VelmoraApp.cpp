@@ -138,18 +138,18 @@ int main(int argc, char** argv) {
     delegate.applicationDidFinishLaunching();
     sessionEvents.start();
     notifications.start(); // before anything can cause a reminder
-    AppearanceWatch look(sessionBus,
-                         [palette = QApplication::palette(), font = QApplication::font()](const auto& changed) {
-                             QApplication::setPalette(desktopPalette(palette, changed));
-                             QApplication::setFont(desktopFont(font, changed));
-                         });
+    AppearanceWatch appearance(sessionBus,
+                               [palette = QApplication::palette(), font = QApplication::font()](const auto& changed) {
+                                   QApplication::setPalette(desktopPalette(palette, changed));
+                                   QApplication::setFont(desktopFont(font, changed));
+                               });
     // The panel item does not wait for any of these, so the panel gets its answers first.
     mainLoop.after(untilPanelHasItem, [&] {
         powerSaving.start();
         sleep.start();
         systemBus.start();
         if (followsPortal(desktops.toStdString(), themeChoice.toStdString()))
-            look.start(isXfce(desktops.toStdString()));
+            appearance.start(isXfce(desktops.toStdString()));
         for (const auto& file : {HistoryStore::file(files), defaultsFile, NotificationConsent::file(stateFolder)})
             files.removeLeftovers(file);
         if (const auto identifier = bundle.identifier())

@@ -12,7 +12,7 @@ OPTIMISED = os.environ.get("VELMORA_OPTIMISED", "1") == "1"
 
 
 def files():
-    """The program and its modules."""
+    """The program and its plugins."""
     usr = bundle() / "usr"
     return [usr / "bin/velmora", *sorted(usr.glob("lib/**/*.so"))]
 

@@ -11,7 +11,7 @@ from support.screen import Box
 
 TRAY = Box(0, 0, SCREEN.width, 28)
 BELOW_TRAY = Box(0, TRAY.height, SCREEN.width, SCREEN.height - TRAY.height)
-PATIENCE_SECONDS = 10
+TIMEOUT_SECONDS = 10
 TRAY_SECONDS = 15
 CHANGE_SECONDS = 2
 TITLE = "Velmora"
@@ -59,7 +59,7 @@ class OldTray(DesktopCase):
     def test_waits_ten_seconds_for_a_newer_panel(self):
         start = time.monotonic()
         self.item_in_tray()
-        self.assertGreaterEqual(time.monotonic() - start, PATIENCE_SECONDS)
+        self.assertGreaterEqual(time.monotonic() - start, TIMEOUT_SECONDS)
 
     def test_shows_the_number_and_follows_the_battery(self):
         _, box = self.item_in_tray()

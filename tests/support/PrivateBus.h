@@ -10,7 +10,7 @@
 
 #include <memory>
 
-/// A private message bus with a socket of its own. It can be stopped and started again at the same address. It starts
+/// A private D-Bus daemon with a socket of its own. It can be stopped and started again at the same address. It starts
 /// only services that the test has put into `services`, and none that are installed on the machine.
 class PrivateBus {
 public:

@@ -26,10 +26,10 @@ QPalette darkPalette() {
 
 } // namespace
 
-QPalette desktopPalette(const QPalette& own, const Appearance& look) {
-    QPalette palette = look.isDark.value_or(false) ? darkPalette() : own;
-    if (look.accent) {
-        const auto part = [&](std::size_t i) { return static_cast<float>((*look.accent)[i]); };
+QPalette desktopPalette(const QPalette& own, const Appearance& appearance) {
+    QPalette palette = appearance.isDark.value_or(false) ? darkPalette() : own;
+    if (appearance.accent) {
+        const auto part = [&](std::size_t i) { return static_cast<float>((*appearance.accent)[i]); };
         const QColor accent = QColor::fromRgbF(part(0), part(1), part(2));
         palette.setColor(QPalette::Highlight, accent);
         const bool whiteIsSeen = contrast(accent, Qt::white) >= contrast(accent, Qt::black);
@@ -38,12 +38,12 @@ QPalette desktopPalette(const QPalette& own, const Appearance& look) {
     return palette;
 }
 
-QFont desktopFont(const QFont& own, const Appearance& look) {
+QFont desktopFont(const QFont& own, const Appearance& appearance) {
     QFont font = own;
-    if (look.font) {
-        font.setFamilies({QString::fromStdString(look.font->family)});
-        if (look.font->points > 0)
-            font.setPointSizeF(look.font->points);
+    if (appearance.font) {
+        font.setFamilies({QString::fromStdString(appearance.font->family)});
+        if (appearance.font->points > 0)
+            font.setPointSizeF(appearance.font->points);
     }
     return font;
 }

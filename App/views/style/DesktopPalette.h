@@ -8,7 +8,7 @@
 
 /// Qt's own palette, which is light, adapted to the desktop: dark if the desktop says so, and with the desktop's accent
 /// as the selection colour.
-QPalette desktopPalette(const QPalette& own, const Appearance& look);
+QPalette desktopPalette(const QPalette& own, const Appearance& appearance);
 
 /// Qt's own font, with the desktop's family and size where it gives them.
-QFont desktopFont(const QFont& own, const Appearance& look);
+QFont desktopFont(const QFont& own, const Appearance& appearance);

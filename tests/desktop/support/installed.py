@@ -68,14 +68,14 @@ class Installed:
         self.soon_equal(titles, ["Low battery", "Try Low Power Mode"], START_SECONDS)
 
     def draws_its_chart(self):
-        """The module with QCustomPlot is loaded for the chart, not linked."""
+        """The plugin with QCustomPlot is loaded for the chart, not linked."""
         maps = Path(f"/proc/{self.program.process.pid}/maps")
         loaded = lambda name: name in maps.read_text(encoding="utf-8")
         self.assertFalse(loaded("libQCustomPlotQt6"))
         self.item.menu.choose("Show details")
         self.soon(lambda: self.screen.windows("Velmora"), START_SECONDS, "the details are there")
-        module = f"{self.prefix}/lib/velmora/velmora-chart.so"
-        self.soon(lambda: loaded(module), START_SECONDS, "the chart is drawn")
+        plugin = f"{self.prefix}/lib/velmora/velmora-chart.so"
+        self.soon(lambda: loaded(plugin), START_SECONDS, "the chart is drawn")
         self.soon(lambda: loaded("libQCustomPlotQt6"), START_SECONDS, "the chart's library is loaded")
         self.keep("details")
         self.screen.press("Escape")

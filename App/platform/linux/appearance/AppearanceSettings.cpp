@@ -81,22 +81,22 @@ bool names(std::string_view desktops, std::string_view wanted) {
 } // namespace
 
 Appearance appearanceOf(const DesktopSettings& settings, const XfceSettings& xfce) {
-    Appearance look;
+    Appearance appearance;
     const std::uint32_t scheme = settings.colorScheme.value_or(0);
     if (scheme == 1 || scheme == 2)
-        look.isDark = scheme == 1;
+        appearance.isDark = scheme == 1;
     else if (const auto& theme = xfce.themeName ? xfce.themeName : settings.themeName)
-        look.isDark = isDarkTheme(*theme);
+        appearance.isDark = isDarkTheme(*theme);
     if (const auto& accent = settings.accentColor;
         accent && std::all_of(accent->begin(), accent->end(), [](double part) { return part >= 0 && part <= 1; }))
-        look.accent = accent;
+        appearance.accent = accent;
     if (xfce.fontName) { // the scale applies to the portal's font; Xfce sets the screen's resolution instead
-        look.font = fontOf(*xfce.fontName, 1);
+        appearance.font = fontOf(*xfce.fontName, 1);
     } else if (settings.fontName) {
         const double scale = settings.textScale.value_or(1);
-        look.font = fontOf(*settings.fontName, scale >= 0.5 && scale <= 3 ? scale : 1);
+        appearance.font = fontOf(*settings.fontName, scale >= 0.5 && scale <= 3 ? scale : 1);
     }
-    return look;
+    return appearance;
 }
 
 bool refusesQtPlatformTheme(std::string_view desktops, std::string_view userChoice) {

@@ -32,9 +32,9 @@ Appearance appearanceOf(const DesktopSettings& settings, const XfceSettings& xfc
 /// QT_QPA_PLATFORMTHEME takes precedence.
 bool refusesQtPlatformTheme(std::string_view desktops, std::string_view userChoice);
 
-/// Whether to take the look from the desktop's portal: where Qt does not know it by itself, and the user has not chosen
-/// another.
+/// Whether to take the appearance from the desktop's portal: where Qt does not know it by itself, and the user has not
+/// chosen another.
 bool followsPortal(std::string_view desktops, std::string_view userChoice);
 
-/// Whether this desktop keeps its look in Xfce's settings.
+/// Whether this desktop keeps its appearance in Xfce's settings.
 bool isXfce(std::string_view desktops);

@@ -15,7 +15,7 @@ void AppearanceWatch::start(bool isXfce) {
 }
 
 void AppearanceWatch::update() {
-    const Appearance look = appearanceOf(portal_.settings(), xfce_.settings());
-    if (std::exchange(look_, look) != look)
-        changed_(look);
+    const Appearance appearance = appearanceOf(portal_.settings(), xfce_.settings());
+    if (std::exchange(appearance_, appearance) != appearance)
+        changed_(appearance);
 }

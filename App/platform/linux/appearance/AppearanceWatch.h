@@ -6,10 +6,11 @@
 
 #include <functional>
 
-/// Follows the look of the desktop's windows through the services that report it on the session bus.
+/// Follows the appearance of the desktop's windows through the services that report it on the session bus.
 class AppearanceWatch final {
 public:
-    /// `changed` is called with each look that differs from the one before; the first is compared with an empty one.
+    /// `changed` is called with each appearance that differs from the one before; the first is compared with an empty
+    /// one.
     AppearanceWatch(const QDBusConnection& bus, std::function<void(const Appearance&)> changed);
 
     /// Asks the settings portal, and on Xfce that desktop's own service too, without waiting for an answer.
@@ -17,7 +18,7 @@ public:
 
 private:
     std::function<void(const Appearance&)> changed_;
-    Appearance look_;
+    Appearance appearance_;
     PortalSettings portal_;
     XfconfSettings xfce_;
 

@@ -11,7 +11,7 @@
 
 #include <functional>
 
-/// Follows the look of the desktop's windows through the settings portal on the session bus
+/// Follows the appearance of the desktop's windows through the settings portal on the session bus
 /// (org.freedesktop.portal.Settings). Without a portal the settings stay empty; one that appears later is noticed. None
 /// is started for this: a desktop with configurable looks has its portal running.
 class PortalSettings final : public QObject {

@@ -11,8 +11,8 @@
 
 #include <functional>
 
-/// Follows the look of Xfce's windows through its settings service on the session bus (org.xfce.Xfconf). If that is not
-/// running, it is not started and the settings stay empty; one that appears later is noticed.
+/// Follows the appearance of Xfce's windows through its settings service on the session bus (org.xfce.Xfconf). If that
+/// is not running, it is not started and the settings stay empty; one that appears later is noticed.
 class XfconfSettings final : public QObject {
     Q_OBJECT
 

@@ -9,17 +9,17 @@
 namespace {
 
 constexpr Duration leastInterval{1};
-/// Seconds from one look to the next: 1, 2, 5 and 15 seconds after the report.
+/// Seconds from one probe to the next: 1, 2, 5 and 15 seconds after the report.
 constexpr std::array<Duration, 4> pauses{Duration(1), Duration(1), Duration(3), Duration(10)};
 
 } // namespace
 
 ChangeDebouncer::ChangeDebouncer(MainLoop& loop, const Clock& clock, std::function<void()> report,
-                                 std::function<bool()> look)
+                                 std::function<bool()> probe)
     : loop_(loop)
     , clock_(clock)
     , report_(std::move(report))
-    , look_(std::move(look)) {}
+    , probe_(std::move(probe)) {}
 
 void ChangeDebouncer::event() {
     if (reportIsDue_)
@@ -34,32 +34,32 @@ void ChangeDebouncer::event() {
 }
 
 void ChangeDebouncer::settle() {
-    if (!looking_)
-        startLooking();
+    if (!probing_)
+        startProbing();
 }
 
 void ChangeDebouncer::reportNow() {
     reported_ = true;
     reportIsDue_ = false;
     lastReport_ = clock_.uptime();
-    startLooking();
+    startProbing();
     report_();
 }
 
-void ChangeDebouncer::startLooking() {
-    looking_ = true;
-    scheduleLook(0, ++round_);
+void ChangeDebouncer::startProbing() {
+    probing_ = true;
+    scheduleProbe(0, ++round_);
 }
 
-void ChangeDebouncer::scheduleLook(std::size_t number, unsigned long round) {
+void ChangeDebouncer::scheduleProbe(std::size_t number, unsigned long round) {
     loop_.after(pauses[number], lifetime_.guard([this, number, round] {
         if (round != round_)
             return;
-        looking_ = number + 1 < pauses.size();
-        if (looking_)
-            scheduleLook(number + 1, round);
+        probing_ = number + 1 < pauses.size();
+        if (probing_)
+            scheduleProbe(number + 1, round);
         // A pending report reads anyway.
-        if (!reportIsDue_ && look_()) {
+        if (!reportIsDue_ && probe_()) {
             lastReport_ = clock_.uptime();
             reported_ = true;
             report_();

@@ -14,28 +14,28 @@ class MainLoop;
 /// each report the supplies are read again a few times, and only a change is reported.
 class ChangeDebouncer {
 public:
-    /// `report` passes a change on; `look` reads again and says whether anything differs from what was last given out.
-    ChangeDebouncer(MainLoop& loop, const Clock& clock, std::function<void()> report, std::function<bool()> look);
+    /// `report` passes a change on; `probe` reads again and says whether anything differs from what was last given out.
+    ChangeDebouncer(MainLoop& loop, const Clock& clock, std::function<void()> report, std::function<bool()> probe);
 
     /// An event arrived.
     void event();
 
-    /// Something is unsettled without an event: look again later, unless that is about to happen anyway.
+    /// Something is unsettled without an event: probe later, unless that is about to happen anyway.
     void settle();
 
 private:
     MainLoop& loop_;
     const Clock& clock_;
     std::function<void()> report_;
-    std::function<bool()> look_;
+    std::function<bool()> probe_;
     bool reported_ = false;
     Duration lastReport_{};
     bool reportIsDue_ = false;
-    bool looking_ = false;
+    bool probing_ = false;
     unsigned long round_ = 0;
     Lifetime lifetime_;
 
     void reportNow();
-    void startLooking();
-    void scheduleLook(std::size_t number, unsigned long round);
+    void startProbing();
+    void scheduleProbe(std::size_t number, unsigned long round);
 };

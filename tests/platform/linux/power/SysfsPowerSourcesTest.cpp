@@ -95,7 +95,7 @@ TEST_F(SysfsPowerSourcesTest, GivesTheLastGoodValuesForAWhileWhenReadsFail) {
     EXPECT_FALSE(reader.read().hasBattery);
 }
 
-TEST_F(SysfsPowerSourcesTest, HasNoLessPatienceBecauseTheMachineSleptMeanwhile) {
+TEST_F(SysfsPowerSourcesTest, WaitsNoShorterBecauseTheMachineSleptMeanwhile) {
     addLaptop();
     const BatteryState good = reader.read();
     supplies.set("BAT0", "present", "0");
@@ -107,7 +107,7 @@ TEST_F(SysfsPowerSourcesTest, HasNoLessPatienceBecauseTheMachineSleptMeanwhile) 
     EXPECT_FALSE(reader.read().hasBattery);
 }
 
-TEST_F(SysfsPowerSourcesTest, TellsOnItsOwnWhenPatienceIsOver) {
+TEST_F(SysfsPowerSourcesTest, TellsOnItsOwnAfterTheTimeout) {
     addLaptop();
     reader.read();
     observe();
