@@ -28,10 +28,10 @@ struct Asked {
     QString parent;
     QString title;
     QVariantMap options;
-    QString request; ///< where it expects the answer
+    QString request; ///< the object path where the dialog expects the answer
 };
 
-/// The file chooser portal of a desktop, in the test's own process, on a connection of its own.
+/// A desktop's file chooser portal, in the test's process but not on the dialog's connection.
 class FakePortal final : public QDBusVirtualObject {
 public:
     explicit FakePortal(const PrivateBus& bus) : connection_(bus.connection()) {
@@ -41,10 +41,10 @@ public:
     ~FakePortal() override { stop(); }
 
     QList<Asked> asked;
-    QStringList closed;                        ///< requests that were taken back
-    std::function<void(const Asked&)> onAsked; ///< before it says that it will ask
-    std::optional<QVariant> reply;             ///< instead of the path of the request; invalid for none at all
-    QString error;                             ///< instead of a reply, when there is any
+    QStringList closed;                        ///< requests that the dialog withdrew
+    std::function<void(const Asked&)> onAsked; ///< called before the portal replies
+    std::optional<QVariant> reply;             ///< instead of the request's path; if invalid, no reply is sent
+    QString error;                             ///< sent instead of a reply unless empty
 
     void stop() {
         connection_.unregisterService(service);
@@ -61,7 +61,7 @@ public:
         signal.setArguments(arguments);
         connection.send(signal);
     }
-    /// Says late what it should have said when it was asked.
+    /// Sends the overdue reply to the last question.
     void replyLate() {
         connection_.send(last_.createReply(QVariant::fromValue(QDBusObjectPath(asked.last().request))));
     }
@@ -96,7 +96,7 @@ private:
     QDBusMessage last_;
 };
 
-/// One filter, of those that were sent.
+/// One of the filters that the dialog sent.
 struct Filter {
     QString name;
     uint kind = 0;
@@ -127,7 +127,7 @@ QList<Filter> filtersIn(const QVariant& value) {
 class PortalSaveDialogTest : public DialogsFixture {
 protected:
     PrivateBus bus;
-    // A connection beside the stand-in's, as two programs have.
+    // The dialog's connection; the fake portal has another, as two programs have.
     QDBusConnection own = QDBusConnection::connectToBus(bus.address(), QStringLiteral("save-dialog-test"));
     std::chrono::milliseconds timeout = 30s;
 
@@ -135,10 +135,11 @@ protected:
 
     std::optional<fs::path> runSaveDialog() { return QtDialogs(own, timeout).runSaveDialog(history); }
 
-    /// Once the portal has been asked, and we know that it has, this happens.
+    /// Runs `act` once the portal has been asked and the dialog has its reply.
     void whenAsked(FakePortal& portal, const std::function<void(const Asked&)>& act) {
         portal.onAsked = [this, act](const Asked& question) {
-            // When the word that it will ask is on its way, a question of ours goes after it; answers keep their order.
+            // The portal's reply is on its way by now, and we send a ping after it. Replies keep their order, so the
+            // reply to the ping comes second.
             QTimer::singleShot(0, [this, act, question] {
                 const auto ping = QDBusMessage::createMethodCall(
                     service, path, QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping"));
@@ -151,13 +152,13 @@ protected:
         };
     }
 
-    /// Qt's dialog comes, and the user saves there.
+    /// Expects Qt's own dialog; the user saves in it.
     void expectOwnDialog() {
         whenShown("saveDialog", [](QDialog& dialog) { save(dialog, "own.csv"); });
         EXPECT_EQ(runSaveDialog(), home.path / "own.csv");
     }
 
-    /// The result when the portal responds with these.
+    /// The dialog's result when the portal responds with these.
     std::optional<fs::path> chosen(uint response, const QStringList& uris) {
         FakePortal portal(bus);
         whenAsked(portal, [&](const Asked& question) { portal.respond(question.request, response, uris); });
@@ -269,14 +270,14 @@ TEST_F(PortalSaveDialogTest, DoesNotWaitForAPortalThatDoesNotAnswer) {
     expectOwnDialog();
     ASSERT_EQ(portal.asked.size(), 1);
     EXPECT_TRUE(portal.closed.isEmpty());
-    // It comes to it in the end, but nobody waits any more.
+    // The portal accepts at last, but nobody waits for its answer any more.
     portal.replyLate();
     EXPECT_TRUE(waitUntil([&] { return portal.closed == QStringList{portal.asked.first().request}; }));
 }
 
 TEST_F(PortalSaveDialogTest, GivesTheUserAllTheTime) {
     FakePortal portal(bus);
-    timeout = 1s; // which the stand-in has time enough in to say that it will ask
+    timeout = 1s; // long enough for the fake portal to reply
     whenAsked(portal, [&](const Asked& question) {
         loop.after(timeout + 300ms,
                    [&portal, question] { portal.respond(question.request, 0, {QStringLiteral("file:///x.csv")}); });
@@ -334,7 +335,7 @@ TEST_F(PortalSaveDialogTest, TimersGoOnAndThereIsOnePanelAtATime) {
         portal.respond(portal.asked.first().request, 1);
     });
     EXPECT_EQ(dialogs.runSaveDialog(history), std::nullopt);
-    EXPECT_GE(ticks, 3); // the answer takes its time on the bus
+    EXPECT_GE(ticks, 3); // more ticks may pass while the answer is on the bus
     EXPECT_EQ(portal.asked.size(), 1);
 }
 

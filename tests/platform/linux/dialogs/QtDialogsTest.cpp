@@ -148,7 +148,7 @@ TEST_F(QtDialogsTest, AnAlertShowsItsTextsAndButtonsInTheirOrder) {
                       .buttons = {"Allow", "Not Now", "Never"}});
 }
 
-// Desktops put buttons in an order of their own, by what the buttons are for: 0 is Windows', 2 KDE's, 3 GNOME's.
+// Each desktop orders buttons by their roles: layout 0 is the order of Windows, 2 of KDE, 3 of GNOME.
 TEST_F(QtDialogsTest, TheButtonsOfAnAlertKeepTheirOrderOnAllDesktops) {
     for (const int layout : {0, 2, 3}) {
         qApp->setStyleSheet(QStringLiteral("QDialogButtonBox { button-layout: %1 }").arg(layout));
@@ -241,14 +241,14 @@ TEST_F(QtDialogsTest, TheProgramEndsWhileTheSaveDialogIsOpen) {
 TEST_F(QtDialogsTest, TheProgramEndsWhileItAsksWhetherToReplace) {
     write(home.path / "old.csv", "x");
     std::optional<fs::path> chosen = "not asked";
-    // The question of the dialog itself.
+    // While Qt's file dialog asks.
     whenShown("saveDialog", [&](QDialog& dialog) {
         whenAsked([](QMessageBox&) { QCoreApplication::quit(); });
         save(dialog, "old.csv");
     });
     EXPECT_TRUE(mainLoopRuns([&] { chosen = dialogs.runSaveDialog(history); }));
     EXPECT_EQ(chosen, std::nullopt);
-    // Ours.
+    // While our own alert asks.
     chosen = "not asked";
     whenShown("saveDialog", [&](QDialog& dialog) { save(dialog, "old"); });
     whenShown("replaceAlert", [](QDialog&) { QCoreApplication::quit(); });
@@ -312,7 +312,7 @@ TEST_F(QtDialogsTest, BringsOrdinaryWindowsToTheFront) {
     EXPECT_FALSE(embedded.isActiveWindow());
 }
 
-/// The model with real files and these dialogs, and everything else as a fake.
+/// The model with real files, real dialogs and a real main loop; everything else is fake.
 class ExportTest : public QtDialogsTest {
 protected:
     PosixFiles files{home.path / ".local/share"};
@@ -346,7 +346,7 @@ TEST_F(ExportTest, NothingIsWrittenWhenTheUserCancels) {
 }
 
 TEST_F(ExportTest, TheUserIsToldWhyNothingCouldBeWritten) {
-    // A folder can be in the place of the file by the time that it is written.
+    // By the time the file is written, a folder can have taken its place.
     whenShown("saveDialog", [&](QDialog& dialog) {
         save(dialog, "taken.csv");
         fs::create_directories(home.path / "taken.csv/inside");

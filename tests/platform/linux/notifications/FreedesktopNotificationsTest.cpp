@@ -5,7 +5,7 @@
 
 #include <QWindow>
 
-/// What is shown, replaced and withdrawn, and what comes back from the user.
+/// Notifications are shown, replaced and withdrawn, and the user reacts to them.
 class FreedesktopNotificationsTest : public NotificationsFixture {
 protected:
     using Status = NotificationCenter::AuthorizationStatus;

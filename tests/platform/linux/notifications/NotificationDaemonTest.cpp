@@ -12,7 +12,7 @@
 /// Daemons that come, go, hang and talk nonsense.
 class NotificationDaemonTest : public NotificationsFixture {
 protected:
-    /// For what is never answered.
+    /// For calls that the daemon never answers.
     static constexpr NotificationDaemon::Timeouts shortTimeouts{.abilities = std::chrono::milliseconds(50),
                                                                 .doNotDisturb = std::chrono::milliseconds(50),
                                                                 .notify = std::chrono::milliseconds(300)};
@@ -21,7 +21,7 @@ protected:
         return waitUntil([&] { return daemon.sent.size() == times; });
     }
 
-    /// From now on the bus starts a daemon when one is called and there is none. It gives 1 as its first id.
+    /// From now on the bus starts a daemon when a call finds none running. The first id that this daemon gives is 1.
     void installDaemon() {
         write(bus.services() / "notifications.service",
               "[D-BUS Service]\nName=org.freedesktop.Notifications\n"
@@ -30,7 +30,8 @@ protected:
         bus.call(dbus, QStringLiteral("/org/freedesktop/DBus"), dbus, QStringLiteral("ReloadConfig"));
     }
 
-    /// What each notification was to take the place of that the installed daemon got; nothing while it is not there.
+    /// For each notification that the installed daemon received, the id it was to replace; empty while there is no
+    /// daemon.
     QList<uint> idsReplacedInTheInstalledOne() {
         QList<uint> ids;
         if (!bus.has(service))
@@ -108,7 +109,7 @@ TEST_F(NotificationDaemonTest, IsStartedAnewForWhatItDidNotLiveToAnswer) {
     installDaemon();
     daemon.die();
     ASSERT_TRUE(waitUntil([&] { return idsReplacedInTheInstalledOne() == QList<uint>{0}; }));
-    roundTrip(connection); // its answer has arrived
+    roundTrip(connection); // by now the installed daemon's answer has arrived
     QCoreApplication::processEvents();
     center->add(request("low"));
     EXPECT_TRUE(waitUntil([&] { return idsReplacedInTheInstalledOne().size() == 2; }));
@@ -150,7 +151,7 @@ TEST_F(NotificationDaemonTest, IsReplacedByOneThatGetsWhatItDidNotAnswer) {
         start();
         center->add(request("low"));
         ASSERT_TRUE(waitUntil([&] { return first.calls.contains(QString::fromLatin1(method)); })) << method;
-        // It waits in the queue for the name.
+        // The next daemon queues for the name.
         next.appearNext();
         first.die();
         ASSERT_TRUE(waitUntil([&] { return next.sent.size() == 1; })) << method;
@@ -189,7 +190,7 @@ TEST_F(NotificationDaemonTest, GetsNothingThatWasMeantForTheOneBeforeIt) {
     daemon.manners[QStringLiteral("Get")] = Manner::waits;
     add(request("low"));
     FakeNotificationDaemon next(bus, QStringLiteral("next"));
-    // All of this before the adapter hears of any of it, so that it still believes in the first.
+    // All of this happens before the adapter hears of any of it, so it still believes that the first daemon is there.
     daemon.answerWaiting();
     daemon.roundTrip();
     next.appearNext();
@@ -225,12 +226,12 @@ TEST_F(NotificationDaemonTest, GetsTheLeastWhereItDoesNotTellWhatItCanDo) {
         timeouts.notify = std::chrono::seconds(20);
         start(timeouts);
         if (method == std::string_view("GetCapabilities"))
-            settle(); // it knows by then that the daemon is there
+            settle(); // by then the adapter knows that the daemon is there
         center->add(request("low", "A", "Glass"));
         ASSERT_TRUE(isSent(1)) << method;
         EXPECT_EQ(daemon.sent[0].actions, QStringList()) << method;
         EXPECT_EQ(daemon.sent[0].hints.value(QStringLiteral("suppress-sound")), true) << method;
-        // An answer that comes late is of use to the next one.
+        // A late answer still serves the next notification.
         daemon.manners.clear();
         daemon.answerWaiting();
         settle();
@@ -307,7 +308,7 @@ TEST_F(NotificationDaemonTest, MayTalkNonsense) {
             liar.tell(QStringLiteral("ActionInvoked"), answer);
         }
     }
-    // And one that makes sense again.
+    // Then comes a daemon that makes sense.
     daemon.appear();
     center->add(request("low"));
     EXPECT_TRUE(isSent(1));
@@ -319,7 +320,7 @@ TEST_F(NotificationDaemonTest, MaySendSignalsOfOtherTypes) {
     start();
     add(request("low"));
     const uint id = daemon.sent.at(0).id;
-    // What is no plain value is turned into what is wanted only on arrival.
+    // Qt converts maps, lists and variants to the types that the slot wants only when the signal arrives.
     const QVariant odd[] = {QVariantMap{{QStringLiteral("a"), 1}}, QVariantList{1, QStringLiteral("b")},
                             QVariant::fromValue(QDBusVariant(id)), QStringLiteral("SNOOZE"), 7.0};
     for (const char* signal : {"NotificationClosed", "ActionInvoked"}) {
@@ -335,7 +336,7 @@ TEST_F(NotificationDaemonTest, MaySendSignalsOfOtherTypes) {
     }
     settle();
     EXPECT_EQ(delegate.received, std::vector<std::string>());
-    // Nothing of that was believed: it is still there, and its button works.
+    // The adapter believed none of that: the notification is still there, and its button works.
     daemon.invoke(id, QStringLiteral("SNOOZE"));
     EXPECT_TRUE(waitUntil([&] { return delegate.received.size() == 1; }));
 }
@@ -345,7 +346,7 @@ TEST_F(NotificationDaemonTest, MayHangWithoutAnythingPilingUp) {
         daemon.manners[QString::fromLatin1(method)] = Manner::waits;
     daemon.appear();
     NotificationDaemon::Timeouts timeouts = shortTimeouts;
-    timeouts.notify = std::chrono::seconds(60); // longer than this test: what is on its way stays so
+    timeouts.notify = std::chrono::seconds(60); // longer than this test, so pending calls stay pending
     start(timeouts);
     const char* const identifiers[] = {"chargeLimit", "low", "tooLong", "health", "lowPower"};
     const auto askFor = [&](int count) {
@@ -364,7 +365,7 @@ TEST_F(NotificationDaemonTest, MayHangWithoutAnythingPilingUp) {
     EXPECT_EQ(daemon.count(QStringLiteral("Notify")), 5) << "one of each identifier is on its way";
     EXPECT_LT(allocatedBytes(), before + 100'000) << "10 bytes for each that was asked for";
     RecordProperty("residentGrowthKiB", std::to_string(resident() - residentBefore));
-    // The waiting ones come when the answers do: the latest of each, in the place of the first.
+    // Once the daemon answers, it gets the waiting notifications: the latest of each identifier, replacing the first.
     daemon.manners.clear();
     daemon.answerWaiting();
     ASSERT_TRUE(isSent(10));

@@ -3,7 +3,7 @@
 
 #include <QDBusVariant>
 
-/// Who plays the sound, and when nobody does.
+/// Whether the notification daemon or the program plays the sound, and when neither does.
 class NotificationSoundTest : public NotificationsFixture {
 protected:
     using Played = std::vector<std::string>;

@@ -16,7 +16,7 @@ std::string exec(const std::string& command) {
     return head + "Exec=" + command + "\n";
 }
 
-/// Of a bundle in a folder.
+/// The entry for a bundle in `folder`.
 std::optional<std::string> entryOf(const std::filesystem::path& folder, Switch state = Switch::on) {
     return AutostartEntry::text(folder / "AppRun", folder / "app.velmora.Velmora.svg", state);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What desktops make of the entry that is written: the validator, GLib's launcher, systemd's generator.
+// Checks the entry that we write with the tools of desktops: the validator, GLib's launcher and systemd's generator.
 #include "platform/linux/files/PosixFiles.h"
 #include "platform/linux/session/ExecutableBundle.h"
 #include "platform/linux/session/XdgAutostart.h"
@@ -18,7 +18,7 @@ namespace {
 
 enum class Systemd {
     starts,
-    cannotTell ///< QUIRK: the generator of systemd 252 takes a backslash for an escape once too often
+    cannotTell ///< QUIRK: the generator of systemd 252 unescapes backslashes once too often
 };
 
 struct Place {
@@ -52,7 +52,7 @@ Result run(const fs::path& home, const char* program, const QStringList& argumen
             .output = process.readAll().toStdString()};
 }
 
-/// A bundle in a folder of any name, whose program notes how it was called.
+/// A bundle in a folder of any name. Its program writes down how it was called.
 class AutostartLaunch : public testing::TestWithParam<Place> {
 protected:
     TemporaryFolder folder;

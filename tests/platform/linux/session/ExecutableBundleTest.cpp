@@ -21,7 +21,7 @@ void isNoBundle(const fs::path& executable, const std::string& why) {
     EXPECT_FALSE(found.isInstalled()) << why;
 }
 
-/// A folder with what `make_app.sh` puts there.
+/// A folder with the files that `make_app.sh` puts there.
 class AppDirTest : public testing::Test {
 protected:
     TemporaryFolder folder;
@@ -44,7 +44,7 @@ protected:
     void isNoBundle(const char* why) { ::isNoBundle(program, why); }
 };
 
-/// A folder with what `cmake --install` puts below a prefix.
+/// A folder with the files that `cmake --install` puts below a prefix.
 class PrefixTest : public testing::Test {
 protected:
     TemporaryFolder folder;
@@ -86,7 +86,7 @@ TEST_F(AppDirTest, IsNotFooledByTheBundleOfAnotherProgram) {
 }
 
 TEST_F(AppDirTest, NeedsAnAppRunThatIsTheProgram) {
-    fs::remove_all(bundle / "usr/share"); // or it would be a prefix
+    fs::remove_all(bundle / "usr/share"); // otherwise `usr` would be a prefix
     fs::remove(bundle / "AppRun");
     isNoBundle("nothing to start");
     fs::create_symlink("AppRun", bundle / "AppRun");

@@ -40,7 +40,7 @@ protected:
                                          QStringList{QStringLiteral("--template"), QStringLiteral("logind")});
     }
 
-    /// How many delay locks for sleep are held, as logind counts them.
+    /// The number of delay locks for sleep that Velmora holds, according to logind.
     int locks() const {
         const QVariant list = bus.call(name, path, manager, QStringLiteral("ListInhibitors"));
         const auto argument = list.value<QDBusArgument>();
@@ -59,7 +59,7 @@ protected:
         return count;
     }
 
-    /// Sends the signal with one argument.
+    /// Sends PrepareForSleep with one argument.
     void announce(const QVariant& argument, const char* signature = "b") const {
         bus.call(name, path, QStringLiteral("org.freedesktop.DBus.Mock"), QStringLiteral("EmitSignal"),
                  {manager, QStringLiteral("PrepareForSleep"), QString::fromLatin1(signature),

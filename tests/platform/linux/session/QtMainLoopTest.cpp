@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#undef _FORTIFY_SOURCE // the C library's own checks are functions of the same names as those that this test replaces
+#undef _FORTIFY_SOURCE // with it, the C library defines checks under the names of the functions replaced here
 #include "platform/linux/session/QtMainLoop.h"
 
 #include <QEventLoop>
@@ -24,13 +24,13 @@ namespace {
 
 constexpr std::int64_t billion = 1'000'000'000;
 
-/// The time in which Qt's timers live while a test is in it: it stands still but when the event loop waits.
+/// The time that Qt's timers see during a test; it advances only while the event loop waits.
 struct VirtualTime {
     static inline std::atomic<bool> isOn = false;
     static inline std::atomic<std::int64_t> now = 0;       ///< nanoseconds
-    static inline std::atomic<std::int64_t> lateness = 0;  ///< how late the system wakes who waits
-    static inline std::atomic<int> waits = 0;              ///< how often somebody waited
-    static inline std::atomic<bool> waitedForever = false; ///< when nothing more could come
+    static inline std::atomic<std::int64_t> lateness = 0;  ///< how late the system wakes a waiting thread
+    static inline std::atomic<int> waits = 0;              ///< how many calls have waited
+    static inline std::atomic<bool> waitedForever = false; ///< in a wait that nothing would have ended
 
     VirtualTime() {
         now = 1000 * billion;
@@ -49,7 +49,7 @@ timespec fields(std::int64_t nanoseconds) {
 }
 
 int wait(pollfd* files, nfds_t count, std::optional<std::int64_t> limit, const sigset_t* mask) {
-    constexpr std::size_t sizeOfMask = 8; // as the kernel counts signals
+    constexpr std::size_t sizeOfMask = 8; // bytes in the kernel's signal mask
     if (!VirtualTime::isOn) {
         const timespec time = fields(limit.value_or(0));
         return static_cast<int>(
@@ -70,7 +70,7 @@ int wait(pollfd* files, nfds_t count, std::optional<std::int64_t> limit, const s
 
 } // namespace
 
-// The C library's own, as this program and the libraries in it call them.
+// These replace the C library's functions for this program and the libraries in it.
 
 extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
     if (!VirtualTime::isOn || clock != CLOCK_MONOTONIC)
@@ -101,7 +101,7 @@ struct QtMainLoopTest : ::testing::Test {
     static double now() { return static_cast<double>(VirtualTime::now - 1000 * billion) / billion; }
     static void take(double seconds) { VirtualTime::now += static_cast<std::int64_t>(seconds * billion); }
 
-    /// The program's minute, until it has come so often. What it does takes its time.
+    /// Runs the program's minute timer until it has fired `count` times; `seconds` is how long each task takes.
     void minutes(std::size_t count, const std::function<double(std::size_t)>& seconds) {
         QEventLoop events;
         timer = loop.repeat(60s, 10s, [&] {
@@ -123,7 +123,7 @@ TEST_F(QtMainLoopTest, TheMinutesOfADayDoNotAddUpTheirDelays) {
     minutes(1440, [](std::size_t) { return 0.3; });
     ASSERT_EQ(ticks.size(), 1440U);
     for (std::size_t i = 0; i < ticks.size(); ++i)
-        ASSERT_NEAR(ticks[i], static_cast<double>(i + 1) * 60, 1) << i; // whole seconds of the system's clock
+        ASSERT_NEAR(ticks[i], static_cast<double>(i + 1) * 60, 1) << i; // Qt fires on whole seconds of the clock
     EXPECT_NEAR(ticks.back() - ticks.front(), 1439 * 60, 0.1);
     EXPECT_LE(VirtualTime::waits, 1500) << "nothing wakes it in between";
 }

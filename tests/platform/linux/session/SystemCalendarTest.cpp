@@ -17,7 +17,7 @@
 
 namespace {
 
-/// Puts the process into a time zone for as long as it lives.
+/// Sets the time zone of the process for the lifetime of this object.
 class TimeZone {
 public:
     explicit TimeZone(const char* name) {
@@ -44,7 +44,7 @@ Date at(std::time_t seconds) {
     return Date(Duration(static_cast<double>(seconds)));
 }
 
-/// "2024-11-15 06:00:00" in UTC; not for a zone that counts leap seconds.
+/// Parses a UTC time like "2024-11-15 06:00:00"; not for a zone that counts leap seconds.
 Date utc(const std::string& text) {
     std::tm fields{};
     EXPECT_NE(::strptime(text.c_str(), "%Y-%m-%d %H:%M:%S", &fields), nullptr) << text;
@@ -73,7 +73,7 @@ TEST(SystemCalendar, FollowsTheZone) {
     const TimeZone outer("UTC0");
     expectTime(calendar.timeOfDay(date), 5, 59);
     EXPECT_EQ(utcText(calendar.day(date).start), "2024-11-15 00:00:00");
-    // The variable alone: nobody tells the C library.
+    // Changes TZ without calling tzset().
     ::setenv("TZ", "IST-5:30", 1);
     expectTime(calendar.timeOfDay(date), 11, 29);
     ::setenv("TZ", "CET-1", 1);
@@ -82,7 +82,7 @@ TEST(SystemCalendar, FollowsTheZone) {
     EXPECT_EQ(utcText(*calendar.addingDays(utc("2024-03-30 11:00:00"), 1)), "2024-03-31 10:00:00");
 }
 
-// The expected times are those of Python's zoneinfo module (tzdata 2025b), found by looking at every second.
+// The expected times come from Python's zoneinfo module (tzdata 2025b), by a search through every second.
 TEST(SystemCalendar, TellsTheDay) {
     struct Row {
         const char* zone;
@@ -93,12 +93,12 @@ TEST(SystemCalendar, TellsTheDay) {
     const Row rows[] = {
         {"UTC", "2024-02-29 12:00:00", "2024-02-29 00:00:00", "2024-03-01 00:00:00"},
         {"UTC", "1969-12-31 23:59:59", "1969-12-31 00:00:00", "1970-01-01 00:00:00"},
-        // Of 23 and of 25 hours.
+        // Days of 23 and of 25 hours.
         {"Europe/Berlin", "2024-03-31 00:59:59", "2024-03-30 23:00:00", "2024-03-31 22:00:00"},
         {"Europe/Berlin", "2024-03-31 12:00:00", "2024-03-30 23:00:00", "2024-03-31 22:00:00"},
         {"Europe/Berlin", "2024-10-27 00:30:00", "2024-10-26 22:00:00", "2024-10-27 23:00:00"},
         {"Europe/Berlin", "2024-10-27 01:30:00", "2024-10-26 22:00:00", "2024-10-27 23:00:00"},
-        // Without a midnight.
+        // Days without a midnight.
         {"Africa/Cairo", "2023-04-27 21:59:59", "2023-04-26 22:00:00", "2023-04-27 22:00:00"},
         {"Africa/Cairo", "2023-04-27 22:00:00", "2023-04-27 22:00:00", "2023-04-28 21:00:00"},
         {"Africa/Cairo", "2023-04-28 12:00:00", "2023-04-27 22:00:00", "2023-04-28 21:00:00"},
@@ -106,26 +106,26 @@ TEST(SystemCalendar, TellsTheDay) {
         {"America/Sao_Paulo", "2018-11-04 03:00:00", "2018-11-04 03:00:00", "2018-11-05 02:00:00"},
         {"Asia/Beirut", "2023-03-26 12:00:00", "2023-03-25 22:00:00", "2023-03-26 21:00:00"},
         {"Asia/Beirut", "2023-03-29 22:00:00", "2023-03-29 21:00:00", "2023-03-30 21:00:00"},
-        // With two midnights.
+        // A day with two midnights.
         {"America/Havana", "2023-11-05 04:30:00", "2023-11-05 04:00:00", "2023-11-06 05:00:00"},
         {"America/Havana", "2023-11-05 05:30:00", "2023-11-05 04:00:00", "2023-11-06 05:00:00"},
-        // Back from midnight: what is just over goes on for another hour.
+        // At midnight the clock goes back to 23:00, so the day that has just ended lasts another hour.
         {"America/Sao_Paulo", "2018-02-18 01:30:00", "2018-02-17 02:00:00", "2018-02-18 03:00:00"},
         {"America/Sao_Paulo", "2018-02-18 02:30:00", "2018-02-17 02:00:00", "2018-02-18 03:00:00"},
         {"America/Sao_Paulo", "2018-02-18 03:00:00", "2018-02-18 03:00:00", "2018-02-19 03:00:00"},
-        // Back over midnight: a minute of the 29th, again 59 minutes of the 28th, then the 29th.
+        // The clock goes back across midnight: a minute of the 29th, 59 minutes of the 28th again, then the 29th.
         {"America/St_Johns", "2006-10-29 02:00:00", "2006-10-28 02:30:00", "2006-10-29 02:30:00"},
         {"America/St_Johns", "2006-10-29 02:30:30", "2006-10-29 02:30:00", "2006-10-29 02:31:00"},
         {"America/St_Johns", "2006-10-29 03:00:00", "2006-10-28 02:30:00", "2006-10-29 03:30:00"},
         {"America/St_Johns", "2006-10-29 12:00:00", "2006-10-29 02:30:00", "2006-10-30 03:30:00"},
-        // The 30th never was.
+        // Zones that skip a date: Apia 2011-12-30, Kwajalein 1993-08-21.
         {"Pacific/Apia", "2011-12-30 09:59:59", "2011-12-29 10:00:00", "2011-12-30 10:00:00"},
         {"Pacific/Apia", "2011-12-30 10:00:00", "2011-12-30 10:00:00", "2011-12-31 10:00:00"},
         {"Pacific/Kwajalein", "1993-08-20 12:00:00", "1993-08-20 12:00:00", "1993-08-21 12:00:00"},
-        // A date of 47 hours, and one that came twice.
+        // A date that lasts 47 hours, and one that comes twice.
         {"Pacific/Kwajalein", "1969-10-01 11:00:00", "1969-09-29 13:00:00", "1969-10-01 12:00:00"},
         {"America/Juneau", "1867-10-18 12:00:00", "1867-10-18 08:57:41", "1867-10-19 00:31:13"},
-        // Distances and changes that are no whole hours.
+        // UTC offsets and clock changes that are not whole hours.
         {"Asia/Kolkata", "2024-11-15 18:29:59", "2024-11-14 18:30:00", "2024-11-15 18:30:00"},
         {"Asia/Kolkata", "2024-11-15 18:30:00", "2024-11-15 18:30:00", "2024-11-16 18:30:00"},
         {"Asia/Kathmandu", "2024-11-15 18:15:00", "2024-11-15 18:15:00", "2024-11-16 18:15:00"},
@@ -148,8 +148,8 @@ TEST(SystemCalendar, TellsTheDay) {
     }
 }
 
-// The expected times are those of Python's zoneinfo module (tzdata 2025b): the first second at which the wall clock is
-// at the wanted time or past it.
+// The expected times come from Python's zoneinfo module (tzdata 2025b): the first second at which the wall clock shows
+// the wanted time or a later one.
 TEST(SystemCalendar, AddsDays) {
     struct Row {
         const char* zone;
@@ -162,7 +162,7 @@ TEST(SystemCalendar, AddsDays) {
         {"UTC", "2024-03-01 12:00:00", -1, "2024-02-29 12:00:00"},
         {"UTC", "1970-01-01 00:00:00", -1, "1969-12-31 00:00:00"},
         {"UTC", "2024-02-29 06:30:00", -365000, "1024-10-29 06:30:00"},
-        // Over a change, into the gap from either side, into the hour that comes twice, out of its second pass.
+        // Across a clock change, into the gap from either side, into the hour that comes twice, out of its second pass.
         {"Europe/Berlin", "2024-03-30 11:15:00", 1, "2024-03-31 10:15:00"},
         {"Europe/Berlin", "2024-03-30 01:30:00", 1, "2024-03-31 01:00:00"},
         {"Europe/Berlin", "2024-04-01 00:30:00", -1, "2024-03-31 01:00:00"},
@@ -178,7 +178,7 @@ TEST(SystemCalendar, AddsDays) {
         {"America/Sao_Paulo", "2018-02-17 02:00:00", 1, "2018-02-18 03:00:00"},
         {"America/St_Johns", "2006-10-28 02:30:30", 1, "2006-10-29 02:30:30"},
         {"America/St_Johns", "2006-10-28 02:00:00", 1, "2006-10-29 02:00:00"},
-        // Onto and across the date that never was.
+        // Onto and across a date that the zone skips.
         {"Pacific/Apia", "2011-12-29 20:00:00", 1, "2011-12-30 10:00:00"},
         {"Pacific/Apia", "2011-12-29 20:00:00", 2, "2011-12-30 20:00:00"},
         {"Pacific/Apia", "2011-12-30 20:00:00", -1, "2011-12-30 10:00:00"},
@@ -211,14 +211,14 @@ TEST(SystemCalendar, KeepsAFractionUnlessTheClockSkipsIt) {
 
 namespace {
 
-/// The zone file of a UTC whose only leap second is 2016-12-31 23:59:60, in the oldest form of tzfile(5). Debian's
-/// tzdata no longer has zones that count leap seconds, but users can have their own.
-constexpr char leapSecondZone[] = "TZif\0"                           // the first version
-                                  "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0"   // fifteen bytes that mean nothing
+/// A zone file in the oldest format of tzfile(5): UTC with a single leap second, 2016-12-31 23:59:60. Debian's tzdata
+/// no longer has zones that count leap seconds, but users can have their own.
+constexpr char leapSecondZone[] = "TZif\0"                           // version 1 of the format
+                                  "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0"   // fifteen unused bytes
                                   "\0\0\0\0\0\0\0\0"                 // no indicators
-                                  "\0\0\0\1\0\0\0\0\0\0\0\1\0\0\0\4" // a leap second, no change, a type, a name
+                                  "\0\0\0\1\0\0\0\0\0\0\0\1\0\0\0\4" // one leap second, no change, one type, one name
                                   "\0\0\0\0\0\0UTC\0"                // the type and its name
-                                  "\x58\x68\x46\x80\0\0\0\1";        // from 2016-12-31 23:59:60 a second more
+                                  "\x58\x68\x46\x80\0\0\0\1";        // one second more from 2016-12-31 23:59:60 on
 constexpr std::time_t leapSecond = 0x58684680;
 
 } // namespace
@@ -244,7 +244,7 @@ TEST(SystemCalendar, GivesALeapSecondToTheDayThatItEnds) {
 
 namespace {
 
-/// What the clock shows at every minute around one instant, and what follows from only looking at it.
+/// Reads the local clock at every minute around one instant and derives days from these readings alone.
 class MinuteWalk {
 public:
     static constexpr std::time_t minutesEachWay = 4 * 1440;
@@ -275,7 +275,7 @@ public:
 private:
     std::time_t first_;
     std::vector<std::time_t> local_;
-    std::vector<std::time_t> latest_; ///< the latest time that the clock has shown until then
+    std::vector<std::time_t> latest_; ///< up to each minute, the latest time that the clock has shown
     std::vector<int> dates_;
     std::vector<std::time_t> until_;
     std::map<int, std::time_t> firstOfDate_;
@@ -284,7 +284,7 @@ private:
     std::time_t instantOf(std::size_t index) const { return first_ + static_cast<std::time_t>(index) * 60; }
 };
 
-/// The instants from 2000 to 2037 at which the clock changes; in these years all of them are on full minutes.
+/// The instants from 2000 to 2037 at which the clock changes. In these years all changes fall on full minutes.
 std::vector<std::time_t> clockChanges() {
     constexpr std::time_t begin = 946684800;
     constexpr std::time_t end = 2145916800;

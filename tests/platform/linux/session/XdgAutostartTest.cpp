@@ -18,7 +18,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The program below a prefix.
 void putProgram(const fs::path& prefix) {
     fs::create_directories(prefix / "bin");
     write(prefix / "bin/velmora", "program");
@@ -30,7 +29,7 @@ void makeBundle(const fs::path& at) {
     fs::create_symlink("usr/bin/velmora", at / "AppRun");
 }
 
-/// A user's home and a system's folders, and a bundle that runs.
+/// A user's home, the system's configuration folders and the running bundle.
 struct World {
     TemporaryFolder folder;
     PosixFiles files{folder.path / "data"};
@@ -75,7 +74,7 @@ public:
     }
     ~XdgBackend() {
         std::error_code missing;
-        fs::permissions(home / "autostart", fs::perms::owner_all, missing); // or nobody but root could empty it
+        fs::permissions(home / "autostart", fs::perms::owner_all, missing); // otherwise only root could empty it
         user_.reset();
     }
 
@@ -278,7 +277,7 @@ TEST_F(XdgAutostartTest, WritesThroughALinkAndKeepsIt) {
 }
 
 TEST_F(XdgAutostartTest, PutsNothingInThePlaceOfADevice) {
-    const fs::path device = folder.path / "null"; // as /dev/null, which a test had better not put at risk
+    const fs::path device = folder.path / "null"; // stands for /dev/null, which a test should not risk
     ASSERT_EQ(::mkfifo(device.c_str(), 0600), 0);
     fs::create_directories(own.parent_path());
     fs::create_symlink(device, own);
