@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-# The adapters against the real thing: sysfs and udev as umockdev shows them, files in a temporary folder.
+# Tests the adapters against the real thing: sysfs and udev as umockdev presents them, and files in a temporary folder.
 
 find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
 pkg_check_modules(umockdev REQUIRED IMPORTED_TARGET umockdev-1.0)
@@ -55,7 +55,7 @@ add_executable(velmora_adapter_tests
 )
 target_link_libraries(velmora_adapter_tests PRIVATE velmora_app velmora_linux velmora_desktop_test_support velmora_options
     GTest::gtest PkgConfig::umockdev Qt6::Test QCustomPlotQt6::QCustomPlotQt6)
-# Where pictures go for a person to look at.
+# The tests save pictures here for people to look at.
 target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_PICTURES="${CMAKE_BINARY_DIR}/pictures")
 file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/pictures)
 add_dependencies(velmora_adapter_tests icons percent_glyphs)
@@ -66,13 +66,13 @@ velmora_precompile(velmora_adapter_tests <gtest/gtest.h> <QApplication> <QDBusAr
 set_target_properties(velmora_adapter_tests PROPERTIES AUTOMOC ON CROSSCOMPILING_EMULATOR umockdev-wrapper)
 gtest_discover_tests(velmora_adapter_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 60)
 
-# The alert sounds as they are built, and what plays them.
+# The built alert sounds, and the libcanberra code that plays them.
 target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_SOUNDS="${CMAKE_BINARY_DIR}/share/sounds/velmora")
 target_sources(velmora_adapter_tests PRIVATE ${CMAKE_SOURCE_DIR}/App/platform/linux/sound/CanberraOutput.cpp)
 target_link_libraries(velmora_adapter_tests PRIVATE PkgConfig::canberra)
 add_dependencies(velmora_adapter_tests sounds velmora_chart velmora_sound)
 
-# The popover and the settings in every state, as pictures to look at.
+# Draws pictures of the popover and the settings in every state, for people to look at.
 add_executable(velmora_gallery gallery/Gallery.cpp gallery/Pictures.cpp gallery/SettingsStates.cpp)
 target_link_libraries(velmora_gallery PRIVATE velmora_views velmora_test_support velmora_options)
 add_dependencies(velmora_gallery icons percent_glyphs velmora_chart)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-# The program with its windows through days of virtual time.
+# Runs the program with its windows through days of virtual time.
 
 add_executable(velmora_day_tests
     platform/linux/session/QtMainLoopTest.cpp

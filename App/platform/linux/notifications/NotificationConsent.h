@@ -8,9 +8,8 @@
 
 class Files;
 
-/// What the user answered when asked about notifications, kept in a file of ours: desktops have a switch per
-/// application, but do not ask, and do not tell. The status never becomes "denied" here; that is for the desktop to
-/// say.
+/// What the user answered when asked about notifications, kept in a file of ours. Desktops have a switch per
+/// application, but neither ask the user nor report its state, so the status here is never "denied".
 class NotificationConsent {
 public:
     /// The file in the folder.
