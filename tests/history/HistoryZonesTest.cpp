@@ -2,12 +2,11 @@
 #include "history/HistoryStore.h"
 #include "platform/linux/session/SystemCalendar.h"
 #include "support/RandomHistory.h"
+#include "support/TimeZone.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <ctime>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,19 +15,7 @@ namespace {
 /// Runs in the time zone that the parameter names.
 class HistoryZones : public testing::TestWithParam<const char*> {
 protected:
-    HistoryZones() {
-        if (const char* zone = std::getenv("TZ"))
-            before_ = zone;
-        ::setenv("TZ", GetParam(), 1);
-        ::tzset();
-    }
-    ~HistoryZones() override {
-        if (before_)
-            ::setenv("TZ", before_->c_str(), 1);
-        else
-            ::unsetenv("TZ");
-        ::tzset();
-    }
+    TimeZone zone{GetParam()};
 
     static std::int64_t localTime(std::int64_t instant) {
         const std::time_t time = instant;
@@ -46,9 +33,6 @@ protected:
         }
         return hours;
     }
-
-private:
-    std::optional<std::string> before_;
 };
 
 } // namespace

@@ -48,23 +48,6 @@ protected:
         write(historyFile, *encodeHistory(month()));
     }
 
-    Platform platform() {
-        return {.powerSources = fakes.powerSources,
-                .powerSaving = fakes.powerSaving,
-                .sessionEvents = fakes.sessionEvents,
-                .mainLoop = fakes.mainLoop,
-                .clock = fakes.clock,
-                .calendar = calendar,
-                .defaults = fakes.defaults,
-                .files = files,
-                .statusBar = fakes.statusBar,
-                .dialogs = fakes.dialogs,
-                .notificationCenter = fakes.notificationCenter,
-                .bundle = fakes.bundle,
-                .sounds = fakes.sounds,
-                .loginItem = fakes.loginItem};
-    }
-
     static bool isPluggedIn(int minute) { return minute < 30; }
     static int percent(int minute) { return 40 + (isPluggedIn(minute) ? minute : 60 - minute); }
 
@@ -166,7 +149,7 @@ protected:
 };
 
 TEST_F(DesktopDay, NeitherMemoryNorDescriptorsGrow) {
-    AppDelegate delegate(platform(), [] {});
+    AppDelegate delegate(fakes.with(calendar, fakes.defaults, files), [] {});
     delegate.applicationDidFinishLaunching();
     std::vector<double> allocated;
     std::vector<double> ofTheProcess;

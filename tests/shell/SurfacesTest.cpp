@@ -68,23 +68,6 @@ protected:
 
     double now() const { return fakes.clock.now().time_since_epoch().count(); }
 
-    Platform platform() {
-        return {.powerSources = fakes.powerSources,
-                .powerSaving = fakes.powerSaving,
-                .sessionEvents = fakes.sessionEvents,
-                .mainLoop = fakes.mainLoop,
-                .clock = fakes.clock,
-                .calendar = calendar,
-                .defaults = defaults,
-                .files = fakes.files,
-                .statusBar = fakes.statusBar,
-                .dialogs = fakes.dialogs,
-                .notificationCenter = fakes.notificationCenter,
-                .bundle = fakes.bundle,
-                .sounds = fakes.sounds,
-                .loginItem = fakes.loginItem};
-    }
-
     /// Something happens; then everything is looked at.
     void step(const std::string& what, const std::function<void()>& action) {
         if (HasFailure()) // what follows would fail for the same reason
@@ -110,7 +93,7 @@ protected:
 
     void launch() {
         as(true, true, [&] {
-            delegate.emplace(platform(), [this] { ++quits_; });
+            delegate.emplace(fakes.with(calendar, defaults, fakes.files), [this] { ++quits_; });
             delegate->applicationDidFinishLaunching();
         });
     }

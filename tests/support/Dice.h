@@ -16,7 +16,13 @@ public:
     /// True `percent` times in a hundred.
     bool chance(std::uint64_t percent) { return below(100) < percent; }
 
+    bool oneIn(std::uint64_t number) { return below(number) == 0; }
+
     bool coin() { return chance(50); }
+
+    std::int64_t from(std::int64_t least, std::int64_t most) {
+        return least + static_cast<std::int64_t>(below(static_cast<std::uint64_t>(most - least + 1)));
+    }
 
     template <class T>
     T of(const std::vector<T>& choices) {

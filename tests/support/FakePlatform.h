@@ -36,15 +36,18 @@ struct FakePlatform {
     FakeSystemSounds sounds;
     FakeLoginItem loginItem;
 
-    Platform platform() {
+    Platform platform() { return with(calendar, defaults, files); }
+
+    /// The same, but for these three.
+    Platform with(Calendar& otherCalendar, UserDefaults& otherDefaults, Files& otherFiles) {
         return {.powerSources = powerSources,
                 .powerSaving = powerSaving,
                 .sessionEvents = sessionEvents,
                 .mainLoop = mainLoop,
                 .clock = clock,
-                .calendar = calendar,
-                .defaults = defaults,
-                .files = files,
+                .calendar = otherCalendar,
+                .defaults = otherDefaults,
+                .files = otherFiles,
                 .statusBar = statusBar,
                 .dialogs = dialogs,
                 .notificationCenter = notificationCenter,

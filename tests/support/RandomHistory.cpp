@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/RandomHistory.h"
 
+#include "support/Dice.h"
 #include "support/FakeClock.h"
 #include "support/FakeFiles.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
 #include <ostream>
-#include <random>
 #include <utility>
 
 // GoogleTest prints values with these functions when two differ.
@@ -30,32 +29,12 @@ namespace {
 constexpr double days = 86400;
 constexpr double leastStep = 0.125;
 
-/// The same numbers on every machine, which the standard library's distributions do not promise.
-class Dice {
-public:
-    explicit Dice(std::uint64_t seed) : engine_(seed) {}
-    std::int64_t below(std::int64_t number) {
-        return static_cast<std::int64_t>(engine_() % static_cast<std::uint64_t>(number));
-    }
-    std::int64_t from(std::int64_t least, std::int64_t most) { return least + below(most - least + 1); }
-    bool oneIn(std::int64_t number) { return below(number) == 0; }
-    template <class List>
-    const auto& oneOf(const List& list) {
-        return list[static_cast<std::size_t>(below(static_cast<std::int64_t>(std::size(list))))];
-    }
-    /// `number`, or one `leastStep` more or less.
-    double about(double number) { return number + static_cast<double>(from(-1, 1)) * leastStep; }
-
-private:
-    std::mt19937_64 engine_;
-};
-
 class Play {
 public:
     Play(std::uint64_t seed, const Calendar& calendar, const PlainHistory::LocalClock& localClock,
          const std::vector<std::int64_t>& places)
         : dice_(seed)
-        , now_(static_cast<double>(dice_.oneOf(places)) + static_cast<double>(dice_.from(-3 * 86400, 3 * 86400)))
+        , now_(static_cast<double>(dice_.of(places)) + static_cast<double>(dice_.from(-3 * 86400, 3 * 86400)))
         , isCalm_(dice_.oneIn(2))
         , localClock_(localClock)
         , plain_(localClock)
@@ -89,16 +68,19 @@ private:
 
     Date now() const { return Date(Duration(now_)); }
 
+    /// That number, or the least step more or less.
+    double about(double number) { return number + static_cast<double>(dice_.from(-1, 1)) * leastStep; }
+
     /// The limit of one of the rules, or one step below or above it.
     double gap() {
-        static constexpr std::array gaps{1.0, 60.0, 300.0, 600.0, 900.0, 3600.0, days, 5 * days, 30 * days};
-        return dice_.about(dice_.oneOf(gaps));
+        static const std::vector gaps{1.0, 60.0, 300.0, 600.0, 900.0, 3600.0, days, 5 * days, 30 * days};
+        return about(dice_.of(gaps));
     }
 
     /// At most one step above the limit for a gap; small ones are likelier.
     double smallGap() {
-        static constexpr std::array gaps{60.0, 60.0, 60.0, 60.0, 60.0, 60.0, 300.0, 600.0, 900.0};
-        return dice_.about(dice_.oneOf(gaps));
+        static const std::vector gaps{60.0, 60.0, 60.0, 60.0, 60.0, 60.0, 300.0, 600.0, 900.0};
+        return about(dice_.of(gaps));
     }
 
     Sample sample(double t) {
@@ -110,15 +92,15 @@ private:
         if (dice_.oneIn(3))
             return files_;
         double t = now_ - static_cast<double>(dice_.from(0, 31 * 86400));
-        for (std::int64_t i = dice_.below(60); i > 0; --i) {
+        for (std::uint64_t i = dice_.below(60); i > 0; --i) {
             list_.push_back(sample(t));
             t += dice_.oneIn(4) ? 0 : dice_.oneIn(isCalm_ ? 20 : 3) ? gap() : smallGap();
         }
         if (!list_.empty()) // one at the age limit
-            list_.push_back(sample(dice_.about(now_ - 30 * days)));
+            list_.push_back(sample(about(now_ - 30 * days)));
         if (dice_.oneIn(2)) {
             for (std::size_t i = list_.size(); i > 1; --i)
-                std::swap(list_[i - 1], list_[static_cast<std::size_t>(dice_.below(static_cast<std::int64_t>(i)))]);
+                std::swap(list_[i - 1], list_[dice_.below(i)]);
         }
         PlainHistory writer(nullptr);
         writer.samples = list_;
@@ -136,9 +118,9 @@ private:
 
     void passTime() {
         if (!plain_.samples.empty() && dice_.oneIn(25))
-            now_ = dice_.about(dice_.oneOf(plain_.samples).t + 30 * days);
+            now_ = about(dice_.of(plain_.samples).t + 30 * days);
         else if (dice_.oneIn(25))
-            now_ = dice_.about(nextMidnight());
+            now_ = about(nextMidnight());
         else if (dice_.oneIn(isCalm_ ? 60 : 8))
             now_ += dice_.oneIn(3) ? -gap() : gap();
         else
@@ -177,7 +159,7 @@ private:
     void compareAnswers() {
         const Date asked(Duration(now_ + (dice_.oneIn(2) ? 0 : dice_.oneIn(3) ? -gap() : gap())));
         EXPECT_EQ(store_.pluggedSinceEstimate(asked), plain_.pluggedSince(asked));
-        const double since = plain_.samples.empty() ? now_ : dice_.about(dice_.oneOf(plain_.samples).t);
+        const double since = plain_.samples.empty() ? now_ : about(dice_.of(plain_.samples).t);
         EXPECT_EQ(store_.samplesSince(Date(Duration(since))), plain_.since(Date(Duration(since))));
         if (dice_.oneIn(10)) {
             EXPECT_EQ(store_.csv(), plain_.csv());

@@ -1,23 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/text/TimeText.h"
 
+#include "support/TimeZone.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <ctime>
 #include <limits>
+#include <optional>
+#include <utility>
 
 namespace {
 
 struct TimeText : ::testing::Test {
-    TimeText() { setZone("UTC"); }
-    ~TimeText() override { setZone("UTC"); }
+    std::optional<TimeZone> zone{std::in_place, "UTC"};
 
-    static void setZone(const char* zone) {
-        ::setenv("TZ", zone, 1);
-        ::tzset();
-    }
     static std::string at(double seconds, const char* locale) {
         return shortTime(Date(Duration(seconds)), QLocale(QLatin1String(locale))).toStdString();
     }
@@ -36,7 +33,7 @@ TEST_F(TimeText, IsWrittenAsPeopleOfTheLocaleWriteIt) {
 }
 
 TEST_F(TimeText, IsLocal) {
-    setZone("Asia/Kathmandu");
+    zone.emplace("Asia/Kathmandu");
     EXPECT_EQ(at(afternoon, "C"), "19:50");
 }
 
@@ -49,6 +46,6 @@ TEST_F(TimeText, NamesTheDay) {
     const Date date{Duration(afternoon)};
     EXPECT_EQ(dayText(date, QLocale(QStringLiteral("en_US"))), QStringLiteral("Sat 15"));
     EXPECT_EQ(weekdayText(date, QLocale(QStringLiteral("fr_FR"))), QStringLiteral("sam."));
-    setZone("Pacific/Kiritimati");
+    zone.emplace("Pacific/Kiritimati");
     EXPECT_EQ(dayText(date, QLocale::c()), QStringLiteral("Sun 16"));
 }

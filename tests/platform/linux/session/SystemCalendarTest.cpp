@@ -3,6 +3,7 @@
 
 #include "support/CalendarContract.h"
 #include "support/TemporaryFolder.h"
+#include "support/TimeZone.h"
 
 #include <gtest/gtest.h>
 
@@ -11,34 +12,10 @@
 #include <cstdlib>
 #include <ctime>
 #include <map>
-#include <optional>
 #include <string>
 #include <vector>
 
 namespace {
-
-/// Sets the time zone of the process for the lifetime of this object.
-class TimeZone {
-public:
-    explicit TimeZone(const char* name) {
-        if (const char* zone = std::getenv("TZ"))
-            before_ = zone;
-        ::setenv("TZ", name, 1);
-        tzset();
-    }
-    ~TimeZone() {
-        if (before_)
-            ::setenv("TZ", before_->c_str(), 1);
-        else
-            ::unsetenv("TZ");
-        tzset();
-    }
-    TimeZone(const TimeZone&) = delete;
-    TimeZone& operator=(const TimeZone&) = delete;
-
-private:
-    std::optional<std::string> before_;
-};
 
 Date at(std::time_t seconds) {
     return Date(Duration(static_cast<double>(seconds)));
