@@ -3,6 +3,7 @@
 
 #include "alerts/Prefs.h"
 #include "battery/BatteryState.h"
+#include "support/Dice.h"
 #include "support/FakeClock.h"
 #include "support/FakeMainLoop.h"
 #include "support/FakeUserDefaults.h"
@@ -11,7 +12,9 @@
 
 #include <chrono>
 #include <cstdint>
+#include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -126,6 +129,10 @@ TEST_F(AlertEngineTest, StartsANewSeriesAfterOneRunUnplugged) {
     EXPECT_EQ(engine.chargeSent, 0);
     battery(90, Power::plug);
     EXPECT_EQ(kinds(run()), Kinds{AlertKind::chargeLimit});
+    battery(90, Power::battery);
+    run();
+    battery(90, Power::plug);
+    EXPECT_EQ(kinds(run()), Kinds{AlertKind::chargeLimit}) << "however soon after the one before";
 }
 
 TEST_F(AlertEngineTest, TellsLowBatteryUpToTheThreshold) {
@@ -133,6 +140,9 @@ TEST_F(AlertEngineTest, TellsLowBatteryUpToTheThreshold) {
     battery(21, Power::battery);
     EXPECT_TRUE(run().empty());
     battery(20, Power::battery);
+    prefs.lowEnabled = false;
+    EXPECT_TRUE(run().empty());
+    prefs.lowEnabled = true;
     EXPECT_EQ(run(), (std::vector{PendingAlert{AlertKind::low, "Low battery", "Battery is at 20%. Plug in soon."}}));
 }
 
@@ -183,6 +193,10 @@ TEST_F(AlertEngineTest, TellsTooLongWhenMoreThanThoseHoursHavePassed) {
                                                "Plugged in for over 8 h at 85%. Unplug it to let the battery rest."}}));
     now += 10h;
     EXPECT_TRUE(run().empty());
+    since.reset();
+    run();
+    since = now - 9h;
+    EXPECT_EQ(kinds(run()), Kinds{AlertKind::tooLong}) << "plugged in anew";
 }
 
 TEST_F(AlertEngineTest, CutsUnfinishedHoursOff) {
@@ -228,6 +242,12 @@ TEST_F(AlertEngineTest, KeepsSilentAboutWhatWasTrueWhenItWasPrimed) {
     EXPECT_TRUE(engine.suppressed.empty());
     battery(80, Power::plug);
     EXPECT_EQ(kinds(run()), (Kinds{AlertKind::chargeLimit, AlertKind::tooLong}));
+}
+
+TEST_F(AlertEngineTest, GivesNothingWhileItIsPrimedEvenIfItCouldBeDelivered) {
+    battery(85, Power::plug);
+    health(700);
+    EXPECT_TRUE(engine.run(state, since, now, prefs, true, true, defaults).empty());
 }
 
 TEST_F(AlertEngineTest, PrimingEndsEpisodesToo) {
@@ -312,6 +332,14 @@ TEST_F(AlertEngineTest, WaitsForTheHealthToRecoverByTwoPoints) {
     EXPECT_EQ(kinds(run()), Kinds{AlertKind::health});
 }
 
+TEST_F(AlertEngineTest, StoresNothingOfAHealthThatWasNeverLow) {
+    battery(50, Power::battery);
+    health(900);
+    run();
+    prime();
+    EXPECT_TRUE(defaults.stored().empty());
+}
+
 TEST_F(AlertEngineTest, NeverTellsAHealthThatWasLowWhenItWasPrimed) {
     battery(50, Power::battery);
     health(700);
@@ -359,6 +387,71 @@ TEST_F(AlertEngineTest, TakesPreferencesAsTheyAre) {
     prefs.longHours = -1;
     since = now;
     EXPECT_EQ(run().at(0).body, "Plugged in for over 0 h at 100%. Unplug it to let the battery rest.");
+}
+
+/// What held in one run of the engine, and what was given.
+struct PastRun {
+    Date now;
+    bool prime = false;
+    std::set<AlertKind> holds;
+    std::set<AlertKind> given;
+};
+
+/// Whether a reminder that may be given is due, found by looking back over the runs so far, the present one last.
+bool isDue(AlertKind kind, const std::vector<PastRun>& runs, bool repeats) {
+    int times = 0;
+    std::optional<Date> last;
+    for (auto run = runs.rbegin(); run != runs.rend() && run->holds.contains(kind); ++run) {
+        if (run->prime)
+            return false;
+        times += run->given.contains(kind);
+        if (run->given.contains(kind) && !last)
+            last = run->now;
+    }
+    const bool mayRepeat = kind == AlertKind::chargeLimit && repeats && times < 4;
+    return times == 0 || (mayRepeat && runs.back().now - *last >= 290s);
+}
+
+TEST_F(AlertEngineTest, TellsEachEpisodeAsOftenAsItShouldWhateverHappens) {
+    std::map<AlertKind, int> given;
+    for (std::uint64_t seed = 1; seed <= 1000; ++seed) {
+        Dice dice(seed);
+        engine = {};
+        std::vector<PastRun> runs;
+        for (int step = 0; step < 100; ++step) {
+            now += dice.of<Duration>({0s, 60s, 60s, 60s, 289s, 290s, 1h, -1h});
+            state.hasBattery = !dice.chance(3);
+            if (dice.chance(15))
+                state.pluggedIn = !state.pluggedIn;
+            if (dice.chance(40))
+                state.percent = dice.of<std::int64_t>({79, 80, 81, 20, 21, 29, 30});
+            if (dice.chance(10))
+                state.lowPowerMode = !state.lowPowerMode;
+            if (dice.chance(10))
+                prefs.repeatReminder = dice.coin();
+            since = dice.chance(70) ? std::optional(now - 9h) : std::nullopt;
+            PastRun& next = runs.emplace_back(PastRun{.now = now, .prime = dice.chance(3), .holds = {}, .given = {}});
+            if (state.hasBattery && state.pluggedIn && state.percent >= 80)
+                next.holds =
+                    since ? std::set{AlertKind::chargeLimit, AlertKind::tooLong} : std::set{AlertKind::chargeLimit};
+            if (state.hasBattery && !state.pluggedIn && state.percent <= 20)
+                next.holds.insert(AlertKind::low);
+            if (state.hasBattery && !state.pluggedIn && state.percent < 30 && !state.lowPowerMode)
+                next.holds.insert(AlertKind::lowPower);
+            const bool canDeliver = dice.chance(80);
+            Kinds due;
+            for (const AlertKind kind :
+                 {AlertKind::chargeLimit, AlertKind::low, AlertKind::lowPower, AlertKind::tooLong})
+                if (canDeliver && next.holds.contains(kind) && isDue(kind, runs, prefs.repeatReminder))
+                    due.push_back(kind);
+            ASSERT_EQ(kinds(next.prime ? prime() : run(canDeliver)), due) << "seed " << seed << ", step " << step;
+            next.given.insert(due.begin(), due.end());
+            for (const AlertKind kind : due)
+                ++given[kind];
+        }
+    }
+    for (const AlertKind kind : {AlertKind::chargeLimit, AlertKind::low, AlertKind::lowPower, AlertKind::tooLong})
+        EXPECT_GT(given[kind], 1000) << rawValue(kind);
 }
 
 } // namespace

@@ -59,7 +59,8 @@ TEST_F(AppModelAlertsTest, NeverRemindsAtLaunchOrAfterWaking) {
     model().start();
     EXPECT_EQ(delivered(), Names{});
     fake.powerSources.setBattery(90, true);
-    model().refresh(Reason::wake);
+    fake.sessionEvents.wake();
+    fake.mainLoop.advance(3s);
     EXPECT_EQ(delivered(), Names{});
     fake.mainLoop.advance(1h);
     EXPECT_EQ(delivered(), Names{}) << "an old story by now";

@@ -87,6 +87,15 @@ TEST_F(AppModelHistoryTest, RecordsEveryReadingButAnEventThatBringsNothingNew) {
     EXPECT_EQ(model().history.samples.size(), 5U);
 }
 
+TEST_F(AppModelHistoryTest, TakesWhatTheSystemReportsForAnEventAndItsOwnTimerForNone) {
+    model().start();
+    fake.powerSources.change();
+    fake.powerSaving.switchLowPowerMode(true);
+    EXPECT_EQ(model().history.samples.size(), 1U);
+    fake.mainLoop.advance(1min);
+    EXPECT_EQ(model().history.samples.size(), 2U);
+}
+
 TEST_F(AppModelHistoryTest, RecordsWithTheTimeThatTheRefreshTook) {
     const Date before = fake.clock.now();
     model().start();
