@@ -60,34 +60,6 @@ TEST_F(PrefsTest, AFreshStoreYieldsTheFallbacks) {
     EXPECT_EQ(Prefs::current(store), documented());
 }
 
-TEST_F(PrefsTest, HasAFallbackForEachOfTheTwentyKeys) {
-    const Dictionary expected{
-        {"limitEnabled", true},
-        {"limit", 80},
-        {"repeatReminder", true},
-        {"limitSound", "default"},
-        {"lowEnabled", true},
-        {"low", 20},
-        {"lowSound", "default"},
-        {"longEnabled", true},
-        {"longHours", 8},
-        {"longSound", "default"},
-        {"lowPowerEnabled", true},
-        {"lowPowerAt", 30},
-        {"lowPowerSound", "default"},
-        {"healthEnabled", true},
-        {"healthSound", "default"},
-        {"quietEnabled", false},
-        {"quietStart", 1320},
-        {"quietEnd", 420},
-        {"showPercent", true},
-        {"showTime", false},
-    };
-    EXPECT_EQ(expected.size(), 20U);
-    EXPECT_EQ(Prefs::defaults(), expected);
-    EXPECT_EQ(&Prefs::defaults(), &Prefs::defaults());
-}
-
 TEST_F(PrefsTest, EachKeyFillsItsOwnField) {
     struct Row {
         const char* key;
@@ -204,14 +176,6 @@ TEST_F(PrefsTest, EqualStartAndEndAreNoQuietHoursAtAnyMinute) {
 TEST_F(PrefsTest, ThereAreNoQuietHoursWhileTheyAreSwitchedOff) {
     for (int hour = 0; hour < 24; ++hour)
         EXPECT_FALSE(quiet(1320, 420, false).inQuietHours(at(hour, 30), calendar));
-}
-
-TEST_F(PrefsTest, EachMinuteOfADayIsQuietOnOneSideOfASpan) {
-    for (int minute = 0; minute < 1440; ++minute) {
-        const Date date = at(minute / 60, minute % 60);
-        ASSERT_NE(quiet(1320, 420).inQuietHours(date, calendar), quiet(420, 1320).inQuietHours(date, calendar))
-            << minute;
-    }
 }
 
 TEST_F(PrefsTest, QuietHoursAreThoseOfTheUsersTimeZone) {

@@ -182,16 +182,3 @@ TEST_F(HistoryDisk, ReplacesAFileThatMayNotBeRead) {
     EXPECT_EQ(onDisk(), store->samples);
     EXPECT_EQ(onDisk().size(), 1U);
 }
-
-TEST_F(HistoryDisk, KeepsADamagedFileUntilTheFirstSample) {
-    const OrdinaryUser user(home.path);
-    fs::create_directory(folder);
-    const std::string damaged = R"([{"t":1700000000,"p":1,"c":true,"a":true},{"t":17000)";
-    write(file, damaged);
-    start();
-    EXPECT_TRUE(store->samples.empty());
-    EXPECT_EQ(contentOf(file), damaged);
-    record(0s, 80);
-    EXPECT_EQ(onDisk(), store->samples);
-    EXPECT_EQ(onDisk().size(), 1U);
-}

@@ -116,13 +116,6 @@ TEST_F(AppModelAlertsTest, FollowsTheStoredSnoozeNotTheShownOne) {
     EXPECT_EQ(delivered().size(), 2U);
 }
 
-TEST_F(AppModelAlertsTest, ASecondSnoozeBeginsTheHourAnew) {
-    model().snooze();
-    fake.clock.pass(30min);
-    model().snooze();
-    EXPECT_EQ(model().snoozeUntil.get(), fake.clock.now() + 1h);
-}
-
 TEST_F(AppModelAlertsTest, CancellingTheSnoozeLetsRemindersComeAgain) {
     model().start();
     model().snooze();

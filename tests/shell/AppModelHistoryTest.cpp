@@ -135,24 +135,6 @@ TEST_F(AppModelHistoryTest, SavesBeforeTheMachineSleepsAndDoesNotRefresh) {
     EXPECT_EQ(fake.powerSources.snapshots, readings);
 }
 
-TEST_F(AppModelHistoryTest, SavesBeforeEachOfTenSleepsAndRefreshesOnceThreeSecondsAfterEach) {
-    model().start();
-    for (int i = 0; i < 10; ++i) {
-        fake.mainLoop.advance(1min);
-        const std::size_t saves = fake.files.replacedPaths.size();
-        fake.sessionEvents.prepareForSleep();
-        EXPECT_EQ(fake.files.replacedPaths.size(), saves + 1);
-        EXPECT_EQ(decodeHistory(fake.files.files[file])->size(), model().history.samples.size());
-        fake.clock.suspend(1h);
-        const int readings = fake.powerSources.snapshots;
-        fake.sessionEvents.wake();
-        fake.mainLoop.advance(2.999s);
-        EXPECT_EQ(fake.powerSources.snapshots, readings);
-        fake.mainLoop.advance(0.001s);
-        EXPECT_EQ(fake.powerSources.snapshots, readings + 1);
-    }
-}
-
 TEST_F(AppModelHistoryTest, ExportsToTheFileThatTheUserChose) {
     model().start();
     fake.dialogs.chosenFile = "/home/user/Documents/mine.csv";

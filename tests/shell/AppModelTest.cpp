@@ -100,15 +100,6 @@ TEST_F(AppModelTest, RefreshesWhenTheLowPowerModeIsSwitched) {
     EXPECT_FALSE(model->state.get().lowPowerMode);
 }
 
-TEST_F(AppModelTest, DoesNotRefreshBeforeSleep) {
-    started();
-    EXPECT_EQ(readingsDuring([&] {
-                  fake.sessionEvents.prepareForSleep();
-                  fake.mainLoop.advance(59s);
-              }),
-              0);
-}
-
 TEST_F(AppModelTest, RefreshesOnceThreeSecondsAfterWaking) {
     started();
     fake.clock.suspend(8h);
@@ -242,19 +233,6 @@ TEST_F(AppModelTest, SettlesSinceWhenItIsPluggedInBeforeItPublishesTheState) {
     fake.powerSources.change();
     EXPECT_EQ(order, (std::vector<std::string>{"since, with the state at 64", "state, plugged in",
                                                "since, with the state at 65", "state, unplugged"}));
-}
-
-TEST_F(AppModelTest, AnnouncesTheStateBeforeItChanges) {
-    fake.powerSources.setBattery(64, false);
-    AppModel& running = started();
-    std::vector<std::pair<std::int64_t, std::int64_t>> heard; // the new value, and the value in place
-    const Subscription subscription = running.state.subscribe(
-        [&](const BatteryState& coming) { heard.emplace_back(coming.percent, running.state.get().percent); });
-    heard.clear();
-    fake.powerSources.setBattery(63, false);
-    fake.powerSources.change();
-    EXPECT_EQ(heard, (std::vector<std::pair<std::int64_t, std::int64_t>>{{63, 64}}));
-    EXPECT_EQ(running.state.get().percent, 63);
 }
 
 TEST_F(AppModelTest, AnnouncesNoStateThatEqualsTheOneBefore) {
