@@ -39,8 +39,10 @@ bool isOnExternalPower(const std::vector<PowerSupply>& supplies, const Packs& pa
     if (packs.empty() || std::any_of(supplies.begin(), supplies.end(), [](const auto& s) { return s.isOnline(); }))
         return true;
     // QUIRK: some adapters stay at "offline" and some chargers show up nowhere; a battery that is charging or held
-    // proves that there is one.
-    const bool discharging = anyIs(packs, Status::discharging);
+    // proves that there is one. But a pack that is held at its limit keeps that status when it is unplugged, and a
+    // rate with a minus sign tells that it drains.
+    const bool discharging = anyIs(packs, Status::discharging) ||
+                             std::any_of(packs.begin(), packs.end(), [](const auto& p) { return p.reportsOutflow(); });
     if (!discharging &&
         (anyIs(packs, Status::charging) || anyIs(packs, Status::notCharging) || anyIs(packs, Status::full)))
         return true;

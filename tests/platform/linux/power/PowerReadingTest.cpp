@@ -179,6 +179,20 @@ TEST(PowerReading, TellsWhereThePowerComesFrom) {
         {"offline, but charging", {mains(false), energyPack("Charging")}, ac},
         {"offline, but held", {mains(false), energyPack("Not charging", idle)}, ac},
         {"offline, but full", {mains(false), energyPack("Full", idle)}, ac},
+        {"offline, said to be charging, draining",
+         {mains(false), energyPack("Charging", {{"power_now", "-12000000\n"}})},
+         battery},
+        {"offline, held at its limit, draining",
+         {mains(false), energyPack("Not charging", {{"power_now", "-12000000\n"}})},
+         battery},
+        {"offline, full, draining", {mains(false), chargePack("Full", {{"current_now", "-900000\n"}})}, battery},
+        {"no adapter to be seen, held, draining",
+         {energyPack("Not charging", {{"power_now", "-12000000\n"}})},
+         battery},
+        {"one held, one draining",
+         {mains(false), energyPack("Not charging", idle), energyPack("Full", {{"power_now", "-12000000\n"}}, "BAT1")},
+         battery},
+        {"online and draining", {mains(true), energyPack("Not charging", {{"power_now", "-12000000\n"}})}, ac},
         {"no adapter to be seen, charging", {energyPack("Charging")}, ac},
         {"no adapter to be seen, held", {energyPack("Not charging", idle)}, ac},
         {"no adapter to be seen, full", {energyPack("Full", idle)}, ac},
@@ -197,6 +211,10 @@ TEST(PowerReading, TellsWhereThePowerComesFrom) {
         {"unknown and drawn from, with a sign", {energyPack("Unknown", {{"power_now", "-12000000\n"}})}, battery},
         {"unknown and idle", {energyPack("Unknown", idle)}, ac},
         {"unknown with the placeholder of 1 mA", {chargePack("Unknown", {{"current_now", "1000\n"}})}, ac},
+        {"unknown, just below 10 mA", {chargePack("Unknown", {{"current_now", "8000\n"}})}, ac},
+        {"unknown, 10 mA", {chargePack("Unknown", {{"current_now", "10000\n"}})}, battery},
+        {"unknown, just below 0.1 W", {energyPack("Unknown", {{"power_now", "99000\n"}})}, ac},
+        {"unknown, 0.1 W", {energyPack("Unknown", {{"power_now", "100000\n"}})}, battery},
         {"unknown, one of two drawn from", {energyPack("Unknown", idle), energyPack("Unknown", {}, "BAT1")}, battery},
         {"a mouse that is awake", {mouse(), energyPack("Discharging")}, battery},
         {"the battery's own online", {energyPack("Discharging", {{"online", "1\n"}})}, battery},
@@ -556,6 +574,9 @@ TEST(PowerReading, FailsWhenAPackTellsNothingOrNoneIsLeft) {
     const Supplies oneOfTwo{mute, energyPack("Discharging", {}, "BAT1")};
     const PowerReading both = PowerReading::of({energyPack("Discharging"), energyPack("Discharging", {}, "BAT1")});
     EXPECT_TRUE(PowerReading::of(oneOfTwo).failsAfter(both, oneOfTwo));
+    const Supplies oneWithoutType{{.name = "BAT0", .attributes = {}}, energyPack("Discharging", {}, "BAT1")};
+    EXPECT_TRUE(PowerReading::of(oneWithoutType).failsAfter(both, oneWithoutType))
+        << "its type cannot be read just now";
     const Supplies oneTakenOut{takenOut, energyPack("Discharging", {}, "BAT1")};
     EXPECT_FALSE(PowerReading::of(oneTakenOut).failsAfter(both, oneTakenOut));
 }
