@@ -9,6 +9,8 @@
 namespace {
 
 constexpr Duration leastInterval{1};
+/// `Clock::slept()` is the difference of two clocks that are read one after the other, so it is never quite the same.
+constexpr Duration shortestSleep{1};
 /// Seconds from one probe to the next: 1, 2, 5 and 15 seconds after the report.
 constexpr std::array<Duration, 4> pauses{Duration(1), Duration(1), Duration(3), Duration(10)};
 
@@ -19,9 +21,11 @@ ChangeDebouncer::ChangeDebouncer(MainLoop& loop, const Clock& clock, std::functi
     : loop_(loop)
     , clock_(clock)
     , report_(std::move(report))
-    , probe_(std::move(probe)) {}
+    , probe_(std::move(probe))
+    , slept_(clock.slept()) {}
 
 void ChangeDebouncer::event() {
+    dropIfSlept();
     if (reportIsDue_)
         return;
     const Duration since = clock_.uptime() - lastReport_;
@@ -30,10 +34,15 @@ void ChangeDebouncer::event() {
         return;
     }
     reportIsDue_ = true;
-    loop_.after(leastInterval - since, lifetime_.guard([this] { reportNow(); }));
+    loop_.after(leastInterval - since, lifetime_.guard([this, sleeps = sleeps_] {
+        dropIfSlept();
+        if (sleeps == sleeps_)
+            reportNow();
+    }));
 }
 
 void ChangeDebouncer::settle() {
+    dropIfSlept();
     if (!probing_)
         startProbing();
 }
@@ -53,6 +62,7 @@ void ChangeDebouncer::startProbing() {
 
 void ChangeDebouncer::scheduleProbe(std::size_t number, unsigned long round) {
     loop_.after(pauses[number], lifetime_.guard([this, number, round] {
+        dropIfSlept();
         if (round != round_)
             return;
         probing_ = number + 1 < pauses.size();
@@ -65,4 +75,15 @@ void ChangeDebouncer::scheduleProbe(std::size_t number, unsigned long round) {
             report_();
         }
     }));
+}
+
+void ChangeDebouncer::dropIfSlept() {
+    const Duration slept = clock_.slept();
+    if (slept - slept_ < shortestSleep)
+        return;
+    slept_ = slept;
+    ++sleeps_;
+    ++round_;
+    probing_ = false;
+    reportIsDue_ = false;
 }

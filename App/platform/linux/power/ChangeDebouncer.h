@@ -11,7 +11,8 @@ class MainLoop;
 
 /// Decides when power-supply events are passed on. Some firmware sends several a second, so they are passed on at most
 /// once a second, the first of a burst at once. Values lag behind their event, often without a second one, so after
-/// each report the supplies are read again a few times, and only a change is reported.
+/// each report the supplies are read again a few times, and only a change is reported. Whatever is still to come when
+/// the machine falls asleep is dropped: the first refresh after waking sees it anyway.
 class ChangeDebouncer {
 public:
     /// `report` passes a change on; `probe` reads again and says whether anything differs from what was last given out.
@@ -33,9 +34,12 @@ private:
     bool reportIsDue_ = false;
     bool probing_ = false;
     unsigned long round_ = 0;
+    Duration slept_; ///< by the clock, up to the last sleep that was noticed
+    unsigned long sleeps_ = 0;
     Lifetime lifetime_;
 
     void reportNow();
     void startProbing();
     void scheduleProbe(std::size_t number, unsigned long round);
+    void dropIfSlept();
 };

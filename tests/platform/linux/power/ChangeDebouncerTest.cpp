@@ -51,6 +51,46 @@ TEST_F(ChangeDebouncerTest, AreSilentWithoutAnEvent) {
     EXPECT_EQ(loop.waiting(), 0U);
 }
 
+TEST_F(ChangeDebouncerTest, DropsTheReadingsThatWereDueBeforeASleep) {
+    differs = true;
+    eventAt(0);
+    advanceTo(1.5);
+    EXPECT_EQ(looks, Instants{1});
+    clock.suspend(2h);
+    loop.advance(1h);
+    EXPECT_EQ(looks, Instants{1}) << "what they would find is for the refresh after waking";
+    EXPECT_EQ(reports, (Instants{0, 1}));
+    looks.clear();
+    const double woken = instant();
+    changes->event();
+    loop.advance(20s);
+    EXPECT_EQ(looks, (Instants{woken + 1, woken + 2, woken + 5, woken + 15})) << "an event after waking counts";
+}
+
+TEST_F(ChangeDebouncerTest, CountsAnEventAfterASleepAtOnce) {
+    eventAt(0);
+    eventAt(0.5);
+    clock.suspend(2h); // a report is due, and four readings
+    const double woken = instant();
+    changes->event();
+    EXPECT_EQ(reports, (Instants{0, woken}));
+    loop.advance(20s);
+    EXPECT_EQ(reports, (Instants{0, woken})) << "the one from before the sleep is dropped";
+    EXPECT_EQ(looks, (Instants{woken + 1, woken + 2, woken + 5, woken + 15}));
+}
+
+TEST_F(ChangeDebouncerTest, ReadsAgainAfterASleepWhenAsked) {
+    eventAt(0);
+    advanceTo(6); // the last reading is to come in nine seconds
+    looks.clear();
+    clock.suspend(2h);
+    loop.advance(3s);
+    const double asked = instant();
+    changes->settle();
+    loop.advance(20s);
+    EXPECT_EQ(looks, (Instants{asked + 1, asked + 2, asked + 5, asked + 15}));
+}
+
 TEST_F(ChangeDebouncerTest, PassTheFirstEventOnAtOnce) {
     changes->event();
     EXPECT_EQ(reports, Instants{0});
