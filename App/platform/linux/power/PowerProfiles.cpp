@@ -27,13 +27,17 @@ QString pathOf(const QString& name) {
 
 } // namespace
 
-PowerProfiles::PowerProfiles(SystemBus& bus, const std::filesystem::path& sysfs)
+PowerProfiles::PowerProfiles(SystemBus& bus, const std::filesystem::path& sysfs, std::chrono::milliseconds keep)
     : bus_(bus)
-    , firmwareFile_(sysfs / "firmware/acpi/platform_profile") {}
+    , firmwareFile_(sysfs / "firmware/acpi/platform_profile")
+    , keep_(keep) {}
 
 void PowerProfiles::start() {
     subscriptions_.push_back(bus_.onConnected([this] { follow(); }));
-    subscriptions_.push_back(bus_.onLost([this] { forgetDaemons(); }));
+    subscriptions_.push_back(bus_.onLost([this] {
+        for (const std::string_view name : names)
+            forgetLater(std::string(name));
+    }));
     firmware_ = FileDescriptor(::open(firmwareFile_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (firmware_) {
         // sysfs signals changes as urgent data (POLLPRI).
@@ -64,12 +68,10 @@ void PowerProfiles::follow() {
     }
     connect(watcher_.get(), &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString& name, const QString& /*before*/, const QString& now) {
-                if (now.isEmpty()) {
-                    choice_.daemons.erase(name.toStdString());
-                    update();
-                } else {
+                if (now.isEmpty())
+                    forgetLater(name.toStdString());
+                else
                     ask(name, answerTries);
-                }
             });
 }
 
@@ -83,10 +85,8 @@ void PowerProfiles::ask(const QString& name, int triesLeft) {
             askAgain(this, reply.error(), triesLeft, [this, name, triesLeft] { ask(name, triesLeft - 1); });
             return;
         }
-        if (const auto profile = asText(reply.value().variant())) {
-            choice_.daemons[name.toStdString()] = *profile;
-            update();
-        }
+        if (const auto profile = asText(reply.value().variant()))
+            take(name.toStdString(), *profile);
     });
 }
 
@@ -95,17 +95,25 @@ void PowerProfiles::propertiesChanged(const QString& interface, const QVariantMa
     // The interface becomes the bus name of the next call, and libdbus aborts if a text is not a valid name.
     if (std::ranges::find(names, interface.toStdString()) == names.end())
         return;
-    if (const auto profile = asText(changed.value(QLatin1String(activeProfile)))) {
-        choice_.daemons[interface.toStdString()] = *profile;
-        update();
-    } else if (invalidated.contains(QLatin1String(activeProfile))) {
+    if (const auto profile = asText(changed.value(QLatin1String(activeProfile))))
+        take(interface.toStdString(), *profile);
+    else if (invalidated.contains(QLatin1String(activeProfile)))
         ask(interface, answerTries);
-    }
 }
 
-void PowerProfiles::forgetDaemons() {
-    choice_.daemons.clear();
+void PowerProfiles::take(const std::string& name, const std::string& profile) {
+    ++answers_[name];
+    choice_.daemons[name] = profile;
     update();
+}
+
+void PowerProfiles::forgetLater(const std::string& name) {
+    QTimer::singleShot(keep_, this, [this, name, answers = answers_[name]] {
+        if (answers != answers_[name])
+            return;
+        choice_.daemons.erase(name);
+        update();
+    });
 }
 
 void PowerProfiles::readFirmware() {

@@ -11,8 +11,11 @@
 #include <QObject>
 #include <QSocketNotifier>
 
+#include <chrono>
 #include <filesystem>
+#include <map>
 #include <memory>
+#include <string>
 #include <vector>
 
 class SystemBus;
@@ -23,8 +26,10 @@ class PowerProfiles final : public QObject, public PowerSaving {
     Q_OBJECT
 
 public:
-    /// `sysfs` is the mount point of sysfs, "/sys".
-    PowerProfiles(SystemBus& bus, const std::filesystem::path& sysfs);
+    /// `sysfs` is the mount point of sysfs, "/sys". What a daemon reported counts for `keep` after it has gone, since
+    /// it may only be restarting.
+    PowerProfiles(SystemBus& bus, const std::filesystem::path& sysfs,
+                  std::chrono::milliseconds keep = std::chrono::seconds(10));
 
     /// Starts to follow the daemon and the firmware.
     void start();
@@ -42,13 +47,16 @@ private:
     std::unique_ptr<QSocketNotifier> firmwareEvents_;
     std::unique_ptr<QDBusServiceWatcher> watcher_;
     PowerProfileChoice choice_;
+    std::chrono::milliseconds keep_;
+    std::map<std::string, int> answers_; ///< by name: how often it was taken
     bool isLowPower_ = false;
     Observers<> observers_;
     std::vector<Subscription> subscriptions_;
 
     void follow();
     void ask(const QString& name, int triesLeft);
-    void forgetDaemons();
+    void take(const std::string& name, const std::string& profile);
+    void forgetLater(const std::string& name);
     void readFirmware();
     void update();
 };

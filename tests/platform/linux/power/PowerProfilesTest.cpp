@@ -8,6 +8,7 @@
 #include "support/WaitUntil.h"
 
 #include <QDBusVariant>
+#include <QElapsedTimer>
 #include <gtest/gtest.h>
 
 namespace {
@@ -25,7 +26,7 @@ protected:
     QtMainLoop loop;
     TemporaryFolder sysfs;
     SystemBus systemBus{bus.socket(), loop};
-    PowerProfiles profiles{systemBus, sysfs.path};
+    PowerProfiles profiles{systemBus, sysfs.path, std::chrono::milliseconds(50)};
     int changes = 0;
     Subscription subscription = profiles.onPowerStateChanged([this] { ++changes; });
 
@@ -103,6 +104,41 @@ TEST_F(PowerProfilesTest, FollowsADaemonThatAppearsLateAndOneThatIsStartedAgain)
         EXPECT_TRUE(becomes(true));
         daemon->stop();
         EXPECT_TRUE(becomes(false));
+    }
+}
+
+TEST_F(PowerProfilesTest, KeepsTheModeWhileTheDaemonOrTheBusIsStartedAgain) {
+    PowerProfiles keeping{systemBus, sysfs.path};
+    QElapsedTimer sinceStop;
+    int switches = 0;
+    const Subscription counts = keeping.onPowerStateChanged([&] { ++switches; });
+    const auto becomesFor = [&](bool lowPower) {
+        return waitUntil([&] { return keeping.isLowPowerModeEnabled() == lowPower; });
+    };
+    keeping.start();
+    start(); // this one forgets soon, and so tells that the daemon has gone for both
+    for (const bool withBus : {false, true}) {
+        auto daemon = newDaemon(QStringLiteral("power-saver"));
+        ASSERT_TRUE(becomesFor(true) && becomes(true));
+        switches = 0;
+        sinceStop.start();
+        if (withBus)
+            bus.stop();
+        else
+            daemon->stop();
+        ASSERT_TRUE(becomes(false));
+        EXPECT_TRUE(keeping.isLowPowerModeEnabled());
+        daemon.reset();
+        if (withBus)
+            bus.start();
+        daemon = newDaemon(QStringLiteral("power-saver"));
+        ASSERT_TRUE(becomes(true));
+        const int beyondKeeping = withBus ? 0 : 11'000; // ms; once is enough
+        ASSERT_TRUE(waitUntil([&] { return sinceStop.elapsed() > beyondKeeping; }, std::chrono::seconds(20)));
+        EXPECT_EQ(switches, 0);
+        switchTo(newName, newPath, QStringLiteral("balanced"));
+        ASSERT_TRUE(becomesFor(false) && becomes(false));
+        daemon->stop();
     }
 }
 
