@@ -16,6 +16,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <sstream>
 #include <string>
@@ -70,7 +71,8 @@ int main(int argc, char** argv) {
     TellingDelegate delegate;
     PosixFiles files(xdgDataHome());
     FreedesktopNotifications center(
-        QDBusConnection::sessionBus(), loop, sounds, [](std::string_view) { return std::nullopt; },
+        QDBusConnection::sessionBus(), loop, sounds,
+        [](std::string_view name) { return std::optional(std::filesystem::path("/sounds") / name); },
         NotificationConsent(files, xdgStateHome() / "Velmora"), argv[2]);
     center.setNotificationCategories({{"VL_ALERT", {{"SNOOZE", "Snooze 1 hour"}}}});
     center.setDelegate(&delegate);

@@ -65,7 +65,10 @@ void FreedesktopNotifications::add(Request request) {
             request.sound.reset();
     }
     const std::string identifier = request.identifier;
-    entries_[identifier].next = std::move(request);
+    Entry& entry = entries_[identifier];
+    if (!entry.next)
+        entry.order = nextOrder();
+    entry.next = std::move(request);
     sendNext(identifier);
 }
 
@@ -84,12 +87,12 @@ void FreedesktopNotifications::removeDelivered(const std::vector<std::string>& i
 }
 
 void FreedesktopNotifications::sendAll() {
-    std::vector<std::string> waiting;
+    std::map<Order, std::string> waiting;
     for (const auto& [identifier, entry] : entries_) {
         if (entry.next)
-            waiting.push_back(identifier);
+            waiting.emplace(entry.order, identifier);
     }
-    for (const std::string& identifier : waiting)
+    for (const auto& [order, identifier] : waiting)
         sendNext(identifier);
 }
 
@@ -136,12 +139,11 @@ void FreedesktopNotifications::send(const std::string& identifier, std::optional
                     .actions = actions,
                     .hints = hintsOf(plan, request)},
                    entry.id,
-                   [this, identifier, sound = plan.playsSound ? request.sound : std::nullopt](std::optional<uint> id) {
-                       sent(identifier, id, sound);
-                   });
+                   [this, identifier, order = entry.order, sound = plan.playsSound ? request.sound : std::nullopt](
+                       std::optional<uint> id) { sent(identifier, order, id, sound); });
 }
 
-void FreedesktopNotifications::sent(const std::string& identifier, std::optional<uint> id,
+void FreedesktopNotifications::sent(const std::string& identifier, const Order& order, std::optional<uint> id,
                                     const std::optional<std::string>& ownSound) {
     Entry& entry = entries_[identifier];
     entry.isBusy = false;
@@ -153,7 +155,7 @@ void FreedesktopNotifications::sent(const std::string& identifier, std::optional
         entry.actions = entry.coming;
         // Only what is shown is heard; the next one brings its own sound.
         if (ownSound && !entry.next)
-            play(*ownSound);
+            play(order, *ownSound);
     }
     sendNext(identifier);
     tidy(identifier);
@@ -165,7 +167,22 @@ void FreedesktopNotifications::tidy(const std::string& identifier) {
         entries_.erase(found);
 }
 
-void FreedesktopNotifications::play(const std::string& sound) {
+FreedesktopNotifications::Order FreedesktopNotifications::nextOrder() {
+    if (std::exchange(isTogether_, true))
+        return {.turn = last_.turn, .number = ++last_.number};
+    // Until the main loop takes its next turn.
+    QMetaObject::invokeMethod(
+        this, [this] { isTogether_ = false; }, Qt::QueuedConnection);
+    return last_ = {.turn = last_.turn + 1, .number = 0};
+}
+
+void FreedesktopNotifications::play(const Order& order, const std::string& sound) {
+    if (sound != "default" && !soundFile_(sound)) // there is nothing to hear
+        return;
+    // Each sound cuts off the one before. Of several reminders at once the first that was asked for is the most urgent.
+    if (order.turn == sounding_.turn && order > sounding_)
+        return;
+    sounding_ = order;
     if (sound == "default")
         sounds_.playDefault();
     else

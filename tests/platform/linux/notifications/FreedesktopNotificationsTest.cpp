@@ -128,6 +128,31 @@ TEST_F(FreedesktopNotificationsTest, SendsTheLatestOfThoseThatCameBeforeTheAnswe
     EXPECT_EQ(daemon.shown.size(), 1);
 }
 
+TEST_F(FreedesktopNotificationsTest, SendsThoseThatWaitedInTheOrderInWhichTheyCame) {
+    const std::vector<std::string> order{"tooLong", "low", "lowPower", "chargeLimit", "health"};
+    const auto sent = [&] {
+        std::vector<std::string> titles;
+        for (const auto& one : daemon.sent)
+            titles.push_back(one.summary.toStdString());
+        return titles;
+    };
+    daemon.appear();
+    start();
+    for (const std::string& identifier : order)
+        center->add(request(identifier, identifier));
+    settle();
+    EXPECT_EQ(sent(), order) << "the first word to the daemon";
+    daemon.leave();
+    settle();
+    daemon.sent.clear();
+    daemon.appear();
+    settle();
+    for (const std::string& identifier : order)
+        center->add(request(identifier, identifier));
+    settle();
+    EXPECT_EQ(sent(), order) << "the daemon was started again";
+}
+
 TEST_F(FreedesktopNotificationsTest, TakesAwayWhatIsShown) {
     startWithDaemon();
     add(request("low"));

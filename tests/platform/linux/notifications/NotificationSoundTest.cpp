@@ -48,6 +48,30 @@ TEST_F(NotificationSoundTest, IsOursElsewhere) {
     }
 }
 
+TEST_F(NotificationSoundTest, IsThatOfTheFirstOfSeveralAtOnce) {
+    startWith("dunst");
+    center->add(request("low", "A", "Basso"));
+    center->add(request("lowPower", "B", "Glass"));
+    settle();
+    ASSERT_EQ(daemon.sent.size(), 2U);
+    EXPECT_EQ(sounds.played, Played{"Basso"});
+    add(request("low", "A", "Ping"));
+    EXPECT_EQ(sounds.played, (Played{"Basso", "Ping"})) << "the same one again is heard again";
+    add(request("health", "C", "Hero"));
+    EXPECT_EQ(sounds.played, (Played{"Basso", "Ping", "Hero"})) << "a later one";
+}
+
+TEST_F(NotificationSoundTest, IsThatOfTheFirstAlsoIfItIsShownLater) {
+    startWith("dunst");
+    add(request("low", "A"));
+    daemon.forgetsIds = true; // so that it is sent twice
+    center->add(request("low", "A", "Basso"));
+    center->add(request("lowPower", "B", "Glass"));
+    settle();
+    ASSERT_FALSE(sounds.played.empty());
+    EXPECT_EQ(sounds.played.back(), "Basso");
+}
+
 TEST_F(NotificationSoundTest, IsNotHeardBeforeItIsShown) {
     startWith("dunst");
     daemon.manners[QStringLiteral("Notify")] = Manner::waits;
