@@ -84,8 +84,11 @@ void AppDelegate::updateStatusItem() {
 void AppDelegate::updateMenu() {
     // Many notification daemons draw no buttons, so snoozing must be possible here too.
     StatusItem::MenuEntry snooze{"Snooze alerts for 1 hour", [this] { model.snooze(); }};
-    if (const std::optional<Date> until = model.snoozeUntil.get())
-        snooze = {"Cancel snooze (until " + shortTime(*until).toStdString() + ")", [this] { model.cancelSnooze(); }};
+    if (const std::optional<Date> until = model.snoozeUntil.get()) {
+        const std::string time = shortTime(*until).toStdString(); // empty beyond any calendar
+        snooze = {time.empty() ? "Cancel snooze" : "Cancel snooze (until " + time + ")",
+                  [this] { model.cancelSnooze(); }};
+    }
     // Replacing the old tray's menu while it is open would lose the user's selection in it.
     if (std::exchange(snoozeLabel_, snooze.label) == snooze.label)
         return;

@@ -177,6 +177,16 @@ TEST_F(AppDelegateTest, SnoozesFromTheMenuAndCancelsThere) {
     EXPECT_EQ(Prefs::snoozeUntil(fakes.defaults, fakes.clock), std::nullopt);
 }
 
+TEST_F(AppDelegateTest, TheMenuNamesNoTimeForASnoozeBeyondAnyCalendar) {
+    fakes.defaults.setObject("snoozeUntil", 1e18);
+    AppDelegate started{fakes.platform(), [] {}}; // reads the end of the snooze
+    started.applicationDidFinishLaunching();
+    EXPECT_EQ(item().menu.at(1).label, "Cancel snooze");
+    choose("Cancel snooze");
+    fakes.mainLoop.runDue();
+    EXPECT_EQ(item().menu.at(1).label, "Snooze alerts for 1 hour");
+}
+
 TEST_F(AppDelegateTest, TheMenuIsLeftAloneWhileItsWordsStayTheSame) {
     delegate.applicationDidFinishLaunching();
     choose("Snooze alerts for 1 hour");

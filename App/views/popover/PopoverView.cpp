@@ -271,7 +271,9 @@ void PopoverView::showHeader(const BatteryState& state, Date now) {
     setText(pluggedIn_, QString::fromStdString(pluggedIn.value_or("")), TextStyle::caption, Tint::secondary);
     const std::optional<Date> snoozed = model.snoozeUntil.get();
     snooze_->setVisible(snoozed.has_value());
-    setText(snoozeText_, snoozed ? QStringLiteral("Alerts snoozed until ") + shortTime(*snoozed) : QString(),
+    const QString time = snoozed ? shortTime(*snoozed) : QString(); // empty beyond any calendar
+    setText(snoozeText_,
+            time.isEmpty() ? QStringLiteral("Alerts snoozed") : QStringLiteral("Alerts snoozed until ") + time,
             TextStyle::caption, Tint::secondary);
     cancel_->setFont(textFont(TextStyle::caption));
     cancel_->setColor(color(Tint::accent));

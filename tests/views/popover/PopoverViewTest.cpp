@@ -116,6 +116,12 @@ TEST_F(PopoverViewTest, TellsHowLongItHasBeenPluggedIn) {
     EXPECT_EQ(text("pluggedInText"), std::nullopt);
 }
 
+TEST_F(PopoverViewTest, NamesNoTimeForASnoozeBeyondAnyCalendar) {
+    scene.fake.defaults.setObject("snoozeUntil", 1e18);
+    shown();
+    EXPECT_EQ(text("snoozeText"), "Alerts snoozed");
+}
+
 TEST_F(PopoverViewTest, TellsTheSnoozeAndCancelsItAtOnce) {
     EXPECT_FALSE((shown(), sees("snooze")));
     scene.started().snooze();
