@@ -72,8 +72,10 @@ std::optional<std::filesystem::path> fileOf(const QString& uri) {
     char* const path = g_filename_from_uri(uri.toUtf8().constData(), &host, nullptr);
     const bool isHere = host == nullptr || g_ascii_strcasecmp(host, "localhost") == 0;
     std::optional<std::filesystem::path> file;
-    // GLib takes a query for a part of the name, and a folder for a file.
-    if (path != nullptr && isHere && !g_str_has_suffix(path, "/") && !uri.contains(QLatin1Char('?')))
+    // GLib takes a folder for a file. Version 2.74 takes a query for a part of the name, and 2.84 drops queries and
+    // fragments.
+    if (path != nullptr && isHere && !g_str_has_suffix(path, "/") && !uri.contains(QLatin1Char('?')) &&
+        !uri.contains(QLatin1Char('#')))
         file = path;
     g_free(host);
     g_free(path);
