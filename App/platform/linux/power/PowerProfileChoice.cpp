@@ -2,10 +2,12 @@
 #include "platform/linux/power/PowerProfileChoice.h"
 
 bool PowerProfileChoice::isLowPower() const {
-    for (const std::string_view name : {newName, oldName}) {
-        const auto daemon = daemons.find(name);
-        if (daemon != daemons.end())
-            return daemon->second == "power-saver";
+    for (const bool hasLeft : {false, true}) {
+        for (const std::string_view name : {newName, oldName}) {
+            const auto daemon = daemons.find(name);
+            if (daemon != daemons.end() && daemon->second.hasLeft == hasLeft)
+                return daemon->second.profile == "power-saver";
+        }
     }
     if (!firmware)
         return false;

@@ -11,10 +11,16 @@ struct PowerProfileChoice {
     static constexpr std::string_view newName = "org.freedesktop.UPower.PowerProfiles";
     static constexpr std::string_view oldName = "net.hadess.PowerProfiles";
 
-    std::map<std::string, std::string, std::less<>> daemons; ///< profile by bus name, of the daemons that have answered
-    std::optional<std::string> firmware;                     ///< content of platform_profile
+    /// What a daemon has answered.
+    struct Answer {
+        std::string profile;
+        bool hasLeft = false; ///< it has left the bus since, perhaps only to restart
+    };
 
-    /// By the daemon's answer under its new name, else under its old one, else by the firmware; false without any
-    /// answer.
+    std::map<std::string, Answer, std::less<>> daemons; ///< by bus name
+    std::optional<std::string> firmware;                ///< content of platform_profile
+
+    /// By the daemon's answer under its new name, else under its old one, else by the last answer of one that has left,
+    /// else by the firmware; false without any answer.
     bool isLowPower() const;
 };

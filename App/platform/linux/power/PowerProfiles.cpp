@@ -80,7 +80,10 @@ void PowerProfiles::ask(const QString& name, int triesLeft) {
                                                   QStringLiteral("Get"));
     message << name << QString::fromLatin1(activeProfile);
     message.setAutoStartService(false);
-    callAsync(bus_.connection(), message, this, [this, name, triesLeft](const QDBusPendingReply<QDBusVariant>& reply) {
+    const int absences = absences_[name.toStdString()];
+    callAsync(bus_.connection(), message, this, [=, this](const QDBusPendingReply<QDBusVariant>& reply) {
+        if (absences != absences_[name.toStdString()]) // it has left meanwhile, and is asked again when it is back
+            return;
         if (reply.isError()) {
             askAgain(this, reply.error(), triesLeft, [this, name, triesLeft] { ask(name, triesLeft - 1); });
             return;
@@ -102,16 +105,22 @@ void PowerProfiles::propertiesChanged(const QString& interface, const QVariantMa
 }
 
 void PowerProfiles::take(const std::string& name, const std::string& profile) {
-    ++answers_[name];
-    choice_.daemons[name] = profile;
+    choice_.daemons[name] = {.profile = profile, .hasLeft = false};
     update();
 }
 
 void PowerProfiles::forgetLater(const std::string& name) {
-    QTimer::singleShot(keep_, this, [this, name, answers = answers_[name]] {
-        if (answers != answers_[name])
+    const int absence = ++absences_[name];
+    const auto daemon = choice_.daemons.find(name);
+    if (daemon == choice_.daemons.end())
+        return;
+    daemon->second.hasLeft = true;
+    update();
+    QTimer::singleShot(keep_, this, [this, name, absence] {
+        const auto found = choice_.daemons.find(name);
+        if (absence != absences_[name] || found == choice_.daemons.end() || !found->second.hasLeft)
             return;
-        choice_.daemons.erase(name);
+        choice_.daemons.erase(found);
         update();
     });
 }

@@ -48,7 +48,7 @@ private:
     std::unique_ptr<QDBusServiceWatcher> watcher_;
     PowerProfileChoice choice_;
     std::chrono::milliseconds keep_;
-    std::map<std::string, int> answers_; ///< by name: how often it was taken
+    std::map<std::string, int> absences_; ///< by name, so far
     bool isLowPower_ = false;
     Observers<> observers_;
     std::vector<Subscription> subscriptions_;

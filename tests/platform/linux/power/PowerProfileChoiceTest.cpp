@@ -16,19 +16,30 @@ TEST(PowerProfileChoice, IsOffWhenNobodyKnows) {
 
 TEST(PowerProfileChoice, BelievesTheDaemonUnderItsNewNameFirst) {
     PowerProfileChoice choice;
-    choice.daemons[oldName] = "power-saver";
+    choice.daemons[oldName].profile = "power-saver";
     EXPECT_TRUE(choice.isLowPower());
-    choice.daemons[newName] = "balanced";
+    choice.daemons[newName].profile = "balanced";
     EXPECT_FALSE(choice.isLowPower());
-    choice.daemons[newName] = "power-saver";
+    choice.daemons[newName].profile = "power-saver";
     EXPECT_TRUE(choice.isLowPower());
 }
 
 TEST(PowerProfileChoice, BelievesAnyDaemonBeforeTheFirmware) {
     PowerProfileChoice choice;
     choice.firmware = "low-power\n";
-    choice.daemons[oldName] = "something new";
+    choice.daemons[oldName].profile = "something new";
     EXPECT_FALSE(choice.isLowPower());
+}
+
+TEST(PowerProfileChoice, BelievesADaemonThatHasLeftOnlyWhileThereIsNoOther) {
+    PowerProfileChoice choice;
+    choice.firmware = "balanced\n";
+    choice.daemons[newName] = {.profile = "power-saver", .hasLeft = true};
+    EXPECT_TRUE(choice.isLowPower()) << "it may only be restarting";
+    choice.daemons[oldName].profile = "balanced";
+    EXPECT_FALSE(choice.isLowPower());
+    choice.daemons[oldName].hasLeft = true;
+    EXPECT_TRUE(choice.isLowPower()) << "the new name comes first again";
 }
 
 TEST(PowerProfileChoice, KnowsTheFirmwaresNames) {
