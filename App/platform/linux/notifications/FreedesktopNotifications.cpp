@@ -87,7 +87,7 @@ void FreedesktopNotifications::removeDelivered(const std::vector<std::string>& i
 }
 
 void FreedesktopNotifications::sendAll() {
-    std::map<Order, std::string> waiting;
+    std::map<RequestOrder, std::string> waiting;
     for (const auto& [identifier, entry] : entries_) {
         if (entry.next)
             waiting.emplace(entry.order, identifier);
@@ -143,7 +143,7 @@ void FreedesktopNotifications::send(const std::string& identifier, std::optional
                        std::optional<uint> id) { sent(identifier, order, id, sound); });
 }
 
-void FreedesktopNotifications::sent(const std::string& identifier, const Order& order, std::optional<uint> id,
+void FreedesktopNotifications::sent(const std::string& identifier, const RequestOrder& order, std::optional<uint> id,
                                     const std::optional<std::string>& ownSound) {
     Entry& entry = entries_[identifier];
     entry.isBusy = false;
@@ -167,7 +167,7 @@ void FreedesktopNotifications::tidy(const std::string& identifier) {
         entries_.erase(found);
 }
 
-FreedesktopNotifications::Order FreedesktopNotifications::nextOrder() {
+RequestOrder FreedesktopNotifications::nextOrder() {
     if (std::exchange(isTogether_, true))
         return {.turn = last_.turn, .number = ++last_.number};
     // Until the main loop takes its next turn.
@@ -176,11 +176,10 @@ FreedesktopNotifications::Order FreedesktopNotifications::nextOrder() {
     return last_ = {.turn = last_.turn + 1, .number = 0};
 }
 
-void FreedesktopNotifications::play(const Order& order, const std::string& sound) {
+void FreedesktopNotifications::play(const RequestOrder& order, const std::string& sound) {
     if (sound != "default" && !soundFile_(sound)) // there is nothing to hear
         return;
-    // Each sound cuts off the one before. Of several reminders at once the first that was asked for is the most urgent.
-    if (order.turn == sounding_.turn && order > sounding_)
+    if (!mayCutOff(order, sounding_))
         return;
     sounding_ = order;
     if (sound == "default")

@@ -8,7 +8,6 @@
 
 #include <QObject>
 
-#include <compare>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -42,17 +41,10 @@ public:
     void removeDelivered(const std::vector<std::string>& identifiers) override;
 
 private:
-    /// When a request was added: in which turn of the main loop, and as which one in that turn.
-    struct Order {
-        unsigned long turn = 0;
-        unsigned long number = 0;
-        auto operator<=>(const Order&) const = default;
-    };
-
     /// What we know about one identifier.
     struct Entry {
         std::optional<Request> next; ///< to be sent as soon as possible
-        Order order;                 ///< of that
+        RequestOrder order;          ///< of that
         bool isBusy = false;         ///< do-not-disturb is being asked for it, or it is being sent
         bool isWithdrawn = false;    ///< what is being sent is to be taken off the screen
         uint id = 0;                 ///< of the one on the screen; 0 for none
@@ -69,20 +61,20 @@ private:
     Delegate* delegate_ = nullptr;
     std::vector<Category> categories_;
     std::map<std::string, Entry> entries_;
-    Order last_;
+    RequestOrder last_;
     bool isTogether_ = false; ///< the next request comes together with the last one
-    Order sounding_;          ///< of the request whose sound was played last
+    RequestOrder sounding_;   ///< of the request whose sound was played last
 
     void sendAll();
     void dropAll();
     void forgetIds();
     void sendNext(const std::string& identifier);
     void send(const std::string& identifier, std::optional<bool> doNotDisturb);
-    void sent(const std::string& identifier, const Order& order, std::optional<uint> id,
+    void sent(const std::string& identifier, const RequestOrder& order, std::optional<uint> id,
               const std::optional<std::string>& ownSound);
     void tidy(const std::string& identifier);
-    Order nextOrder();
-    void play(const Order& order, const std::string& sound);
+    RequestOrder nextOrder();
+    void play(const RequestOrder& order, const std::string& sound);
     void closed(uint id);
     void actionInvoked(uint id, const QString& key);
     std::vector<Action> actionsOf(const std::string& category) const;

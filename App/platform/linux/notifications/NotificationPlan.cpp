@@ -69,6 +69,10 @@ NotificationServer notificationServer(std::string_view name, const std::vector<s
             .doNotDisturb = doNotDisturbSource(name)};
 }
 
+bool mayCutOff(const RequestOrder& coming, const RequestOrder& sounding) {
+    return coming.turn != sounding.turn || coming <= sounding;
+}
+
 NotificationPlan planNotification(const NotificationServer& server, std::optional<bool> doNotDisturb,
                                   const NotificationCenter::Request& request,
                                   const std::vector<NotificationCenter::Action>& actions, const SoundFile& soundFile) {

@@ -4,6 +4,7 @@
 #include "platform/NotificationCenter.h"
 #include "platform/linux/notifications/DoNotDisturb.h"
 
+#include <compare>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -41,6 +42,17 @@ struct NotificationPlan {
 
 /// The file of a named sound; empty if there is none.
 using SoundFile = std::function<std::optional<std::filesystem::path>(std::string_view name)>;
+
+/// When a request was made: in which turn of the main loop, and as which one in that turn.
+struct RequestOrder {
+    unsigned long turn = 0;
+    unsigned long number = 0;
+    auto operator<=>(const RequestOrder&) const = default;
+};
+
+/// Whether the sound of a request is played although it cuts off that of `sounding`. Of several reminders at once the
+/// first that was asked for is the most urgent, and its sound is the one to be heard.
+bool mayCutOff(const RequestOrder& coming, const RequestOrder& sounding);
 
 /// Plans a request with the buttons of its category. `doNotDisturb` is empty if the desktop does not tell.
 NotificationPlan planNotification(const NotificationServer& server, std::optional<bool> doNotDisturb,

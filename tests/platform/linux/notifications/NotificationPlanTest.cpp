@@ -120,3 +120,14 @@ TEST(NotificationPlan, SendsButtonsToADaemonThatTakesThem) {
     EXPECT_EQ(plan(notificationServer("x", {"action-icons"}), {}, request()).actions, Strings());
     EXPECT_EQ(plan({}, {}, request()).actions, Strings());
 }
+
+TEST(NotificationPlan, LetsTheFirstOfSeveralRequestsBeHeard) {
+    const RequestOrder first{.turn = 7, .number = 0};
+    const RequestOrder second{.turn = 7, .number = 1};
+    const RequestOrder later{.turn = 8, .number = 0};
+    EXPECT_FALSE(mayCutOff(second, first));
+    EXPECT_TRUE(mayCutOff(first, second)) << "which was only shown earlier";
+    EXPECT_TRUE(mayCutOff(first, first)) << "replaced by itself";
+    EXPECT_TRUE(mayCutOff(later, second));
+    EXPECT_TRUE(mayCutOff(first, {}));
+}
