@@ -290,7 +290,7 @@ private:
         PowerProfileChoice choice;
         for (const QString& name : {newProfiles, oldProfiles})
             if (const auto profile = profilesModel_.find(name); profile != profilesModel_.end())
-                choice.daemons[name.toStdString()] = profile->second.toStdString();
+                choice.daemons[name.toStdString()].profile = profile->second.toStdString();
         require(profiles_.isLowPowerModeEnabled() == choice.isLowPower(), "power is saved as the daemon says");
         require(daemon_.server() == serverModel_, "the daemon can do what it says");
     }
