@@ -1,19 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <filesystem>
-
-/// The path of this process's executable; empty if the system does not say.
-std::filesystem::path runningExecutable();
-
-/// The folder whose "share" and "lib" belong to an executable: two levels above it, in every kind of bundle and in a
-/// build folder.
-std::filesystem::path prefixOf(const std::filesystem::path& executable);
-
-/// A file that is installed with this program, by its path below the prefix: "share/icons". In the build folder it is
-/// at the same place, so that tests find it too.
-std::filesystem::path programFile(const std::filesystem::path& belowPrefix);
-
 /// A function from one of our plugins, such as "velmora-chart". The plugin is loaded on first use and stays loaded.
 /// Null when it is missing, as in an incomplete bundle, or when another version has replaced ours since the start: the
 /// first use may be weeks later. May be called from any thread.

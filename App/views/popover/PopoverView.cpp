@@ -6,7 +6,7 @@
 #include "platform/GlyphName.h"
 #include "platform/MainLoop.h"
 #include "platform/UserDefaults.h"
-#include "platform/qt/PluginLoader.h"
+#include "platform/qt/ProgramFiles.h"
 #include "shell/AppModel.h"
 #include "views/popover/DailySummaryView.h"
 #include "views/popover/GaugeBar.h"

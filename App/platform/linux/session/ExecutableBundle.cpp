@@ -3,7 +3,7 @@
 
 #include "platform/ApplicationId.h"
 #include "platform/GlyphName.h"
-#include "platform/qt/PluginLoader.h"
+#include "platform/qt/ProgramFiles.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/panel/PanelBar.h"
 
-#include "platform/qt/PluginLoader.h"
+#include "platform/qt/ProgramFiles.h"
 #include "support/FakeClock.h"
 #include "support/FakeMainLoop.h"
 #include "support/FakeStatusBar.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/panel/StatusNotifierItem.h"
 
-#include "platform/qt/PluginLoader.h"
+#include "platform/qt/ProgramFiles.h"
 #include "support/PrivateBus.h"
 #include "support/WaitUntil.h"
 #include "support/Watcher.h"

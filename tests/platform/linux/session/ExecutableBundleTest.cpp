@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/session/ExecutableBundle.h"
 
-#include "platform/qt/PluginLoader.h"
+#include "platform/qt/ProgramFiles.h"
 #include "support/InstalledPrefix.h"
 #include "support/TemporaryFolder.h"
 
