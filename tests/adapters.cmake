@@ -8,7 +8,9 @@ add_library(velmora_desktop_test_support STATIC support/Fixture.cpp)
 target_include_directories(velmora_desktop_test_support PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
 target_compile_definitions(velmora_desktop_test_support
     PUBLIC VELMORA_FIXTURES="${CMAKE_CURRENT_SOURCE_DIR}/fixtures/power_supply")
-target_link_libraries(velmora_desktop_test_support PUBLIC velmora_test_support Qt6::Core PRIVATE velmora_options)
+target_link_libraries(velmora_desktop_test_support PUBLIC velmora_linux velmora_test_support PRIVATE velmora_options)
+velmora_precompile(velmora_desktop_test_support <gtest/gtest.h> <QApplication> <QDBusArgument>
+    <QDBusConnectionInterface> <QDBusMessage> <QDBusVirtualObject> <QLabel> <QPushButton>)
 
 add_executable(velmora_adapter_tests
     history/HistoryDiskTest.cpp
@@ -59,17 +61,14 @@ target_link_libraries(velmora_adapter_tests PRIVATE velmora_app velmora_linux ve
 target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_PICTURES="${CMAKE_BINARY_DIR}/pictures")
 file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/pictures)
 add_dependencies(velmora_adapter_tests icons percent_glyphs)
-set_source_files_properties(views/popover/PopoverViewTest.cpp PROPERTIES
-    COMPILE_OPTIONS -UQT_NO_KEYWORDS SKIP_PRECOMPILE_HEADERS ON)
-velmora_precompile(velmora_adapter_tests <gtest/gtest.h> <QApplication> <QDBusArgument> <QDBusConnectionInterface>
-    <QDBusMessage> <QDBusVirtualObject> <QLabel> <QPushButton>)
+target_precompile_headers(velmora_adapter_tests REUSE_FROM velmora_desktop_test_support)
 set_target_properties(velmora_adapter_tests PROPERTIES AUTOMOC ON CROSSCOMPILING_EMULATOR umockdev-wrapper)
 gtest_discover_tests(velmora_adapter_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 60)
 
 # The built alert sounds, and the libcanberra code that plays them.
 target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_SOUNDS="${CMAKE_BINARY_DIR}/share/sounds/velmora")
 target_sources(velmora_adapter_tests PRIVATE ${CMAKE_SOURCE_DIR}/App/platform/linux/sound/CanberraOutput.cpp)
-target_link_libraries(velmora_adapter_tests PRIVATE PkgConfig::canberra)
+target_link_libraries(velmora_adapter_tests PRIVATE $<LINK_ONLY:PkgConfig::canberra>) # its macros would void the headers
 add_dependencies(velmora_adapter_tests sounds velmora_chart velmora_sound)
 
 # Draws pictures of the popover and the settings in every state, for people to look at.

@@ -4,6 +4,7 @@
 #include "support/Environment.h"
 #include "support/FakePlatform.h"
 #include "support/PlainProgram.h"
+#include "support/QCustomPlot.h"
 #include "views/popover/LinkButton.h"
 #include "views/popover/Popover.h"
 #include "views/popover/RingView.h"
@@ -20,7 +21,6 @@
 #include <QTest>
 #include <QTimeEdit>
 #include <gtest/gtest.h>
-#include <qcustomplot.h>
 
 #include <chrono>
 #include <cmath>

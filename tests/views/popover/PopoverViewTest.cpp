@@ -3,6 +3,7 @@
 
 #include "alerts/Prefs.h"
 #include "support/PopoverScene.h"
+#include "support/QCustomPlot.h"
 #include "views/popover/Popover.h"
 #include "views/style/ViewStyle.h"
 #include "views/text/ChartPoints.h"
@@ -15,7 +16,6 @@
 #include <QProgressBar>
 #include <QSignalSpy>
 #include <gtest/gtest.h>
-#include <qcustomplot.h>
 
 #include <algorithm>
 #include <memory>
