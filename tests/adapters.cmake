@@ -23,6 +23,8 @@ add_executable(velmora_adapter_tests
     platform/linux/power/FixturesTest.cpp
     platform/linux/notifications/FreedesktopNotificationsTest.cpp
     platform/linux/panel/GlyphImagesTest.cpp
+    platform/linux/files/BackgroundFilesTest.cpp
+    platform/linux/files/DiskThreadTest.cpp
     platform/linux/files/JsonUserDefaultsTest.cpp
     platform/linux/session/LibraryMessagesTest.cpp
     platform/linux/session/LogindSleepTest.cpp

@@ -7,7 +7,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
-#include <tuple>
+#include <iterator>
+#include <memory>
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -34,15 +35,64 @@ std::filesystem::path HistoryStore::file(const Files& files) {
 
 HistoryStore::HistoryStore(Files& files, const Clock& clock, const Calendar& calendar)
     : files_(files)
+    , clock_(clock)
     , calendar_(calendar)
-    , url(file(files)) {
+    , url(file(files))
+    , clockTrust_(clock) {
     files_.createFolder(url.parent_path());
-    if (std::optional<std::string> text = files_.read(url, largestFile))
-        if (std::optional<std::deque<Sample>> loaded = decodeHistory(std::move(*text)))
-            samples = std::move(*loaded);
-    if (!std::ranges::is_sorted(samples, {}, &Sample::t)) // sorting allocates a copy even if nothing moves
-        std::ranges::stable_sort(samples, {}, &Sample::t);
-    prune(clock.now());
+    hasClaim_ = files_.claim(url);
+    load();
+    fileChanges_ = files_.onChange(url, [this] { load(); });
+}
+
+void HistoryStore::load() {
+    auto taken = lifetime_.guard([this, number = ++loads_](std::optional<std::deque<Sample>>&& loaded) {
+        if (number == loads_)
+            take(std::move(loaded));
+    });
+    files_.load(url, largestFile, [taken](std::optional<std::string> text) {
+        const auto loaded = std::make_shared<std::optional<std::deque<Sample>>>();
+        if (text)
+            *loaded = decodeHistory(std::move(*text));
+        // Sorting allocates a copy even if nothing moves.
+        if (*loaded && !std::ranges::is_sorted(**loaded, {}, &Sample::t))
+            std::ranges::stable_sort(**loaded, {}, &Sample::t);
+        return [taken, loaded]() mutable { taken(std::move(*loaded)); };
+    });
+}
+
+void HistoryStore::take(std::optional<std::deque<Sample>> loaded) {
+    const Date now = clock_.now();
+    const bool isEmptied = loaded && loaded->empty();
+    if (mayWrite_) {
+        // Another program has changed the file. What it wrote is ours anyway, unless its user has reset the history.
+        if (!isEmptied)
+            return;
+        samples.clear();
+        unsaved_.clear();
+        save(now);
+    } else if (loaded) {
+        // What the file does not have yet, the program that writes it will only write later, or has lost. Samples from
+        // the future are left over from a clock that was ahead.
+        const auto last = std::find_if(loaded->rbegin(), loaded->rend(),
+                                       [now](const Sample& sample) { return sample.date() <= now; });
+        const double lastTime = last == loaded->rend() ? 0 : last->t;
+        const bool isReset = isEmptied && isLoaded_;
+        std::erase_if(unsaved_, [&](const Sample& sample) { return isReset || sample.t <= lastTime; });
+        loaded->insert(loaded->end(), unsaved_.begin(), unsaved_.end());
+        samples = std::move(*loaded);
+    }
+    const bool takesOver = isLoaded_ && hasClaim_ && !mayWrite_;
+    isLoaded_ = true;
+    mayWrite_ = hasClaim_;
+    const auto outdated = firstNotBefore(samples, now - longestHistory) - samples.begin();
+    if (2 * static_cast<std::size_t>(outdated) > samples.size())
+        clockTrust_.doubt();
+    prune(now);
+    if (takesOver)
+        save(now);
+    if (onReload)
+        onReload();
 }
 
 void HistoryStore::record(const BatteryState& state, Date now, bool force) {
@@ -53,10 +103,29 @@ void HistoryStore::record(const BatteryState& state, Date now, bool force) {
     const bool changed = !samples.empty() && (sample.a != samples.back().a || sample.c != samples.back().c);
     if (!samples.empty() && !changed && !force && sample.p == samples.back().p)
         return;
+    if (!hasClaim_ && files_.claim(url)) { // the program that wrote the file has ended
+        hasClaim_ = true;
+        load();
+    }
     samples.push_back(sample);
     prune(now);
-    if (changed || now - lastSave > longestWait)
+    unsaved_.push_back(sample);
+    // If the last save lies ahead, the clock was ahead.
+    if (changed || now - lastSave > longestWait || now < lastSave)
         save(now);
+    else if (mayWrite_)
+        saveAtEnd();
+}
+
+void HistoryStore::saveAtEnd() {
+    files_.updateAtEnd(url, largestFile, [unsaved = unsaved_](std::optional<std::string> text) {
+        std::deque<Sample> all;
+        if (text)
+            all = decodeHistory(std::move(*text)).value_or(all);
+        std::ranges::copy_if(unsaved, std::back_inserter(all),
+                             [&all](const Sample& sample) { return std::ranges::find(all, sample) == all.end(); });
+        return encodeHistory(all);
+    });
 }
 
 std::optional<Date> HistoryStore::pluggedSinceEstimate(Date now) const {
@@ -80,12 +149,32 @@ std::string HistoryStore::csv() const {
 }
 
 void HistoryStore::save(Date now) {
+    if (!isLoaded_)
+        return;
     // Even if writing fails, so that a full disk is not tried again every minute.
     lastSave = now;
-    if (const std::optional<std::string> text = encodeHistory(samples))
-        std::ignore = files_.replace(url, *text);
+    if (!mayWrite_)
+        return;
+    if (std::optional<std::string> text = encodeHistory(samples))
+        files_.update(
+            url, 0, [text = std::move(text)](const auto&) { return text; },
+            lifetime_.guard([this, count = unsaved_.size()](std::error_code error) {
+                if (!error)
+                    unsaved_.erase(unsaved_.begin(), unsaved_.begin() + std::min(count, unsaved_.size()));
+            }));
+}
+
+void HistoryStore::reset(Date now) {
+    ++loads_; // what is being loaded is gone too
+    isLoaded_ = true;
+    mayWrite_ = hasClaim_;
+    lastSave = now;
+    samples.clear();
+    unsaved_.clear();
+    files_.replace(url, "[]");
 }
 
 void HistoryStore::prune(Date now) {
-    samples.erase(samples.begin(), firstNotBefore(samples, now - longestHistory));
+    if (clockTrust_.isGiven())
+        samples.erase(samples.begin(), firstNotBefore(samples, now - longestHistory));
 }

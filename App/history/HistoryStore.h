@@ -2,20 +2,25 @@
 #pragma once
 
 #include "battery/BatteryState.h"
+#include "history/ClockTrust.h"
 #include "history/Sample.h"
 #include "platform/Calendar.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
+#include "platform/Lifetime.h"
+#include "platform/Subscription.h"
 
 #include <cstdint>
 #include <deque>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 /// The charge of the last 30 days, in memory and in one file. No errors are reported: an unreadable file counts as an
-/// empty history, and a file that cannot be written now is written on the next occasion.
+/// empty history, and a file that cannot be written now is written on the next occasion. Of several programs with the
+/// same file, as in two sessions of one user, the first writes, and the others show what it has written.
 class HistoryStore {
 public:
     /// One local day of the history.
@@ -31,13 +36,22 @@ public:
     /// The path of the history file.
     static std::filesystem::path file(const Files& files);
 
-    /// Loads the history from the file.
+    /// Starts to load the history from the file. Until that is done, nothing is written.
     HistoryStore(Files& files, const Clock& clock, const Calendar& calendar);
     HistoryStore(const HistoryStore&) = delete;
     HistoryStore& operator=(const HistoryStore&) = delete;
 
     /// Oldest first, as long as the clock does not go back.
     std::deque<Sample> samples;
+
+    /// Whether the file has been loaded.
+    bool isLoaded() const { return isLoaded_; }
+
+    /// Whether what is to be saved still waits for the file, as long as that is being loaded.
+    bool awaitsFile() const { return !isLoaded_ || hasClaim_ != mayWrite_; }
+
+    /// Called when samples have come from the file, after loading it or because another program has changed it.
+    std::function<void()> onReload;
 
     /// Records a reading; one that repeats the last only if `force` is set. A change of power source or charging is
     /// written to the file at once; the rest waits, to spare the disk.
@@ -58,11 +72,26 @@ public:
     /// Writes the history to its file now.
     void save(Date now);
 
+    /// Empties the history and its file, for all programs that share it.
+    void reset(Date now);
+
 private:
     Files& files_;
+    const Clock& clock_;
     const Calendar& calendar_;
     std::filesystem::path url;
     Date lastSave = Date::min();
+    std::vector<Sample> unsaved_; ///< recorded here, and perhaps not in the file yet
+    ClockTrust clockTrust_;
+    bool isLoaded_ = false;
+    bool hasClaim_;         ///< this program is the one that writes the file
+    bool mayWrite_ = false; ///< and knows what is in it
+    int loads_ = 0;         ///< begun so far
+    Subscription fileChanges_;
+    Lifetime lifetime_;
 
+    void load();
+    void take(std::optional<std::deque<Sample>> loaded);
+    void saveAtEnd();
     void prune(Date now);
 };

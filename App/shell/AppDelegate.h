@@ -30,6 +30,9 @@ public:
     /// Puts the item into the panel and starts the model.
     void applicationDidFinishLaunching();
 
+    /// Whether the history is still being loaded. Until that is done nothing can be saved.
+    bool awaitsHistory() const { return model.history.awaitsFile(); }
+
     /// Saves everything that must be on the disk; to be called once, when the main loop has ended.
     void applicationWillTerminate();
 

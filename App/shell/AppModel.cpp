@@ -42,6 +42,13 @@ auto AppModel::trigger(Function function) {
 void AppModel::start() {
     notifier.setup();
     notifier.onSnooze = lifetime_.guard([this] { snooze(); });
+    history.onReload = trigger([this] {
+        for (const auto& [reading, now, reason] : std::exchange(early_, {})) {
+            trackPluggedIn(reading, now, reason);
+            recordAndAlert(reading, now, reason);
+        }
+        historyVersion.set(historyVersion.get() + 1);
+    });
     refresh(Reason::launch);
     reader.startObserving(trigger([this] { refresh(Reason::event); }));
     timer = platform_.mainLoop.repeat(60s, 10s, trigger([this] { refresh(Reason::timer); }));
@@ -56,9 +63,22 @@ void AppModel::start() {
 void AppModel::refresh(Reason reason) {
     const BatteryState reading = reader.read();
     const Date now = platform_.clock.now();
+    if (!history.isLoaded()) { // a slow disk does not delay what the panel shows
+        publish(reading);
+        early_.push_back({reading, now, reason});
+        return;
+    }
     trackPluggedIn(reading, now, reason);
+    publish(reading);
+    recordAndAlert(reading, now, reason);
+}
+
+void AppModel::publish(const BatteryState& reading) {
     if (reading != state.get())
         state.set(reading);
+}
+
+void AppModel::recordAndAlert(const BatteryState& reading, Date now, Reason reason) {
     // An event may be one of many; other refreshes are recorded even if nothing has changed.
     history.record(reading, now, reason != Reason::event);
     historyVersion.set(historyVersion.get() + 1);
@@ -125,7 +145,6 @@ void AppModel::exportHistoryCSV() {
 }
 
 void AppModel::resetHistory() {
-    history.samples.clear();
-    history.save(platform_.clock.now());
+    history.reset(platform_.clock.now());
     historyVersion.set(historyVersion.get() + 1);
 }

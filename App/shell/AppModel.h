@@ -66,10 +66,19 @@ public:
 private:
     AlertEngine engine;
     std::unique_ptr<MainLoop::Timer> timer;
+
+    struct Reading {
+        BatteryState state;
+        Date now;
+        Reason reason = Reason::launch;
+    };
+    std::vector<Reading> early_; ///< shown before the history was loaded
     std::vector<Subscription> observations_;
     Lifetime lifetime_;
 
+    void publish(const BatteryState& reading);
     void trackPluggedIn(const BatteryState& reading, Date now, Reason reason);
+    void recordAndAlert(const BatteryState& reading, Date now, Reason reason);
     bool canDeliver(const Prefs& prefs, Date now);
     void publishStoredSnooze();
 

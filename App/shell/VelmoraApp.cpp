@@ -4,6 +4,7 @@
 #include "platform/linux/appearance/AppearanceWatch.h"
 #include "platform/linux/bus/SystemBus.h"
 #include "platform/linux/dialogs/QtDialogs.h"
+#include "platform/linux/files/BackgroundFiles.h"
 #include "platform/linux/files/JsonUserDefaults.h"
 #include "platform/linux/files/PosixFiles.h"
 #include "platform/linux/files/XdgFolders.h"
@@ -33,10 +34,12 @@
 #include <QApplication>
 #include <QDBusConnection>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <optional>
+#include <tuple>
 #include <utility>
 
 namespace {
@@ -64,13 +67,32 @@ void handleQtMessage(QtMsgType type, const QMessageLogContext& /*context*/, cons
     noticeDisplayLoss(message);
 }
 
-/// The delegate while the main loop runs. Qt calls exit() from inside the loop when the X server goes away, which is
-/// how many sessions end; an atexit handler can reach the delegate only through a static.
-AppDelegate* runningDelegate = nullptr;
+/// logind lets a machine wait for 5 seconds before it sleeps, and nobody waits longer for a program to end.
+constexpr std::chrono::milliseconds untilDiskIsGivenUp{4000};
+
+/// What has to be ended while the main loop runs. Qt calls exit() from inside the loop when the X server goes away,
+/// which is how many sessions end; an atexit handler can reach this only through a static.
+struct Running {
+    AppDelegate* delegate = nullptr;
+    BackgroundFiles* files = nullptr;
+    QtMainLoop* mainLoop = nullptr;
+} running;
+
+void waitForFiles(BackgroundFiles& files) {
+    if (!files.finish(untilDiskIsGivenUp))
+        std::_Exit(EXIT_SUCCESS);
+}
 
 void terminateRunning() {
-    if (AppDelegate* delegate = std::exchange(runningDelegate, nullptr))
-        delegate->applicationWillTerminate();
+    const Running ending = std::exchange(running, {});
+    if (ending.delegate == nullptr)
+        return;
+    if (ending.delegate->awaitsHistory()) { // it ends as soon as it has started
+        waitForFiles(*ending.files);
+        ending.mainLoop->runPending();
+    }
+    ending.delegate->applicationWillTerminate();
+    waitForFiles(*ending.files);
 }
 
 } // namespace
@@ -108,13 +130,18 @@ int main(int argc, char** argv) {
     QtMainLoop mainLoop;
     SystemClock clock;
     SystemCalendar calendar;
-    PosixFiles files(xdgDataHome());
+    PosixFiles disk(xdgDataHome());
+    BackgroundFiles files(disk, mainLoop);
+    signalEvents.setLastResort([&files] {
+        files.updateAtEndNow();
+        std::ignore = files.finish(untilDiskIsGivenUp / 2);
+    });
     const std::filesystem::path defaultsFile = xdgConfigHome() / "Velmora/defaults.json";
     JsonUserDefaults defaults(defaultsFile, files, mainLoop);
     SysfsPowerSources powerSources("/sys", clock, mainLoop);
     SystemBus systemBus(SystemBus::usualSocket(), mainLoop);
     PowerProfiles powerSaving(systemBus, "/sys");
-    LogindSleep sleep(systemBus);
+    LogindSleep sleep(systemBus, [&files](auto task) { files.afterUpdates(untilDiskIsGivenUp, std::move(task)); });
     DesktopSessionEvents sessionEvents(sessionBus, signalEvents, sleep);
     ExecutableBundle bundle(runningExecutable());
     const std::filesystem::path stateFolder = xdgStateHome() / "Velmora";
@@ -156,10 +183,11 @@ int main(int argc, char** argv) {
             files.removeLeftovers(XdgAutostart::file(xdgConfigHome(), *identifier));
     });
     mainLoop.after(untilStartIsOver, giveBackFreeMemory);
-    runningDelegate = &delegate;
+    running = {&delegate, &files, &mainLoop};
     std::atexit(terminateRunning);
     beforeDisplayLoss(terminateRunning);
     const int code = QApplication::exec();
     terminateRunning();
+    signalEvents.setLastResort([] {});
     return code;
 }

@@ -37,9 +37,9 @@ class Clock(FaultCase):
         self.soon(lambda: f"· {status}" in self.item.tooltip[0], SHOW_SECONDS, f"the item says {status}")
 
     def is_saved(self, charging):
-        last = self.samples()[-1]
-        self.assertEqual((last["p"], last["c"], last["a"]), (self.seen[-1], charging, charging))
-        self.assertLess(abs(last["t"] - time.time() - self.clock.ahead), SLACK)
+        last = lambda: self.samples()[-1]
+        self.soon_equal(lambda: [last()[key] for key in "pca"], [self.seen[-1], charging, charging], SHOW_SECONDS)
+        self.assertLess(abs(last()["t"] - time.time() - self.clock.ahead), SLACK)
 
     def popover(self):
         self.item.menu.choose("Show details")
@@ -76,6 +76,37 @@ class Clock(FaultCase):
         self.clock.set(-DAY)
         self.use()
         self.still_right()
+
+    def test_forward_by_forty_days_for_a_moment(self):
+        """Not a sample is dropped by a clock that cannot be believed."""
+        self.use()
+        self.clock.set(40 * DAY)
+        self.use()
+        self.clock.set(0)
+        self.use()
+        self.still_right()
+
+    def test_forward_by_forty_days_at_a_start(self):
+        self.assertEqual(self.program.process.stop(), 0)
+        self.clock.clean_up(self.program.process.pid)
+        seen = self.seen
+        self.clock.set(40 * DAY)
+        self.start_program(self.clock.environment, self.machine)
+        self.addCleanup(self.clock.clean_up, self.program.process.pid)
+        self.seen = seen
+        self.use()
+        self.clock.set(0)
+        self.use()
+        self.still_right()
+
+    def test_back_by_a_day_and_a_kill(self):
+        """While the clock lies before the last save, charges are saved as they would be long after it."""
+        self.use()
+        self.clock.set(-DAY)
+        self.change_level(55)
+        self.soon_equal(lambda: self.samples()[-1]["p"], 55, SHOW_SECONDS)
+        self.program.process.kill()
+        self.all_that_was_shown()
 
     def test_back_and_forward_while_it_is_plugged_in(self):
         self.plug()

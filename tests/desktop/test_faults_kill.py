@@ -54,10 +54,11 @@ class Week(FaultCase):
         return samples
 
     def must_be_saved(self):
-        """The program's latest reading is on the disk, and everything before it."""
+        """The program's latest reading is on the disk as soon as that has written it, and everything before it."""
+        reading = [self.level, self.plugged, self.plugged]
+        last = lambda: [history.samples(history.read(self.screen)[1])[-1][key] for key in "pca"]
+        self.soon_equal(last, reading, SHOW_SECONDS)
         samples = self.on_disk()
-        last = samples[-1]
-        self.assertEqual((last["p"], last["c"], last["a"]), (self.level, self.plugged, self.plugged), f"seed {self.seed}")
         # Every charge shown since the last save, in order.
         shown = [sample["p"] for sample in samples[len(self.known) :]]
         for level in self.pending:

@@ -8,6 +8,7 @@
 #include "support/OrdinaryUser.h"
 #include "support/SmallDisk.h"
 #include "support/TemporaryFolder.h"
+#include "support/WaitUntil.h"
 
 #include <gtest/gtest.h>
 
@@ -40,11 +41,14 @@ protected:
     void start() { store = std::make_unique<HistoryStore>(files, clock, calendar); }
 
     void record(Duration after, std::int64_t percent, bool pluggedIn = true) {
+        record(*store, after, percent, pluggedIn);
+    }
+    void record(HistoryStore& history, Duration after, std::int64_t percent, bool pluggedIn = true) {
         BatteryState state;
         state.hasBattery = true;
         state.percent = percent;
         state.pluggedIn = pluggedIn;
-        store->record(state, clock.now() + after, false);
+        history.record(state, clock.now() + after, false);
     }
 
     std::deque<Sample> onDisk() const { return decodeHistory(contentOf(file)).value_or(std::deque<Sample>()); }
@@ -181,4 +185,27 @@ TEST_F(HistoryDisk, ReplacesAFileThatMayNotBeRead) {
     record(0s, 80);
     EXPECT_EQ(onDisk(), store->samples);
     EXPECT_EQ(onDisk().size(), 1U);
+}
+
+TEST_F(HistoryDisk, IsSharedByTwoPrograms) {
+    PosixFiles othersFiles(support);
+    start();
+    HistoryStore other(othersFiles, clock, calendar);
+    record(0s, 80);
+    ASSERT_TRUE(waitUntil([&] { return other.samples.size() == 1; }));
+    record(60s, 79, false);
+    ASSERT_TRUE(waitUntil([&] { return other.samples.size() == 2; }));
+    record(other, 120s, 78);
+    other.save(clock.now());
+    EXPECT_EQ(onDisk().size(), 2U) << "the first one writes";
+
+    other.reset(clock.now());
+    ASSERT_TRUE(waitUntil([&] { return store->samples.empty(); }));
+    record(180s, 77);
+    store->save(clock.now());
+    ASSERT_TRUE(waitUntil([&] { return other.samples.size() == 1; }));
+    store->reset(clock.now());
+    ASSERT_TRUE(waitUntil([&] { return other.samples.empty(); }));
+    EXPECT_TRUE(store->samples.empty());
+    EXPECT_EQ(contentOf(file), "[]");
 }

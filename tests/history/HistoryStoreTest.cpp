@@ -99,7 +99,41 @@ TEST_F(HistoryStoreTest, DoesNotReadAFileThatNoHistoryFills) {
 TEST_F(HistoryStoreTest, KeepsASampleExactlyThirtyDaysOld) {
     EXPECT_EQ(storeWith({aged(30 * 24h + 1ms), aged(30 * 24h), aged(1h)}).samples,
               (std::deque{aged(30 * 24h), aged(1h)}));
-    EXPECT_TRUE(storeWith({aged(31 * 24h)}).samples.empty());
+}
+
+TEST_F(HistoryStoreTest, KeepsAllWhenAStartWouldDropMoreThanHalfOfIt) {
+    const std::deque half{aged(32 * 24h), aged(31 * 24h), aged(2h), aged(1h)};
+    EXPECT_EQ(storeWith(half).samples.size(), 2U);
+    const std::deque more{aged(33 * 24h), aged(32 * 24h), aged(31 * 24h), aged(2h), aged(1h)};
+    HistoryStore history = storeWith(more);
+    EXPECT_EQ(history.samples, more);
+    clock.pass(24h - 1s);
+    history.record(onBattery, clock.now(), true);
+    EXPECT_EQ(history.samples.size(), 6U) << "the clock may have been wrong at the start";
+    clock.pass(1s);
+    history.record(onBattery, clock.now(), true);
+    EXPECT_EQ(history.samples.size(), 4U) << "it has run evenly for a day";
+}
+
+TEST_F(HistoryStoreTest, LosesNothingToAClockThatIsWeeksAheadForAWhile) {
+    HistoryStore history = storeWith({aged(20 * 24h), aged(10 * 24h), aged(1h)});
+    clock.setNow(start + 40 * 24h);
+    history.record(pluggedIn, clock.now(), true);
+    EXPECT_EQ(history.samples.size(), 4U);
+    EXPECT_EQ(store().samples.size(), 4U) << "nor if it is started again";
+    clock.pass(60s);
+    clock.setNow(start);
+    history.record(onBattery, clock.now(), true);
+    EXPECT_EQ(history.samples.size(), 5U);
+    EXPECT_EQ(history.samplesSince(start - 15 * 24h).size(), 4U);
+    EXPECT_EQ(store().samples.size(), 5U);
+}
+
+TEST_F(HistoryStoreTest, DropsWhatGrewTooOldWhileTheMachineSlept) {
+    HistoryStore history = storeWith({aged(20 * 24h), aged(10 * 24h), aged(1h)});
+    clock.suspend(40 * 24h);
+    history.record(pluggedIn, clock.now(), true);
+    EXPECT_EQ(history.samples.size(), 1U);
 }
 
 TEST_F(HistoryStoreTest, DropsWhatGrowsTooOldWhileItRecords) {
@@ -171,6 +205,150 @@ TEST_F(HistoryStoreTest, WaitsAlsoAfterAWriteThatFailed) {
     EXPECT_FALSE(records(history, reading(62, false, false), start + 500s, false));
     EXPECT_TRUE(records(history, reading(61, false, false), start + 701s, false));
     EXPECT_EQ(store().samples.size(), 4U) << "nothing was lost";
+}
+
+TEST_F(HistoryStoreTest, WritesAtOnceWhenTheClockIsBehindTheLastWrite) {
+    HistoryStore history = store();
+    history.record(reading(64, false, false), start, false);
+    EXPECT_TRUE(records(history, reading(63, false, false), start - 24h, false));
+    EXPECT_FALSE(records(history, reading(62, false, false), start - 24h + 300s, false));
+    EXPECT_TRUE(records(history, reading(61, false, false), start - 24h + 301s, false));
+}
+
+TEST_F(HistoryStoreTest, LosesNothingWhenTheProcessEndsWithoutASave) {
+    HistoryStore history = storeWith({aged(1h)});
+    history.record(reading(64, false, true), start, false);
+    history.record(reading(63, false, true), start + 1s, false);
+    history.record(reading(62, false, true), start + 2s, false);
+    EXPECT_EQ(store().samples.size(), 2U);
+    const std::deque<Sample> all = history.samples;
+    EXPECT_EQ(all.size(), 4U);
+    files.end();
+    EXPECT_EQ(store().samples, all);
+    history.record(reading(61, false, false), start + 3s, false);
+    files.end();
+    EXPECT_EQ(store().samples, history.samples) << "saved as usual, and not twice";
+}
+
+TEST_F(HistoryStoreTest, LosesNothingAtSuchAnEndThatCouldNotBeWrittenBefore) {
+    HistoryStore history = storeWith({aged(1h)});
+    files.refusesWrites = true;
+    history.record(onBattery, start, false); // has to be written at once
+    history.record(reading(63, false, false), start + 1s, false);
+    files.refusesWrites = false;
+    files.end();
+    EXPECT_EQ(store().samples, history.samples);
+    EXPECT_EQ(history.samples.size(), 3U);
+}
+
+TEST_F(HistoryStoreTest, WritesNothingBeforeItHasLoadedTheFile) {
+    files.files[file] = *encodeHistory({aged(2h), aged(1h)});
+    const std::string before = files.files[file];
+    files.holdsLoads = true;
+    HistoryStore history = store();
+    int reloads = 0;
+    history.onReload = [&] { ++reloads; };
+    EXPECT_FALSE(history.isLoaded());
+    history.save(start);
+    EXPECT_FALSE(records(history, onBattery, start, true));
+    files.end();
+    EXPECT_EQ(files.files[file], before);
+    files.heldLoads.at(0)();
+    EXPECT_TRUE(history.isLoaded());
+    EXPECT_EQ(reloads, 1);
+    EXPECT_EQ(history.samples.size(), 3U);
+    history.save(start);
+    EXPECT_EQ(store().samples.size(), 3U);
+}
+
+TEST_F(HistoryStoreTest, IsEmptyIfItIsResetWhileTheFileIsLoaded) {
+    files.files[file] = *encodeHistory({aged(2h), aged(1h)});
+    files.holdsLoads = true;
+    HistoryStore history = store();
+    history.reset(start);
+    EXPECT_EQ(files.files[file], "[]");
+    files.heldLoads.at(0)();
+    EXPECT_TRUE(history.isLoaded());
+    EXPECT_TRUE(history.samples.empty());
+}
+
+TEST_F(HistoryStoreTest, MayEndWhileTheFileIsLoaded) {
+    files.holdsLoads = true;
+    { const HistoryStore history = store(); }
+    files.heldLoads.at(0)();
+}
+
+TEST_F(HistoryStoreTest, OnlyShowsWhatAnotherProgramWrites) {
+    files.isClaimedByAnother = true;
+    HistoryStore history = storeWith({aged(1h)});
+    int reloads = 0;
+    history.onReload = [&] { ++reloads; };
+    EXPECT_FALSE(records(history, onBattery, start, false));
+    EXPECT_FALSE(records(history, pluggedIn, start + 1s, false));
+    history.save(start + 2s);
+    files.end();
+    EXPECT_EQ(store().samples, std::deque{aged(1h)});
+    // The other's samples take the place of its own, except for those that the other has not written yet.
+    const Sample theirs = aged(-500ms);
+    files.replaceByAnother(file, *encodeHistory({aged(1h), aged(0s), theirs}));
+    EXPECT_EQ(reloads, 1);
+    ASSERT_EQ(history.samples.size(), 4U);
+    EXPECT_EQ(history.samples[2], theirs);
+    EXPECT_EQ(history.samples[3].date(), start + 1s);
+}
+
+TEST_F(HistoryStoreTest, TakesOverWhenTheProgramThatWritesHasEnded) {
+    files.isClaimedByAnother = true;
+    HistoryStore history = storeWith({aged(1h)});
+    history.record(onBattery, start, false);
+    // Its last save, of which nothing has been heard yet.
+    files.files[file] = *encodeHistory({aged(1h), aged(10s)});
+    files.isClaimedByAnother = false;
+    history.record(reading(63, false, false), start + 1s, false);
+    EXPECT_EQ(history.samples.size(), 4U);
+    EXPECT_EQ(store().samples.size(), 3U) << "written at once";
+    files.end();
+    EXPECT_EQ(store().samples, history.samples);
+    EXPECT_TRUE(records(history, pluggedIn, start + 2s, false));
+}
+
+TEST_F(HistoryStoreTest, KeepsWhatOnlyItHasAlsoBesideSamplesFromTheFuture) {
+    files.isClaimedByAnother = true;
+    HistoryStore history = storeWith({aged(1h), aged(-40 * 24h)});
+    clock.pass(60s);
+    history.record(onBattery, clock.now(), false);
+    files.replaceByAnother(file, *encodeHistory({aged(1h), aged(-40 * 24h), aged(-30s)}));
+    ASSERT_EQ(history.samples.size(), 4U);
+    EXPECT_EQ(history.samples.back().date(), clock.now());
+}
+
+TEST_F(HistoryStoreTest, IsResetFromEitherOfTwoPrograms) {
+    HistoryStore writer = storeWith({aged(1h)});
+    files.isClaimedByAnother = true;
+    HistoryStore other = store();
+    files.isClaimedByAnother = false;
+    writer.record(onBattery, start, false);
+
+    writer.reset(start);
+    files.replaceByAnother(file, files.files[file]); // as the other program hears of it
+    EXPECT_TRUE(other.samples.empty());
+
+    files.isClaimedByAnother = true;
+    writer.record(onBattery, start + 1s, false);
+    other.record(onBattery, start + 1s, false);
+    other.reset(start + 2s);
+    EXPECT_EQ(files.files[file], "[]");
+    files.replaceByAnother(file, "[]");
+    EXPECT_TRUE(writer.samples.empty());
+    EXPECT_TRUE(other.samples.empty());
+}
+
+TEST_F(HistoryStoreTest, IsNotTakenFromAFileThatSomebodyPutsInItsPlace) {
+    HistoryStore history = storeWith({aged(1h)});
+    files.replaceByAnother(file, *encodeHistory({aged(3h), aged(2h)}));
+    EXPECT_EQ(history.samples, std::deque{aged(1h)});
+    files.replaceByAnother(file, "damaged");
+    EXPECT_EQ(history.samples, std::deque{aged(1h)});
 }
 
 TEST_F(HistoryStoreTest, AWriteFromOutsideCountsAsTheLastOne) {

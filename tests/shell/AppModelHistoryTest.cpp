@@ -41,6 +41,71 @@ TEST_F(AppModelHistoryTest, LoadsTheHistoryWhenItIsMade) {
     EXPECT_EQ(model().history.samples.size(), 12U);
 }
 
+TEST_F(AppModelHistoryTest, ShowsTheBatteryWhileASlowDiskIsRead) {
+    pluggedInFor(1h);
+    fake.files.holdsLoads = true;
+    model().start();
+    EXPECT_EQ(model().state.get().percent, 64);
+    fake.powerSources.setBattery(63, true);
+    fake.powerSources.change();
+    EXPECT_EQ(model().state.get().percent, 63);
+    fake.mainLoop.advance(3min);
+    EXPECT_TRUE(fake.files.replacedPaths.empty());
+    EXPECT_EQ(model().pluggedSince.get(), std::nullopt);
+}
+
+TEST_F(AppModelHistoryTest, MakesUpForEverythingWhenTheHistoryHasCome) {
+    const Date start = fake.clock.now();
+    pluggedInFor(1h);
+    fake.files.holdsLoads = true;
+    model().start();
+    fake.mainLoop.advance(30s);
+    fake.powerSources.setBattery(10, false);
+    fake.powerSources.change();
+    std::vector<std::int64_t> shown;
+    const Subscription state = model().state.subscribe([&](const BatteryState& now) { shown.push_back(now.percent); });
+    fake.files.heldLoads.at(0)();
+    EXPECT_EQ(shown, std::vector<std::int64_t>{10}) << "what was shown is not shown again";
+    const auto& samples = model().history.samples;
+    ASSERT_EQ(samples.size(), 14U);
+    EXPECT_EQ(samples[12].date(), start);
+    EXPECT_EQ(samples[12].p, 64);
+    EXPECT_EQ(samples[13].date(), start + 30s);
+    EXPECT_EQ(samples[13].p, 10);
+    EXPECT_EQ(fake.notificationCenter.requests.size(), 2U) << "low, and in need of Low Power Mode";
+    EXPECT_EQ(model().pluggedSince.get(), std::nullopt);
+}
+
+TEST_F(AppModelHistoryTest, KnowsSinceWhenItWasPluggedInAtALaunchThatHadToWait) {
+    const Date start = fake.clock.now();
+    pluggedInFor(1h);
+    fake.files.holdsLoads = true;
+    model().start();
+    fake.mainLoop.advance(20min); // by now the history is too old to tell
+    fake.files.heldLoads.at(0)();
+    EXPECT_EQ(model().pluggedSince.get(), start - 1h);
+    EXPECT_EQ(model().history.samples.size(), 12U + 21U);
+}
+
+TEST_F(AppModelHistoryTest, RemindsOfNothingThatHeldAtALaunchThatHadToWait) {
+    fake.powerSources.setBattery(10, false);
+    fake.files.holdsLoads = true;
+    model().start();
+    fake.mainLoop.advance(1min);
+    fake.files.heldLoads.at(0)();
+    fake.mainLoop.advance(1min);
+    EXPECT_TRUE(fake.notificationCenter.requests.empty());
+}
+
+TEST_F(AppModelHistoryTest, TellsThatAnotherProgramHasChangedTheHistory) {
+    fake.files.isClaimedByAnother = true;
+    model().start();
+    pluggedInFor(1h);
+    fake.files.replaceByAnother(file, fake.files.files[file]);
+    EXPECT_EQ(model().historyVersion.get(), 2);
+    EXPECT_EQ(model().history.samples.size(), 13U);
+}
+
 TEST_F(AppModelHistoryTest, KnowsAtLaunchSinceWhenItHasBeenPluggedIn) {
     const Date seven = fake.clock.now();
     fake.clock.setNow(seven + 2h + 30min);

@@ -34,7 +34,12 @@ void PlainHistory::load(const std::vector<Sample>& list, Date now) {
             --place;
         samples.insert(samples.begin() + static_cast<std::ptrdiff_t>(place), sample);
     }
+    const std::vector<Sample> all = samples;
     prune(now);
+    // A start that would drop more than half has a clock that cannot be believed.
+    keepsAll_ = 2 * samples.size() < all.size();
+    if (keepsAll_)
+        samples = all;
 }
 
 void PlainHistory::record(const BatteryState& state, Date now, bool force) {
@@ -50,7 +55,8 @@ void PlainHistory::record(const BatteryState& state, Date now, bool force) {
     samples.push_back({now.time_since_epoch().count(), state.percent, state.isCharging, state.pluggedIn});
     prune(now);
     const bool isLongAgo = !lastSave_ || eighths(now.time_since_epoch().count()) - *lastSave_ > 300 * 8;
-    if (changed || isLongAgo)
+    const bool isAhead = lastSave_ && eighths(now.time_since_epoch().count()) < *lastSave_;
+    if (changed || isLongAgo || isAhead)
         save(now);
 }
 
@@ -62,7 +68,8 @@ void PlainHistory::save(Date now) {
 }
 
 void PlainHistory::prune(Date now) {
-    samples = since(now - Duration(2'592'000));
+    if (!keepsAll_)
+        samples = since(now - Duration(2'592'000));
 }
 
 std::optional<Date> PlainHistory::pluggedSince(Date now) const {

@@ -15,6 +15,7 @@
 
 /// A second implementation of the history's rules, as plain as possible and however slow, to compare the store with. It
 /// counts in whole eighths of a second, so that nothing is rounded; times that are passed in must be multiples of that.
+/// The machine's own clock stands still, so that a doubt about the wall clock never ends.
 class PlainHistory {
 public:
     /// Returns local time for an instant, both in seconds from 1970-01-01 0:00, in UTC and on the local clock. They
@@ -42,6 +43,7 @@ private:
     LocalClock localClock_;
     std::map<std::int64_t, Eighths> dayStarts_; ///< looked up once for each date
     std::optional<Eighths> lastSave_;
+    bool keepsAll_ = false;
 
     static Eighths eighths(double seconds);
     static Date dateOf(Eighths instant);

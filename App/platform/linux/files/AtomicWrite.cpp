@@ -74,7 +74,7 @@ TemporaryFile makeTemporaryFile(const fs::path& target) {
     return {};
 }
 
-std::error_code writeAll(int descriptor, std::string_view content) {
+std::error_code writeAll(int descriptor, std::string_view content, Sync sync) {
     while (!content.empty()) {
         const ssize_t count = uninterrupted([&] { return ::write(descriptor, content.data(), content.size()); });
         if (count < 0)
@@ -83,7 +83,7 @@ std::error_code writeAll(int descriptor, std::string_view content) {
             return std::make_error_code(std::errc::io_error);
         content.remove_prefix(static_cast<std::size_t>(count));
     }
-    if (uninterrupted([&] { return ::fsync(descriptor); }) != 0)
+    if (sync == Sync::wait && uninterrupted([&] { return ::fsync(descriptor); }) != 0)
         return lastError();
     return {};
 }
@@ -132,7 +132,8 @@ void removeIfLeftOver(const fs::path& file) {
 
 } // namespace
 
-std::error_code writeAtomically(const fs::path& target, std::string_view content, Access access) {
+std::error_code writeAtomically(const fs::path& target, std::string_view content, Access access, Sync sync,
+                                const std::function<bool(int descriptor)>& mayRename) {
     // A user who links the file to /dev/null wants nothing kept, and no regular file in place of the device.
     struct stat status {};
     if (::stat(target.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode))
@@ -140,16 +141,18 @@ std::error_code writeAtomically(const fs::path& target, std::string_view content
     const TemporaryFile temporary = makeTemporaryFile(target);
     if (!temporary.descriptor)
         return lastError();
-    std::error_code error = writeAll(temporary.descriptor.get(), content);
+    std::error_code error = writeAll(temporary.descriptor.get(), content, sync);
     if (!error && access == Access::asUsual)
         ::fchmod(temporary.descriptor.get(), usualMode(target)); // some file systems have no modes
+    if (!error && !mayRename(temporary.descriptor.get()))
+        error = std::make_error_code(std::errc::operation_canceled);
     if (!error && ::rename(temporary.path.c_str(), target.c_str()) != 0)
         error = lastError();
     if (error) {
         ::unlink(temporary.path.c_str());
         return error;
     }
-    return syncFolder(target.parent_path(), temporary.descriptor.get());
+    return sync == Sync::wait ? syncFolder(target.parent_path(), temporary.descriptor.get()) : std::error_code();
 }
 
 void removeLeftovers(const fs::path& target) {

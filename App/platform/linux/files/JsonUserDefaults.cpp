@@ -7,13 +7,10 @@
 
 #include <QJsonDocument>
 
-#include <fcntl.h>
-#include <sys/file.h>
-
-#include <cerrno>
-#include <chrono>
 #include <cmath>
-#include <thread>
+#include <optional>
+#include <string>
+#include <system_error>
 #include <utility>
 
 namespace fs = std::filesystem;
@@ -41,25 +38,25 @@ std::optional<std::int64_t> integerOf(const QJsonValue& value) {
     return one == value.toInteger(1) ? std::optional<std::int64_t>(one) : std::nullopt;
 }
 
-/// Keeps other processes of ours from writing. It locks the folder itself, so no lock file is left lying about. It
-/// waits up to five seconds, because on a busy machine a process that writes again and again hardly lets go between two
-/// writes; after that, and on file systems without locks, the write goes ahead without it.
-class FolderLock {
-public:
-    explicit FolderLock(const fs::path& folder)
-        : descriptor_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-        using namespace std::chrono_literals;
-        const auto limit = std::chrono::steady_clock::now() + 5s;
-        while (descriptor_ && ::flock(descriptor_.get(), LOCK_EX | LOCK_NB) != 0) {
-            if ((errno != EWOULDBLOCK && errno != EINTR) || std::chrono::steady_clock::now() > limit)
-                return;
-            std::this_thread::sleep_for(1ms);
-        }
-    }
-
-private:
-    FileDescriptor descriptor_;
+struct Content {
+    QJsonObject values;
+    bool isDamaged = false; ///< the file exists and holds no JSON object
 };
+
+Content parse(const fs::path& file, const std::optional<std::string>& text) {
+    std::error_code error;
+    if (!text)
+        return {.values = {}, .isDamaged = fs::exists(fs::status(file, error))};
+    const auto document =
+        QJsonDocument::fromJson(QByteArray::fromRawData(text->data(), static_cast<qsizetype>(text->size())));
+    return {.values = document.object(), .isDamaged = !document.isObject()};
+}
+
+QJsonObject merged(QJsonObject values, const QJsonObject& newer) {
+    for (auto entry = newer.begin(); entry != newer.end(); ++entry)
+        values.insert(entry.key(), entry.value());
+    return values;
+}
 
 } // namespace
 
@@ -71,29 +68,13 @@ JsonUserDefaults::JsonUserDefaults(fs::path file, Files& files, MainLoop& loop)
     // So that this folder is watched from the start, and not the busy one above it.
     files_.createFolder(file_.parent_path());
     watchFile();
-    values_ = load().values;
+    values_ = parse(file_, files_.read(file_, sizeLimit)).values;
 }
 
 JsonUserDefaults::~JsonUserDefaults() {
     // The disk may have been full when the user chose it, and have room by now.
     if (!unwritten_.isEmpty())
         write();
-}
-
-JsonUserDefaults::Content JsonUserDefaults::load() const {
-    const auto text = files_.read(file_, sizeLimit);
-    std::error_code error;
-    if (!text)
-        return {.values = {}, .isDamaged = fs::exists(fs::status(file_, error))};
-    const auto document =
-        QJsonDocument::fromJson(QByteArray::fromRawData(text->data(), static_cast<qsizetype>(text->size())));
-    return {.values = document.object(), .isDamaged = !document.isObject()};
-}
-
-QJsonObject JsonUserDefaults::withUnwritten(QJsonObject values) const {
-    for (auto entry = unwritten_.begin(); entry != unwritten_.end(); ++entry)
-        values.insert(entry.key(), entry.value());
-    return values;
 }
 
 void JsonUserDefaults::registerDefaults(const Dictionary& fallbacks) {
@@ -133,39 +114,35 @@ std::optional<std::string> JsonUserDefaults::stringForKey(std::string_view key) 
     return text != nullptr ? std::optional(*text) : std::nullopt;
 }
 
-void JsonUserDefaults::setDamagedAside() {
-    fs::path aside = file_;
-    aside += ".damaged";
-    if (const auto content = files_.read(file_, sizeLimit)) {
-        // If this fails, so will the write of the new content, and the damaged file stays.
-        static_cast<void>(files_.replace(aside, *content));
-        return;
-    }
-    // It cannot be copied: it is a folder, huge, or not ours to read.
-    std::error_code error;
-    fs::rename(PosixFiles::linkTarget(file_), aside, error);
-}
-
 void JsonUserDefaults::setObject(std::string_view key, const Value& value) {
     unwritten_.insert(toQString(key), toJson(value));
+    values_ = merged(values_, unwritten_);
     write();
     announce();
 }
 
 void JsonUserDefaults::write() {
-    files_.createFolder(file_.parent_path());
-    const FolderLock lock(file_.parent_path());
-    // Keeps what others have written since.
-    Content present = load();
-    if (present.isDamaged) {
-        setDamagedAside();
-        present.values = values_;
-    }
-    values_ = withUnwritten(present.values);
-    const QByteArray text = QJsonDocument(values_).toJson(QJsonDocument::Indented);
-    if (!files_.replace(file_, {text.constData(), static_cast<std::size_t>(text.size())}))
-        unwritten_ = {};
-    watchFile();
+    isWriting_ = true;
+    const auto change = [&files = files_, file = file_, values = values_,
+                         unwritten = unwritten_](const std::optional<std::string>& text) -> std::optional<std::string> {
+        // Keeps what others have written since.
+        Content present = parse(file, text);
+        if (present.isDamaged) {
+            // Its user may want it back. What a link leads to may be anything, so that stays.
+            if (!files.setAside(file))
+                return std::nullopt;
+            present.values = values;
+        }
+        return QJsonDocument(merged(present.values, unwritten)).toJson(QJsonDocument::Indented).toStdString();
+    };
+    files_.update(file_, sizeLimit, change, lifetime_.guard([this, written = unwritten_](std::error_code error) {
+        for (auto entry = written.begin(); !error && entry != written.end(); ++entry) {
+            if (unwritten_.value(entry.key()) == entry.value())
+                unwritten_.remove(entry.key());
+        }
+        isWriting_ = false;
+        fileChanged();
+    }));
 }
 
 Subscription JsonUserDefaults::onChange(std::function<void()> callback) {
@@ -173,12 +150,15 @@ Subscription JsonUserDefaults::onChange(std::function<void()> callback) {
 }
 
 void JsonUserDefaults::fileChanged() {
+    // Setting a damaged file aside leaves none for a moment. When the writing is done, this is called again.
+    if (isWriting_)
+        return;
     watchFile();
-    const Content present = load();
+    const Content present = parse(file_, files_.read(file_, sizeLimit));
     // A slip in an editor must not reset all settings; our next write repairs the file.
     if (present.isDamaged)
         return;
-    const QJsonObject values = withUnwritten(present.values);
+    const QJsonObject values = merged(present.values, unwritten_);
     // Our own write comes back as an event too, and is announced already.
     if (values == values_)
         return;

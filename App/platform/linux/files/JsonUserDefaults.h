@@ -10,7 +10,6 @@
 #include <QJsonObject>
 
 #include <filesystem>
-#include <optional>
 
 class MainLoop;
 
@@ -35,25 +34,18 @@ public:
     [[nodiscard]] Subscription onChange(std::function<void()> callback) override;
 
 private:
-    struct Content {
-        QJsonObject values;
-        bool isDamaged = false; ///< the file exists and holds no JSON object
-    };
-
     std::filesystem::path file_;
     Files& files_;
     MainLoop& loop_;
     Dictionary fallbacks_;
     QJsonObject values_;
-    QJsonObject unwritten_; ///< set in this run, but the write failed
+    QJsonObject unwritten_; ///< set in this run, and not in the file yet
+    bool isWriting_ = false;
     Observers<> observers_;
     FolderWatch watch_;
     Lifetime lifetime_;
 
-    Content load() const;
-    QJsonObject withUnwritten(QJsonObject values) const;
     void write();
-    void setDamagedAside();
     void fileChanged();
     void announce();
     void watchFile();

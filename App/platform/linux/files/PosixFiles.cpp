@@ -1,16 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/files/PosixFiles.h"
 
-#include "platform/linux/files/AtomicWrite.h"
-#include "platform/linux/files/FileDescriptor.h"
+#include "platform/linux/files/FolderWatch.h"
 #include "platform/linux/files/ReadDescriptor.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <system_error>
+#include <chrono>
+#include <memory>
+#include <set>
+#include <string>
+#include <thread>
+#include <tuple>
 #include <utility>
 
 namespace fs = std::filesystem;
@@ -33,6 +38,26 @@ std::error_code makeFolder(const fs::path& folder) {
         return fs::is_directory(folder, error) ? std::error_code() : std::make_error_code(std::errc::not_a_directory);
     return {failure, std::system_category()};
 }
+
+/// Keeps other processes of ours from writing. It locks the folder itself, so no lock file is left lying about. It
+/// waits up to five seconds, because on a busy machine a process that writes again and again hardly lets go between two
+/// writes; after that, and on file systems without locks, the write goes ahead without it.
+class FolderLock {
+public:
+    explicit FolderLock(const fs::path& folder)
+        : descriptor_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+        using namespace std::chrono_literals;
+        const auto limit = std::chrono::steady_clock::now() + 5s;
+        while (descriptor_ && ::flock(descriptor_.get(), LOCK_EX | LOCK_NB) != 0) {
+            if ((errno != EWOULDBLOCK && errno != EINTR) || std::chrono::steady_clock::now() > limit)
+                return;
+            std::this_thread::sleep_for(1ms);
+        }
+    }
+
+private:
+    FileDescriptor descriptor_;
+};
 
 } // namespace
 
@@ -73,14 +98,76 @@ fs::path PosixFiles::linkTarget(const fs::path& file) {
     return file;
 }
 
-std::error_code PosixFiles::replace(const fs::path& file, std::string_view content) {
+void PosixFiles::load(const fs::path& file, std::size_t limit,
+                      std::function<Task(std::optional<std::string> content)> decode) {
+    decode(read(file, limit))();
+}
+
+void PosixFiles::update(const fs::path& file, std::size_t limit, Change change, Done done) {
+    const std::error_code error = this->change(file, limit, change, Sync::wait);
+    if (done)
+        done(error);
+}
+
+bool PosixFiles::setAside(const fs::path& file) {
+    constexpr int mostAside = 100;
+    std::error_code error;
+    for (int number = 1; number <= mostAside; ++number) {
+        fs::path aside = file;
+        aside += number == 1 ? ".damaged" : ".damaged-" + std::to_string(number);
+        if (fs::exists(fs::symlink_status(aside, error)))
+            continue;
+        fs::rename(file, aside, error);
+        return !error;
+    }
+    return false;
+}
+
+void PosixFiles::updateAtEnd(const fs::path& /*file*/, std::size_t /*limit*/, Change /*change*/) {}
+
+std::error_code PosixFiles::change(const fs::path& file, std::size_t limit, const Change& change, Sync sync,
+                                   const std::atomic<bool>* isOvertaken) {
+    const auto mayGoOn = [isOvertaken] { return isOvertaken == nullptr || !*isOvertaken; };
+    std::optional<FolderLock> lock;
+    std::optional<std::string> content;
+    if (limit > 0) {
+        if (const std::error_code error = makeFolder(file.parent_path()))
+            return error;
+        if (sync == Sync::wait && !isClaimed(file.parent_path()))
+            lock.emplace(file.parent_path());
+        if (!mayGoOn())
+            return std::make_error_code(std::errc::operation_canceled);
+        content = read(file, limit);
+    }
+    content = change(std::move(content));
+    if (!content)
+        return std::make_error_code(std::errc::operation_canceled);
     // A link stays and its target is replaced: people keep their settings elsewhere and link to them.
     const fs::path target = linkTarget(file);
     if (target.has_parent_path()) {
         if (const std::error_code error = makeFolder(target.parent_path()))
             return error;
     }
-    return writeAtomically(target, content, Access::owner);
+    return writeAtomically(target, *content, Access::owner, sync, [&](int descriptor) {
+        struct stat status {};
+        const std::lock_guard hold(mutex_);
+        if (!mayGoOn() || ::fstat(descriptor, &status) != 0)
+            return false;
+        written_.insert_or_assign(file, identity(status));
+        return true;
+    });
+}
+
+std::error_code PosixFiles::replaceNow(const fs::path& file, std::string_view content) {
+    return change(
+        file, 0, [content](const auto&) { return std::string(content); }, Sync::skip);
+}
+
+void PosixFiles::sync(const fs::path& file) {
+    for (const fs::path& path : {file, file.parent_path()}) {
+        if (const FileDescriptor descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)); descriptor)
+            std::ignore = ::fsync(descriptor.get());
+    }
 }
 
 std::error_code PosixFiles::saveDocument(const fs::path& file, std::string_view content) {
@@ -89,4 +176,50 @@ std::error_code PosixFiles::saveDocument(const fs::path& file, std::string_view 
 
 void PosixFiles::removeLeftovers(const fs::path& file) const {
     ::removeLeftovers(linkTarget(file));
+}
+
+bool PosixFiles::isClaimed(const fs::path& folder) const {
+    const std::lock_guard hold(mutex_);
+    return claims_.contains(folder);
+}
+
+bool PosixFiles::claim(const fs::path& file) {
+    const fs::path folder = file.parent_path();
+    if (isClaimed(folder))
+        return true;
+    FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!descriptor)
+        return true;
+    if (::flock(descriptor.get(), LOCK_EX | LOCK_NB) != 0)
+        return errno != EWOULDBLOCK;
+    const std::lock_guard hold(mutex_);
+    claims_.emplace(folder, std::move(descriptor));
+    return true;
+}
+
+Subscription PosixFiles::onChange(const fs::path& file, std::function<void()> callback) {
+    const auto watch = std::make_shared<std::optional<FolderWatch>>();
+    const auto entries = [file] { return std::set{file, linkTarget(file)}; };
+    watch->emplace([this, file, entries, &watch = *watch, callback = std::move(callback)] {
+        watch->watch(entries());
+        if (!isOurs(file))
+            callback();
+    });
+    (*watch)->watch(entries());
+    return Subscription([watch] {});
+}
+
+bool PosixFiles::isOurs(const fs::path& file) const {
+    struct stat status {};
+    const bool isThere = ::stat(file.c_str(), &status) == 0;
+    const std::lock_guard hold(mutex_);
+    const auto own = written_.find(file);
+    return isThere && own != written_.end() && own->second == identity(status);
+}
+
+PosixFiles::Identity PosixFiles::identity(const struct stat& status) {
+    return {.device = status.st_dev,
+            .number = status.st_ino,
+            .seconds = status.st_mtim.tv_sec,
+            .nanoseconds = status.st_mtim.tv_nsec};
 }

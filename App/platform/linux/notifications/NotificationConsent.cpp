@@ -3,8 +3,8 @@
 
 #include "platform/Files.h"
 
+#include <string>
 #include <string_view>
-#include <tuple>
 
 using Status = NotificationCenter::AuthorizationStatus;
 
@@ -29,5 +29,5 @@ void NotificationConsent::give() {
         return;
     status_ = Status::authorized;
     // If this fails, we ask again at the next start.
-    std::ignore = files_.replace(file_, given);
+    files_.replace(file_, std::string(given));
 }

@@ -6,6 +6,8 @@
 
 #include <QDBusPendingReply>
 
+#include <utility>
+
 namespace {
 
 constexpr QLatin1String service("org.freedesktop.login1");
@@ -14,7 +16,9 @@ constexpr QLatin1String manager("org.freedesktop.login1.Manager");
 
 } // namespace
 
-LogindSleep::LogindSleep(SystemBus& bus) : bus_(bus) {}
+LogindSleep::LogindSleep(SystemBus& bus, std::function<void(Task)> afterUpdates)
+    : bus_(bus)
+    , afterUpdates_(std::move(afterUpdates)) {}
 
 void LogindSleep::start() {
     subscriptions_.push_back(bus_.onConnected([this] { follow(); }));
@@ -59,7 +63,8 @@ void LogindSleep::prepareForSleep(bool goesToSleep) {
     asleep_ = goesToSleep;
     if (goesToSleep) {
         willSleep.notify();
-        lock_.reset();
+        // The task holds the lock until it has run.
+        afterUpdates_([lock = std::exchange(lock_, std::nullopt)] {});
         return;
     }
     takeLock(answerTries);

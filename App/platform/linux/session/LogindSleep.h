@@ -7,6 +7,7 @@
 #include <QDBusUnixFileDescriptor>
 #include <QObject>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -14,17 +15,22 @@
 class SystemBus;
 
 /// Sleep and wake as logind announces them. While the machine is awake we hold a delay lock, so that it does not sleep
-/// before all observers of `willSleep` have returned; the lock is released for the sleep and taken again after it.
+/// before all observers of `willSleep` have returned and what they wrote is on the disk; the lock is released for the
+/// sleep and taken again after it.
 class LogindSleep final : public QObject {
     Q_OBJECT
 
 public:
-    explicit LogindSleep(SystemBus& bus);
+    using Task = std::function<void()>;
+
+    /// `afterUpdates` runs a task when all that is to be written now has been written.
+    explicit LogindSleep(
+        SystemBus& bus, std::function<void(Task)> afterUpdates = [](const Task& task) { task(); });
 
     /// Starts to follow logind.
     void start();
 
-    /// The machine is about to sleep; it waits until all observers have returned, as long as logind lets it.
+    /// The machine is about to sleep; it waits for all observers and for what they write, as long as logind lets it.
     Observers<> willSleep;
 
     /// The machine is awake again.
@@ -35,6 +41,7 @@ private Q_SLOTS:
 
 private:
     SystemBus& bus_;
+    std::function<void(Task)> afterUpdates_;
     std::unique_ptr<QDBusServiceWatcher> watcher_;
     std::optional<QDBusUnixFileDescriptor> lock_;
     bool asleep_ = false;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/session/QtMainLoop.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QThread>
 #include <QTimer>
 
@@ -42,4 +44,8 @@ std::unique_ptr<MainLoop::Timer> QtMainLoop::repeat(Duration interval, Duration 
 
 bool QtMainLoop::isMainThread() const {
     return QThread::currentThread() == context_.thread();
+}
+
+void QtMainLoop::runPending() {
+    QCoreApplication::sendPostedEvents(&context_, QEvent::MetaCall);
 }

@@ -13,6 +13,9 @@ public:
     [[nodiscard]] std::unique_ptr<Timer> repeat(Duration interval, Duration tolerance, Task task) override;
     bool isMainThread() const override;
 
+    /// Runs the tasks that `async` has been given, for the time after the loop has ended.
+    void runPending();
+
 private:
     QObject context_;
 };

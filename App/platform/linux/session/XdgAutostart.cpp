@@ -55,7 +55,7 @@ std::optional<std::string> put(Files& files, const fs::path& file, const std::op
     std::error_code error;
     if (fs::exists(file, error) && !fs::is_regular_file(file, error))
         return reason(std::make_error_code(std::errc::file_exists)); // for instance a link to /dev/null
-    return content ? reason(files.replace(file, *content)) : noName;
+    return content ? reason(files.replaceNow(file, *content)) : noName;
 }
 
 } // namespace

@@ -14,6 +14,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdint>
+#include <functional>
 #include <memory>
 
 namespace fs = std::filesystem;
@@ -183,6 +185,7 @@ TEST_F(JsonUserDefaultsTest, WritesThroughADanglingLink) {
 }
 
 TEST_F(JsonUserDefaultsTest, RunsOnFallbacksAndSetsDamagedContentAsideBeforeItWrites) {
+    int number = 0;
     for (const std::string content :
          {"", "{", "[1, 2]", "\"text\"", "{\"limit\": 70} trailing", "\xFF\xFE{}", "{\"limit\": NaN}"}) {
         const auto defaults = storeWith(content);
@@ -191,8 +194,43 @@ TEST_F(JsonUserDefaultsTest, RunsOnFallbacksAndSetsDamagedContentAsideBeforeItWr
         EXPECT_EQ(contentOf(file), content) << "reading changes nothing";
         defaults->setObject("limit", 85);
         EXPECT_EQ(stored(), QJsonDocument::fromJson(R"({"limit": 85})").object()) << content;
-        EXPECT_EQ(contentOf(file.string() + ".damaged"), content);
+        ++number;
+        EXPECT_EQ(contentOf(file.string() + ".damaged" + (number == 1 ? "" : "-" + std::to_string(number))), content);
     }
+    EXPECT_EQ(contentOf(file.string() + ".damaged"), "") << "the first one stays";
+}
+
+TEST_F(JsonUserDefaultsTest, SetsALinkAsideThatLeadsToNoPreferencesAndLeavesAloneWhatItLeadsTo) {
+    fs::create_directories(home.path / "Documents/inside");
+    write(home.path / "large", std::string(2 << 20, '7'));
+    write(home.path / "damaged", "{,}");
+    for (const char* target : {"Documents", "large", "damaged"}) {
+        fs::remove(file);
+        fs::create_symlink(home.path / target, file);
+        const auto defaults = store();
+        defaults->setObject("limit", 85);
+        EXPECT_FALSE(fs::is_symlink(file)) << target;
+        EXPECT_EQ(store()->integerForKey("limit"), 85);
+    }
+    EXPECT_TRUE(fs::is_directory(home.path / "Documents/inside"));
+    EXPECT_EQ(fs::file_size(home.path / "large"), std::uintmax_t{2} << 20);
+    EXPECT_EQ(contentOf(home.path / "damaged"), "{,}");
+    EXPECT_EQ(fs::read_symlink(file.string() + ".damaged"), home.path / "Documents");
+    EXPECT_EQ(fs::read_symlink(file.string() + ".damaged-2"), home.path / "large");
+    EXPECT_EQ(fs::read_symlink(file.string() + ".damaged-3"), home.path / "damaged");
+}
+
+TEST_F(JsonUserDefaultsTest, KeepsADamagedFileThatCannotBeSetAside) {
+    const auto defaults = storeWith("{,}");
+    for (int number = 1; number <= 100; ++number)
+        write(file.string() + ".damaged" + (number == 1 ? "" : "-" + std::to_string(number)), "earlier");
+    defaults->setObject("limit", 85);
+    EXPECT_EQ(contentOf(file), "{,}");
+    EXPECT_EQ(defaults->integerForKey("limit"), 85) << "for this run";
+    fs::remove(file.string() + ".damaged-7");
+    defaults->setObject("low", 15);
+    EXPECT_EQ(store()->integerForKey("limit"), 85);
+    EXPECT_EQ(contentOf(file.string() + ".damaged-7"), "{,}");
 }
 
 TEST_F(JsonUserDefaultsTest, KeepsTheSettingsWhenTheFileIsDamagedWhileItRuns) {
@@ -286,11 +324,29 @@ public:
     std::optional<std::string> read(const fs::path& file, std::size_t limit) const override {
         return files_.read(file, limit);
     }
-    std::error_code replace(const fs::path& file, std::string_view content) override {
-        return refuses ? std::make_error_code(std::errc::no_space_on_device) : files_.replace(file, content);
+    void load(const fs::path& file, std::size_t limit,
+              std::function<Task(std::optional<std::string> content)> decode) override {
+        files_.load(file, limit, decode);
     }
-    std::error_code saveDocument(const std::filesystem::path& file, std::string_view content) override {
-        return replace(file, content);
+    void update(const fs::path& file, std::size_t limit, Change change, Done done) override {
+        if (refuses)
+            done(std::make_error_code(std::errc::no_space_on_device));
+        else
+            files_.update(file, limit, change, done);
+    }
+    bool setAside(const fs::path& file) override { return files_.setAside(file); }
+    void updateAtEnd(const fs::path& file, std::size_t limit, Change change) override {
+        files_.updateAtEnd(file, limit, change);
+    }
+    std::error_code replaceNow(const fs::path& file, std::string_view content) override {
+        return files_.replaceNow(file, content);
+    }
+    std::error_code saveDocument(const fs::path& file, std::string_view content) override {
+        return files_.saveDocument(file, content);
+    }
+    bool claim(const fs::path& file) override { return files_.claim(file); }
+    Subscription onChange(const fs::path& file, std::function<void()> callback) override {
+        return files_.onChange(file, callback);
     }
 
 private:

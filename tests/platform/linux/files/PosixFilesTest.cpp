@@ -6,17 +6,22 @@
 #include "support/OrdinaryUser.h"
 #include "support/SmallDisk.h"
 #include "support/TemporaryFolder.h"
+#include "support/WaitUntil.h"
 
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -27,6 +32,12 @@ protected:
     TemporaryFolder home;
     PosixFiles files{home.path / "data"};
 
+    std::error_code replace(const fs::path& file, std::string content) {
+        std::error_code result;
+        files.update(
+            file, 0, [&](const auto&) { return std::move(content); }, [&](std::error_code error) { result = error; });
+        return result;
+    }
     static unsigned permissions(const fs::path& path) {
         struct stat status {};
         return ::stat(path.c_str(), &status) == 0 ? status.st_mode & 07777U : 0;
@@ -53,8 +64,8 @@ TEST_F(PosixFilesTest, MakesNoFolderWhereAFileIs) {
 
 TEST_F(PosixFilesTest, ReplacesAFileForTheOwnerOnlyAndLeavesNothingElse) {
     const fs::path file = home.path / "new/folder/file";
-    EXPECT_FALSE(files.replace(file, "one"));
-    EXPECT_FALSE(files.replace(file, "two"));
+    EXPECT_FALSE(replace(file, "one"));
+    EXPECT_FALSE(replace(file, "two"));
     EXPECT_EQ(contentOf(file), "two");
     EXPECT_EQ(permissions(file), 0600U);
     EXPECT_EQ(entries(file.parent_path()), 1U);
@@ -62,7 +73,7 @@ TEST_F(PosixFilesTest, ReplacesAFileForTheOwnerOnlyAndLeavesNothingElse) {
 
 TEST_F(PosixFilesTest, WritesAnyBytes) {
     const std::string content = std::string("\0\xFF\n", 3) + std::string(200000, 'x');
-    EXPECT_FALSE(files.replace(home.path / "file", content));
+    EXPECT_FALSE(replace(home.path / "file", content));
     EXPECT_EQ(contentOf(home.path / "file"), content);
 }
 
@@ -71,7 +82,7 @@ TEST_F(PosixFilesTest, FollowsALinkAndKeepsIt) {
     write(home.path / "elsewhere/real", "old");
     fs::create_symlink("elsewhere/real", home.path / "first");
     fs::create_symlink(home.path / "first", home.path / "link");
-    EXPECT_FALSE(files.replace(home.path / "link", "new"));
+    EXPECT_FALSE(replace(home.path / "link", "new"));
     EXPECT_TRUE(fs::is_symlink(home.path / "link"));
     EXPECT_TRUE(fs::is_symlink(home.path / "first"));
     EXPECT_EQ(contentOf(home.path / "elsewhere/real"), "new");
@@ -79,7 +90,7 @@ TEST_F(PosixFilesTest, FollowsALinkAndKeepsIt) {
 
 TEST_F(PosixFilesTest, MakesWhatADanglingLinkLeadsTo) {
     fs::create_symlink("not/there/yet", home.path / "link");
-    EXPECT_FALSE(files.replace(home.path / "link", "new"));
+    EXPECT_FALSE(replace(home.path / "link", "new"));
     EXPECT_TRUE(fs::is_symlink(home.path / "link"));
     EXPECT_EQ(contentOf(home.path / "not/there/yet"), "new");
 }
@@ -89,13 +100,13 @@ TEST_F(PosixFilesTest, SurvivesARingOfLinks) {
     fs::create_symlink("a", home.path / "b");
     EXPECT_EQ(PosixFiles::linkTarget(home.path / "a"), home.path / "a");
     EXPECT_FALSE(files.read(home.path / "a", 100));
-    EXPECT_FALSE(files.replace(home.path / "a", "new")); // the ring leads to no file, so the link itself is replaced
+    EXPECT_FALSE(replace(home.path / "a", "new")); // the ring leads to no file, so the link itself is replaced
     EXPECT_EQ(contentOf(home.path / "a"), "new");
 }
 
 TEST_F(PosixFilesTest, FailsWithoutATraceWhereAFolderIs) {
     fs::create_directories(home.path / "file/inside");
-    EXPECT_EQ(files.replace(home.path / "file", "new"), std::errc::is_a_directory);
+    EXPECT_EQ(replace(home.path / "file", "new"), std::errc::is_a_directory);
     EXPECT_TRUE(fs::is_directory(home.path / "file/inside"));
     EXPECT_EQ(entries(home.path), 1U);
 }
@@ -131,7 +142,7 @@ TEST_F(PosixFilesTest, TakesNoMemoryForAFileBeyondTheLimit) {
 TEST_F(PosixFilesTest, TakesPermissionsFromOthersThatTheyHad) {
     write(home.path / "file", "old");
     fs::permissions(home.path / "file", fs::perms(0644));
-    EXPECT_FALSE(files.replace(home.path / "file", "new"));
+    EXPECT_FALSE(replace(home.path / "file", "new"));
     EXPECT_EQ(permissions(home.path / "file"), 0600U);
 }
 
@@ -169,7 +180,7 @@ TEST_F(PosixFilesTest, PutsNoFileInThePlaceOfWhatIsNone) {
     ASSERT_EQ(::mkfifo((home.path / "pipe").c_str(), 0600), 0);
     fs::create_symlink(home.path / "pipe", home.path / "link");
     for (const char* name : {"pipe", "link"}) {
-        EXPECT_EQ(files.replace(home.path / name, "x"), std::errc::operation_not_supported);
+        EXPECT_EQ(replace(home.path / name, "x"), std::errc::operation_not_supported);
         EXPECT_EQ(files.saveDocument(home.path / name, "x"), std::errc::operation_not_supported);
     }
     EXPECT_TRUE(fs::is_fifo(home.path / "pipe"));
@@ -177,17 +188,113 @@ TEST_F(PosixFilesTest, PutsNoFileInThePlaceOfWhatIsNone) {
 
 TEST_F(PosixFilesTest, MakesAFolderAnewThatWasDeleted) {
     const fs::path file = home.path / "data/Velmora/file";
-    EXPECT_FALSE(files.replace(file, "one"));
+    EXPECT_FALSE(replace(file, "one"));
     fs::remove_all(home.path / "data");
-    EXPECT_FALSE(files.replace(file, "two"));
+    EXPECT_FALSE(replace(file, "two"));
     EXPECT_EQ(contentOf(file), "two");
     EXPECT_EQ(permissions(file.parent_path()), 0700U);
 }
 
+TEST_F(PosixFilesTest, ReplacesAtOnceWithoutWaitingForTheDisk) {
+    DiskFaults faults;
+    faults.syncs = {EIO};
+    EXPECT_FALSE(files.replaceNow(home.path / "new/file", "one"));
+    EXPECT_EQ(contentOf(home.path / "new/file"), "one");
+    EXPECT_EQ(faults.syncs.size(), 1U);
+    files.sync(home.path / "new/file");
+    EXPECT_TRUE(faults.syncs.empty());
+    EXPECT_EQ(files.replaceNow(home.path, "two"), std::errc::is_a_directory);
+}
+
+TEST_F(PosixFilesTest, ChangesAFileByWhatItHolds) {
+    const fs::path file = home.path / "file";
+    std::vector<std::error_code> results;
+    std::vector<std::optional<std::string>> found;
+    const auto changeTo = [&](std::optional<std::string> next) {
+        files.update(
+            file, 3,
+            [&](std::optional<std::string> present) {
+                found.push_back(std::move(present));
+                return next;
+            },
+            [&](std::error_code error) { results.push_back(error); });
+    };
+    changeTo("one");
+    changeTo("four");
+    changeTo("two");
+    changeTo(std::nullopt);
+    EXPECT_EQ(found, (std::vector<std::optional<std::string>>{std::nullopt, "one", std::nullopt, "two"}))
+        << "more than three bytes are too many";
+    EXPECT_EQ(results, (std::vector<std::error_code>{{}, {}, {}, std::make_error_code(std::errc::operation_canceled)}));
+    EXPECT_EQ(contentOf(file), "two");
+}
+
+TEST_F(PosixFilesTest, LetsOneProcessAtATimeChangeAFileByWhatItHolds) {
+    constexpr int times = 50;
+    const auto count = [this] {
+        PosixFiles own(home.path);
+        for (int i = 0; i < times; ++i)
+            own.update(home.path / "count", 10,
+                       [](const std::optional<std::string>& present) {
+                           return std::to_string(std::stoi(present.value_or("0")) + 1);
+                       },
+                       {});
+    };
+    const pid_t other = ::fork();
+    ASSERT_GE(other, 0);
+    if (other == 0) {
+        count();
+        ::_exit(0);
+    }
+    count();
+    int status = -1;
+    ASSERT_EQ(::waitpid(other, &status, 0), other);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(contentOf(home.path / "count"), std::to_string(2 * times));
+}
+
+TEST_F(PosixFilesTest, LetsTheFirstThatAsksHaveAFolderUntilItEnds) {
+    PosixFiles second(home.path);
+    const fs::path file = home.path / "folder/file";
+    EXPECT_TRUE(second.claim(file)) << "there is no folder that it could have";
+    fs::create_directory(home.path / "folder");
+    {
+        PosixFiles first(home.path);
+        EXPECT_TRUE(first.claim(file));
+        EXPECT_TRUE(first.claim(file));
+        EXPECT_FALSE(second.claim(file));
+        EXPECT_FALSE(second.claim(home.path / "folder/another"));
+        EXPECT_TRUE(second.claim(home.path / "elsewhere"));
+        const auto noChange = [](const auto&) { return std::nullopt; };
+        first.update(file, 100, noChange, {}); // does not wait for itself
+    }
+    EXPECT_TRUE(second.claim(file));
+}
+
+TEST_F(PosixFilesTest, TellsWhatOthersPutInAFilesPlaceAndNotWhatItPutsThereItself) {
+    const fs::path file = home.path / "folder/file";
+    fs::create_directory(home.path / "folder");
+    PosixFiles other(home.path);
+    int ours = 0, theirs = 0;
+    const Subscription own = files.onChange(file, [&] { ++ours; });
+    const Subscription foreign = other.onChange(file, [&] { ++theirs; });
+    EXPECT_FALSE(replace(file, "one"));
+    ASSERT_TRUE(waitUntil([&] { return theirs > 0; }));
+    EXPECT_EQ(ours, 0);
+    other.replace(file, "two");
+    ASSERT_TRUE(waitUntil([&] { return ours > 0; }));
+    ours = 0;
+    fs::remove_all(home.path / "folder");
+    ASSERT_TRUE(waitUntil([&] { return ours > 0; }));
+    ours = 0;
+    other.replace(file, "three");
+    ASSERT_TRUE(waitUntil([&] { return ours > 0; })) << "also in a new folder";
+}
+
 TEST_F(PosixFilesTest, ReplacesAFileWithTheLongestPossibleName) {
     const fs::path file = home.path / std::string(255, 'x');
-    EXPECT_FALSE(files.replace(file, "one"));
-    EXPECT_FALSE(files.replace(file, "two"));
+    EXPECT_FALSE(replace(file, "one"));
+    EXPECT_FALSE(replace(file, "two"));
     EXPECT_EQ(contentOf(file), "two");
     EXPECT_EQ(entries(home.path), 1U);
 }
@@ -213,7 +320,7 @@ protected:
         EXPECT_EQ(entries(folder), 1U);
     }
     void expectWorks(const std::string& content = "new") {
-        EXPECT_EQ(files.replace(file, content), std::error_code());
+        EXPECT_EQ(replace(file, content), std::error_code());
         EXPECT_EQ(contentOf(file), content);
         EXPECT_EQ(entries(folder), 1U);
     }
@@ -234,10 +341,10 @@ TEST_F(PosixFilesFailureTest, TellsEveryErrorOfTheDisk) {
             if (isLate)
                 faults.writes.push_back({.error = 0, .most = 1000});
             faults.writes.push_back({.error = error});
-            EXPECT_EQ(files.replace(file, large), expected);
+            EXPECT_EQ(replace(file, large), expected);
             expectUntouched();
             faults.syncs = {error};
-            EXPECT_EQ(files.replace(file, large), expected);
+            EXPECT_EQ(replace(file, large), expected);
             expectUntouched();
             expectWorks();
         }
@@ -247,7 +354,7 @@ TEST_F(PosixFilesFailureTest, TellsEveryErrorOfTheDisk) {
 TEST_F(PosixFilesFailureTest, TellsWhenItIsNotSureThatTheNewNameIsOnTheDisk) {
     DiskFaults faults;
     faults.syncs = {0, EIO}; // of the file, of its folder
-    EXPECT_EQ(files.replace(file, "new"), std::errc::io_error);
+    EXPECT_EQ(replace(file, "new"), std::errc::io_error);
     EXPECT_EQ(entries(folder), 1U);
     expectWorks("newer");
 }
@@ -260,7 +367,7 @@ TEST_F(PosixFilesFailureTest, WorksWhereAFolderCannotBeSynchronised) {
 
 TEST_F(PosixFilesFailureTest, WorksWhereAFolderMayNotBeRead) {
     fs::permissions(folder, fs::perms::owner_write | fs::perms::owner_exec);
-    EXPECT_FALSE(files.replace(file, "new"));
+    EXPECT_FALSE(replace(file, "new"));
     EXPECT_EQ(contentOf(file), "new");
 }
 
@@ -278,7 +385,7 @@ TEST_F(PosixFilesFailureTest, SurvivesALimitOfTheFileSize) {
     EXPECT_TRUE(inChild([this] {
         const TerminationSignals signals; // as in the program; otherwise the limit kills the process
         limitFileSize(100'000);
-        EXPECT_EQ(files.replace(file, large), std::errc::file_too_large);
+        EXPECT_EQ(replace(file, large), std::errc::file_too_large);
         expectUntouched();
         expectWorks(std::string(100'000, 'y'));
     }));
@@ -293,20 +400,20 @@ TEST_F(PosixFilesTest, SurvivesAFullDisk) {
             limitFileSize(100 * 1024);
         const OrdinaryUser user(home.path);
         const fs::path file = home.path / "disk/folder/file";
-        EXPECT_FALSE(files.replace(file, "old"));
-        const std::error_code error = files.replace(file, std::string(200 * 1024, 'x'));
+        EXPECT_FALSE(replace(file, "old"));
+        const std::error_code error = replace(file, std::string(200 * 1024, 'x'));
         EXPECT_TRUE(error == std::errc::no_space_on_device || error == std::errc::file_too_large) << error.message();
         EXPECT_EQ(contentOf(file), "old");
         EXPECT_EQ(entries(file.parent_path()), 1U);
-        EXPECT_FALSE(files.replace(file, std::string(50 * 1024, 'y')));
+        EXPECT_FALSE(replace(file, std::string(50 * 1024, 'y')));
         EXPECT_EQ(contentOf(file), std::string(50 * 1024, 'y'));
     }));
 }
 
 TEST_F(PosixFilesFailureTest, TellsThatAFolderMayNotBeWritten) {
     fs::permissions(folder, fs::perms::owner_read | fs::perms::owner_exec);
-    EXPECT_EQ(files.replace(file, "new"), std::errc::permission_denied);
-    EXPECT_EQ(files.replace(folder / "deeper/file", "new"), std::errc::permission_denied);
+    EXPECT_EQ(replace(file, "new"), std::errc::permission_denied);
+    EXPECT_EQ(replace(folder / "deeper/file", "new"), std::errc::permission_denied);
     EXPECT_FALSE(files.createFolder(folder / "deeper"));
     expectUntouched();
     fs::permissions(folder, fs::perms::owner_all);
@@ -315,7 +422,7 @@ TEST_F(PosixFilesFailureTest, TellsThatAFolderMayNotBeWritten) {
 
 TEST_F(PosixFilesFailureTest, TellsThatAFolderMayNotBeEntered) {
     fs::permissions(folder, fs::perms::none);
-    EXPECT_EQ(files.replace(file, "new"), std::errc::permission_denied);
+    EXPECT_EQ(replace(file, "new"), std::errc::permission_denied);
     EXPECT_FALSE(files.read(file, 100));
     fs::permissions(folder, fs::perms::owner_all);
     expectUntouched();
@@ -323,8 +430,8 @@ TEST_F(PosixFilesFailureTest, TellsThatAFolderMayNotBeEntered) {
 }
 
 TEST_F(PosixFilesFailureTest, TellsThatAFileIsInTheFoldersPlace) {
-    EXPECT_EQ(files.replace(file / "file", "new"), std::errc::not_a_directory);
-    EXPECT_EQ(files.replace(file / "deeper/file", "new"), std::errc::not_a_directory);
+    EXPECT_EQ(replace(file / "file", "new"), std::errc::not_a_directory);
+    EXPECT_EQ(replace(file / "deeper/file", "new"), std::errc::not_a_directory);
     expectUntouched();
 }
 
@@ -361,7 +468,7 @@ TEST_F(PosixFilesLeftoversTest, OfAProcessThatWasKilledAreRemoved) {
     EXPECT_FALSE(inChild([this] {
         DiskFaults faults;
         faults.beforeWrite = [] { ::raise(SIGKILL); };
-        static_cast<void>(files.replace(file, "content"));
+        static_cast<void>(replace(file, "content"));
     }));
     EXPECT_EQ(entries(folder), 1U);
     files.removeLeftovers(file);
@@ -421,7 +528,7 @@ TEST_F(PosixFilesLeftoversTest, AreNotTakenForWhatIsBeingWritten) {
         files.removeLeftovers(file);
         EXPECT_EQ(entries(folder), 1U);
     };
-    EXPECT_FALSE(files.replace(file, "content"));
+    EXPECT_FALSE(replace(file, "content"));
     EXPECT_EQ(calls, 1);
     EXPECT_EQ(contentOf(file), "content");
 }
@@ -435,7 +542,7 @@ TEST_F(PosixFilesLeftoversTest, CostNoWriterItsFile) {
         files.removeLeftovers(file);
         EXPECT_EQ(entries(folder), 0U);
     };
-    EXPECT_FALSE(files.replace(file, "content"));
+    EXPECT_FALSE(replace(file, "content"));
     EXPECT_TRUE(wasThere);
     EXPECT_EQ(contentOf(file), "content");
     EXPECT_EQ(entries(folder), 1U);
@@ -447,7 +554,7 @@ TEST_F(PosixFilesLeftoversTest, AreRemovedWhileAnotherProcessWrites) {
     if (writer == 0) {
         bool works = true;
         for (int i = 0; i < 100; ++i)
-            works = works && !files.replace(file, std::to_string(i));
+            works = works && !replace(file, std::to_string(i));
         ::_exit(works ? 0 : 1);
     }
     int status = -1;

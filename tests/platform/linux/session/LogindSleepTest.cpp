@@ -9,6 +9,9 @@
 #include <QDBusArgument>
 #include <gtest/gtest.h>
 
+#include <utility>
+#include <vector>
+
 namespace {
 
 const QString name = QStringLiteral("org.freedesktop.login1");
@@ -20,7 +23,12 @@ protected:
     PrivateBus bus;
     QtMainLoop loop;
     SystemBus systemBus{bus.socket(), loop};
-    LogindSleep sleep{systemBus};
+    bool isDiskSlow = false;
+    std::vector<LogindSleep::Task> waiting; ///< for the disk
+    LogindSleep sleep{systemBus, [this](LogindSleep::Task task) {
+                          if (isDiskSlow)
+                              waiting.push_back(std::move(task));
+                      }};
     int sleeps = 0;
     int wakes = 0;
     int locksAtSleep = -1;
@@ -86,6 +94,27 @@ TEST_F(LogindSleepTest, HoldsALockUntilTheSaveIsDoneAndTakesItAgainAfterWaking) 
         ASSERT_TRUE(waitUntil([&] { return wakes == round; }));
         ASSERT_TRUE(holdsLocks(1));
     }
+}
+
+TEST_F(LogindSleepTest, HoldsTheLockUntilASlowDiskIsDone) {
+    const auto service = logind();
+    start();
+    ASSERT_TRUE(holdsLocks(1));
+    isDiskSlow = true;
+    announce(true);
+    ASSERT_TRUE(waitUntil([&] { return sleeps == 1; }));
+    EXPECT_EQ(locks(), 1);
+    waiting.clear();
+    EXPECT_TRUE(holdsLocks(0));
+    // The machine does not wait for ever. A lock that was still held does not take the next one along.
+    announce(false);
+    ASSERT_TRUE(holdsLocks(1));
+    announce(true);
+    announce(false);
+    ASSERT_TRUE(waitUntil([&] { return wakes == 2; }));
+    ASSERT_TRUE(holdsLocks(2));
+    waiting.clear();
+    EXPECT_TRUE(holdsLocks(1));
 }
 
 TEST_F(LogindSleepTest, HearsNoSignalOfAnotherType) {
