@@ -85,3 +85,11 @@ add_test(NAME gallery.twelve_hours COMMAND velmora_gallery ${CMAKE_BINARY_DIR}/g
 set_tests_properties(gallery.twelve_hours PROPERTIES ENVIRONMENT "LC_ALL=en_US.UTF-8" TIMEOUT 60)
 add_test(NAME gallery.low_screen COMMAND velmora_gallery ${CMAKE_BINARY_DIR}/gallery/low-screen 600)
 set_tests_properties(gallery.low_screen PROPERTIES TIMEOUT 60)
+
+# Records machines as fixtures, and reads them as the program does.
+add_executable(velmora_check_fixture fixtures/CheckFixture.cpp)
+target_link_libraries(velmora_check_fixture PRIVATE velmora_desktop_test_support velmora_options)
+add_test(NAME tools.fixture COMMAND /usr/bin/python3 -m unittest --verbose test_fixture
+         WORKING_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR}/tools)
+set_tests_properties(tools.fixture PROPERTIES TIMEOUT 300 ENVIRONMENT
+    "PYTHONDONTWRITEBYTECODE=1;VELMORA_CHECK_FIXTURE=$<TARGET_FILE:velmora_check_fixture>")

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/linux/power/PowerProfileChoice.h"
+
 #include <QJsonObject>
 
 #include <filesystem>
@@ -17,9 +19,13 @@ struct Fixture {
     };
 
     std::string name;
+    std::string machine; ///< what people call it
     std::vector<Device> devices;
-    QJsonObject expected;
+    PowerProfileChoice powerProfile;
+    QJsonObject expected; ///< empty if nobody has said yet what is right
 
+    /// Throws if the file cannot be read or is no fixture. The devices and attributes have names that files in one
+    /// folder can have.
     static Fixture load(const std::filesystem::path& file);
 
     /// The files of all fixtures in the source tree, sorted.

@@ -104,6 +104,7 @@ std::string nameOf(const testing::TestParamInfo<FixturesTest::ParamType>& info) 
 } // namespace
 
 TEST_P(FixturesTest, IsReadRight) {
+    ASSERT_FALSE(fixture.expected.isEmpty()) << "the fixture does not say what is right";
     // Without a battery the state is empty; only the snapshot then holds the adapter and the power source.
     const PowerSnapshot snapshot = sources->snapshot();
     const BatteryState state = BatteryReader(*sources, powerSaving).read();
