@@ -5,7 +5,7 @@
 #include "platform/Clock.h"
 #include "platform/SessionEvents.h"
 #include "platform/UserDefaults.h"
-#include "shell/HeapMemory.h"
+#include "platform/qt/HeapMemory.h"
 #include "views/popover/Popover.h"
 #include "views/popover/PopoverView.h"
 #include "views/settings/SettingsView.h"

@@ -26,9 +26,9 @@
 #include "platform/linux/session/TerminationSignals.h"
 #include "platform/linux/session/XdgAutostart.h"
 #include "platform/linux/sound/CanberraSounds.h"
+#include "platform/qt/HeapMemory.h"
 #include "platform/qt/ProgramFiles.h"
 #include "shell/AppDelegate.h"
-#include "shell/HeapMemory.h"
 #include "views/style/DesktopPalette.h"
 
 #include <QApplication>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "shell/HeapMemory.h"
+#include "platform/qt/HeapMemory.h"
 
 #include <QApplication>
 #include <gtest/gtest.h>

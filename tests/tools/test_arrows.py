@@ -44,7 +44,7 @@ MAY_INCLUDE = {
     "shell/delegate": [*WIDGET, "views/popover", "views/settings"],
 }
 # The folder shell has three rooms. main makes everything and may include everything, so it is not checked.
-SHELL = {"AppModel": MODEL, "Published": MODEL, "AppDelegate": "shell/delegate", "HeapMemory": "shell/delegate"}
+SHELL = {"AppModel": MODEL, "Published": MODEL, "AppDelegate": "shell/delegate"}
 MAIN = "shell/VelmoraApp.cpp"
 
 # Generated at build time, in no room.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "shell/HeapMemory.h"
+#include "platform/qt/HeapMemory.h"
 
 #include <cstdlib>
 #ifdef __GLIBC__
@@ -12,6 +12,8 @@ void giveBackLargeBlocks() {
     constexpr int bytes = 128 * 1024;
     ::mallopt(M_MMAP_THRESHOLD, bytes);
     ::mallopt(M_TRIM_THRESHOLD, bytes);
+    // malloc_trim() does not shrink the arenas that other threads get, and QtDBus receives messages in one.
+    ::mallopt(M_ARENA_MAX, 1);
 #endif
 }
 
