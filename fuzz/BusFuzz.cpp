@@ -47,6 +47,27 @@ QVariant variant(const QVariant& value) {
     return QVariant::fromValue(QDBusVariant(value));
 }
 
+/// An event as panels send it, with what the program does not read.
+struct SentEvent {
+    MenuEvent event;
+    QDBusVariant data{QVariant(0)}; // never invalid: QtDBus takes the signature from a default-constructed value
+    uint timestamp = 0;
+};
+
+QDBusArgument& operator<<(QDBusArgument& argument, const SentEvent& sent) {
+    argument.beginStructure();
+    argument << sent.event.id << sent.event.eventId << sent.data << sent.timestamp;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, SentEvent& sent) {
+    argument.beginStructure();
+    argument >> sent.event.id >> sent.event.eventId >> sent.data >> sent.timestamp;
+    argument.endStructure();
+    return argument;
+}
+
 /// All other services: owns all names, and answers as told.
 class Others final : public QDBusVirtualObject {
 public:
@@ -93,6 +114,8 @@ struct World {
         qputenv("QT_QPA_PLATFORM", "offscreen");
         static QGuiApplication application(count, arguments);
         qDBusRegisterMetaType<Spaces>();
+        qDBusRegisterMetaType<SentEvent>();
+        qDBusRegisterMetaType<QList<SentEvent>>();
         static World world;
         return world;
     }
@@ -404,22 +427,21 @@ private:
             return event.id >= 1 && event.id <= 3 && event.eventId == QLatin1String("clicked");
         };
         const auto event = [this] {
-            return MenuEvent{.id = static_cast<int>(bytes_.number()),
-                             .eventId = bytes_.text(),
+            return SentEvent{.event = {.id = static_cast<int>(bytes_.number()), .eventId = bytes_.text()},
                              .data = QDBusVariant(AnyValue::of(bytes_).value),
                              .timestamp = static_cast<uint>(bytes_.number())};
         };
         const int which = bytes_.below(8);
         if (which == 0) {
-            const MenuEvent one = event();
+            const auto [one, data, timestamp] = event();
             call(DBusMenu::path, interface, QStringLiteral("Event"),
-                 {one.id, one.eventId, QVariant::fromValue(one.data), one.timestamp});
+                 {one.id, one.eventId, QVariant::fromValue(data), timestamp});
             wantedClicks_ += isClick(one) ? 1 : 0;
         } else if (which == 1) {
-            MenuEvents events;
+            QList<SentEvent> events;
             for (int count = bytes_.below(4); count > 0; --count) {
                 events.append(event());
-                wantedClicks_ += isClick(events.back()) ? 1 : 0;
+                wantedClicks_ += isClick(events.back().event) ? 1 : 0;
             }
             call(DBusMenu::path, interface, QStringLiteral("EventGroup"), {QVariant::fromValue(events)});
         } else if (which == 2) {

@@ -2,16 +2,22 @@
 #include "platform/linux/panel/DBusMenu.h"
 
 #include "dbusmenuadaptor.h"
+#include "platform/linux/bus/MessageLimits.h"
+#include "platform/qt/HeapMemory.h"
 
 #include <QGuiApplication>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 DBusMenu::DBusMenu(QDBusConnection bus) {
     registerMenuTypes();
     new DbusmenuAdaptor(this); // owned by this object, as adaptors are
     bus.registerObject(QLatin1String(path), this);
+    refusal_.setSingleShot(true);
+    refusal_.setInterval(std::chrono::milliseconds(200));
+    connect(&refusal_, &QTimer::timeout, [] { giveBackFreeMemory(); });
 }
 
 void DBusMenu::setEntries(std::vector<StatusItem::MenuEntry> entries) {
@@ -61,11 +67,23 @@ void DBusMenu::refuse(int id) const {
         sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("There is no menu item %1.").arg(id));
 }
 
+bool DBusMenu::refuses(bool hasTooMany) {
+    if (!hasTooMany)
+        return false;
+    if (calledFromDBus())
+        sendErrorReply(QDBusError::LimitsExceeded,
+                       QStringLiteral("A message may name no more than %1 items or properties.").arg(mostInMessage));
+    refusal_.start();
+    return true;
+}
+
 uint DBusMenu::GetLayout(int parentId, int recursionDepth, const QStringList& propertyNames, MenuLayout& layout) {
     if (!isItem(parentId)) {
         refuse(parentId);
         return revision_;
     }
+    if (refuses(propertyNames.size() > mostInMessage))
+        return revision_;
     layout = {.id = parentId, .properties = properties(parentId, propertyNames), .children = {}};
     if (parentId != 0 || recursionDepth == 0)
         return revision_;
@@ -74,9 +92,11 @@ uint DBusMenu::GetLayout(int parentId, int recursionDepth, const QStringList& pr
     return revision_;
 }
 
-MenuItems DBusMenu::GetGroupProperties(const QList<int>& ids, const QStringList& propertyNames) const {
+MenuItems DBusMenu::GetGroupProperties(const MenuIds& ids, const QStringList& propertyNames) {
+    if (refuses(ids.hasMore || propertyNames.size() > mostInMessage))
+        return {};
     MenuItems items;
-    for (const int id : ids.isEmpty() ? QList<int>{0} + ids_ : ids) {
+    for (const int id : ids.items.isEmpty() ? QList<int>{0} + ids_ : ids.items) {
         if (isItem(id))
             items.append({.id = id, .properties = properties(id, propertyNames)});
     }
@@ -86,7 +106,7 @@ MenuItems DBusMenu::GetGroupProperties(const QList<int>& ids, const QStringList&
 QDBusVariant DBusMenu::GetProperty(int id, const QString& name) const {
     const QVariant value = isItem(id) ? properties(id, {}).value(name) : QVariant();
     if (!value.isValid() && calledFromDBus())
-        sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("Menu item %1 has no %2.").arg(id).arg(name));
+        sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("Menu item %1 has no such property.").arg(id));
     return QDBusVariant(value);
 }
 
@@ -104,10 +124,12 @@ void DBusMenu::Event(int id, const QString& eventId, const QDBusVariant& /*data*
 }
 
 QList<int> DBusMenu::EventGroup(const MenuEvents& events) {
+    if (refuses(events.hasMore))
+        return {};
     QList<int> unknown;
-    for (const MenuEvent& event : events) {
+    for (const MenuEvent& event : events.items) {
         if (isItem(event.id))
-            Event(event.id, event.eventId, event.data, event.timestamp);
+            Event(event.id, event.eventId, {}, 0);
         else
             unknown.append(event.id);
     }
@@ -120,8 +142,10 @@ bool DBusMenu::AboutToShow(int id) const {
     return false;
 }
 
-QList<int> DBusMenu::AboutToShowGroup(const QList<int>& ids, QList<int>& idErrors) const {
-    for (const int id : ids) {
+QList<int> DBusMenu::AboutToShowGroup(const MenuIds& ids, QList<int>& idErrors) {
+    if (refuses(ids.hasMore))
+        return {};
+    for (const int id : ids.items) {
         if (!isItem(id))
             idErrors.append(id);
     }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QDBusArgument>
-#include <QDBusVariant>
 #include <QList>
 #include <QString>
 #include <QVariantMap>
@@ -21,17 +20,29 @@ struct MenuItem {
 };
 using MenuItems = QList<MenuItem>;
 
-/// Something that happened to an item on the screen, signature (isvu).
+/// Something that happened to an item on the screen, signature (isvu). The event's data and its time are not read: no
+/// entry needs them, and the data can be anything.
 struct MenuEvent {
     int id = 0;
     QString eventId;
-    QDBusVariant data{QVariant(0)}; ///< never invalid: QtDBus takes the signature from a default-constructed value
-    uint timestamp = 0;
 };
-using MenuEvents = QList<MenuEvent>;
+
+/// The first ids of a message, signature ai.
+struct MenuIds {
+    QList<int> items;
+    bool hasMore = false; ///< the message has more than `mostInMessage`; the others are not read
+};
+
+/// The first events of a message, signature a(isvu).
+struct MenuEvents {
+    QList<MenuEvent> items;
+    bool hasMore = false; ///< likewise
+};
 Q_DECLARE_METATYPE(MenuLayout)
 Q_DECLARE_METATYPE(MenuItem)
 Q_DECLARE_METATYPE(MenuEvent)
+Q_DECLARE_METATYPE(MenuIds)
+Q_DECLARE_METATYPE(MenuEvents)
 
 QDBusArgument& operator<<(QDBusArgument& argument, const MenuLayout& layout);
 const QDBusArgument& operator>>(const QDBusArgument& argument, MenuLayout& layout);
@@ -39,6 +50,10 @@ QDBusArgument& operator<<(QDBusArgument& argument, const MenuItem& item);
 const QDBusArgument& operator>>(const QDBusArgument& argument, MenuItem& item);
 QDBusArgument& operator<<(QDBusArgument& argument, const MenuEvent& event);
 const QDBusArgument& operator>>(const QDBusArgument& argument, MenuEvent& event);
+QDBusArgument& operator<<(QDBusArgument& argument, const MenuIds& ids);
+const QDBusArgument& operator>>(const QDBusArgument& argument, MenuIds& ids);
+QDBusArgument& operator<<(QDBusArgument& argument, const MenuEvents& events);
+const QDBusArgument& operator>>(const QDBusArgument& argument, MenuEvents& events);
 
 /// Registers the types above with QtDBus; to be called before they are used there.
 void registerMenuTypes();
