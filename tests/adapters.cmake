@@ -16,6 +16,7 @@ add_executable(velmora_adapter_tests
     history/HistoryDiskTest.cpp
     history/HistoryKillTest.cpp
     history/HistoryZonesTest.cpp
+    platform/linux/bus/ActivationTokenTest.cpp
     platform/linux/session/AutostartEntryTest.cpp
     platform/linux/session/AutostartLaunchTest.cpp
     platform/linux/sound/CanberraSoundsTest.cpp
@@ -38,6 +39,7 @@ add_executable(velmora_adapter_tests
     platform/linux/files/PosixFilesTest.cpp
     platform/linux/power/PowerProfilesTest.cpp
     platform/linux/dialogs/QtDialogsTest.cpp
+    platform/linux/session/SessionApplicationTest.cpp
     platform/linux/panel/StatusNotifierItemTest.cpp
     platform/linux/power/SysfsPowerSourcesTest.cpp
     platform/linux/session/SystemCalendarTest.cpp

@@ -2,6 +2,7 @@
 #include "platform/linux/panel/StatusNotifierItem.h"
 
 #include "platform/GlyphName.h"
+#include "platform/linux/bus/ActivationToken.h"
 #include "platform/linux/bus/DBusCall.h"
 #include "platform/linux/files/FileDescriptor.h"
 #include "platform/linux/files/ReadDescriptor.h"
@@ -183,8 +184,7 @@ void StatusNotifierItem::ContextMenu(int x, int y) {
 void StatusNotifierItem::Scroll(int /*delta*/, const QString& /*orientation*/) {}
 
 void StatusNotifierItem::ProvideXdgActivationToken(const QString& token) {
-    // Qt takes it from there when the next window asks for the focus.
-    qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+    leaveActivationToken(token);
 }
 
 void StatusNotifierItem::XAyatanaSecondaryActivate(uint /*timestamp*/) {

@@ -3,9 +3,12 @@
 
 #include "applicationadaptor.h"
 #include "platform/ApplicationId.h"
+#include "platform/linux/bus/ActivationToken.h"
 
 #include <QDBusError>
 #include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QVariantMap>
 
 #include <utility>
 
@@ -18,6 +21,7 @@ constexpr int answerMilliseconds = 5000;
 } // namespace
 
 SessionApplication::SessionApplication(QDBusConnection bus) : bus_(std::move(bus)) {
+    qDBusRegisterMetaType<PlatformData>();
     new ApplicationAdaptor(this); // owned by this object, as adaptors are
     bus_.registerObject(path, this);
 }
@@ -45,17 +49,16 @@ bool SessionApplication::activateOther() {
            answer.errorName() != QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner");
 }
 
-void SessionApplication::Activate(const QVariantMap& platformData) {
-    const QByteArray token = platformData.value(QStringLiteral("activation-token")).toString().toUtf8();
-    if (!token.isEmpty())
-        qputenv("XDG_ACTIVATION_TOKEN", token);
+void SessionApplication::Activate(const PlatformData& platformData) {
+    if (!platformData.activationToken.isEmpty())
+        leaveActivationToken(platformData.activationToken);
     // On a later turn of the main loop: the other process gets its answer first and can end.
     QMetaObject::invokeMethod(this, &SessionApplication::activated, Qt::QueuedConnection);
 }
 
-void SessionApplication::Open(const QStringList& /*uris*/, const QVariantMap& platformData) {
+void SessionApplication::Open(const QStringList& /*uris*/, const PlatformData& platformData) {
     Activate(platformData);
 }
 
 void SessionApplication::ActivateAction(const QString& /*actionName*/, const QVariantList& /*parameter*/,
-                                        const QVariantMap& /*platformData*/) {}
+                                        const PlatformData& /*platformData*/) {}

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/linux/session/PlatformData.h"
+
 #include <QDBusConnection>
 #include <QObject>
-#include <QVariantMap>
+#include <QStringList>
+#include <QVariantList>
 
 /// The program on the session bus (org.freedesktop.Application): one instance per session, which later starts activate.
 class SessionApplication final : public QObject {
@@ -20,9 +23,9 @@ public:
     bool activateOther();
 
     // What other programs call; the interface gives the names.
-    void Activate(const QVariantMap& platformData);
-    void Open(const QStringList& uris, const QVariantMap& platformData);
-    void ActivateAction(const QString& actionName, const QVariantList& parameter, const QVariantMap& platformData);
+    void Activate(const PlatformData& platformData);
+    void Open(const QStringList& uris, const PlatformData& platformData);
+    void ActivateAction(const QString& actionName, const QVariantList& parameter, const PlatformData& platformData);
 
 Q_SIGNALS:
     /// The program was started again: it is to show itself.
