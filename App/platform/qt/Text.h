@@ -13,7 +13,12 @@ inline QString toQString(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-/// The text in a variant that somebody sent; empty for any other type, which is not converted.
+/// The text in a variant that somebody sent, the name of a theme, font or mode; empty for any other type, which is not
+/// converted, and for a text longer than any name.
 inline std::optional<std::string> asText(const QVariant& value) {
-    return value.typeId() == QMetaType::QString ? std::optional(value.toString().toStdString()) : std::nullopt;
+    constexpr qsizetype most = 4096;
+    if (value.typeId() != QMetaType::QString)
+        return std::nullopt;
+    const QString text = value.toString();
+    return text.size() <= most ? std::optional(text.toStdString()) : std::nullopt;
 }

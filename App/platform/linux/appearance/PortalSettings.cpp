@@ -2,12 +2,11 @@
 #include "platform/linux/appearance/PortalSettings.h"
 
 #include "platform/linux/bus/DBusCall.h"
+#include "platform/linux/bus/MessageLimits.h"
 #include "platform/qt/Text.h"
 
 #include <QDBusArgument>
 #include <QDBusVariant>
-#include <QMap>
-#include <QVariantMap>
 
 #include <utility>
 
@@ -62,13 +61,15 @@ void PortalSettings::ask() {
 void PortalSettings::take(const QDBusMessage& answer) {
     if (answer.type() != QDBusMessage::ReplyMessage || answer.signature() != QLatin1String("a{sa{sv}}"))
         return;
-    QMap<QString, QVariantMap> spaces;
-    answer.arguments().at(0).value<QDBusArgument>() >> spaces;
     settings_ = {};
-    for (auto space = spaces.cbegin(); space != spaces.cend(); ++space) {
-        for (auto entry = space->cbegin(); entry != space->cend(); ++entry)
-            set(space.key(), entry.key(), entry.value());
-    }
+    const auto spaces = answer.arguments().at(0).value<QDBusArgument>();
+    readMap(spaces, mostInMessage, [this](const QString& space, const QDBusArgument& settings) {
+        readMap(settings, mostSettings, [&](const QString& key, const QDBusArgument& setting) {
+            QDBusVariant value;
+            setting >> value;
+            set(space, key, value.variant());
+        });
+    });
     changed_();
 }
 

@@ -2,11 +2,11 @@
 #include "platform/linux/appearance/XfconfSettings.h"
 
 #include "platform/linux/bus/DBusCall.h"
+#include "platform/linux/bus/MessageLimits.h"
 #include "platform/qt/Text.h"
 
 #include <QDBusArgument>
 #include <QDBusVariant>
-#include <QVariantMap>
 
 #include <utility>
 
@@ -46,9 +46,12 @@ void XfconfSettings::take(const QDBusMessage& answer) {
     if (answer.type() != QDBusMessage::ReplyMessage || answer.signature() != QLatin1String("a{sv}"))
         return;
     settings_ = {};
-    const auto properties = qdbus_cast<QVariantMap>(answer.arguments().at(0));
-    for (auto property = properties.cbegin(); property != properties.cend(); ++property)
-        set(property.key(), property.value());
+    const auto properties = answer.arguments().at(0).value<QDBusArgument>();
+    readMap(properties, mostSettings, [this](const QString& property, const QDBusArgument& setting) {
+        QDBusVariant value;
+        setting >> value;
+        set(property, value.variant());
+    });
     changed_();
 }
 

@@ -125,6 +125,32 @@ TEST_F(PortalSettingsTest, BelievesNothingOfTheWrongType) {
     EXPECT_EQ(looks.size(), 1U);
 }
 
+TEST_F(PortalSettingsTest, BelievesNoNameThatIsLongerThanAnyName) {
+    FakePortal portal(bus);
+    portal.spaces[appearance] = {{QStringLiteral("color-scheme"), 1U}};
+    portal.spaces[gnome] = {{QStringLiteral("font-name"), QString(5000, QLatin1Char('x'))}};
+    watch->start(false);
+    EXPECT_TRUE(shows({.isDark = true, .accent = {}, .font = {}}));
+    portal.change(gnome, QStringLiteral("font-name"), QString(4000, QLatin1Char('x')));
+    EXPECT_TRUE(shows({.isDark = true, .accent = {}, .font = Appearance::Font{std::string(4000, 'x'), 0}}));
+}
+
+TEST_F(PortalSettingsTest, ReadsNoMoreSettingsThanADesktopHas) {
+    QVariantMap settings{{QStringLiteral("font-name"), QStringLiteral("Cantarell")}};
+    while (settings.size() < 1024) // they are sent in the order of their names
+        settings.insert(QStringLiteral("a%1").arg(settings.size()), 0);
+    watch->start(false);
+    {
+        FakePortal portal(bus);
+        portal.spaces[gnome] = settings;
+        EXPECT_TRUE(shows({.isDark = {}, .accent = {}, .font = Appearance::Font{"Cantarell", 0}}));
+    }
+    settings.insert(QStringLiteral("a"), 0);
+    FakePortal portal(bus);
+    portal.spaces[gnome] = settings;
+    EXPECT_TRUE(shows({}));
+}
+
 TEST_F(PortalSettingsTest, OutlivesAnAnswerThatIsNone) {
     FakePortal portal(bus);
     portal.nonsense = QStringLiteral("nothing of that kind");
