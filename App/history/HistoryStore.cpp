@@ -9,6 +9,8 @@
 #include <cstddef>
 #include <iterator>
 #include <memory>
+#include <string_view>
+#include <system_error>
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -18,10 +20,19 @@ namespace {
 constexpr Duration longestHistory = 30 * 24h;
 constexpr Duration longestWait = 300s; ///< for the next write while only the percentage changes
 constexpr Duration staleHistory = 600s;
+
+/// A clock under which the program has run for a day, in one start or in several, is to be believed: a sample a minute
+/// in the last two weeks. To make most of the history too old, a clock has to be further ahead than that.
+constexpr Duration recent = 14 * 24h;
+constexpr std::ptrdiff_t enoughRecent = 24 * 60;
+
 constexpr Duration longestGap = 900s; ///< between two samples of one plugged-in run
 
 /// 30 days never fill this; a larger file is not a history.
 constexpr std::size_t largestFile = std::size_t{64} << 20;
+
+/// The file of an empty history.
+constexpr std::string_view nothing = "[]";
 
 auto firstNotBefore(const std::deque<Sample>& samples, Date date) {
     return std::ranges::find_if(samples, [date](const Sample& sample) { return sample.date() >= date; });
@@ -41,8 +52,25 @@ HistoryStore::HistoryStore(Files& files, const Clock& clock, const Calendar& cal
     , clockTrust_(clock) {
     files_.createFolder(url.parent_path());
     hasClaim_ = files_.claim(url);
-    load();
     fileChanges_ = files_.onChange(url, [this] { load(); });
+    load();
+}
+
+void HistoryStore::claim() {
+    if (!hasClaim_ && files_.claim(url)) { // the program that wrote the file has ended
+        hasClaim_ = true;
+        load();
+    }
+}
+
+void HistoryStore::empty() {
+    samples.clear();
+    dropUnsaved(unsaved_.size());
+}
+
+void HistoryStore::dropUnsaved(std::size_t count) {
+    unsaved_.erase(unsaved_.begin(), unsaved_.begin() + static_cast<std::ptrdiff_t>(count));
+    dropped_ += count;
 }
 
 void HistoryStore::load() {
@@ -66,27 +94,29 @@ void HistoryStore::take(std::optional<std::deque<Sample>> loaded) {
     const bool isEmptied = loaded && loaded->empty();
     if (mayWrite_) {
         // Another program has changed the file. What it wrote is ours anyway, unless its user has reset the history.
-        if (!isEmptied)
+        if (!isEmptied || samples.empty())
             return;
-        samples.clear();
-        unsaved_.clear();
-        save(now);
+        empty();
     } else if (loaded) {
         // What the file does not have yet, the program that writes it will only write later, or has lost. Samples from
         // the future are left over from a clock that was ahead.
         const auto last = std::find_if(loaded->rbegin(), loaded->rend(),
                                        [now](const Sample& sample) { return sample.date() <= now; });
         const double lastTime = last == loaded->rend() ? 0 : last->t;
-        const bool isReset = isEmptied && isLoaded_;
-        std::erase_if(unsaved_, [&](const Sample& sample) { return isReset || sample.t <= lastTime; });
+        const auto isKnown = [lastTime](const Sample& sample) { return sample.t <= lastTime; };
+        const auto unknown = std::ranges::find_if_not(unsaved_, isKnown);
+        dropUnsaved(isEmptied && isLoaded_ ? unsaved_.size() : static_cast<std::size_t>(unknown - unsaved_.begin()));
         loaded->insert(loaded->end(), unsaved_.begin(), unsaved_.end());
         samples = std::move(*loaded);
     }
+    isFileEmpty_ = !loaded || isEmptied;
     const bool takesOver = isLoaded_ && hasClaim_ && !mayWrite_;
     isLoaded_ = true;
     mayWrite_ = hasClaim_;
     const auto outdated = firstNotBefore(samples, now - longestHistory) - samples.begin();
-    if (2 * static_cast<std::size_t>(outdated) > samples.size())
+    const auto isRecent = [now](const Sample& sample) { return sample.date() <= now && now - sample.date() < recent; };
+    if (2 * static_cast<std::size_t>(outdated) > samples.size() &&
+        std::ranges::count_if(samples, isRecent) < enoughRecent)
         clockTrust_.doubt();
     prune(now);
     if (takesOver)
@@ -103,10 +133,7 @@ void HistoryStore::record(const BatteryState& state, Date now, bool force) {
     const bool changed = !samples.empty() && (sample.a != samples.back().a || sample.c != samples.back().c);
     if (!samples.empty() && !changed && !force && sample.p == samples.back().p)
         return;
-    if (!hasClaim_ && files_.claim(url)) { // the program that wrote the file has ended
-        hasClaim_ = true;
-        load();
-    }
+    claim();
     samples.push_back(sample);
     prune(now);
     unsaved_.push_back(sample);
@@ -118,6 +145,10 @@ void HistoryStore::record(const BatteryState& state, Date now, bool force) {
 }
 
 void HistoryStore::saveAtEnd() {
+    if (saves_ != savesDone_) { // on a slow disk
+        files_.updateAtEnd(url, 0, [text = encodeHistory(samples)](const auto&) { return text; });
+        return;
+    }
     files_.updateAtEnd(url, largestFile, [unsaved = unsaved_](std::optional<std::string> text) {
         std::deque<Sample> all;
         if (text)
@@ -153,25 +184,44 @@ void HistoryStore::save(Date now) {
         return;
     // Even if writing fails, so that a full disk is not tried again every minute.
     lastSave = now;
+    claim();
     if (!mayWrite_)
         return;
-    if (std::optional<std::string> text = encodeHistory(samples))
-        files_.update(
-            url, 0, [text = std::move(text)](const auto&) { return text; },
-            lifetime_.guard([this, count = unsaved_.size()](std::error_code error) {
-                if (!error)
-                    unsaved_.erase(unsaved_.begin(), unsaved_.begin() + std::min(count, unsaved_.size()));
-            }));
+    std::optional<std::string> text = encodeHistory(samples);
+    if (!text)
+        return;
+    const auto change = [text = std::move(text), isEmpty = isFileEmpty_](const std::optional<std::string>& present) {
+        // Another program has reset the history.
+        return present == nothing && !isEmpty ? std::nullopt : text;
+    };
+    files_.update(url, nothing.size(), change,
+                  lifetime_.guard([this, number = ++saves_, isEmpty = samples.empty(),
+                                   count = dropped_ + unsaved_.size()](std::error_code error) {
+                      savesDone_ = number;
+                      if (error == std::errc::operation_canceled) {
+                          isFileEmpty_ = true;
+                          empty();
+                          if (onReload)
+                              onReload();
+                      } else if (!error) {
+                          isFileEmpty_ = isEmpty;
+                          dropUnsaved(count > dropped_ ? count - dropped_ : 0);
+                      }
+                  }));
 }
 
 void HistoryStore::reset(Date now) {
     ++loads_; // what is being loaded is gone too
-    isLoaded_ = true;
+    const bool wasLoaded = std::exchange(isLoaded_, true);
     mayWrite_ = hasClaim_;
     lastSave = now;
-    samples.clear();
-    unsaved_.clear();
-    files_.replace(url, "[]");
+    isFileEmpty_ = true;
+    empty();
+    files_.update(
+        url, 0, [](const auto&) { return std::string(nothing); },
+        lifetime_.guard([this, number = ++saves_](std::error_code) { savesDone_ = number; }));
+    if (!wasLoaded && onReload)
+        onReload();
 }
 
 void HistoryStore::prune(Date now) {

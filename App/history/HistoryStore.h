@@ -10,6 +10,7 @@
 #include "platform/Lifetime.h"
 #include "platform/Subscription.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <filesystem>
@@ -82,6 +83,10 @@ private:
     std::filesystem::path url;
     Date lastSave = Date::min();
     std::vector<Sample> unsaved_; ///< recorded here, and perhaps not in the file yet
+    std::size_t dropped_ = 0;     ///< from the front of `unsaved_`, in all
+    int saves_ = 0;               ///< begun so far
+    int savesDone_ = 0;           ///< the number of the latest one that has been done or has failed
+    bool isFileEmpty_ = true;     ///< as far as we know, the file holds no samples
     ClockTrust clockTrust_;
     bool isLoaded_ = false;
     bool hasClaim_;         ///< this program is the one that writes the file
@@ -91,7 +96,10 @@ private:
     Lifetime lifetime_;
 
     void load();
+    void claim();
+    void empty();
     void take(std::optional<std::deque<Sample>> loaded);
     void saveAtEnd();
+    void dropUnsaved(std::size_t count);
     void prune(Date now);
 };

@@ -43,7 +43,8 @@ public:
     /// accessible to the owner only. Missing folders are created. No other process of ours changes the file between
     /// reading and writing. A later call takes the place of one that still waits, whose `done` is then not
     /// called, so its change has to do what the earlier one would have done. `done` hears of success, when the file is
-    /// on the disk, or why there was none; `operation_canceled` if there was nothing to change.
+    /// on the disk, or why there was none; `operation_canceled` if there was nothing to change or, in a folder that this process has claimed, if another
+    /// has written within the limit meanwhile.
     virtual void update(const Path& file, std::size_t limit, Change change, Done done) = 0;
 
     /// The same with a content that does not depend on the present one.
@@ -52,7 +53,8 @@ public:
     }
 
     /// Renames what is in this place to the same with ".damaged" or, where that is taken, ".damaged-2" and so on; of a
-    /// symbolic link only the link. False if that is not possible. For use in a `Change`.
+    /// symbolic link only the link; a regular file may also stay where it is, to be replaced. False if that is not
+    /// possible. For use in a `Change`.
     virtual bool setAside(const Path& file) = 0;
 
     /// What has to be done to a file if the process ends before the next `update` of it and cannot call that any more.
@@ -66,7 +68,7 @@ public:
     [[nodiscard]] virtual std::error_code saveDocument(const Path& file, std::string_view content) = 0;
 
     /// Whether this process is the one that writes to the folder of this file, among those that ask: true for the
-    /// first, until it ends, and wherever that cannot be told.
+    /// first, until it ends, and wherever that cannot be told. Creates the folder.
     virtual bool claim(const Path& file) = 0;
 
     /// Calls back when another program has put another file in the place of this one, or removed it.

@@ -30,10 +30,10 @@ public:
     /// Puts the item into the panel and starts the model.
     void applicationDidFinishLaunching();
 
-    /// Whether the history is still being loaded. Until that is done nothing can be saved.
+    /// Whether the history is being loaded. Until that is done nothing is saved.
     bool awaitsHistory() const { return model.history.awaitsFile(); }
 
-    /// Saves everything that must be on the disk; to be called once, when the main loop has ended.
+    /// Saves everything that must be on the disk; to be called when the main loop has ended.
     void applicationWillTerminate();
 
     /// Redraws the item from the model's state and the preferences.

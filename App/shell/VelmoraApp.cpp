@@ -87,12 +87,14 @@ void terminateRunning() {
     const Running ending = std::exchange(running, {});
     if (ending.delegate == nullptr)
         return;
-    if (ending.delegate->awaitsHistory()) { // it ends as soon as it has started
+    ending.delegate->applicationWillTerminate();
+    if (ending.delegate->awaitsHistory()) { // it ends as soon as it has started, or as another that wrote the history
         waitForFiles(*ending.files);
         ending.mainLoop->runPending();
+        ending.delegate->applicationWillTerminate();
     }
-    ending.delegate->applicationWillTerminate();
     waitForFiles(*ending.files);
+    ending.mainLoop->runPending(); // what was written need not be written again
 }
 
 } // namespace

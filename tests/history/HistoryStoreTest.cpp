@@ -115,6 +115,15 @@ TEST_F(HistoryStoreTest, KeepsAllWhenAStartWouldDropMoreThanHalfOfIt) {
     EXPECT_EQ(history.samples.size(), 4U) << "it has run evenly for a day";
 }
 
+TEST_F(HistoryStoreTest, BelievesAClockUnderWhichItHasRunForADay) {
+    std::deque<Sample> samples(3000, aged(31 * 24h));
+    for (int minute = 24 * 60; minute > 0; --minute)
+        samples.push_back(aged(minute * 1min));
+    EXPECT_EQ(storeWith(samples).samples.size(), 24U * 60U);
+    samples.pop_back();
+    EXPECT_EQ(storeWith(samples).samples.size(), samples.size());
+}
+
 TEST_F(HistoryStoreTest, LosesNothingToAClockThatIsWeeksAheadForAWhile) {
     HistoryStore history = storeWith({aged(20 * 24h), aged(10 * 24h), aged(1h)});
     clock.setNow(start + 40 * 24h);
@@ -265,7 +274,10 @@ TEST_F(HistoryStoreTest, IsEmptyIfItIsResetWhileTheFileIsLoaded) {
     files.files[file] = *encodeHistory({aged(2h), aged(1h)});
     files.holdsLoads = true;
     HistoryStore history = store();
+    int reloads = 0;
+    history.onReload = [&] { ++reloads; };
     history.reset(start);
+    EXPECT_EQ(reloads, 1);
     EXPECT_EQ(files.files[file], "[]");
     files.heldLoads.at(0)();
     EXPECT_TRUE(history.isLoaded());
@@ -341,6 +353,77 @@ TEST_F(HistoryStoreTest, IsResetFromEitherOfTwoPrograms) {
     files.replaceByAnother(file, "[]");
     EXPECT_TRUE(writer.samples.empty());
     EXPECT_TRUE(other.samples.empty());
+}
+
+TEST_F(HistoryStoreTest, OverwritesNoResetOfAnotherProgramThatItHasNotHeardOfYet) {
+    HistoryStore writer = storeWith({aged(1h)});
+    int reloads = 0;
+    writer.onReload = [&] { ++reloads; };
+    writer.record(onBattery, start, false);
+    files.files[file] = "[]";
+    writer.record(pluggedIn, start + 1s, false);
+    EXPECT_EQ(files.files[file], "[]");
+    EXPECT_TRUE(writer.samples.empty());
+    EXPECT_EQ(reloads, 1);
+    writer.record(onBattery, start + 400s, false);
+    EXPECT_EQ(store().samples, writer.samples);
+    EXPECT_EQ(writer.samples.size(), 1U);
+}
+
+TEST_F(HistoryStoreTest, WritesAfterItsOwnReset) {
+    HistoryStore history = storeWith({aged(1h)});
+    history.reset(start);
+    history.record(onBattery, start + 1s, false);
+    history.save(start + 2s);
+    history.reset(start + 3s);
+    history.record(onBattery, start + 4s, false);
+    history.save(start + 5s);
+    EXPECT_EQ(store().samples, history.samples);
+    EXPECT_EQ(history.samples.size(), 1U);
+}
+
+TEST_F(HistoryStoreTest, AnswersNoEmptyFileWithAnother) {
+    HistoryStore history = store();
+    const std::size_t before = files.replacedPaths.size();
+    files.replaceByAnother(file, "[]");
+    EXPECT_EQ(files.replacedPaths.size(), before);
+}
+
+TEST_F(HistoryStoreTest, LosesNothingAtAnEndWhileASlowDiskIsWritten) {
+    HistoryStore history = storeWith({aged(1h)});
+    files.holdsUpdates = true;
+    history.record(pluggedIn, start, false);
+    history.record(onBattery, start + 1s, false);
+    history.record(reading(63, false, false), start + 2s, false);
+    files.end();
+    EXPECT_EQ(store().samples, history.samples) << "with what still waits";
+    ASSERT_EQ(files.heldUpdates.size(), 2U);
+    files.heldUpdates[0]();
+    files.heldUpdates[1]();
+    history.record(reading(62, false, false), start + 3s, false);
+    files.end();
+    EXPECT_EQ(store().samples, history.samples) << "with what came after it";
+    EXPECT_EQ(history.samples.size(), 5U);
+}
+
+TEST_F(HistoryStoreTest, StaysEmptyAtAnEndAfterAResetThatASlowDiskHasNotWritten) {
+    HistoryStore history = storeWith({aged(1h)});
+    files.holdsUpdates = true;
+    history.reset(start);
+    history.record(reading(63, false, false), start + 1s, false);
+    files.end();
+    EXPECT_EQ(store().samples, history.samples);
+    EXPECT_EQ(history.samples.size(), 1U);
+}
+
+TEST_F(HistoryStoreTest, TakesOverWhenItIsSavedAtTheEnd) {
+    files.isClaimedByAnother = true;
+    HistoryStore history = storeWith({aged(1h)});
+    history.record(onBattery, start, false);
+    files.isClaimedByAnother = false;
+    history.save(start + 1s);
+    EXPECT_EQ(store().samples, history.samples);
+    EXPECT_EQ(history.samples.size(), 2U);
 }
 
 TEST_F(HistoryStoreTest, IsNotTakenFromAFileThatSomebodyPutsInItsPlace) {

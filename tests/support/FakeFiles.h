@@ -24,7 +24,9 @@ public:
     bool isClaimedByAnother = false;                      ///< another program writes the files
     bool holdsLoads = false;                              ///< the next `load` waits in `heldLoads`
     std::vector<Task> heldLoads;                          ///< a slow disk, until a test runs them
-    std::map<Path, Task> lastChanges;                     ///< what `updateAtEnd` was told
+    bool holdsUpdates = false;                            ///< from now on each `update` waits in `heldUpdates`
+    std::vector<Task> heldUpdates;
+    std::map<Path, Task> lastChanges; ///< what `updateAtEnd` was told
     std::map<Path, Observers<>> changes;
 
     std::filesystem::path applicationSupportFolder() const override { return support; }
@@ -54,6 +56,13 @@ public:
 
     void update(const Path& file, std::size_t limit, Change change, Done done) override {
         lastChanges.erase(file);
+        if (holdsUpdates)
+            heldUpdates.push_back([=, this] { updateNow(file, limit, change, done); });
+        else
+            updateNow(file, limit, change, done);
+    }
+
+    void updateNow(const Path& file, std::size_t limit, const Change& change, const Done& done) {
         const auto content = change(limit > 0 ? read(file, limit) : std::nullopt);
         const std::error_code error =
             content ? replaceNow(file, *content) : std::make_error_code(std::errc::operation_canceled);
@@ -71,7 +80,7 @@ public:
     }
 
     void updateAtEnd(const Path& file, std::size_t limit, Change change) override {
-        lastChanges.insert_or_assign(file, [=, this] { update(file, limit, change, {}); });
+        lastChanges.insert_or_assign(file, [=, this] { updateNow(file, limit, change, {}); });
     }
 
     std::error_code replaceNow(const Path& file, std::string_view content) override {

@@ -132,8 +132,12 @@ void removeIfLeftOver(const fs::path& file) {
 
 } // namespace
 
+std::error_code renameFile(int /*descriptor*/, const char* from, const char* to) {
+    return ::rename(from, to) == 0 ? std::error_code() : lastError();
+}
+
 std::error_code writeAtomically(const fs::path& target, std::string_view content, Access access, Sync sync,
-                                const std::function<bool(int descriptor)>& mayRename) {
+                                const Rename& rename) {
     // A user who links the file to /dev/null wants nothing kept, and no regular file in place of the device.
     struct stat status {};
     if (::stat(target.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode))
@@ -144,10 +148,8 @@ std::error_code writeAtomically(const fs::path& target, std::string_view content
     std::error_code error = writeAll(temporary.descriptor.get(), content, sync);
     if (!error && access == Access::asUsual)
         ::fchmod(temporary.descriptor.get(), usualMode(target)); // some file systems have no modes
-    if (!error && !mayRename(temporary.descriptor.get()))
-        error = std::make_error_code(std::errc::operation_canceled);
-    if (!error && ::rename(temporary.path.c_str(), target.c_str()) != 0)
-        error = lastError();
+    if (!error)
+        error = rename(temporary.descriptor.get(), temporary.path.c_str(), target.c_str());
     if (error) {
         ::unlink(temporary.path.c_str());
         return error;

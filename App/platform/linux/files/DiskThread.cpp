@@ -2,6 +2,7 @@
 #include "platform/linux/files/DiskThread.h"
 
 #include <algorithm>
+#include <system_error>
 
 using namespace std::chrono_literals;
 
@@ -23,8 +24,11 @@ void DiskThread::add(const std::string& name, Job job) {
         lastJobs_.erase(name);
         std::erase_if(waiting_, [&name](const auto& waiting) { return waiting.first == name; });
         waiting_.emplace_back(name, std::make_shared<const Job>(std::move(job)));
-        if (!thread_.joinable())
-            thread_ = std::thread([this] { run(); });
+        try {
+            if (!thread_.joinable())
+                thread_ = std::thread([this] { run(); });
+        } catch (const std::system_error&) { // no more threads are allowed; the next job tries again
+        }
     }
     changed_.notify_all();
 }

@@ -40,16 +40,21 @@ std::optional<std::int64_t> integerOf(const QJsonValue& value) {
 
 struct Content {
     QJsonObject values;
-    bool isDamaged = false; ///< the file exists and holds no JSON object
+    bool isThere = false;
+    bool isDamaged = false; ///< it is there and holds no JSON object
 };
 
 Content parse(const fs::path& file, const std::optional<std::string>& text) {
     std::error_code error;
-    if (!text)
-        return {.values = {}, .isDamaged = fs::exists(fs::status(file, error))};
+    if (!text) {
+        // Who links the file to /dev/null wants nothing kept.
+        const fs::file_status status = fs::status(file, error);
+        const bool isThere = fs::is_regular_file(status) || fs::is_directory(status);
+        return {.values = {}, .isThere = isThere, .isDamaged = isThere};
+    }
     const auto document =
         QJsonDocument::fromJson(QByteArray::fromRawData(text->data(), static_cast<qsizetype>(text->size())));
-    return {.values = document.object(), .isDamaged = !document.isObject()};
+    return {.values = document.object(), .isThere = true, .isDamaged = !document.isObject()};
 }
 
 QJsonObject merged(QJsonObject values, const QJsonObject& newer) {
@@ -68,7 +73,9 @@ JsonUserDefaults::JsonUserDefaults(fs::path file, Files& files, MainLoop& loop)
     // So that this folder is watched from the start, and not the busy one above it.
     files_.createFolder(file_.parent_path());
     watchFile();
-    values_ = parse(file_, files_.read(file_, sizeLimit)).values;
+    const Content present = parse(file_, files_.read(file_, sizeLimit));
+    values_ = present.values;
+    isThere_ = present.isThere;
 }
 
 JsonUserDefaults::~JsonUserDefaults() {
@@ -123,8 +130,8 @@ void JsonUserDefaults::setObject(std::string_view key, const Value& value) {
 
 void JsonUserDefaults::write() {
     isWriting_ = true;
-    const auto change = [&files = files_, file = file_, values = values_,
-                         unwritten = unwritten_](const std::optional<std::string>& text) -> std::optional<std::string> {
+    const auto change = [&files = files_, file = file_, values = values_, unwritten = unwritten_,
+                         isThere = isThere_](const std::optional<std::string>& text) -> std::optional<std::string> {
         // Keeps what others have written since.
         Content present = parse(file, text);
         if (present.isDamaged) {
@@ -132,6 +139,8 @@ void JsonUserDefaults::write() {
             if (!files.setAside(file))
                 return std::nullopt;
             present.values = values;
+        } else if (!present.isThere && isThere) {
+            present.values = values; // set aside just now, and then the writing was interrupted
         }
         return QJsonDocument(merged(present.values, unwritten)).toJson(QJsonDocument::Indented).toStdString();
     };
@@ -156,6 +165,7 @@ void JsonUserDefaults::fileChanged() {
     watchFile();
     const Content present = parse(file_, files_.read(file_, sizeLimit));
     // A slip in an editor must not reset all settings; our next write repairs the file.
+    isThere_ = present.isThere;
     if (present.isDamaged)
         return;
     const QJsonObject values = merged(present.values, unwritten_);

@@ -40,6 +40,7 @@ private:
     Dictionary fallbacks_;
     QJsonObject values_;
     QJsonObject unwritten_; ///< set in this run, and not in the file yet
+    bool isThere_ = false;  ///< there was a file when it was last looked for
     bool isWriting_ = false;
     Observers<> observers_;
     FolderWatch watch_;

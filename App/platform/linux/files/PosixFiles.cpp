@@ -117,6 +117,9 @@ bool PosixFiles::setAside(const fs::path& file) {
         aside += number == 1 ? ".damaged" : ".damaged-" + std::to_string(number);
         if (fs::exists(fs::symlink_status(aside, error)))
             continue;
+        // Where that is possible, there is a file in its place at every moment.
+        if (fs::is_regular_file(fs::symlink_status(file, error)) && ::link(file.c_str(), aside.c_str()) == 0)
+            return true;
         fs::rename(file, aside, error);
         return !error;
     }
@@ -127,35 +130,40 @@ void PosixFiles::updateAtEnd(const fs::path& /*file*/, std::size_t /*limit*/, Ch
 
 std::error_code PosixFiles::change(const fs::path& file, std::size_t limit, const Change& change, Sync sync,
                                    const std::atomic<bool>* isOvertaken) {
+    const auto canceled = std::make_error_code(std::errc::operation_canceled);
     const auto mayGoOn = [isOvertaken] { return isOvertaken == nullptr || !*isOvertaken; };
     std::optional<FolderLock> lock;
-    std::optional<std::string> content;
+    std::optional<std::string> present;
     if (limit > 0) {
         if (const std::error_code error = makeFolder(file.parent_path()))
             return error;
         if (sync == Sync::wait && !isClaimed(file.parent_path()))
             lock.emplace(file.parent_path());
         if (!mayGoOn())
-            return std::make_error_code(std::errc::operation_canceled);
-        content = read(file, limit);
+            return canceled;
+        present = read(file, limit);
     }
-    content = change(std::move(content));
+    const std::optional<std::string> content = change(present);
     if (!content)
-        return std::make_error_code(std::errc::operation_canceled);
+        return canceled;
     // A link stays and its target is replaced: people keep their settings elsewhere and link to them.
     const fs::path target = linkTarget(file);
     if (target.has_parent_path()) {
         if (const std::error_code error = makeFolder(target.parent_path()))
             return error;
     }
-    return writeAtomically(target, *content, Access::owner, sync, [&](int descriptor) {
-        struct stat status {};
-        const std::lock_guard hold(mutex_);
-        if (!mayGoOn() || ::fstat(descriptor, &status) != 0)
-            return false;
-        written_.insert_or_assign(file, identity(status));
-        return true;
-    });
+    return writeAtomically(
+        target, *content, Access::owner, sync, [&](int descriptor, const char* from, const char* to) {
+            struct stat status {};
+            const std::lock_guard hold(mutex_);
+            // Without a lock, another process may have written while the disk was waited for.
+            if (!mayGoOn() || ::fstat(descriptor, &status) != 0 || (limit > 0 && !lock && read(file, limit) != present))
+                return canceled;
+            const std::error_code error = renameFile(descriptor, from, to);
+            if (!error)
+                written_.insert_or_assign(file, identity(status));
+            return error;
+        });
 }
 
 std::error_code PosixFiles::replaceNow(const fs::path& file, std::string_view content) {
@@ -179,21 +187,26 @@ void PosixFiles::removeLeftovers(const fs::path& file) const {
 }
 
 bool PosixFiles::isClaimed(const fs::path& folder) const {
+    struct stat held {
+    }, present{};
     const std::lock_guard hold(mutex_);
-    return claims_.contains(folder);
+    const auto claim = claims_.find(folder);
+    return claim != claims_.end() && ::fstat(claim->second.get(), &held) == 0 &&
+           ::stat(folder.c_str(), &present) == 0 && held.st_dev == present.st_dev && held.st_ino == present.st_ino;
 }
 
 bool PosixFiles::claim(const fs::path& file) {
     const fs::path folder = file.parent_path();
     if (isClaimed(folder))
         return true;
+    makeFolder(folder);
     FileDescriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!descriptor)
         return true;
     if (::flock(descriptor.get(), LOCK_EX | LOCK_NB) != 0)
         return errno != EWOULDBLOCK;
     const std::lock_guard hold(mutex_);
-    claims_.emplace(folder, std::move(descriptor));
+    claims_.insert_or_assign(folder, std::move(descriptor));
     return true;
 }
 

@@ -13,7 +13,7 @@
 #include <mutex>
 
 /// Files of a POSIX file system, written so that a crash or a power cut leaves either the old or the new content. All
-/// of it happens at once, on the calling thread; `update`, `updateAtEnd` and reading are for any thread.
+/// of it happens at once, on the calling thread. Only `onChange` is for the main thread alone.
 class PosixFiles final : public Files {
 public:
     /// `applicationSupport` is what `applicationSupportFolder()` returns.

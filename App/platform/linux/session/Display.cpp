@@ -69,7 +69,7 @@ void noticeDisplayLoss(const QString& qtMessage) {
         lastFunction.load()();
         return;
     }
-    constexpr int timeout = 2000; // milliseconds; the main thread may itself be waiting for the compositor
+    constexpr int timeout = 5000; // milliseconds; the main thread waits for a slow disk, or even for the compositor
     const auto done = std::make_shared<QSemaphore>();
     QMetaObject::invokeMethod(
         application,

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <system_error>
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -26,8 +27,13 @@ TerminationSignals::TerminationSignals() {
     signals_ = FileDescriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
     arrived_ = FileDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
     stop_ = FileDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
-    if (signals_ && arrived_ && stop_)
-        thread_ = std::thread([this] { follow(); });
+    try {
+        if (signals_ && arrived_ && stop_)
+            thread_ = std::thread([this] { follow(); });
+    } catch (const std::system_error&) { // no more threads are allowed
+    }
+    if (!thread_.joinable())
+        pthread_sigmask(SIG_UNBLOCK, &signals, nullptr); // so that the signals end the process
 }
 
 TerminationSignals::~TerminationSignals() {

@@ -3,6 +3,7 @@
 
 #include "platform/linux/files/PosixFiles.h"
 #include "platform/linux/session/QtMainLoop.h"
+#include "support/DiskFaults.h"
 #include "support/OrdinaryUser.h"
 #include "support/TemporaryFolder.h"
 #include "support/UserDefaultsContract.h"
@@ -14,6 +15,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -242,6 +244,30 @@ TEST_F(JsonUserDefaultsTest, KeepsTheSettingsWhenTheFileIsDamagedWhileItRuns) {
     EXPECT_EQ(defaults->integerForKey("limit"), 70);
     EXPECT_EQ(stored(), QJsonDocument::fromJson(R"({"limit": 70, "low": 16})").object());
     EXPECT_EQ(contentOf(file.string() + ".damaged"), R"({"limit": 70,, "low": 15})");
+}
+
+TEST_F(JsonUserDefaultsTest, KeepsTheSettingsWhenTheFileIsDamagedAndTheDiskIsFull) {
+    const auto defaults = storeWith(R"({"limit": 70, "low": 15})");
+    write(file, "{,}");
+    {
+        DiskFaults faults;
+        faults.writes = {{.error = ENOSPC}};
+        defaults->setObject("low", 16);
+    }
+    EXPECT_EQ(contentOf(file), "{,}");
+    EXPECT_EQ(defaults->integerForKey("limit"), 70);
+    EXPECT_EQ(defaults->integerForKey("low"), 16);
+    defaults->setObject("flag", true);
+    EXPECT_EQ(stored(), QJsonDocument::fromJson(R"({"limit": 70, "low": 16, "flag": true})").object());
+}
+
+TEST_F(JsonUserDefaultsTest, KeepsNothingForWhoLinksTheFileToNothing) {
+    fs::create_symlink("/dev/null", file);
+    const auto defaults = store();
+    defaults->setObject("limit", 85);
+    EXPECT_EQ(defaults->integerForKey("limit"), 85) << "for this run";
+    EXPECT_EQ(fs::read_symlink(file), "/dev/null");
+    EXPECT_FALSE(fs::exists(fs::symlink_status(file.string() + ".damaged")));
 }
 
 TEST_F(JsonUserDefaultsTest, SetsAFolderInTheFilesPlaceAside) {

@@ -256,8 +256,6 @@ TEST_F(PosixFilesTest, LetsOneProcessAtATimeChangeAFileByWhatItHolds) {
 TEST_F(PosixFilesTest, LetsTheFirstThatAsksHaveAFolderUntilItEnds) {
     PosixFiles second(home.path);
     const fs::path file = home.path / "folder/file";
-    EXPECT_TRUE(second.claim(file)) << "there is no folder that it could have";
-    fs::create_directory(home.path / "folder");
     {
         PosixFiles first(home.path);
         EXPECT_TRUE(first.claim(file));
@@ -267,6 +265,12 @@ TEST_F(PosixFilesTest, LetsTheFirstThatAsksHaveAFolderUntilItEnds) {
         EXPECT_TRUE(second.claim(home.path / "elsewhere"));
         const auto noChange = [](const auto&) { return std::nullopt; };
         first.update(file, 100, noChange, {}); // does not wait for itself
+        fs::remove_all(home.path / "folder");
+        EXPECT_TRUE(second.claim(file)) << "it is another folder now";
+        EXPECT_FALSE(first.claim(file));
+        fs::remove_all(home.path / "folder");
+        EXPECT_TRUE(first.claim(file));
+        EXPECT_FALSE(second.claim(file));
     }
     EXPECT_TRUE(second.claim(file));
 }
