@@ -198,11 +198,12 @@ TimeEstimate::Reading PowerReading::forTimeEstimate() const {
     else if (!onExternalPower)
         reading.flow = TimeEstimate::Flow::discharging;
     reading.now = sum(packs, [](const auto& pack) { return pack.now; });
+    reading.full = sum(packs, [](const auto& pack) { return pack.full; });
     for (const BatteryPack& pack : packs)
         reading.remaining += remaining(pack);
     reading.rate = energy ? totalPower(packs, onExternalPower) : totalCurrent(packs, onExternalPower);
     // Half a watt; where only charge is known, a hundredth of a full battery per hour comes close to that.
-    reading.slowest = energy ? 500 : sum(packs, [](const auto& pack) { return pack.full; }).value_or(0) / 100;
+    reading.slowest = energy ? 500 : reading.full.value_or(0) / 100;
     return reading;
 }
 

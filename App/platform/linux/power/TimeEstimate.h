@@ -25,6 +25,7 @@ public:
         std::string batteries;      ///< which packs were counted, and in which unit
         std::optional<double> now;  ///< stored
         double remaining = 0;       ///< still to be stored until charging ends
+        std::optional<double> full; ///< stored when full; charging may end before
         std::optional<double> rate; ///< signed, negative out of the battery
         double slowest = 0;         ///< a rate below this says nothing
     };

@@ -499,6 +499,7 @@ TEST(PowerReading, TimesRestOnTheSumsOfAllPacks) {
     EXPECT_EQ(reading.rate, -12'000);
     EXPECT_EQ(reading.slowest, 500);
     EXPECT_EQ(reading.remaining, 42'000);
+    EXPECT_EQ(reading.full, 80'000);
 }
 
 TEST(PowerReading, TimesOfChargeRestOnTheCurrent) {
@@ -507,6 +508,7 @@ TEST(PowerReading, TimesOfChargeRestOnTheCurrent) {
     EXPECT_EQ(reading.now, 3'000);
     EXPECT_EQ(reading.rate, 1'500);
     EXPECT_EQ(reading.remaining, 1'000);
+    EXPECT_EQ(reading.full, 4'000);
     EXPECT_EQ(reading.slowest, 40); // a hundredth of 4 Ah per hour
 }
 
