@@ -10,11 +10,14 @@
 /// A reading at one instant, with the time that is really left, which nobody can know at that instant.
 struct SimulatedReading {
     TimeEstimate::Reading reading;
-    double trueMinutes = 0; ///< until empty or full, as it turned out, without time asleep, when nobody looks at it
+    /// Until empty or full, had the plug been left alone, without time asleep, when nobody looks at it.
+    double trueMinutes = 0;
+    bool counts = true; ///< false before a change that nobody can foresee
 };
 
-/// One battery that empties or fills once, read as the program reads it: every minute, and 0, 1, 2, 5 and 15 seconds
-/// after an event (the plug, waking up, each whole percent). Amounts are in mWh, rates in mW.
+/// One battery that empties or fills, or is plugged and unplugged several times, read as the program reads it: every
+/// minute, and 0, 1, 2, 5 and 15 seconds after an event (the plug, waking up, each whole percent). Amounts are in mWh,
+/// rates in mW.
 struct SimulatedLoad {
     std::string name;
     std::vector<SimulatedReading> readings;

@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "LoadSimulation.h"
+#include "TimeRules.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <deque>
-#include <functional>
 #include <limits>
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -18,184 +15,83 @@
 namespace {
 
 using Flow = TimeEstimate::Flow;
-using Reading = TimeEstimate::Reading;
-
-/// Returns the rate to divide by, in the direction of the flow, or none.
-class Rule {
-public:
-    virtual ~Rule() = default;
-    /// `age` is the seconds since the run's first trusted reading.
-    virtual std::optional<double> rate(const Reading& reading, double age) = 0;
-};
-
-using Make = std::function<std::unique_ptr<Rule>()>;
-
-/// Moves towards each reading, with the weight that `weight` returns for the seconds since the last one.
-class Smoothed final : public Rule {
-public:
-    using Weight = std::function<double(double seconds, double age)>;
-    explicit Smoothed(Weight weight) : weight_(std::move(weight)) {}
-
-    std::optional<double> rate(const Reading& reading, double age) override {
-        if (!reading.rate)
-            return std::nullopt;
-        const double reported = std::abs(*reading.rate);
-        value_ = value_ ? *value_ + (reported - *value_) * weight_(age - last_, age) : reported;
-        last_ = age;
-        return value_;
-    }
-
-private:
-    Weight weight_;
-    std::optional<double> value_;
-    double last_ = 0;
-};
-
-/// The charge moved within the window, divided by its length. While the window is longer than the run, the filler
-/// stands in for the missing part; without a filler the window is the run.
-class Movement final : public Rule {
-public:
-    Movement(double window, std::unique_ptr<Rule> filler) : window_(window), filler_(std::move(filler)) {}
-
-    std::optional<double> rate(const Reading& reading, double age) override {
-        points_.push_back({age, *reading.now});
-        while (points_.size() > 2 && age - points_[1].age >= window_)
-            points_.pop_front();
-        const double apart = age - points_.front().age;
-        const double moved = std::abs(*reading.now - points_.front().now);
-        if (const auto fill = filler_ ? filler_->rate(reading, age) : std::nullopt)
-            return (moved * 3600 + *fill * std::max(0.0, window_ - apart)) / std::max(apart, window_);
-        if (apart < 60 || moved == 0)
-            return std::nullopt;
-        return moved * 3600 / apart;
-    }
-
-private:
-    struct Point {
-        double age;
-        double now;
-    };
-    double window_;
-    std::unique_ptr<Rule> filler_;
-    std::deque<Point> points_;
-};
-
-/// The time shown: whole minutes to empty or to full.
-using Told = std::optional<std::int64_t>;
-using Tell = std::function<Told(const Reading&)>;
-
-/// Applies a rule under the same conditions as ours: it starts anew with each run, waits as long, and has the same
-/// limits.
-Tell underTheSameConditions(const Make& make) {
-    struct State {
-        std::unique_ptr<Rule> rule;
-        std::optional<Reading> last;
-        double start = 0;
-        std::optional<double> trusted;
-        int readings = 0;
-    };
-    return [make, state = std::make_shared<State>()](const Reading& reading) -> Told {
-        State& s = *state;
-        const double uptime = reading.uptime.count();
-        if (!s.last || s.last->flow != reading.flow || s.last->slept != reading.slept)
-            s = {.rule = make(), .last = {}, .start = uptime, .trusted = {}, .readings = 0};
-        s.last = reading;
-        ++s.readings;
-        if (uptime - s.start < 10)
-            return std::nullopt;
-        if (!s.trusted)
-            s.trusted = uptime;
-        const auto rate = s.rule->rate(reading, uptime - *s.trusted);
-        if (!rate || *rate < reading.slowest || uptime - s.start < 15 || s.readings < 2)
-            return std::nullopt;
-        const bool charging = reading.flow == Flow::charging;
-        const double amount = charging ? reading.remaining : *reading.now;
-        const double hours = amount / *rate;
-        if (hours > (charging ? 20 : 48) || (charging && amount <= 0))
-            return std::nullopt;
-        return static_cast<std::int64_t>(hours * 60);
-    };
-}
-
-struct Contender {
-    std::string name;
-    std::function<Tell()> make;
-};
-
-Contender contender(std::string name, Make make) {
-    return {std::move(name), [make] { return underTheSameConditions(make); }};
-}
-
-Smoothed::Weight exponential(double seconds) {
-    return [seconds](double passed, double /*age*/) { return 1 - std::exp(-passed / seconds); };
-}
-
-/// The mean since the run's start, until the run is longer than the smoothing time. The first reading counts for the
-/// seconds that passed before it.
-Smoothed::Weight meanThenExponential(double seconds) {
-    return [smooth = exponential(seconds)](double passed, double age) {
-        return std::max(smooth(passed, age), passed / (age + 15));
-    };
-}
-
-std::vector<Contender> contenders() {
-    std::vector<Contender> all;
-    const auto smoothed = [&](const std::string& name, const Smoothed::Weight& weight) {
-        all.push_back(contender(name, [weight] { return std::make_unique<Smoothed>(weight); }));
-    };
-    smoothed("now / rate", [](double, double) { return 1; });
-    for (const int seconds : {60, 120, 180, 300, 600})
-        smoothed("smoothed, T " + std::to_string(seconds) + " s", exponential(seconds));
-    smoothed("0.005 a second", [](double passed, double) { return std::min(1.0, 0.005 * passed); });
-    smoothed("mean of the run", [](double passed, double age) { return age > 0 ? passed / age : 1; });
-    for (const int seconds : {180, 300, 600, 1200})
-        smoothed("mean, then T " + std::to_string(seconds) + " s", meanThenExponential(seconds));
-    for (const int seconds : {300, 600, 900, 1200, 1800})
-        all.push_back(contender("moved in " + std::to_string(seconds) + " s",
-                                [=] { return std::make_unique<Movement>(seconds, nullptr); }));
-    all.push_back(contender("moved in the run",
-                            [] { return std::make_unique<Movement>(std::numeric_limits<double>::max(), nullptr); }));
-    for (const int seconds : {600, 900, 1200}) {
-        all.push_back(contender("moved in " + std::to_string(seconds) + " s + T 180 s", [=] {
-            return std::make_unique<Movement>(seconds, std::make_unique<Smoothed>(exponential(180)));
-        }));
-    }
-    all.push_back({"ours", [] {
-                       return [estimate = std::make_shared<TimeEstimate>()](const Reading& reading) -> Told {
-                           const auto minutes = estimate->update(reading);
-                           return reading.flow == Flow::charging ? minutes.toFull : minutes.toEmpty;
-                       };
-                   }});
-    return all;
-}
 
 /// Nearer the end than this, rounding to a minute outweighs every rule, and nothing is counted.
 constexpr double leastMinutes = 10;
 
-/// The score of one rule on one kind of load. A division by zero gives NaN, which is shown as a dash.
+/// A told time within this part of the true one helps somebody who waits.
+constexpr double sensible = 0.3;
+
+double quantile(std::vector<double> values, double part) {
+    if (values.empty())
+        return std::numeric_limits<double>::quiet_NaN();
+    const auto nth = values.begin() + static_cast<std::ptrdiff_t>(part * static_cast<double>(values.size() - 1));
+    std::nth_element(values.begin(), nth, values.end());
+    return *nth;
+}
+
+/// The score of one rule on one kind of load. A value that nothing counts for is NaN, which is shown as a dash.
 struct Score {
+    std::vector<double> logs;   ///< |ln(told / true)| of each reading
+    std::vector<double> firsts; ///< of the first told time after each plug
     double errors = 0;
     double jumps = 0;
     double minutes = 0; ///< with a time shown at both ends
-    double told = 0;
     double readings = 0;
+    double waited = 0; ///< seconds after each plug, or the change, until the told time is sensible
+    double plugs = 0;
+    double worst = 0;
 
-    double error() const { return 100 * errors / told; }
+    double told() const { return static_cast<double>(logs.size()); }
+    double error() const { return 100 * errors / told(); }
+    double median() const { return quantile(logs, 0.5); }
+    double ninth() const { return quantile(logs, 0.9); }
+    double first() const { return quantile(firsts, 0.5); }
     double jumpiness() const { return 100 * jumps / minutes; }
-    double toldShare() const { return 100 * told / readings; }
+    double toldShare() const { return 100 * told() / readings; }
+    double wait() const { return waited / plugs; }
+    double worstPromise() const { return worst; }
 };
 
 void play(const SimulatedLoad& load, const Tell& tell, Score& score) {
     Told before;
     double trueBefore = 0;
-    for (const auto& [reading, trueMinutes] : load.readings) {
+    std::optional<Flow> flow;
+    double pluggedAt = 0;
+    double lastAt = 0;
+    bool isFirst = true;
+    bool waits = false;
+    const auto endWait = [&](double at) {
+        if (std::exchange(waits, false))
+            score.waited += at - pluggedAt;
+    };
+    for (const auto& [reading, trueMinutes, counts] : load.readings) {
         const Told told = tell(reading);
-        if (trueMinutes < leastMinutes)
-            return;
+        const double at = (reading.uptime - reading.slept).count();
+        if (reading.flow != flow) {
+            endWait(lastAt);
+            flow = reading.flow;
+            pluggedAt = at;
+            isFirst = waits = true;
+            ++score.plugs;
+            before.reset();
+        }
+        lastAt = at;
+        if (!counts)
+            pluggedAt = at;
+        if (trueMinutes < leastMinutes || !counts)
+            continue;
         ++score.readings;
         if (told) {
-            ++score.told;
+            // A told 0 would be infinitely wrong.
+            const double log = std::abs(std::log(std::max(0.5, static_cast<double>(*told)) / trueMinutes));
+            score.logs.push_back(log);
+            if (std::exchange(isFirst, false))
+                score.firsts.push_back(log);
+            if (log < sensible)
+                endWait(at);
             score.errors += std::abs(static_cast<double>(*told) - trueMinutes) / trueMinutes;
+            score.worst = std::max(score.worst, static_cast<double>(*told) / trueMinutes);
         }
         if (told && before) {
             const double passed = trueBefore - trueMinutes;
@@ -205,77 +101,110 @@ void play(const SimulatedLoad& load, const Tell& tell, Score& score) {
         before = told;
         trueBefore = trueMinutes;
     }
+    endWait(lastAt);
 }
 
-struct Line {
-    std::string name;
-    std::vector<Score> scores; ///< in the order of the loads
+/// The scores of one kind of load, in the order of the rules.
+struct Column {
+    std::string load;
+    bool charging = false;
+    std::vector<Score> scores;
 };
 
-enum class Sums { shown, leftOut };
+using Value = double (Score::*)() const;
 
-/// One row for each rule, one column for each load. The sums are over the loads for which the first rule has a value.
-void print(const char* title, const std::vector<std::string>& loads, const std::vector<Line>& lines,
-           double (Score::*value)() const, Sums sums) {
-    std::printf("\n%s\n%-24s", title, "");
-    for (const std::string& load : loads)
-        std::printf(" %8s", load.c_str());
-    std::puts(sums == Sums::shown ? "      sum  ratio  worst" : "");
-    double firstSum = 0;
-    for (const Line& line : lines) {
-        std::printf("%-24s", line.name.c_str());
-        double sum = 0;
-        double worst = 0;
-        for (std::size_t i = 0; i < loads.size(); ++i) {
-            const double first = (lines.front().scores[i].*value)();
-            const double own = (line.scores[i].*value)();
-            if (std::isnan(own))
-                std::printf(" %8s", "-");
-            else
-                std::printf(" %8.2f", own);
-            if (!std::isnan(first)) {
-                sum += own;
-                worst = std::max(worst, own / first);
+/// One row for each rule, one column for each load, and the median over the loads.
+void print(const char* title, const std::vector<Contender>& rules, const std::vector<Column>& columns, Value value) {
+    for (const bool charging : {false, true}) {
+        std::printf("\n%s: %s\n%-26s", title, charging ? "charging" : "on battery", "");
+        for (const Column& column : columns)
+            if (column.charging == charging)
+                std::printf(" %8s", column.load.c_str());
+        std::puts("   median     mean");
+        for (std::size_t i = 0; i < rules.size(); ++i) {
+            std::printf("%-26s", rules[i].name.c_str());
+            std::vector<double> values;
+            double sum = 0;
+            const auto put = [](double number) {
+                if (std::isnan(number))
+                    std::printf(" %8s", "-");
+                else
+                    std::printf(number < 10 ? " %8.3f" : " %8.1f", number);
+            };
+            for (const Column& column : columns) {
+                if (column.charging != charging)
+                    continue;
+                const double number = (column.scores[i].*value)();
+                put(number);
+                if (!std::isnan(number)) {
+                    values.push_back(number);
+                    sum += number;
+                }
             }
+            put(quantile(values, 0.5));
+            put(sum / static_cast<double>(values.size()));
+            std::puts("");
         }
-        if (&line == &lines.front())
-            firstSum = sum;
-        if (sums == Sums::shown)
-            std::printf(" %8.1f %6.2f %6.2f", sum, sum / firstSum, worst);
+    }
+}
+
+/// The told times of all rules beside the true one, for a picture.
+void printCurve(const std::vector<Contender>& rules, const SimulatedLoad& load) {
+    std::printf("minute,true");
+    std::vector<Tell> tells;
+    for (const Contender& rule : rules) {
+        std::printf(",\"%s\"", rule.name.c_str());
+        tells.push_back(rule.make());
+    }
+    std::puts("");
+    for (const auto& [reading, trueMinutes, counts] : load.readings) {
+        std::printf("%.2f,%.1f", (reading.uptime - load.readings.front().reading.uptime).count() / 60, trueMinutes);
+        for (const Tell& tell : tells) {
+            const Told told = tell(reading);
+            std::printf(told ? ",%.0f" : ",", static_cast<double>(told.value_or(0)));
+        }
         std::puts("");
     }
 }
 
 } // namespace
 
-/// Arguments: the first seed (1) and the number of seeds (10).
+/// Arguments: the first seed (1) and the number of seeds (10); with the name of a load after them, the told times of
+/// the first seed as CSV. Rules are tuned on the seeds from 1 on; those from 1001 and from 2001 on are for one look at
+/// the end, which tells how much of the tuning was luck.
 int main(int argc, char** argv) {
     const auto first = argc > 1 ? std::strtoull(argv[1], nullptr, 10) : 1;
     const auto count = argc > 2 ? std::strtoull(argv[2], nullptr, 10) : 10;
     const auto rules = contenders();
-    std::vector<std::string> names;
-    std::vector<Line> lines;
-    lines.reserve(rules.size());
-    for (const Contender& rule : rules)
-        lines.push_back({rule.name, {}});
+    std::vector<Column> columns;
     for (auto seed = first; seed < first + count; ++seed) {
         const auto loads = simulateLoads(seed);
-        names.clear();
-        for (const SimulatedLoad& load : loads)
-            names.push_back(load.name);
-        for (std::size_t i = 0; i < rules.size(); ++i) {
-            lines[i].scores.resize(loads.size());
-            for (std::size_t j = 0; j < loads.size(); ++j)
-                play(loads[j], rules[i].make(), lines[i].scores[j]);
+        columns.resize(loads.size());
+        for (std::size_t i = 0; i < loads.size(); ++i) {
+            if (argc > 3 && loads[i].name == argv[3]) {
+                printCurve(rules, loads[i]);
+                return 0;
+            }
+            Column& column = columns[i];
+            column.load = loads[i].name;
+            column.charging = loads[i].readings.front().reading.flow == Flow::charging;
+            column.scores.resize(rules.size());
+            for (std::size_t j = 0; j < rules.size(); ++j)
+                play(loads[i], rules[j].make(), column.scores[j]);
         }
     }
     std::printf(
         "Seeds %llu to %llu. All rules see the same readings, start anew with each run, wait as long before they\n"
         "tell a time, and tell whole minutes. The last %.0f minutes are left out. Readings with no time count in\n"
-        "the third table only. ratio: of the sum to that of now / rate. worst: the highest such ratio of one load.\n",
+        "the table of their share only. ln: |ln(told / true)|; 0.1 is about a tenth too much or too little.\n",
         first, first + count - 1, leastMinutes);
-    print("Error: mean |told - true| / true, %", names, lines, &Score::error, Sums::shown);
-    print("Jumpiness: mean |change of the told time beyond the time that passed| / true, % a minute", names, lines,
-          &Score::jumpiness, Sums::shown);
-    print("Readings with a time, %", names, lines, &Score::toldShare, Sums::leftOut);
+    print("Error: median ln", rules, columns, &Score::median);
+    print("Error: ninth tenth of ln", rules, columns, &Score::ninth);
+    print("Error: mean |told - true| / true, %", rules, columns, &Score::error);
+    print("First told time: median ln", rules, columns, &Score::first);
+    print("Mean seconds after a plug, or after the change, until ln is below 0.3", rules, columns, &Score::wait);
+    print("Worst promise: the highest told / true", rules, columns, &Score::worstPromise);
+    print("Jumpiness: mean |change of the told time beyond the time that passed| / true, % a minute", rules, columns,
+          &Score::jumpiness);
+    print("Readings with a time, %", rules, columns, &Score::toldShare);
 }
