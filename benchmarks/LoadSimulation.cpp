@@ -341,6 +341,9 @@ std::vector<SimulatedLoad> simulateLoads(std::uint64_t seed) {
     setup.adapter = random.between(25'000, 65'000);
     setup.resistance = random.uniform(0.05, 0.3);
     add("any fill2", setup, anyDay(random));
+    setup = fill(0.2, 0.8);
+    setup.adapter = 12'000;
+    add("slow", setup, noisy(random, 6'000, 0.1));
     // Two charges one after the other: what the first one has shown serves the second.
     add("again",
         {.charging = true,
@@ -350,5 +353,8 @@ std::vector<SimulatedLoad> simulateLoads(std::uint64_t seed) {
          .batteryMinutes = 90,
          .pluggedMinutes = 240},
         work);
+    Setup silent = replugged;
+    silent.reportsRate = false;
+    add("plugs, 3", silent, work);
     return loads;
 }

@@ -101,12 +101,12 @@ class Demo:
         self.take_pictures()
 
         self.show("charging", "Some seconds later it knows how long charging takes.")
-        self.expect(" 18%", "percent-18-bolt", "18% · Charging, 1 h 11 min to full", ESTIMATE_SECONDS)
+        self.expect(" 18%", "percent-18-bolt", "18% · Charging, 1 h 45 min to full", ESTIMATE_SECONDS)
         self.take_pictures()
 
         self.show("filling", "The battery fills.")
         self.change(level=55)
-        self.expect(" 55%", "percent-55-bolt", "55% · Charging, 39 min to full")
+        self.expect(" 55%", "percent-55-bolt", "55% · Charging, 1 h 13 min to full")
         self.take_pictures()
 
         self.show("dark-panel", "The panel crashes and comes back, now a dark one.")
@@ -115,7 +115,7 @@ class Demo:
 
         self.show("preferences", "Another program edits the preferences: the remaining time beside the icon.")
         self.edit_preferences({"showTime": True})
-        self.expect(" 55% · 0:39", "percent-55-bolt", "55% · Charging, 39 min to full")
+        self.expect(" 55% · 1:13", "percent-55-bolt", "55% · Charging, 1 h 13 min to full")
         self.take_pictures()
 
         self.show("held", "The firmware stops charging at a threshold; the user is reminded to unplug.")

@@ -2,15 +2,19 @@
 #pragma once
 
 #include "platform/Clock.h"
+#include "platform/linux/power/ChargeTaper.h"
 
+#include <array>
 #include <cstdint>
 #include <deque>
+#include <limits>
 #include <optional>
 #include <string>
 
 /// Estimates how long the battery lasts, or takes to fill, from successive readings. The momentary rate jumps with
-/// every web page that loads, so it is smoothed and checked against the actual drain of the battery, and no time is
-/// given until it can be trusted.
+/// every web page that loads, so it is smoothed and checked against what really flowed, over the longer the more is
+/// left, unless the load has changed; and a battery that is nearly full takes less. No time is given until it can be
+/// trusted.
 class TimeEstimate {
 public:
     /// The direction in which charge flows; `none` if none flows or that is unknown, and then no time is given.
@@ -47,6 +51,22 @@ private:
     struct Change {
         Duration uptime;
         double now;
+        std::optional<double> recent; ///< the mean rate of the window that ends here, once there is a whole one
+    };
+
+    /// The lowest and the highest rate seen; nothing at first.
+    struct Range {
+        double lowest = std::numeric_limits<double>::max();
+        double highest = 0;
+        void add(double rate);
+        bool allows(double rate) const; ///< whether it is among them, with some tolerance
+    };
+
+    /// What a run has shown, for the next one in the same direction. Rates while charging are those of the plateau.
+    struct Past {
+        double rate = 0;
+        Range recent{};   ///< of the means of whole windows; nothing if the run was shorter
+        Range reported{}; ///< of the rates that firmware reported
     };
 
     std::optional<Reading> last_;
@@ -55,12 +75,25 @@ private:
     bool settling_ = false;
     std::optional<double> smoothed_;
     Duration smoothedAt_{};
-    std::deque<Change> changes_;  ///< the first trusted amount, and each different one after it
+    std::deque<Change> changes_;  ///< the first trusted amount, and different ones after it
     bool startsAtChange_ = false; ///< the first trusted amount has been dropped from them
+    Past run_;
+    std::array<std::optional<Past>, 3> past_; ///< of the last run with each flow
+    ChargeTaper taper_;
+    double steepest_ = 0; ///< the highest slope of the taper that this charge has proved
 
     bool continues(const Reading& reading) const;
+    void begin(const Reading& reading);
+    double missing(double now) const;          ///< part of full
+    double level(double now) const;            ///< the amount, if none of it tapered
+    double left(const Reading& reading) const; ///< the amount that has still to flow, if none of it tapered
     void smooth(const Reading& reading, double rate);
+    void learnTaper(double missing, double plateau);
     void follow(const Reading& reading);
-    std::optional<double> derivedRate(const Reading& reading) const;
+    std::optional<double> derivedRate(const Reading& reading, double window) const;
+    bool teaches(const Reading& reading) const;
+    bool hasWholeWindow(const Reading& reading) const;
+    std::optional<double> recentRate(const Reading& reading);
+    std::optional<Past> past(const Reading& reading) const;
     std::optional<double> currentRate(const Reading& reading);
 };

@@ -3,9 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <functional>
 #include <optional>
 #include <ostream>
+#include <string>
 
 void PrintTo(const TimeEstimate::Minutes& minutes, std::ostream* out) {
     *out << minutes.toEmpty.value_or(-1) << " min to empty, " << minutes.toFull.value_or(-1) << " min to full";
@@ -351,12 +354,11 @@ TEST_F(TimeEstimateTest, EachRunBeginsAtItsOwnFirstChange) {
     EXPECT_EQ(estimate.update(draining(870, 49'990, 10'000)), toEmpty(299));
 }
 
-TEST_F(TimeEstimateTest, WhileChargingTheReportedRateAloneCounts) {
-    estimate.update(filling(0, 20'000, 10'000));
-    estimate.update(filling(10, 20'000, 10'000));
-    estimate.update(filling(20, 19'000, 10'000));
-    estimate.update(filling(30, 18'000, 10'000));
-    EXPECT_EQ(estimate.update(filling(460, 10'000, 10'000)), toFull(60));
+TEST_F(TimeEstimateTest, WhatHasMovedCountsWhileChargingToo) {
+    estimate.update(filling(0, 50'333, 10'000));
+    for (int seconds = 10; seconds <= 910; seconds += 50)
+        estimate.update(filling(seconds, 50'333.3 - seconds / 3600.0 * 20'000, 10'000)); // tells 10 W, stores 20 W
+    EXPECT_EQ(estimate.update(filling(960, 45'000, 10'000)), toFull(135));
 }
 
 TEST_F(TimeEstimateTest, KeepsAReportedRateThroughAGapOfFiveMinutes) {
@@ -462,6 +464,280 @@ TEST_F(TimeEstimateTest, IsSettlingOnlyDuringTheFirstFifteenSecondsOfARun) {
     EXPECT_FALSE(estimate.isSettling());
     estimate.update(filling(16, 100, 5'000));
     EXPECT_TRUE(estimate.isSettling());
+}
+
+/// A battery of 50 Wh that goes on from minute to minute. Rates are in mW, negative on battery.
+struct TimeEstimateDayTest : TimeEstimateTest {
+    double seconds = 0;
+    double stored = 50'000;
+    double slept = 70;
+    std::string batteries = "BAT0/energy ";
+
+    Minutes go(double duration, double rate, std::optional<double> reported) {
+        seconds += duration;
+        stored += rate * duration / 3600;
+        Reading reading = draining(seconds, stored, std::nullopt);
+        reading.slept = Duration(slept);
+        reading.batteries = batteries;
+        reading.rate = reported;
+        reading.full = 50'000;
+        if (rate > 0) {
+            reading.flow = Flow::charging;
+            reading.onExternalPower = true;
+            reading.remaining = 50'000 - stored;
+        }
+        return estimate.update(reading);
+    }
+
+    /// The last told time of some minutes at one rate.
+    Minutes goMinutes(int minutes, double rate) {
+        Minutes told;
+        for (int i = 0; i < minutes; ++i)
+            told = go(60, rate, rate);
+        return told;
+    }
+
+    /// The first told time after a plug, or a sleep.
+    Minutes begin(double rate, std::optional<double> reported) {
+        go(0.1, rate, reported);
+        return go(15, rate, reported);
+    }
+    Minutes begin(double rate) { return begin(rate, rate); }
+
+    /// On battery, a busy minute and a quiet one in turn: 13 W.
+    Minutes workMinutes(int minutes) {
+        Minutes told;
+        for (int i = 0; i < minutes; ++i)
+            told = goMinutes(1, i % 2 == 0 ? -20'000 : -6'000);
+        return told;
+    }
+
+    /// What the pack takes of 36 W with so much stored: all below the knee, and above it less and less down to 3 W.
+    static double taken(double stored, double knee = 0.8) {
+        return std::min(36'000.0, 3'000 + 33'000 * (1 - stored / 50'000) / (1 - knee));
+    }
+
+    static double minutesToFull(double stored, double knee = 0.8) {
+        int passed = 0;
+        for (; stored < 50'000; ++passed)
+            stored += taken(stored, knee) / 3600;
+        return passed / 60.0;
+    }
+
+    Minutes chargeMinutes(int minutes, double knee = 0.8) {
+        Minutes told;
+        for (int i = 0; i < minutes; ++i)
+            told = goMinutes(1, taken(stored, knee));
+        return told;
+    }
+};
+
+double number(std::optional<std::int64_t> minutes) {
+    return static_cast<double>(minutes.value_or(-1));
+}
+
+TEST_F(TimeEstimateDayTest, KnowsFromTheBeginningThatAChargeWillTaper) {
+    stored = 20'000;
+    const double truth = minutesToFull(stored);
+    EXPECT_NEAR(truth, 79, 1); // at the first rate it would be 50
+    EXPECT_NEAR(number(begin(36'000).toFull), truth, 0.1 * truth);
+}
+
+TEST_F(TimeEstimateDayTest, TellsTheTimeAllTheWayThroughTheTaper) {
+    stored = 20'000;
+    begin(36'000);
+    while (stored < 49'000) {
+        const double told = number(chargeMinutes(1).toFull);
+        EXPECT_NEAR(told, minutesToFull(stored), 0.15 * minutesToFull(stored) + 1) << stored;
+    }
+}
+
+TEST_F(TimeEstimateDayTest, TellsTheTimeOfAChargeThatBeginsInTheTaper) {
+    stored = 44'000;
+    begin(taken(stored));
+    for (int minute = 0; minute < 14; ++minute) {
+        const double told = number(chargeMinutes(1).toFull);
+        EXPECT_NEAR(told, minutesToFull(stored), 0.1 * minutesToFull(stored)) << minute;
+    }
+}
+
+TEST_F(TimeEstimateDayTest, ASlowChargeTapersLate) {
+    stored = 30'000;
+    // 10 W are taken until 46 Wh; what is left would take 84 minutes at that rate.
+    EXPECT_NEAR(number(begin(10'000).toFull), 120 + 10, 10);
+}
+
+TEST_F(TimeEstimateDayTest, AChargeThatEndsBelowTheKneeDoesNotTaper) {
+    Reading reading = filling(0, 10'000, 20'000);
+    reading.full = 100'000; // so it ends at half
+    estimate.update(reading);
+    reading.uptime += Duration(15);
+    EXPECT_EQ(estimate.update(reading), toFull(30));
+}
+
+TEST_F(TimeEstimateDayTest, ALaterKneeIsKnownOnceTheRateProvesIt) {
+    stored = 44'000;
+    const double told = number(begin(36'000).toFull);
+    EXPECT_NEAR(told, minutesToFull(stored, 0.9), 3);
+}
+
+/// The first told time of a charge, divided by the true one; then it charges to the end.
+struct TimeEstimateChargesTest : TimeEstimateDayTest {
+    double chargeFully(double knee) {
+        goMinutes(1, -15'000);
+        stored = 10'000;
+        const double told = number(begin(36'000).toFull);
+        chargeMinutes(150, knee);
+        return told / minutesToFull(10'000, knee);
+    }
+};
+
+TEST_F(TimeEstimateChargesTest, OneChargeShowsWhereTheNextWillTaper) {
+    EXPECT_LT(chargeFully(0.6), 0.85);
+    EXPECT_NEAR(chargeFully(0.6), 1, 0.1);
+    EXPECT_GT(chargeFully(0.9), 1.2);
+    EXPECT_NEAR(chargeFully(0.9), 1, 0.1);
+    EXPECT_LT(chargeFully(0.6), 0.75);
+    EXPECT_NEAR(chargeFully(0.6), 1, 0.2);
+}
+
+TEST_F(TimeEstimateChargesTest, AnotherPackTapersAsMostDo) {
+    const double first = chargeFully(0.6);
+    goMinutes(1, -15'000);
+    batteries = "BAT1/energy ";
+    EXPECT_NEAR(chargeFully(0.6), first, 0.01);
+}
+
+TEST_F(TimeEstimateChargesTest, AChargeThatWasBrokenOffShowsNoTaper) {
+    const double first = chargeFully(0.6);
+    estimate = {};
+    stored = 10'000;
+    goMinutes(40, 20'000);
+    EXPECT_NEAR(chargeFully(0.6), first, 0.05);
+}
+
+TEST_F(TimeEstimateChargesTest, AMachineThatReportsNoRateTapersToo) {
+    chargeFully(0.8);
+    goMinutes(20, -15'000);
+    stored = 42'500;
+    const double told = number(begin(taken(stored), std::nullopt).toFull);
+    EXPECT_NEAR(told, minutesToFull(stored), 0.1 * told);
+}
+
+TEST_F(TimeEstimateDayTest, ALowRateNearTheEndIsBelieved) {
+    stored = 49'500;
+    EXPECT_NEAR(number(begin(2'000).toFull), 15, 1);
+}
+
+TEST_F(TimeEstimateDayTest, AChargeThatBeginsWithABusyMomentPromisesNoWholeDay) {
+    stored = 10'000;
+    EXPECT_NEAR(number(begin(2'000).toFull), 240, 60); // at that rate, 20 hours
+    // If it really is so slow, that is believed after an hour, bar a quarter.
+    const double told = number(goMinutes(60, 4'000).toFull);
+    const double truth = (50'000 - stored) / 4'000 * 60;
+    EXPECT_NEAR(told, truth, 0.25 * truth);
+}
+
+TEST_F(TimeEstimateDayTest, AWeakChargerPromisesNoMoreThanItsMean) {
+    stored = 15'000;
+    begin(18'000);
+    for (int i = 0; i < 5; ++i) {
+        goMinutes(10, 18'000);
+        // While the machine takes nearly all, today's rate alone would promise 15 hours and more.
+        const double told = number(goMinutes(10, 2'000).toFull);
+        EXPECT_LT(told, 2 * (50'000 - stored) / 10'000 * 60) << i;
+        EXPECT_GT(told, 0) << i;
+    }
+}
+
+TEST_F(TimeEstimateDayTest, HoursArePromisedByHours) {
+    begin(-5'000);
+    goMinutes(40, -5'000);
+    goMinutes(40, -11'000);
+    goMinutes(40, -5'000);
+    // It has gone up and down, so the quarter of an hour before is no better guide than the hours before it.
+    const double told = number(goMinutes(20, -11'000).toEmpty);
+    EXPECT_NEAR(told, stored / 7'571 * 60, 0.05 * told);
+}
+
+TEST_F(TimeEstimateDayTest, ALoadThatHasChangedForGoodIsBelieved) {
+    begin(-7'000);
+    goMinutes(120, -7'000);
+    for (int minutes = 20; minutes <= 80; minutes += 10) {
+        const double told = number(goMinutes(minutes == 20 ? 20 : 10, -15'000).toEmpty);
+        EXPECT_NEAR(told, stored / 15'000 * 60, 3) << minutes;
+    }
+}
+
+TEST_F(TimeEstimateDayTest, ARunBeginsWithWhatTheLastOneHasShown) {
+    struct Row {
+        const char* what;
+        std::function<void(TimeEstimateDayTest&)> interrupt;
+    };
+    const Row rows[] = {
+        {"a charge", [](auto& day) { day.goMinutes(5, 30'000); }},
+        {"a sleep", [](auto& day) { day.slept += 3600; }},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        estimate = {};
+        stored = 50'000;
+        workMinutes(40);
+        row.interrupt(*this);
+        // At a busy moment; that rate alone would promise two thirds of it.
+        double told = number(begin(-20'000).toEmpty);
+        EXPECT_NEAR(told, stored / 13'000 * 60, 0.05 * told);
+        told = number(workMinutes(5).toEmpty);
+        EXPECT_NEAR(told, stored / 13'000 * 60, 0.1 * told);
+    }
+}
+
+TEST_F(TimeEstimateDayTest, WhatTheLastRunHasShownIsDroppedWhenItIsAnotherLoad) {
+    goMinutes(40, -8'000);
+    goMinutes(5, 30'000);
+    double told = number(begin(-20'000).toEmpty);
+    EXPECT_NEAR(told, stored / 20'000 * 60, 1);
+    told = number(goMinutes(30, -20'000).toEmpty);
+    EXPECT_NEAR(told, stored / 20'000 * 60, 1);
+}
+
+TEST_F(TimeEstimateDayTest, AnotherPackBeginsWithNothing) {
+    workMinutes(40);
+    goMinutes(5, 30'000);
+    batteries = "BAT1/energy ";
+    const double told = number(begin(-20'000).toEmpty);
+    EXPECT_NEAR(told, stored / 20'000 * 60, 1);
+}
+
+TEST_F(TimeEstimateDayTest, AShortRunShowsTooLittle) {
+    workMinutes(40);
+    goMinutes(5, 30'000);
+    goMinutes(5, -20'000);
+    goMinutes(5, 30'000);
+    const double told = number(begin(-20'000).toEmpty);
+    EXPECT_NEAR(told, stored / 13'000 * 60, 0.05 * told);
+}
+
+TEST_F(TimeEstimateDayTest, AFullPackThatGoesOnChargingShowsNothing) {
+    stored = 20'000;
+    chargeMinutes(80);
+    stored = 50'000;
+    goMinutes(200, 600);
+    goMinutes(5, -10'000);
+    stored = 20'000;
+    EXPECT_NEAR(number(begin(36'000).toFull), minutesToFull(20'000), 10);
+}
+
+TEST_F(TimeEstimateDayTest, AMachineThatReportsNoRateBeginsWithItsLastOne) {
+    EXPECT_EQ(begin(-10'000, std::nullopt), unknown);
+    for (int i = 0; i < 40; ++i)
+        go(60, -10'000, std::nullopt);
+    go(60, 30'000, std::nullopt);
+    const double told = number(begin(-10'000, std::nullopt).toEmpty);
+    EXPECT_NEAR(told, stored / 10'000 * 60, 2);
+    // But not for ever, if nothing moves.
+    go(1'000, -0.0001, std::nullopt);
+    EXPECT_EQ(go(60, -0.0001, std::nullopt), unknown);
 }
 
 } // namespace
