@@ -8,6 +8,7 @@ import unittest
 from support import history
 from support.faults import SHOW_SECONDS, FaultCase
 from support.logind import Logind
+from support.slow_disk import SlowDisk
 
 # A lock that was released is taken again as soon as logind is there to give it.
 LOCK_SECONDS = 10
@@ -15,6 +16,9 @@ TIMES = 3
 
 
 class SystemBus(FaultCase):
+    def start_program(self, changes=None, machine=None, app=None):
+        super().start_program((changes or {}) | SlowDisk(self.screen.folder).environment, machine, app)
+
     def start_logind(self):
         logind = Logind(self.screen, lambda: history.read(self.screen)[1])
         self.addCleanup(logind.close)

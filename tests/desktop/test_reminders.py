@@ -8,7 +8,8 @@ from support.case import DesktopCase
 from support.notifications import Dunst, Listener, Mate, Xfce
 from support.program import bare_executable
 from support.reads import wait_for_quiet
-from support.reminders import QUIET_SECONDS, SHOWN_SECONDS, RemindersOnADaemon
+from support.reminders import QUIET_SECONDS, SHOWN_SECONDS, OnADaemon, RemindersOnADaemon
+from support.sounds import SoundCard
 from support.waiting import watch
 
 AT_ONCE_SECONDS = 1
@@ -25,6 +26,36 @@ class OnXfce(RemindersOnADaemon, DesktopCase):
 
 
 class OnMate(RemindersOnADaemon, DesktopCase):
+    daemon = Mate
+
+
+class SeveralAtOnce(OnADaemon):
+    """With a sound card that records."""
+
+    def test_come_in_their_order_and_the_first_is_heard(self):
+        self.begin({"lowSound": "Glass", "lowPowerSound": "Ping", "healthSound": "Frog"})
+        self.machine.set("BAT0", energy_full="35000000")  # the health falls as well
+        self.change_level(18)
+        self.becomes(3)
+        titles = [asked.title for asked in self.listener.asked]
+        self.assertEqual(titles, ["Low battery", "Try Low Power Mode", "Battery health is low"])
+        self.soon_equal(self.card.played, ["Glass"], SHOWN_SECONDS)
+        self.stays(self.card.played, ["Glass"])
+
+    def start_program(self):
+        self.card = SoundCard(self.screen)
+        return self.start_and_wait(self.screen, self.machine, self.card.environment)
+
+
+class SeveralOnDunst(SeveralAtOnce, DesktopCase):
+    daemon = Dunst
+
+
+class SeveralOnXfce(SeveralAtOnce, DesktopCase):
+    daemon = Xfce
+
+
+class SeveralOnMate(SeveralAtOnce, DesktopCase):
     daemon = Mate
 
 

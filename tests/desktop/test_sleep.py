@@ -10,6 +10,7 @@ from support.case import DesktopCase
 from support.laptop import ADAPTER, BATTERY
 from support.logind import Logind
 from support.notifications import Listener
+from support.slow_disk import SlowDisk
 
 LOCK_SECONDS = 5
 # The machine sleeps five seconds after the announcement, whether the lock was released or not.
@@ -43,7 +44,7 @@ class Sleep(DesktopCase):
         machine.set_level(first)
         counter = self.count_reads(machine)
         start = time.monotonic()
-        program = self.start_and_wait(self.screen, machine)
+        program = self.start_and_wait(self.screen, machine, SlowDisk(self.screen.folder).environment)
         self.soon_equal(lambda: logind.locks, 1, LOCK_SECONDS)
         self.assertEqual([(what, mode) for what, _, _, mode in logind.given], [("sleep", "delay")])
         last_look = lambda: counter.readings() and time.monotonic() > start + LAST_LOOK_SECONDS - 1

@@ -21,7 +21,7 @@ SNOOZE = "Snooze alerts for 1 hour"
 LOW_ALONE = {"lowPowerEnabled": False}
 
 
-class RemindersOnADaemon:
+class OnADaemon:
     """A mixin for a test case, once for each daemon."""
 
     daemon = None
@@ -67,6 +67,10 @@ class RemindersOnADaemon:
         answered = lambda: self.bodies()[-1:] == [body] and self.listener.asked[-1].id
         self.soon(answered, SHOWN_SECONDS, lambda: f"{body!r}; asked for {self.bodies()}")
         return self.listener.asked[-1]
+
+
+class RemindersOnADaemon(OnADaemon):
+    """The tests that every daemon passes."""
 
     def test_low_reminders_are_on_the_screen_until_the_adapter_is_plugged_in(self):
         self.begin({})

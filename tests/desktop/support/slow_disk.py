@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""A disk for one program on which syncing takes long: it wakes up, or somebody copies a film to it."""
+"""A disk for one program on which syncing takes as long as a test wants: it wakes up, or somebody copies a film to it.
+The machine's own disk may be busy with other tests, and then a program does not wait for it for ever."""
 
 import os
 from pathlib import Path
