@@ -43,8 +43,8 @@ public:
     /// accessible to the owner only. Missing folders are created. No other process of ours changes the file between
     /// reading and writing. A later call takes the place of one that still waits, whose `done` is then not
     /// called, so its change has to do what the earlier one would have done. `done` hears of success, when the file is
-    /// on the disk, or why there was none; `operation_canceled` if there was nothing to change or, in a folder that this process has claimed, if another
-    /// has written within the limit meanwhile.
+    /// on the disk, or why there was none; `operation_canceled` if there was nothing to change or, in a folder that
+    /// this process has claimed, if another has written within the limit meanwhile.
     virtual void update(const Path& file, std::size_t limit, Change change, Done done) = 0;
 
     /// The same with a content that does not depend on the present one.
