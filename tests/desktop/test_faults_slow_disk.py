@@ -9,7 +9,7 @@ import time
 import unittest
 
 from support import history
-from support.faults import SHOW_SECONDS, FaultCase
+from support.faults import MOST_GROWTH_KIB, SHOW_SECONDS, FaultCase
 from support.logind import Logind
 from support.slow_disk import SlowDisk
 
@@ -20,6 +20,10 @@ STUCK = 120
 END_SECONDS = 8
 
 LOCK_SECONDS = 10
+
+# A month of history as text, of which three wait at most: one being written, one to be written next, and one for a forced
+# end.
+HISTORY_KIB = 3 * 1024
 SNOOZE = "Snooze alerts for 1 hour"
 
 
@@ -74,7 +78,7 @@ class Shown(SlowDiskCase):
         self.machine.unplug()
         self.soon(lambda: "· On battery" in self.item.tooltip[0], SHOW_SECONDS, "the item says that it does not charge")
         self.change_level(60)
-        self.rests()
+        self.rests(MOST_GROWTH_KIB + 2 * HISTORY_KIB)
 
     def test_a_setting_does_not_wait_for_another_process(self):
         self.start_with_disk()
