@@ -73,7 +73,7 @@ gtest_discover_tests(velmora_adapter_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEO
 # The built alert sounds, and the libcanberra code that plays them.
 target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_SOUNDS="${CMAKE_BINARY_DIR}/share/sounds/velmora")
 target_sources(velmora_adapter_tests PRIVATE ${CMAKE_SOURCE_DIR}/App/platform/linux/sound/CanberraOutput.cpp)
-target_link_libraries(velmora_adapter_tests PRIVATE $<LINK_ONLY:PkgConfig::canberra>) # its macros would void the headers
+target_link_libraries(velmora_adapter_tests PRIVATE PkgConfig::canberra)
 add_dependencies(velmora_adapter_tests sounds velmora_chart velmora_sound)
 
 # Draws pictures of the popover and the settings in every state, for people to look at.

@@ -58,6 +58,7 @@ TEST_F(SessionApplicationTest, TakesTheTokenOfWhoActivatesIt) {
     EXPECT_TRUE(activates(platformData(QStringLiteral("one"), 0)));
     EXPECT_EQ(token(), "one");
     EXPECT_TRUE(call(QStringLiteral("Open"), {QStringList(), platformData(QStringLiteral("two"), 2)}));
+    EXPECT_TRUE(waitUntil([&] { return activations == 3; }));
     EXPECT_EQ(token(), "two");
     EXPECT_TRUE(activates({}));
     EXPECT_EQ(token(), "two");
