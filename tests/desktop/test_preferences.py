@@ -7,6 +7,7 @@ import unittest
 from support.case import DesktopCase
 
 AT_ONCE_SECONDS = 1
+SAVED_SECONDS = 5
 
 
 class EditedPreferences(DesktopCase):
@@ -55,6 +56,19 @@ class EditedPreferences(DesktopCase):
         self.assertEqual(item.label, "")
         self.file.unlink()
         self.soon_equal(lambda: item.label, " 64%", AT_ONCE_SECONDS)
+
+    def test_a_link_to_a_folder_is_set_aside_and_the_folder_stays(self):
+        folder = self.screen.home / "Documents"
+        folder.mkdir()
+        (folder / "letter").write_text("Dear", encoding="utf-8")
+        self.file.parent.mkdir()
+        self.file.symlink_to(folder)
+        item = self.start_and_wait(self.screen, self.machine).item
+        item.menu.choose("Snooze alerts for 1 hour")
+        self.soon(lambda: self.file.is_file() and not self.file.is_symlink(), SAVED_SECONDS, "there is a file")
+        self.assertIn("snoozeUntil", json.loads(self.file.read_text(encoding="utf-8")))
+        self.assertEqual((folder / "letter").read_text(encoding="utf-8"), "Dear")
+        self.assertEqual(self.file.with_name("defaults.json.damaged").readlink(), folder)
 
     def test_a_value_of_another_kind_counts_as_absent(self):
         self.write_in_place({"showPercent": "no"})
