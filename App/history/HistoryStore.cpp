@@ -21,8 +21,8 @@ constexpr Duration longestHistory = 30 * 24h;
 constexpr Duration longestWait = 300s; ///< for the next write while only the percentage changes
 constexpr Duration staleHistory = 600s;
 
-/// A clock under which the program has run for a day, in one start or in several, is to be believed: a sample a minute
-/// in the last two weeks. To make most of the history too old, a clock has to be further ahead than that.
+/// A clock under which the program has run for a day can be believed, also when that took several starts: it has left a
+/// sample a minute in the last two weeks. A clock that makes most of a history too old is further ahead than these.
 constexpr Duration recent = 14 * 24h;
 constexpr std::ptrdiff_t enoughRecent = 24 * 60;
 
@@ -190,15 +190,17 @@ void HistoryStore::save(Date now) {
     std::optional<std::string> text = encodeHistory(samples);
     if (!text)
         return;
-    const auto change = [text = std::move(text), isEmpty = isFileEmpty_](const std::optional<std::string>& present) {
-        // Another program has reset the history.
-        return present == nothing && !isEmpty ? std::nullopt : text;
+    const auto sawReset = std::make_shared<bool>(false);
+    const auto change = [text = std::move(text), isEmpty = isFileEmpty_,
+                         sawReset](const std::optional<std::string>& present) {
+        *sawReset = present == nothing && !isEmpty; // by another program
+        return *sawReset ? std::nullopt : text;
     };
     files_.update(url, nothing.size(), change,
-                  lifetime_.guard([this, number = ++saves_, isEmpty = samples.empty(),
+                  lifetime_.guard([this, sawReset, number = ++saves_, isEmpty = samples.empty(),
                                    count = dropped_ + unsaved_.size()](std::error_code error) {
                       savesDone_ = number;
-                      if (error == std::errc::operation_canceled) {
+                      if (*sawReset) {
                           isFileEmpty_ = true;
                           empty();
                           if (onReload)

@@ -48,7 +48,8 @@ public:
     /// Whether the file has been loaded.
     bool isLoaded() const { return isLoaded_; }
 
-    /// Whether what is to be saved still waits for the file, as long as that is being loaded.
+    /// Whether the file is being loaded, at the start or to take over from another program: nothing is saved until
+    /// then.
     bool awaitsFile() const { return !isLoaded_ || hasClaim_ != mayWrite_; }
 
     /// Called when samples have come from the file, after loading it or because another program has changed it.

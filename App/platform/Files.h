@@ -41,10 +41,10 @@ public:
 
     /// Changes a file, all or nothing, without waiting for it. A symbolic link is followed and kept. The file is
     /// accessible to the owner only. Missing folders are created. No other process of ours changes the file between
-    /// reading and writing. A later call takes the place of one that still waits, whose `done` is then not
-    /// called, so its change has to do what the earlier one would have done. `done` hears of success, when the file is
-    /// on the disk, or why there was none; `operation_canceled` if there was nothing to change or, in a folder that
-    /// this process has claimed, if another has written within the limit meanwhile.
+    /// reading and writing. A later call takes the place of one that still waits, whose `done` is then not called; its
+    /// change has to do what the earlier one would have done. `done` is told of success, when the file is on the disk,
+    /// or why there was none: `operation_canceled` if there was nothing to change or, in a folder that this process has
+    /// claimed, if somebody else has changed the file meanwhile.
     virtual void update(const Path& file, std::size_t limit, Change change, Done done) = 0;
 
     /// The same with a content that does not depend on the present one.

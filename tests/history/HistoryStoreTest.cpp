@@ -370,6 +370,18 @@ TEST_F(HistoryStoreTest, OverwritesNoResetOfAnotherProgramThatItHasNotHeardOfYet
     EXPECT_EQ(writer.samples.size(), 1U);
 }
 
+TEST_F(HistoryStoreTest, TakesAWriteThatWasCanceledForNoReset) {
+    HistoryStore history = storeWith({aged(1h)});
+    files.refusesWrites = true;
+    files.refusal = std::errc::operation_canceled;
+    history.record(pluggedIn, start, false);
+    EXPECT_EQ(history.samples.size(), 2U);
+    files.refusesWrites = false;
+    history.record(onBattery, start + 1s, false);
+    EXPECT_EQ(store().samples, history.samples);
+    EXPECT_EQ(history.samples.size(), 3U);
+}
+
 TEST_F(HistoryStoreTest, WritesAfterItsOwnReset) {
     HistoryStore history = storeWith({aged(1h)});
     history.reset(start);

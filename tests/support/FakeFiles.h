@@ -19,6 +19,7 @@ public:
     std::vector<std::filesystem::path> documents; ///< the files saved with `saveDocument`
     bool refusesReads = false;
     bool refusesWrites = false;
+    std::errc refusal = std::errc::no_space_on_device;
     mutable std::vector<std::filesystem::path> readPaths; ///< the files that were read, in order
     std::vector<std::filesystem::path> replacedPaths;     ///< including refused ones
     bool isClaimedByAnother = false;                      ///< another program writes the files
@@ -86,7 +87,7 @@ public:
     std::error_code replaceNow(const Path& file, std::string_view content) override {
         replacedPaths.push_back(file);
         if (refusesWrites)
-            return std::make_error_code(std::errc::no_space_on_device);
+            return std::make_error_code(refusal);
         folders.insert(file.parent_path());
         files.insert_or_assign(file, std::string(content));
         return {};
