@@ -187,8 +187,8 @@ void PosixFiles::removeLeftovers(const fs::path& file) const {
 }
 
 bool PosixFiles::isClaimed(const fs::path& folder) const {
-    struct stat held {
-    }, present{};
+    struct stat held {};
+    struct stat present {};
     const std::lock_guard hold(mutex_);
     const auto claim = claims_.find(folder);
     return claim != claims_.end() && ::fstat(claim->second.get(), &held) == 0 &&
