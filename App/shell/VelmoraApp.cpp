@@ -76,6 +76,7 @@ struct Running {
     AppDelegate* delegate = nullptr;
     BackgroundFiles* files = nullptr;
     QtMainLoop* mainLoop = nullptr;
+    SessionApplication* session = nullptr;
 } running;
 
 void waitForFiles(BackgroundFiles& files) {
@@ -87,6 +88,7 @@ void terminateRunning() {
     const Running ending = std::exchange(running, {});
     if (ending.delegate == nullptr)
         return;
+    ending.session->release(); // whoever starts it again does not wait for the disk
     ending.delegate->applicationWillTerminate();
     if (ending.delegate->awaitsHistory()) { // it ends as soon as it has started, or as another that wrote the history
         waitForFiles(*ending.files);
@@ -185,7 +187,7 @@ int main(int argc, char** argv) {
             files.removeLeftovers(XdgAutostart::file(xdgConfigHome(), *identifier));
     });
     mainLoop.after(untilStartIsOver, giveBackFreeMemory);
-    running = {&delegate, &files, &mainLoop};
+    running = {&delegate, &files, &mainLoop, &session};
     std::atexit(terminateRunning);
     beforeDisplayLoss(terminateRunning);
     const int code = QApplication::exec();

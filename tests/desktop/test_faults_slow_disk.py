@@ -110,6 +110,18 @@ class Saved(SlowDiskCase):
         self.assertEqual(self.levels(), [64, 64, 60])
         self.assertIn("snoozeUntil", json.loads(self.screen.defaults_file.read_text(encoding="utf-8")))
 
+    def test_it_can_be_started_again_while_it_still_waits_for_the_disk(self):
+        self.start_with_disk()
+        owner = self.item.owner
+        self.disk.set(STUCK)
+        self.machine.plug()
+        self.soon(lambda: "· Charging" in self.item.tooltip[0], SHOW_SECONDS, "the item says that it charges")
+        self.program.process.send(signal.SIGTERM)
+        self.soon(lambda: self.item.owner != owner, SHOW_SECONDS, "its name is free")
+        self.assertTrue(self.program.process.running)
+        self.start_and_wait(self.screen, self.machine)
+        self.assertEqual(self.program.process.wait_exit(END_SECONDS), 0)
+
     def test_before_the_machine_sleeps(self):
         """The machine waits for a slow disk, but not for ever."""
         logind = Logind(self.screen, lambda: self.levels()[-1])

@@ -30,6 +30,14 @@ bool SessionApplication::claim() {
     return bus_.registerService(QLatin1String(applicationId));
 }
 
+void SessionApplication::release() {
+    auto message =
+        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                                       QStringLiteral("org.freedesktop.DBus"), QStringLiteral("ReleaseName"));
+    message << QString::fromLatin1(applicationId);
+    bus_.send(message);
+}
+
 bool SessionApplication::activateOther() {
     // The launcher gave this process the right to take the focus; the other instance needs it.
     QVariantMap platformData;

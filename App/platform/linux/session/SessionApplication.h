@@ -18,6 +18,9 @@ public:
     /// Takes the program's name on the bus; false if another instance has it or the bus refuses it.
     bool claim();
 
+    /// Gives the name back, without waiting for the bus: this instance is ending, and the next one may start.
+    void release();
+
     /// Asks the instance that has the name to show itself, and waits for its answer; false if there is no such
     /// instance.
     bool activateOther();
