@@ -114,9 +114,9 @@ class StatusItem:
 
     @property
     def tooltip(self):
-        """The lines of the tooltip."""
+        """The lines of the tooltip, of its title and its text."""
         value = self.get("ToolTip")
-        return value[2].split("\n") if value else []
+        return [line for part in value[2:4] if part for line in part.split("\n")] if value else []
 
     def activate(self, x, y):
         """Reports a click at this position, as panels do."""

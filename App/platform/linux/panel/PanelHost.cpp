@@ -10,24 +10,30 @@ struct Known {
     PanelHost host;
 };
 
-constexpr PanelHost labelled{.showsLabel = true, .recolours = true, .premultiplied = false};
-constexpr PanelHost recolouring{.showsLabel = false, .recolours = true, .premultiplied = false};
+using enum PanelHost::ToolTip;
 
-/// LXQt, Cinnamon, Budgie and waybar show no label and leave images as they are, so they are not in this list.
+constexpr PanelHost labelled{.showsLabel = true, .recolours = true};
+constexpr PanelHost mate{.showsLabel = true, .pointsAreLocal = true, .toolTip = titleAndText};
+constexpr PanelHost plasma{.recolours = true, .toolTip = titleAndText};
+constexpr PanelHost xfce{.recolours = true, .toolTip = titleAndText, .describesLoneTitle = true};
+
+/// LXQt shows no label, leaves images as they are, and shows a tooltip's title only, like one that is not in this list.
 constexpr std::array known{
     Known{"gnome-shell", labelled},     // with the AppIndicator extension
     Known{"ayatana-indicat", labelled}, // takes icon names only; the panel that shows it draws the label
     Known{"indicator-appl", labelled},  // the same service under its older name
-    Known{"mate-panel", {.showsLabel = true, .recolours = false, .premultiplied = false}},
-    Known{"notification-ar",
-          {.showsLabel = true, .recolours = false, .premultiplied = false}}, // MATE's applet in a process of its own
-    Known{"kded", recolouring}, // Plasma: the watcher is a module of its daemon, kded
-    Known{"plasmashell", recolouring},
+    Known{"mate-panel", mate},
+    Known{"notification-ar", mate}, // its applet in a process of its own
+    Known{"kded", plasma},          // the watcher is a module of its daemon, kded
+    Known{"plasmashell", plasma},
     // QUIRK: swaybar passes the pixels unchanged to cairo, which takes them as premultiplied; otherwise every shape
     // gets a bright rim.
-    Known{"swaybar", {.showsLabel = false, .recolours = false, .premultiplied = true}},
-    Known{"wrapper-", recolouring}, // Xfce 4.20: the process of a panel plugin; the version of plugins follows
-    Known{"xfce4-panel", recolouring},
+    Known{"swaybar", {.premultiplied = true}},
+    Known{"waybar", {.toolTip = titleAndText}},
+    Known{"xapp-sn-watcher", {.toolTip = titleAndText}}, // Cinnamon
+    Known{"budgie-panel", {.toolTip = text}},
+    Known{"wrapper-", xfce}, // Xfce 4.20: the process of a panel plugin; the version of plugins follows
+    Known{"xfce4-panel", xfce},
 };
 
 /// QUIRK: Xfce 4.18 names the process of each plugin after its place in the panel: "panel-6-systray", cut off after 15
@@ -40,7 +46,7 @@ bool isXfceTray(std::string_view process) {
 
 PanelHost panelHost(std::string_view watcherProcess) {
     if (isXfceTray(watcherProcess))
-        return recolouring;
+        return xfce;
     for (const auto& [prefix, host] : known) {
         if (watcherProcess.starts_with(prefix))
             return host;

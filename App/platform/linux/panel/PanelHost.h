@@ -7,7 +7,17 @@
 struct PanelHost {
     bool showsLabel = false; ///< draws the text beside the icon; otherwise the icon itself has to carry the number
     bool recolours = false;  ///< takes icons by name and draws symbolic ones in its own colour; otherwise we draw them
-    bool premultiplied = false; ///< takes the colours of images as multiplied by their opacity, against the protocol
+    bool pointsAreLocal = false; ///< tells the position of a click as counted from a window of its own
+    bool premultiplied = false;  ///< takes the colours of images as multiplied by their opacity, against the protocol
+
+    /// What it shows of a tooltip's title and text.
+    enum class ToolTip {
+        title,        ///< the title, perhaps the text as well
+        titleAndText, ///< the title, mostly in bold, and below it the text
+        text,         ///< the text; the title only if there is no text
+    };
+    ToolTip toolTip = ToolTip::title;
+    bool describesLoneTitle = false; ///< adds the description of the icon to a title without a text
 
     bool operator==(const PanelHost&) const = default;
 };

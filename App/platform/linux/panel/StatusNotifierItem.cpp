@@ -9,6 +9,7 @@
 #include "platform/linux/panel/DevicePoint.h"
 #include "statusnotifieritemadaptor.h"
 
+#include <QCursor>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QGuiApplication>
@@ -57,6 +58,15 @@ ScreenPoint logicalPoint(int x, int y) {
                            .scale = screen->devicePixelRatio()});
     }
     return toLogical({x, y}, screens);
+}
+
+/// Where the pointer is, if it can be on an item: not where windows are.
+std::optional<ScreenPoint> pointerOnPanel() {
+    const QPoint pointer = QCursor::pos();
+    const QScreen* screen = QGuiApplication::screenAt(pointer);
+    if (screen == nullptr || screen->availableGeometry().contains(pointer))
+        return std::nullopt;
+    return ScreenPoint{pointer.x(), pointer.y()};
 }
 
 } // namespace
@@ -135,7 +145,10 @@ std::string StatusNotifierItem::symbol() const {
 }
 
 void StatusNotifierItem::updateIcon() {
-    if (std::exchange(shownSymbol_, symbol()) != shownSymbol_)
+    const bool isOther = std::exchange(shownSymbol_, symbol()) != shownSymbol_;
+    const bool isDescribedOtherwise =
+        std::exchange(shownDescription_, iconAccessibleDesc()) != shownDescription_; // no signal of its own
+    if (isOther || isDescribedOtherwise)
         Q_EMIT NewIcon();
 }
 
@@ -168,7 +181,7 @@ void StatusNotifierItem::act(std::optional<ScreenPoint> point) {
 }
 
 void StatusNotifierItem::Activate(int x, int y) {
-    act(logicalPoint(x, y));
+    act(host_.pointsAreLocal ? pointerOnPanel() : logicalPoint(x, y));
 }
 
 void StatusNotifierItem::SecondaryActivate(int x, int y) {
@@ -192,7 +205,8 @@ void StatusNotifierItem::XAyatanaSecondaryActivate(uint /*timestamp*/) {
 }
 
 QString StatusNotifierItem::iconAccessibleDesc() const {
-    return QString::fromStdString(content_.accessibilityDescription);
+    const bool isAdded = host_.describesLoneTitle && toolTip().text.isEmpty();
+    return isAdded ? toolTip().title : QString::fromStdString(content_.accessibilityDescription);
 }
 
 QString StatusNotifierItem::iconName() const {
@@ -215,8 +229,21 @@ QString StatusNotifierItem::iconThemePath() const {
 }
 
 StatusNotifierToolTip StatusNotifierItem::toolTip() const {
-    // All lines in the title: some panels show only that.
-    return {.iconName = {}, .iconPixmap = {}, .title = QString::fromStdString(content_.toolTip), .text = {}};
+    const QString lines = QString::fromStdString(content_.toolTip);
+    StatusNotifierToolTip toolTip;
+    switch (host_.toolTip) {
+    case PanelHost::ToolTip::title:
+        toolTip.title = lines;
+        break;
+    case PanelHost::ToolTip::titleAndText:
+        toolTip.title = lines.section(QLatin1Char('\n'), 0, 0);
+        toolTip.text = lines.section(QLatin1Char('\n'), 1);
+        break;
+    case PanelHost::ToolTip::text:
+        toolTip.text = lines;
+        break;
+    }
+    return toolTip;
 }
 
 QString StatusNotifierItem::label() const {

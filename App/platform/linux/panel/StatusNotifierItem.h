@@ -87,10 +87,9 @@ private:
     QDBusServiceWatcher watcherWatch_;
     std::function<void(std::optional<ScreenPoint>)> action_;
     Content content_;
-    PanelHost host_{.showsLabel = false,
-                    .recolours = true,
-                    .premultiplied = false}; ///< until the host is known: a name costs nothing to make
+    PanelHost host_{.recolours = true}; ///< until the host is known: a name costs nothing to make
     std::string shownSymbol_;
+    QString shownDescription_;
     unsigned long owner_ = 0; ///< counts owners of the watcher's name; replies about an earlier one are dropped
 
     void findHost();

@@ -4,22 +4,39 @@
 #include <gtest/gtest.h>
 
 TEST(PanelHost, IsToldByTheProcessOfItsWatcher) {
-    struct Row {
-        const char* process;
-        bool showsLabel;
-        bool recolours;
-        bool premultiplied = false;
+    using enum PanelHost::ToolTip;
+    constexpr PanelHost unknown{};
+    constexpr PanelHost labelled{.showsLabel = true, .recolours = true};
+    constexpr PanelHost mate{.showsLabel = true, .pointsAreLocal = true, .toolTip = titleAndText};
+    constexpr PanelHost plasma{.recolours = true, .toolTip = titleAndText};
+    constexpr PanelHost xfce{.recolours = true, .toolTip = titleAndText, .describesLoneTitle = true};
+    const struct {
+        const char* process; // the kernel cuts its name off after 15 characters
+        PanelHost host;
+    } rows[] = {
+        {"gnome-shell", labelled},
+        {"ayatana-indicat", labelled},
+        {"indicator-appl", labelled},
+        {"mate-panel", mate},
+        {"notification-ar", mate},
+        {"kded5", plasma},
+        {"kded6", plasma},
+        {"plasmashell", plasma},
+        {"xfce4-panel", xfce},
+        {"panel-6-systray", xfce},
+        {"panel-12-systra", xfce},
+        {"wrapper-2.0", xfce},
+        {"wrapper-3.0", xfce},
+        {"swaybar", {.premultiplied = true}},
+        {"waybar", {.toolTip = titleAndText}},
+        {"xapp-sn-watcher", {.toolTip = titleAndText}},
+        {"budgie-panel", {.toolTip = text}},
+        {"lxqt-panel", unknown},
+        {"panel-6-clock", unknown},
+        {"wrapper", unknown},
+        {"something-new", unknown},
+        {"", unknown},
     };
-    // The kernel cuts process names off after 15 characters.
-    const Row rows[] = {
-        {"gnome-shell", true, true},      {"ayatana-indicat", true, true}, {"mate-panel", true, false},
-        {"notification-ar", true, false}, {"kded5", false, true},          {"kded6", false, true},
-        {"plasmashell", false, true},     {"xfce4-panel", false, true},    {"panel-6-systray", false, true},
-        {"panel-12-systra", false, true}, {"lxqt-panel", false, false},    {"xapp-sn-watcher", false, false},
-        {"budgie-panel", false, false},   {"waybar", false, false},        {"swaybar", false, false, true},
-        {"panel-6-clock", false, false},  {"wrapper-2.0", false, true},    {"something-new", false, false},
-        {"wrapper-3.0", false, true},     {"wrapper", false, false},       {"", false, false},
-    };
-    for (const Row& row : rows)
-        EXPECT_EQ(panelHost(row.process), (PanelHost{row.showsLabel, row.recolours, row.premultiplied})) << row.process;
+    for (const auto& row : rows)
+        EXPECT_EQ(panelHost(row.process), row.host) << row.process;
 }

@@ -11,10 +11,27 @@
 #include <QDBusVirtualObject>
 #include <gtest/gtest.h>
 
+#include <sys/prctl.h>
+
 #include <memory>
 #include <vector>
 
 namespace {
+
+/// Gives this process another name, under which the watchers in it are known.
+class ProcessName {
+public:
+    explicit ProcessName(const char* name) {
+        ::prctl(PR_GET_NAME, before_);
+        ::prctl(PR_SET_NAME, name);
+    }
+    ~ProcessName() { ::prctl(PR_SET_NAME, before_); }
+    ProcessName(const ProcessName&) = delete;
+    ProcessName& operator=(const ProcessName&) = delete;
+
+private:
+    char before_[16] = {};
+};
 
 /// A watcher that does not say whether it has a panel until the test lets it.
 class SlowWatcher final : public QDBusVirtualObject {
@@ -69,6 +86,8 @@ protected:
     bool registersWith(const Watcher& watcher, qsizetype times) {
         return waitUntil([&] { return watcher.items.size() == times; });
     }
+
+    StatusNotifierToolTip toolTip() const { return item->property("ToolTip").value<StatusNotifierToolTip>(); }
 
     static StatusItem::Content content() {
         return {.symbol = "battery.75",
@@ -208,4 +227,49 @@ TEST_F(StatusNotifierItemTest, TellsThePanelOnlyWhatItDoesNotHave) {
     item->show(changed);
     EXPECT_EQ(told.icons, 1);
     EXPECT_EQ(told.icons + told.toolTips + told.labels, 3);
+}
+
+TEST_F(StatusNotifierItemTest, DividesTheToolTipForThePanel) {
+    const struct {
+        const char* process;
+        QString title;
+        QString text;
+    } rows[] = {
+        {"mate-panel", QStringLiteral("80%"), QStringLiteral("Health\nCycles")},
+        {"lxqt-panel", QStringLiteral("80%\nHealth\nCycles"), QString()},
+        {"budgie-panel", QString(), QStringLiteral("80%\nHealth\nCycles")},
+    };
+    for (const auto& [process, title, text] : rows) {
+        StatusItem::Content three = content();
+        three.toolTip = "80%\nHealth\nCycles";
+        const ProcessName name(process);
+        Watcher watcher(bus, QString::fromLatin1(process));
+        watcher.takeName();
+        start();
+        ASSERT_TRUE(registersWith(watcher, 1));
+        item->show(three);
+        EXPECT_EQ(toolTip().title, title) << process;
+        EXPECT_EQ(toolTip().text, text) << process;
+        item.reset();
+        watcher.leave();
+    }
+}
+
+TEST_F(StatusNotifierItemTest, DescribesItsIconByALoneLineWhereThatIsAddedToIt) {
+    const ProcessName name("wrapper-2.0");
+    Watcher watcher(bus, QStringLiteral("a"));
+    watcher.takeName();
+    start();
+    ASSERT_TRUE(registersWith(watcher, 1));
+    StatusItem::Content one = content();
+    item->show(one);
+    EXPECT_EQ(toolTip().title, QStringLiteral("80% · On battery"));
+    EXPECT_EQ(item->property("IconAccessibleDesc").toString(), QStringLiteral("80% · On battery"));
+    Signals told(*item);
+    one.toolTip = "80% · Charging";
+    item->show(one);
+    EXPECT_EQ(told.icons, 1) << "which is when the panel asks for the description";
+    one.toolTip += "\nCycles: 312";
+    item->show(one);
+    EXPECT_EQ(item->property("IconAccessibleDesc").toString(), QStringLiteral("Battery"));
 }
