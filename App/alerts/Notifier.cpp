@@ -22,6 +22,10 @@ std::optional<std::string> sound(AlertKind kind, const Prefs& prefs) {
 
 } // namespace
 
+bool notificationsAvailable(const Bundle& bundle) {
+    return bundle.identifier() && (bundle.location().extension() == ".app" || bundle.isInstalled());
+}
+
 Notifier::Notifier(NotificationCenter& center, const Bundle& bundle, Dialogs& dialogs, MainLoop& mainLoop)
     : center_(center)
     , bundle_(bundle)
@@ -30,10 +34,6 @@ Notifier::Notifier(NotificationCenter& center, const Bundle& bundle, Dialogs& di
 
 Notifier::~Notifier() {
     center_.setDelegate(nullptr);
-}
-
-bool Notifier::available() const {
-    return bundle_.identifier() && (bundle_.location().extension() == ".app" || bundle_.isInstalled());
 }
 
 void Notifier::setup() {

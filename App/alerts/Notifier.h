@@ -15,6 +15,10 @@ class MainLoop;
 class Dialogs;
 struct Prefs;
 
+/// Whether the program may show notifications: it runs as an application bundle, which has an identifier and is in a
+/// folder whose name ends in ".app" or is installed below a prefix.
+bool notificationsAvailable(const Bundle& bundle);
+
 /// Delivers reminders as desktop notifications with a button that snoozes them. Outside an application bundle there are
 /// no notifications, and every call does nothing. To be called on the main thread.
 class Notifier final : private NotificationCenter::Delegate {
@@ -27,9 +31,8 @@ public:
     /// Called on the main thread when the user presses the snooze button.
     std::function<void()> onSnooze;
 
-    /// Whether the program runs as an application bundle: it has an identifier, and is in a folder whose name ends in
-    /// ".app" or is installed below a prefix.
-    bool available() const;
+    /// Whether the program runs as an application bundle.
+    bool available() const { return notificationsAvailable(bundle_); }
 
     /// Gets ready to deliver. Called once.
     void setup();

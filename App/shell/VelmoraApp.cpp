@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "alerts/RunningNotice.h"
 #include "history/HistoryStore.h"
 #include "platform/ApplicationId.h"
 #include "platform/linux/appearance/AppearanceWatch.h"
@@ -157,7 +158,11 @@ int main(int argc, char** argv) {
     MakeTrayItem makeTrayItem;
     if (XEmbedItem::isPossible())
         makeTrayItem = [](const GlyphImages& glyphs) { return std::make_unique<XEmbedItem>(glyphs); };
-    PanelBar statusBar(sessionBus, mainLoop, programFile("share/icons"), makeTrayItem);
+    RunningNotice runningNotice(files, stateFolder, notifications, bundle);
+    PanelBar statusBar(sessionBus, mainLoop, programFile("share/icons"), makeTrayItem, [&runningNotice] {
+        if (!XEmbedItem::hasTray())
+            runningNotice.show();
+    });
     // A user who has chosen Qt's look gets Qt's dialogs too.
     QtDialogs dialogs(themeChoice.isEmpty() ? std::optional(sessionBus) : std::nullopt);
     XdgAutostart loginItem(bundle, files, xdgConfigHome(), xdgConfigFolders());
@@ -181,7 +186,8 @@ int main(int argc, char** argv) {
         systemBus.start();
         if (followsPortal(desktops.toStdString(), themeChoice.toStdString()))
             appearance.start(isXfce(desktops.toStdString()));
-        for (const auto& file : {HistoryStore::file(files), defaultsFile, NotificationConsent::file(stateFolder)})
+        for (const auto& file : {HistoryStore::file(files), defaultsFile, NotificationConsent::file(stateFolder),
+                                 RunningNotice::file(stateFolder)})
             files.removeLeftovers(file);
         if (const auto identifier = bundle.identifier())
             files.removeLeftovers(XdgAutostart::file(xdgConfigHome(), *identifier));

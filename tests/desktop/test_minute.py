@@ -1,9 +1,11 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The reading every minute finds changes for which the laptop sends no event."""
+"""What happens after a minute: a reading that finds changes for which the laptop sends no event, and a word to users
+whose desktop shows no items."""
 
 import unittest
 
 from support.case import HEALTH_AND_CYCLES, DesktopCase
+from support.notifications import Dunst, Listener
 
 # The timer's period of a minute, and its tolerance.
 MINUTE_SECONDS = 70
@@ -24,6 +26,23 @@ class MinuteReading(DesktopCase):
         laptop.set_level(66)
         self.soon_equal(lambda: item.label, " 66%", MINUTE_SECONDS)
         self.assertEqual(item.tooltip, ["66% · Charging, estimating time to full…", *HEALTH_AND_CYCLES])
+
+
+class NoPanel(DesktopCase):
+    def test_the_user_is_told_that_the_program_runs(self):
+        screen = self.desktop(panel=False)
+        shown = Dunst(screen)
+        shown.start()
+        listener = Listener(screen)
+        self.addCleanup(listener.close)
+        self.start_and_wait(screen, self.laptop())
+        self.soon_equal(shown.count, 1, MINUTE_SECONDS)
+        self.keep_picture(screen, "running")
+        (told,) = listener.asked
+        self.assertEqual(told.title, "Velmora is running")
+        self.assertEqual(told.actions, [])
+        self.assertIs(told.hints["suppress-sound"], True)
+        self.assertTrue((screen.home / ".local/state/Velmora/running-told").exists())
 
 
 if __name__ == "__main__":

@@ -26,7 +26,7 @@ class Asked:
     """One notification that a program sent to a daemon."""
 
     def __init__(self, message):
-        _, self.replaced, _, self.title, self.body, *_ = message.get_body().unpack()
+        _, self.replaced, _, self.title, self.body, self.actions, self.hints, _ = message.get_body().unpack()
         self.call = message.get_sender(), message.get_serial()
         self.id = None  # that the daemon gave to the notification; None before its answer
 

@@ -12,12 +12,17 @@ namespace {
 /// At login the panel may start this much later than we do.
 constexpr Duration timeout{10};
 
+/// After this even the slowest panel has started.
+constexpr Duration untilUnseen{60};
+
 class PanelItem final : public StatusItem {
 public:
-    PanelItem(QDBusConnection bus, MainLoop& loop, const GlyphImages& glyphs, const MakeTrayItem& makeTrayItem)
+    PanelItem(QDBusConnection bus, MainLoop& loop, const GlyphImages& glyphs, const MakeTrayItem& makeTrayItem,
+              const std::function<void()>& whenUnseen)
         : loop_(loop)
         , glyphs_(glyphs)
         , makeTrayItem_(makeTrayItem)
+        , whenUnseen_(whenUnseen)
         , notifierItem_(std::move(bus), glyphs, [this](bool isThere) { hostChanged(isThere); }) {}
 
     bool knowsSymbol(std::string_view name) const override { return notifierItem_.knowsSymbol(name); }
@@ -45,16 +50,23 @@ private:
     MainLoop& loop_;
     const GlyphImages& glyphs_;
     const MakeTrayItem& makeTrayItem_;
+    const std::function<void()>& whenUnseen_;
     Content content_;
     std::function<void(std::optional<ScreenPoint>)> action_;
     std::vector<MenuEntry> entries_;
+    bool wasSeen_ = false;     ///< there has been a panel
     unsigned long change_ = 0; ///< counts changes of the host; the next one cancels the wait
     std::unique_ptr<StatusItem> trayItem_;
     StatusNotifierItem notifierItem_;
     Lifetime lifetime_;
 
     void hostChanged(bool isThere) {
-        ++change_;
+        if (change_++ == 0 && !isThere)
+            loop_.after(untilUnseen, lifetime_.guard([this] {
+                if (!wasSeen_)
+                    whenUnseen_();
+            }));
+        wasSeen_ |= isThere;
         if (isThere)
             trayItem_.reset();
         else if (makeTrayItem_ && !trayItem_)
@@ -74,12 +86,14 @@ private:
 
 } // namespace
 
-PanelBar::PanelBar(QDBusConnection bus, MainLoop& loop, std::filesystem::path iconTheme, MakeTrayItem makeTrayItem)
+PanelBar::PanelBar(QDBusConnection bus, MainLoop& loop, std::filesystem::path iconTheme, MakeTrayItem makeTrayItem,
+                   std::function<void()> whenUnseen)
     : bus_(std::move(bus))
     , loop_(loop)
     , glyphs_(std::move(iconTheme))
-    , makeTrayItem_(std::move(makeTrayItem)) {}
+    , makeTrayItem_(std::move(makeTrayItem))
+    , whenUnseen_(std::move(whenUnseen)) {}
 
 std::unique_ptr<StatusItem> PanelBar::createItem() {
-    return std::make_unique<PanelItem>(bus_, loop_, glyphs_, makeTrayItem_);
+    return std::make_unique<PanelItem>(bus_, loop_, glyphs_, makeTrayItem_, whenUnseen_);
 }

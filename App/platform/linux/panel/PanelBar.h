@@ -20,7 +20,9 @@ using MakeTrayItem = std::function<std::unique_ptr<StatusItem>(const GlyphImages
 class PanelBar final : public StatusBar {
 public:
     /// `iconTheme` is the folder "…/icons" that holds our glyphs. `makeTrayItem` is empty where there is no old tray.
-    PanelBar(QDBusConnection bus, MainLoop& loop, std::filesystem::path iconTheme, MakeTrayItem makeTrayItem);
+    /// `whenUnseen` is called if there has been no StatusNotifier panel in an item's first minute.
+    PanelBar(QDBusConnection bus, MainLoop& loop, std::filesystem::path iconTheme, MakeTrayItem makeTrayItem,
+             std::function<void()> whenUnseen);
 
     [[nodiscard]] std::unique_ptr<StatusItem> createItem() override;
 
@@ -29,4 +31,5 @@ private:
     MainLoop& loop_;
     GlyphImages glyphs_;
     MakeTrayItem makeTrayItem_;
+    std::function<void()> whenUnseen_;
 };

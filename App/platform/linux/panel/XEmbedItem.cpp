@@ -25,6 +25,10 @@ bool XEmbedItem::isPossible() {
     return QGuiApplication::platformName() == QLatin1String("xcb");
 }
 
+bool XEmbedItem::hasTray() {
+    return isPossible() && QSystemTrayIcon::isSystemTrayAvailable();
+}
+
 XEmbedItem::XEmbedItem(const GlyphImages& glyphs) : glyphs_(glyphs) {
     icon_.setContextMenu(&menu_);
     QObject::connect(&icon_, &QSystemTrayIcon::activated, &icon_, [this](QSystemTrayIcon::ActivationReason reason) {

@@ -14,6 +14,9 @@ public:
     /// Whether such a tray is possible: true on X11.
     static bool isPossible();
 
+    /// Whether there is such a tray now.
+    static bool hasTray();
+
     explicit XEmbedItem(const GlyphImages& glyphs);
 
     bool knowsSymbol(std::string_view name) const override;

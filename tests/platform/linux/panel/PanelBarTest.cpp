@@ -26,11 +26,12 @@ protected:
     FakeClock clock;
     FakeMainLoop loop{clock};
     FakeStatusBar tray; ///< the X11 system tray
-    PanelBar bar{connection, loop, programFile("share/icons"),
-                 [this](const GlyphImages&) { return tray.createItem(); }};
+    PanelBar bar{connection, loop, programFile("share/icons"), [this](const GlyphImages&) { return tray.createItem(); },
+                 [this] { ++unseen; }};
     std::unique_ptr<StatusItem> item;
     Watcher watcher{bus, QStringLiteral("watcher")};
     int clicks = 0;
+    int unseen = 0;
 
     ~PanelBarTest() override {
         item.reset();
@@ -50,9 +51,9 @@ protected:
         item->show(content());
     }
 
-    /// The item knows that there is no panel, and waits.
+    /// In its first minute: the item knows that there is no panel, and waits for one and for that minute to pass.
     bool waits() {
-        return waitUntil([&] { return loop.waiting() == 1; });
+        return waitUntil([&] { return loop.waiting() == 2; });
     }
 
     /// The item has asked the watcher and has its answer, because it has answered a question that the watcher sent
@@ -141,4 +142,31 @@ TEST_F(PanelBarTest, NeverUsesTheOldTrayWhenAPanelIsThere) {
     ASSERT_TRUE(knowsWatcher());
     loop.advance(1min);
     EXPECT_TRUE(tray.items.empty());
+}
+
+TEST_F(PanelBarTest, TellsThatNoPanelHasComeInTheFirstMinute) {
+    start();
+    ASSERT_TRUE(waits());
+    loop.advance(59s);
+    EXPECT_EQ(unseen, 0);
+    loop.advance(1s);
+    EXPECT_EQ(unseen, 1);
+    watcher.takeName();
+    ASSERT_TRUE(knowsWatcher());
+    watcher.leave();
+    ASSERT_TRUE(waitUntil([&] { return loop.waiting() == 1; }));
+    loop.advance(2min);
+    EXPECT_EQ(unseen, 1);
+}
+
+TEST_F(PanelBarTest, DoesNotMissAPanelThatHasBeenThereInTheFirstMinute) {
+    start();
+    ASSERT_TRUE(waits());
+    loop.advance(58s);
+    watcher.takeName();
+    ASSERT_TRUE(knowsWatcher());
+    watcher.leave();
+    ASSERT_TRUE(waits());
+    loop.advance(2min);
+    EXPECT_EQ(unseen, 0);
 }
