@@ -11,10 +11,15 @@ ensure_packages "${BUILD_PACKAGES[@]}" "${DESKTOP_PACKAGES[@]}" "${PACKAGE_PACKA
 cmake --preset "$preset" -DVELMORA_TESTS=ON -DVELMORA_BENCHMARKS=ON
 cmake --build --preset "$preset"
 
-# ctest ends with a list of failures or of labels, so its verdict is repeated as the last line.
+# What failed, and how, stands somewhere in the middle of a long output, so it is repeated at the end; as the last line,
+# because ctest ends with a list of failures or of labels, its verdict.
 log=build/$preset/ctest.log
 status=0
 # Two tests more than there are processors: the whole-program tests mostly wait, for a panel or for a minute to pass.
 ctest --preset "$preset" --parallel "$(($(nproc) + 2))" --no-tests=error 2>&1 | tee "$log" || status=$?
+if [ "$status" -ne 0 ]; then
+    said='^(FAIL|ERROR): |^[A-Za-z.]*(Error|Exception): |: Failure$|^\[  FAILED  \]'
+    grep -E "$said" "$log" | tail -n 40 || true
+fi
 grep 'tests passed' "$log"
 exit "$status"

@@ -8,15 +8,21 @@ POLL_SECONDS = 0.02
 
 def wait_until(condition, limit, what):
     """Calls `condition` until it returns something true, and returns that. After `limit` seconds raises AssertionError
-    with `what`, which may be a text or a function that returns one."""
+    with `what`, which may be a text or a function that returns one, and with how often it looked: a program that does
+    not answer, or a machine that is too busy, lets us look only a few times."""
     deadline = time.monotonic() + limit
+    looks = 0
+    longest = 0
     while True:
-        late = time.monotonic() >= deadline
+        start = time.monotonic()
         result = condition()
         if result:
             return result
-        if late:
-            raise AssertionError(f"not within {limit:g} s: {what() if callable(what) else what}")
+        looks += 1
+        longest = max(longest, time.monotonic() - start)
+        if start >= deadline:
+            said = what() if callable(what) else what
+            raise AssertionError(f"not within {limit:g} s: {said} ({looks} looks, the longest took {longest:.2f} s)")
         time.sleep(POLL_SECONDS)
 
 
