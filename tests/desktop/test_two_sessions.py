@@ -16,7 +16,7 @@ class TwoSessions(FaultCase):
     def start_second(self, other):
         """The program in another session, with a bus and a display of its own."""
         home = {name: self.screen.environment[name] for name in HOME_VARIABLES}
-        second = self.start_and_wait(other, self.machine, home)
+        second = self.start_and_wait(other, self.machine, home | self.machine.environment_of_another())
         self.soon_equal(lambda: second.item.label, f" {self.seen[-1]}%", SHOW_SECONDS)
         return second
 

@@ -7,6 +7,7 @@ sending process when a listener's queue is full, where the kernel only drops the
 attribute empty while umockdev writes it.
 """
 
+import contextlib
 import itertools
 import json
 import os
@@ -45,6 +46,7 @@ class SimulatedLaptop:
     def __init__(self, supplies=None):
         """`supplies`: the supplies at first, by name; by default a battery BAT0 that discharges and an adapter AC."""
         self.root = Path(tempfile.mkdtemp(prefix="velmora-laptop-"))
+        self._folders = [self.root]
         self._class_folder = self.root / "sys/class" / CLASS
         self._class_folder.mkdir(parents=True)
         (self.root / "sys/bus").mkdir()
@@ -67,12 +69,21 @@ class SimulatedLaptop:
 
     def close(self):
         self._socket.close()
-        shutil.rmtree(self.root)
+        for folder in self._folders:
+            shutil.rmtree(folder)
 
     @property
     def environment(self):
         """The environment variables that make a program see these devices instead of the machine's own."""
         return {"LD_PRELOAD": PRELOAD, "UMOCKDEV_DIR": str(self.root)}
+
+    def environment_of_another(self):
+        """The environment variables for one more program at the same time. umockdev names the socket on which a program
+        hears events after a number that two programs may share, so each needs a folder of its own."""
+        folder = Path(tempfile.mkdtemp(prefix="velmora-laptop-"))
+        (folder / "sys").symlink_to(self.root / "sys")
+        self._folders.append(folder)
+        return {"LD_PRELOAD": PRELOAD, "UMOCKDEV_DIR": str(folder)}
 
     def attribute_file(self, name, attribute):
         """The file of an attribute, for tests that watch it being read."""
@@ -108,12 +119,11 @@ class SimulatedLaptop:
         properties = {"ACTION": action, "DEVPATH": self._path(name), "SUBSYSTEM": CLASS, "SEQNUM": next(self._sequence)}
         message = _udev_message(properties | self._properties(name))
         reached = 0
-        for listener in self.root.glob("event*"):
-            try:
-                self._socket.sendto(message, str(listener))
-                reached += 1
-            except (BlockingIOError, ConnectionRefusedError):
-                pass
+        for folder in self._folders:
+            for listener in folder.glob("event*"):
+                with contextlib.suppress(BlockingIOError, ConnectionRefusedError):
+                    self._socket.sendto(message, str(listener))
+                    reached += 1
         return reached
 
     def add(self, name, attributes):
