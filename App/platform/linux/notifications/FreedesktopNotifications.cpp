@@ -41,7 +41,7 @@ FreedesktopNotifications::FreedesktopNotifications(QDBusConnection bus, MainLoop
     , consent_(std::move(consent))
     , icon_(icon.is_absolute() ? QString::fromStdString(icon.string()) : QLatin1String(applicationId))
     , daemon_(std::move(bus), timeouts) {
-    connect(&daemon_, &NotificationDaemon::prepared, this, &FreedesktopNotifications::sendAll);
+    connect(&daemon_, &NotificationDaemon::prepared, this, &FreedesktopNotifications::sendWaiting);
     connect(&daemon_, &NotificationDaemon::absent, this, &FreedesktopNotifications::dropAll);
     connect(&daemon_, &NotificationDaemon::replaced, this, &FreedesktopNotifications::forgetIds);
     connect(&daemon_, &NotificationDaemon::closed, this, &FreedesktopNotifications::closed);
@@ -64,12 +64,11 @@ void FreedesktopNotifications::add(Request request) {
         if (!options.sound)
             request.sound.reset();
     }
-    const std::string identifier = request.identifier;
-    Entry& entry = entries_[identifier];
+    Entry& entry = entries_[request.identifier];
     if (!entry.next)
         entry.order = nextOrder();
     entry.next = std::move(request);
-    sendNext(identifier);
+    sendWaiting();
 }
 
 void FreedesktopNotifications::removeDelivered(const std::vector<std::string>& identifiers) {
@@ -86,14 +85,26 @@ void FreedesktopNotifications::removeDelivered(const std::vector<std::string>& i
     }
 }
 
-void FreedesktopNotifications::sendAll() {
-    std::map<RequestOrder, std::string> waiting;
-    for (const auto& [identifier, entry] : entries_) {
-        if (entry.next)
-            waiting.emplace(entry.order, identifier);
-    }
-    for (const auto& [order, identifier] : waiting)
-        sendNext(identifier);
+void FreedesktopNotifications::sendWaiting() {
+    const bool isAnyWaiting = std::any_of(entries_.begin(), entries_.end(), [](const auto& entry) {
+        return entry.second.next && !entry.second.isBusy;
+    });
+    if (isAsking_ || !isAnyWaiting || !daemon_.prepare())
+        return;
+    isAsking_ = true;
+    // Once for all that wait, because answers to several questions may come in another order.
+    daemon_.askDoNotDisturb([this](std::optional<bool> doNotDisturb) {
+        isAsking_ = false;
+        if (!daemon_.prepare()) // there is another daemon by now
+            return;
+        std::map<RequestOrder, std::string> waiting;
+        for (const auto& [identifier, entry] : entries_) {
+            if (entry.next && !entry.isBusy)
+                waiting.emplace(entry.order, identifier);
+        }
+        for (const auto& [order, identifier] : waiting)
+            send(identifier, doNotDisturb);
+    });
 }
 
 void FreedesktopNotifications::dropAll() {
@@ -106,21 +117,6 @@ void FreedesktopNotifications::forgetIds() {
     for (auto& [identifier, entry] : entries_)
         entry.id = 0;
     std::erase_if(entries_, [](const auto& entry) { return !entry.second.isBusy && !entry.second.next; });
-}
-
-void FreedesktopNotifications::sendNext(const std::string& identifier) {
-    Entry& entry = entries_[identifier];
-    if (entry.isBusy || !entry.next || !daemon_.prepare())
-        return;
-    entry.isBusy = true;
-    daemon_.askDoNotDisturb([this, identifier](std::optional<bool> doNotDisturb) {
-        entries_[identifier].isBusy = false;
-        // By now it may have been withdrawn, and there may be another daemon.
-        if (entries_[identifier].next && daemon_.prepare())
-            send(identifier, doNotDisturb);
-        else
-            tidy(identifier);
-    });
 }
 
 void FreedesktopNotifications::send(const std::string& identifier, std::optional<bool> doNotDisturb) {
@@ -157,8 +153,8 @@ void FreedesktopNotifications::sent(const std::string& identifier, const Request
         if (ownSound && !entry.next)
             play(order, *ownSound);
     }
-    sendNext(identifier);
     tidy(identifier);
+    sendWaiting();
 }
 
 void FreedesktopNotifications::tidy(const std::string& identifier) {

@@ -45,7 +45,7 @@ private:
     struct Entry {
         std::optional<Request> next; ///< to be sent as soon as possible
         RequestOrder order;          ///< of that
-        bool isBusy = false;         ///< do-not-disturb is being asked for it, or it is being sent
+        bool isBusy = false;         ///< it is being sent
         bool isWithdrawn = false;    ///< what is being sent is to be taken off the screen
         uint id = 0;                 ///< of the one on the screen; 0 for none
         std::vector<Action> actions; ///< its buttons, until one is pressed
@@ -61,14 +61,14 @@ private:
     Delegate* delegate_ = nullptr;
     std::vector<Category> categories_;
     std::map<std::string, Entry> entries_;
+    bool isAsking_ = false; ///< for do-not-disturb
     RequestOrder last_;
     bool isTogether_ = false; ///< the next request comes together with the last one
     RequestOrder sounding_;   ///< of the request whose sound was played last
 
-    void sendAll();
+    void sendWaiting();
     void dropAll();
     void forgetIds();
-    void sendNext(const std::string& identifier);
     void send(const std::string& identifier, std::optional<bool> doNotDisturb);
     void sent(const std::string& identifier, const RequestOrder& order, std::optional<uint> id,
               const std::optional<std::string>& ownSound);
