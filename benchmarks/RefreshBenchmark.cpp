@@ -65,7 +65,8 @@ void wholeRefresh(benchmark::State& state) {
     SysfsPowerSources sources(laptop.sysfs.path, clock, loop);
     FakePlatform fake;
     AppModel model({sources, fake.powerSaving, fake.sessionEvents, loop, clock, calendar, defaults, files,
-                    fake.statusBar, fake.dialogs, fake.notificationCenter, fake.bundle, fake.sounds, fake.loginItem});
+                    fake.statusBar, fake.windows, fake.dialogs, fake.notificationCenter, fake.bundle, fake.sounds,
+                    fake.loginItem});
     for ([[maybe_unused]] auto _ : state)
         model.refresh(AppModel::Reason::timer);
 }

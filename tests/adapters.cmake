@@ -16,7 +16,7 @@ add_executable(velmora_adapter_tests
     history/HistoryDiskTest.cpp
     history/HistoryKillTest.cpp
     history/HistoryZonesTest.cpp
-    platform/linux/bus/ActivationTokenTest.cpp
+    platform/linux/windows/ActivationTokenTest.cpp
     platform/linux/session/AutostartEntryTest.cpp
     platform/linux/session/AutostartLaunchTest.cpp
     platform/linux/sound/CanberraSoundsTest.cpp

@@ -4,8 +4,8 @@
 # shellcheck disable=SC2034 # scripts that source this use the lists
 
 # To build the program and to run it in the current session.
-BUILD_PACKAGES=(cmake g++ libcanberra-dev libglib2.0-dev libqcustomplot-dev libsimdjson-dev libudev-dev ninja-build
-                pkg-config qt6-base-dev qt6-svg-dev)
+BUILD_PACKAGES=(cmake g++ libcanberra-dev libglib2.0-dev libqcustomplot-dev libsimdjson-dev libudev-dev
+                libxcb1-dev ninja-build pkg-config qt6-base-dev qt6-svg-dev)
 
 # A private desktop with a simulated laptop: X server, window manager, panel, notification daemon, and icons and fonts
 # for them; umockdev shows the devices. Python drives it, xdotool clicks.
@@ -41,6 +41,7 @@ libglib2.0-dev           | GLib                                 | module:glib-2.
 libqcustomplot-dev       | QCustomPlot 2.1, built with Qt 6     | include:qcustomplot*
 libsimdjson-dev          | simdjson 3                           | module:simdjson
 libudev-dev              | libudev, of systemd or eudev         | module:libudev
+libxcb1-dev              | libxcb                               | module:xcb
 ninja-build              | Ninja                                | run:ninja
 pkg-config               | pkg-config                           | run:pkg-config
 qt6-base-dev             | Qt 6.4, qtbase                       | module:Qt6Widgets

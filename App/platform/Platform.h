@@ -4,6 +4,7 @@
 class Bundle;
 class Calendar;
 class Clock;
+class DesktopWindows;
 class Files;
 class LoginItem;
 class MainLoop;
@@ -28,6 +29,7 @@ struct Platform {
     UserDefaults& defaults;
     Files& files;
     StatusBar& statusBar;
+    DesktopWindows& windows;
     Dialogs& dialogs;
     NotificationCenter& notificationCenter;
     Bundle& bundle;

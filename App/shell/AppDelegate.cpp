@@ -30,7 +30,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     statusItem = platform_.statusBar.createItem();
     statusItem->setAction([this](std::optional<ScreenPoint> point) { togglePopover(point); });
     updateMenu();
-    popover = std::make_unique<Popover>();
+    popover = std::make_unique<Popover>(&platform_.windows);
     // The chart and the table are made from copies of a week of samples. The allocator would keep that memory for the
     // next time, which may be hours away.
     QObject::connect(popover.get(), &Popover::closed, &giveBackFreeMemory);
@@ -132,7 +132,7 @@ void AppDelegate::openSettings() {
     popover->hide();
     if (!settingsWindow) {
         settingsView = new SettingsView(model, platform_);
-        settingsWindow = std::make_unique<SettingsWindow>(settingsView);
+        settingsWindow = std::make_unique<SettingsWindow>(settingsView, &platform_.windows);
     }
     settingsView->readAgain();
     settingsWindow->present();

@@ -27,6 +27,7 @@
 #include "platform/linux/session/TerminationSignals.h"
 #include "platform/linux/session/XdgAutostart.h"
 #include "platform/linux/sound/CanberraSounds.h"
+#include "platform/linux/windows/X11Windows.h"
 #include "platform/qt/HeapMemory.h"
 #include "platform/qt/ProgramFiles.h"
 #include "shell/AppDelegate.h"
@@ -163,12 +164,13 @@ int main(int argc, char** argv) {
         if (!XEmbedItem::hasTray())
             runningNotice.show();
     });
+    X11Windows windows;
     // A user who has chosen Qt's look gets Qt's dialogs too.
     QtDialogs dialogs(themeChoice.isEmpty() ? std::optional(sessionBus) : std::nullopt);
     XdgAutostart loginItem(bundle, files, xdgConfigHome(), xdgConfigFolders());
 
     AppDelegate delegate({powerSources, powerSaving, sessionEvents, mainLoop, clock, calendar, defaults, files,
-                          statusBar, dialogs, notifications, bundle, sounds, loginItem},
+                          statusBar, windows, dialogs, notifications, bundle, sounds, loginItem},
                          [] { QCoreApplication::quit(); });
     QObject::connect(&session, &SessionApplication::activated, &session, [&delegate] { delegate.showDetails(); });
     delegate.applicationDidFinishLaunching();

@@ -5,6 +5,7 @@
 #include "support/FakeBundle.h"
 #include "support/FakeCalendar.h"
 #include "support/FakeClock.h"
+#include "support/FakeDesktopWindows.h"
 #include "support/FakeDialogs.h"
 #include "support/FakeFiles.h"
 #include "support/FakeJournal.h"
@@ -30,6 +31,7 @@ struct FakePlatform {
     FakeUserDefaults defaults{mainLoop};
     FakeFiles files;
     FakeStatusBar statusBar;
+    FakeDesktopWindows windows;
     FakeDialogs dialogs{&journal};
     FakeNotificationCenter notificationCenter;
     FakeBundle bundle;
@@ -49,6 +51,7 @@ struct FakePlatform {
                 .defaults = otherDefaults,
                 .files = otherFiles,
                 .statusBar = statusBar,
+                .windows = windows,
                 .dialogs = dialogs,
                 .notificationCenter = notificationCenter,
                 .bundle = bundle,

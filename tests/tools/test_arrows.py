@@ -16,6 +16,7 @@ QT = "platform/qt"
 DECIDES = [PORTS, "battery", "history", "alerts"]
 FILES = "platform/linux/files"
 BUS = "platform/linux/bus"
+WINDOWS = "platform/linux/windows"
 ADAPTER = [PORTS, QT, FILES, BUS]
 MODEL = "shell/model"
 WIDGET = [*DECIDES, QT, MODEL, "views/text", "views/style"]
@@ -32,10 +33,11 @@ MAY_INCLUDE = {
     "platform/linux/dialogs": ADAPTER,
     FILES: [PORTS, QT],
     "platform/linux/notifications": ADAPTER,
-    "platform/linux/panel": ADAPTER,
+    "platform/linux/panel": [*ADAPTER, WINDOWS],
     "platform/linux/power": ADAPTER,
-    "platform/linux/session": ADAPTER,
+    "platform/linux/session": [*ADAPTER, WINDOWS],
     "platform/linux/sound": ADAPTER,
+    WINDOWS: ADAPTER,
     "views/text": DECIDES,
     "views/style": [*DECIDES, QT, "views/text"],
     "views/popover": WIDGET,

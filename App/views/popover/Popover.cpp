@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/popover/Popover.h"
 
+#include "platform/DesktopWindows.h"
 #include "views/popover/ThinScrollBar.h"
 #include "views/style/ViewStyle.h"
 #include "views/text/PopoverPlacement.h"
@@ -61,8 +62,9 @@ protected:
 
 } // namespace
 
-Popover::Popover()
+Popover::Popover(DesktopWindows* desktop)
     : QWidget(nullptr, popoverFlags())
+    , desktop_(desktop)
     , area_(new QScrollArea(this))
     , scrollBar_(new ThinScrollBar(area_->verticalScrollBar(), this))
     , border_(new Border(this)) {
@@ -79,6 +81,11 @@ Popover::Popover()
     connect(&untilNobodyLooks_, &QTimer::timeout, this, &Popover::closeUnlessPointerMoves);
 }
 
+Popover::~Popover() {
+    if (desktop_ != nullptr)
+        desktop_->popoverHidden();
+}
+
 void Popover::setContent(QWidget* content) {
     area_->setWidget(content);
     content->setFocusPolicy(Qt::ClickFocus);
@@ -88,6 +95,10 @@ void Popover::showAt(std::optional<ScreenPoint> point) {
     if (point && isCredible(*point, isWaylandSession()))
         point_ = point;
     place();
+    if (desktop_ != nullptr) {
+        winId(); // makes the window
+        desktop_->willShowPopover(*windowHandle());
+    }
     show();
     place(); // again, now that the content has its fonts
     raise();
@@ -130,6 +141,8 @@ void Popover::place() {
     const ScreenPoint corner = placePopover(
         point_, {available.x(), available.y(), available.width(), available.height()}, width(), this->height());
     move(corner.x, corner.y);
+    if (desktop_ != nullptr && isVisible())
+        desktop_->popoverShown(*windowHandle(), [this] { hide(); });
 }
 
 bool Popover::wasJustClosed() const {
@@ -153,6 +166,8 @@ void Popover::keyPressEvent(QKeyEvent* event) {
 void Popover::hideEvent(QHideEvent* event) {
     sinceClosed_.start();
     untilNobodyLooks_.stop();
+    if (desktop_ != nullptr)
+        desktop_->popoverHidden();
     Q_EMIT closed();
     QWidget::hideEvent(event);
 }

@@ -10,6 +10,7 @@
 
 #include <optional>
 
+class DesktopWindows;
 class QScrollArea;
 class ThinScrollBar;
 
@@ -18,7 +19,9 @@ class Popover final : public QWidget {
     Q_OBJECT
 
 public:
-    Popover();
+    /// `desktop` may be null; it outlives this.
+    explicit Popover(DesktopWindows* desktop = nullptr);
+    ~Popover() override;
 
     /// Sets the content and takes ownership of it. It is as wide as the popover, whose border and scroll bar lie on its
     /// margin, and as high as it asks to be; it scrolls if the screen is too low for that.
@@ -42,6 +45,7 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
+    DesktopWindows* desktop_;
     QScrollArea* area_;
     ThinScrollBar* scrollBar_;
     QWidget* border_;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/settings/SettingsWindow.h"
 
+#include "platform/DesktopWindows.h"
+
 #include <QApplication>
 #include <QIcon>
 #include <QPainter>
@@ -41,9 +43,10 @@ QIcon programIcon() {
 
 } // namespace
 
-SettingsWindow::SettingsWindow(QWidget* form)
+SettingsWindow::SettingsWindow(QWidget* form, DesktopWindows* desktop)
     : QDialog(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                            Qt::WindowCloseButtonHint)
+    , desktop_(desktop)
     , area_(new QScrollArea(this)) {
     setObjectName(QStringLiteral("settingsWindow"));
     if (QApplication::windowIcon().isNull())
@@ -65,6 +68,10 @@ SettingsWindow::SettingsWindow(QWidget* form)
 
 void SettingsWindow::present() {
     setWindowState(windowState() & ~Qt::WindowMinimized); // it has no minimise button, but there are other ways
+    if (desktop_ != nullptr) {
+        winId(); // makes the window
+        desktop_->willShowSettings(*windowHandle());
+    }
     show();
     raise();
     activateWindow();

@@ -3,6 +3,7 @@
 
 #include <QDialog>
 
+class DesktopWindows;
 class QScrollArea;
 
 /// The window of the settings form: of fixed size, and hidden but not destroyed when closed. Esc closes it as well.
@@ -10,8 +11,8 @@ class SettingsWindow final : public QDialog {
     Q_OBJECT
 
 public:
-    /// Takes ownership of the form, and is centred on the screen.
-    explicit SettingsWindow(QWidget* form);
+    /// Takes ownership of the form, and is centred on the screen. `desktop` may be null; it outlives this.
+    explicit SettingsWindow(QWidget* form, DesktopWindows* desktop = nullptr);
 
     /// Brings it to the front with the keyboard focus; its position is left to the user.
     void present();
@@ -20,5 +21,6 @@ protected:
     bool focusNextPrevChild(bool next) override;
 
 private:
+    DesktopWindows* desktop_;
     QScrollArea* area_;
 };

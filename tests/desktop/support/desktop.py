@@ -266,11 +266,14 @@ class PrivateDesktop:
         finally:
             self._tool("mouseup", 1, check=True)
 
+    def window_ids(self, title):
+        """The X server's numbers of the visible windows with that title."""
+        return [int(word) for word in self._tool("search", "--onlyvisible", "--name", f"^{title}$").stdout.split()]
+
     def windows(self, title):
         """The boxes of the visible windows with that title."""
-        found = self._tool("search", "--onlyvisible", "--name", f"^{title}$").stdout.split()
         boxes = []
-        for window in found:
+        for window in self.window_ids(title):
             answer = self._tool("getwindowgeometry", "--shell", window)
             if answer.returncode == 0:  # the window may be gone by now
                 values = dict(line.split("=") for line in answer.stdout.split())

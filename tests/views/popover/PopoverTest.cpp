@@ -2,6 +2,7 @@
 #include "views/popover/Popover.h"
 
 #include "alerts/Prefs.h"
+#include "support/FakeDesktopWindows.h"
 #include "support/PopoverScene.h"
 #include "support/WaitUntil.h"
 #include "views/popover/PopoverView.h"
@@ -17,6 +18,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
+#include <QVBoxLayout>
 #include <QWheelEvent>
 #include <gtest/gtest.h>
 
@@ -192,4 +194,22 @@ TEST_F(PopoverTest, ShowsNoScrollBarWhereAllOfItFits) {
         EXPECT_FALSE(scrollBar().isVisible()) << times << " times the font: " << scrollBar().maximum() << " more than "
                                               << popover.height() << ", content " << content->height();
     }
+}
+
+TEST(PopoverWindow, IsMadeKnownToTheDesktopAndClosedByAClickThatThisTellsOf) {
+    FakeDesktopWindows desktop;
+    Popover popover(&desktop);
+    popover.setContent(new QWidget);
+    popover.findChild<QScrollArea*>()->widget()->setLayout(new QVBoxLayout);
+    popover.showAt(std::nullopt);
+    EXPECT_EQ(desktop.told, (FakeJournal{"willShowPopover", "popoverShown"}));
+    popover.place();
+    EXPECT_EQ(desktop.told.back(), "popoverShown") << "it may be higher now";
+    desktop.told.clear();
+    const auto click = desktop.clickedElsewhere;
+    click();
+    EXPECT_FALSE(popover.isVisible());
+    EXPECT_EQ(desktop.told, FakeJournal{"popoverHidden"});
+    popover.place();
+    EXPECT_EQ(desktop.told, FakeJournal{"popoverHidden"});
 }

@@ -2,11 +2,11 @@
 #include "platform/linux/panel/StatusNotifierItem.h"
 
 #include "platform/GlyphName.h"
-#include "platform/linux/bus/ActivationToken.h"
 #include "platform/linux/bus/DBusCall.h"
 #include "platform/linux/files/FileDescriptor.h"
 #include "platform/linux/files/ReadDescriptor.h"
 #include "platform/linux/panel/DevicePoint.h"
+#include "platform/linux/windows/ActivationToken.h"
 #include "statusnotifieritemadaptor.h"
 
 #include <QCursor>
@@ -197,7 +197,7 @@ void StatusNotifierItem::ContextMenu(int x, int y) {
 void StatusNotifierItem::Scroll(int /*delta*/, const QString& /*orientation*/) {}
 
 void StatusNotifierItem::ProvideXdgActivationToken(const QString& token) {
-    leaveActivationToken(token);
+    takeActivationToken(token);
 }
 
 void StatusNotifierItem::XAyatanaSecondaryActivate(uint /*timestamp*/) {

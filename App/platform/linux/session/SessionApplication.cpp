@@ -3,7 +3,7 @@
 
 #include "applicationadaptor.h"
 #include "platform/ApplicationId.h"
-#include "platform/linux/bus/ActivationToken.h"
+#include "platform/linux/windows/ActivationToken.h"
 
 #include <QDBusError>
 #include <QDBusMessage>
@@ -59,7 +59,7 @@ bool SessionApplication::activateOther() {
 
 void SessionApplication::Activate(const PlatformData& platformData) {
     if (!platformData.activationToken.isEmpty())
-        leaveActivationToken(platformData.activationToken);
+        takeActivationToken(platformData.activationToken);
     // On a later turn of the main loop: the other process gets its answer first and can end.
     QMetaObject::invokeMethod(this, &SessionApplication::activated, Qt::QueuedConnection);
 }

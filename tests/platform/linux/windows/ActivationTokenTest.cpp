@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/linux/bus/ActivationToken.h"
+#include "platform/linux/windows/ActivationToken.h"
 
 #include <QByteArray>
 #include <QString>
@@ -16,33 +16,33 @@ protected:
 };
 
 TEST_F(ActivationToken, IsLeftWhereQtTakesItFrom) {
-    leaveActivationToken(QStringLiteral("the first"));
+    takeActivationToken(QStringLiteral("the first"));
     EXPECT_EQ(left(), "the first");
-    leaveActivationToken(QStringLiteral("a later one"));
+    takeActivationToken(QStringLiteral("a later one"));
     EXPECT_EQ(left(), "a later one");
-    leaveActivationToken(QStringLiteral("short"));
+    takeActivationToken(QStringLiteral("short"));
     EXPECT_EQ(left(), "short");
 }
 
 TEST_F(ActivationToken, IsLeftAgainAfterQtHasTakenOne) {
-    leaveActivationToken(QStringLiteral("taken"));
+    takeActivationToken(QStringLiteral("taken"));
     qunsetenv("XDG_ACTIVATION_TOKEN");
-    leaveActivationToken(QStringLiteral("next"));
+    takeActivationToken(QStringLiteral("next"));
     EXPECT_EQ(left(), "next");
 }
 
 TEST_F(ActivationToken, ReplacesTheOneThatThisProcessWasStartedWith) {
     qputenv("XDG_ACTIVATION_TOKEN", "of the start");
-    leaveActivationToken(QStringLiteral("mine"));
+    takeActivationToken(QStringLiteral("mine"));
     EXPECT_EQ(left(), "mine");
 }
 
 TEST_F(ActivationToken, IsDroppedIfItHasMoreThanFourKibibytes) {
-    leaveActivationToken(longToken(4096));
+    takeActivationToken(longToken(4096));
     EXPECT_EQ(left().size(), 4096);
-    leaveActivationToken(QStringLiteral("in place"));
-    leaveActivationToken(longToken(4097));
-    leaveActivationToken(QString(2000, QChar(0x20ac))); // three bytes each
+    takeActivationToken(QStringLiteral("in place"));
+    takeActivationToken(longToken(4097));
+    takeActivationToken(QString(2000, QChar(0x20ac))); // three bytes each
     EXPECT_EQ(left(), "in place");
 }
 

@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/windows/X11Windows.h"
+
+#include "platform/linux/windows/X11.h"
+
+#include <QByteArray>
+#include <QCoreApplication>
+#include <QWindow>
+
+#include <algorithm>
+#include <array>
+#include <initializer_list>
+#include <utility>
+
+namespace {
+
+/// The connection to an X server inside a Wayland compositor; null for any other display.
+xcb_connection_t* connectionInWayland() {
+    return qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? nullptr : x11Connection();
+}
+
+void setAtoms(xcb_connection_t* connection, const QWindow& window, std::string_view property,
+              std::initializer_list<std::string_view> names) {
+    std::vector<xcb_atom_t> atoms;
+    for (const std::string_view name : names)
+        atoms.push_back(x11Atom(connection, name));
+    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window.winId()),
+                        x11Atom(connection, property), XCB_ATOM_ATOM, 32, static_cast<std::uint32_t>(atoms.size()),
+                        atoms.data());
+}
+
+/// The visual whose fourth byte is the opacity; none if the server has no such.
+xcb_visualid_t transparentVisual(const xcb_screen_t& screen) {
+    constexpr int depth = 32;
+    for (auto depths = xcb_screen_allowed_depths_iterator(&screen); depths.rem > 0; xcb_depth_next(&depths)) {
+        if (depths.data->depth == depth && xcb_depth_visuals_length(depths.data) > 0)
+            return xcb_depth_visuals(depths.data)->visual_id;
+    }
+    return XCB_NONE;
+}
+
+/// What is left of the screen without the window, in device pixels.
+std::vector<xcb_rectangle_t> around(xcb_connection_t* connection, const xcb_screen_t& screen, xcb_window_t window) {
+    const auto sizeQuestion = xcb_get_geometry(connection, window);
+    const auto placeQuestion = xcb_translate_coordinates(connection, window, screen.root, 0, 0);
+    const X11Reply<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(connection, sizeQuestion, nullptr));
+    const X11Reply<xcb_translate_coordinates_reply_t> place(
+        xcb_translate_coordinates_reply(connection, placeQuestion, nullptr));
+    if (!size || !place)
+        return {};
+    const int width = screen.width_in_pixels;
+    const int height = screen.height_in_pixels;
+    const int left = std::clamp<int>(place->dst_x, 0, width);
+    const int top = std::clamp<int>(place->dst_y, 0, height);
+    const int right = std::clamp(place->dst_x + size->width, left, width);
+    const int bottom = std::clamp(place->dst_y + size->height, top, height);
+    std::vector<xcb_rectangle_t> rectangles;
+    const auto add = [&](int x, int y, int toX, int toY) {
+        if (x < toX && y < toY)
+            rectangles.push_back({static_cast<std::int16_t>(x), static_cast<std::int16_t>(y),
+                                  static_cast<std::uint16_t>(toX - x), static_cast<std::uint16_t>(toY - y)});
+    };
+    add(0, 0, width, top);
+    add(0, top, left, bottom);
+    add(right, top, width, bottom);
+    add(0, bottom, width, height);
+    return rectangles;
+}
+
+} // namespace
+
+X11Windows::~X11Windows() {
+    popoverHidden();
+}
+
+void X11Windows::willShowPopover(QWindow& window) {
+    xcb_connection_t* connection = connectionInWayland();
+    if (connection == nullptr)
+        return;
+    // Before each showing, because window managers remove the property from a hidden window. Qt adds to it.
+    setAtoms(connection, window, "_NET_WM_STATE",
+             {"_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER", "_KDE_NET_WM_STATE_SKIP_SWITCHER"});
+}
+
+void X11Windows::popoverShown(QWindow& window, std::function<void()> clickedElsewhere) {
+    popoverHidden();
+    xcb_connection_t* connection = connectionInWayland();
+    if (connection == nullptr)
+        return;
+    const xcb_screen_t& screen = x11Screen(connection);
+    const xcb_visualid_t visual = transparentVisual(screen);
+    if (visual == XCB_NONE)
+        return;
+    clickedElsewhere_ = std::move(clickedElsewhere);
+    colours_ = xcb_generate_id(connection);
+    xcb_create_colormap(connection, XCB_COLORMAP_ALLOC_NONE, colours_, screen.root, visual);
+    // In the order of their bits: background, border, no frame, what we want to hear of, colours.
+    const std::array<std::uint32_t, 5> values{0, 0, 1, XCB_EVENT_MASK_BUTTON_PRESS, colours_};
+    for (const xcb_rectangle_t& one : around(connection, screen, static_cast<xcb_window_t>(window.winId()))) {
+        around_.push_back(xcb_generate_id(connection));
+        xcb_create_window(connection, 32, around_.back(), screen.root, one.x, one.y, one.width, one.height, 0,
+                          XCB_WINDOW_CLASS_INPUT_OUTPUT, visual,
+                          XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK |
+                              XCB_CW_COLORMAP,
+                          values.data());
+        xcb_map_window(connection, around_.back());
+    }
+    xcb_flush(connection);
+    QCoreApplication::instance()->installNativeEventFilter(this);
+}
+
+void X11Windows::popoverHidden() {
+    if (colours_ == 0)
+        return;
+    QCoreApplication::instance()->removeNativeEventFilter(this);
+    xcb_connection_t* connection = connectionInWayland();
+    for (const xcb_window_t window : std::exchange(around_, {}))
+        xcb_destroy_window(connection, window);
+    xcb_free_colormap(connection, std::exchange(colours_, 0));
+    xcb_flush(connection);
+    clickedElsewhere_ = {};
+}
+
+void X11Windows::willShowSettings(QWindow& window) {
+    xcb_connection_t* connection = x11Connection();
+    // QUIRK: KWin gives every window a minimise button, whatever the window asks for, unless it is a utility window of
+    // no other one. Qt makes its own utility windows depend on all other windows of the program.
+    if (connection == nullptr || !qgetenv("XDG_CURRENT_DESKTOP").toUpper().contains("KDE"))
+        return;
+    setAtoms(connection, window, "_NET_WM_WINDOW_TYPE", {"_NET_WM_WINDOW_TYPE_UTILITY", "_NET_WM_WINDOW_TYPE_NORMAL"});
+}
+
+bool X11Windows::nativeEventFilter(const QByteArray& type, void* message, qintptr* /*result*/) {
+    if (type != "xcb_generic_event_t")
+        return false;
+    constexpr unsigned sentByOther = 0x80;
+    constexpr xcb_button_t lastButton = 3; // the others are wheels
+    const auto* event = static_cast<xcb_generic_event_t*>(message);
+    if ((event->response_type & ~sentByOther) != XCB_BUTTON_PRESS)
+        return false;
+    const auto* press = reinterpret_cast<const xcb_button_press_event_t*>(event);
+    if (press->detail > lastButton || std::find(around_.begin(), around_.end(), press->event) == around_.end())
+        return false;
+    const std::function<void()> clicked = clickedElsewhere_; // it ends this
+    clicked();
+    return true;
+}

@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/DesktopWindows.h"
+
+#include <QAbstractNativeEventFilter>
+
+#include <cstdint>
+#include <vector>
+
+/// Our windows on an X server; on any other display this does nothing. Inside a Wayland compositor the popover is a
+/// window like others, so it stands in the task list unless that is told otherwise; and it hears nothing of clicks on
+/// the panel and on the wallpaper, which take the focus from nobody.
+class X11Windows final : public DesktopWindows, private QAbstractNativeEventFilter {
+public:
+    X11Windows() = default;
+    ~X11Windows() override;
+    X11Windows(const X11Windows&) = delete;
+    X11Windows& operator=(const X11Windows&) = delete;
+
+    void willShowPopover(QWindow& window) override;
+    void popoverShown(QWindow& window, std::function<void()> clickedElsewhere) override;
+    void popoverHidden() override;
+    void willShowSettings(QWindow& window) override;
+
+private:
+    /// Invisible windows over all of the screen but the popover.
+    std::vector<std::uint32_t> around_;
+    std::uint32_t colours_ = 0; ///< their colour map
+    std::function<void()> clickedElsewhere_;
+
+    bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
+};

@@ -1,0 +1,119 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""What the desktop is told of the program's windows, and how the popover closes inside a Wayland compositor."""
+
+import unittest
+
+from gi.repository import GLib
+
+from support.case import DesktopCase
+from support.desktop import SCREEN
+from support.item import ITEM_INTERFACE, ITEM_PATH
+from support.x_server import XServer
+
+TITLE = "Velmora"
+SETTINGS_TITLE = "Velmora Settings"
+SHOW_SECONDS = 2
+# As on the X server of a Wayland compositor. There the program does not follow the pointer, so any X server will do.
+IN_WAYLAND = {"WAYLAND_DISPLAY": "wayland-none", "QT_QPA_PLATFORM": "xcb"}
+
+
+class WindowCase(DesktopCase):
+    def begin(self, changes=None, **options):
+        self.screen = self.desktop(**options)
+        self.server = XServer(self.screen)
+        self.addCleanup(self.server.close)
+        self.item = self.start_and_wait(self.screen, self.laptop(), changes).item
+        self.box = self.soon(self.screen.find_item, SHOW_SECONDS, "the item is drawn")
+
+    def shown(self, title):
+        return self.soon(lambda: self.screen.window_ids(title), SHOW_SECONDS, f"{title} is there")[0]
+
+    def gone(self, title):
+        self.soon(lambda: not self.screen.window_ids(title), SHOW_SECONDS, f"{title} is gone")
+
+
+class PopoverInWayland(WindowCase):
+    def test_stands_in_no_list_of_windows_each_time(self):
+        self.begin(IN_WAYLAND, window_manager=False)  # some window managers add to what they are told
+        for _ in range(2):
+            self.item.menu.choose("Show details")
+            states = self.server.names(self.shown(TITLE), "_NET_WM_STATE")
+            self.assertIn("_NET_WM_STATE_SKIP_TASKBAR", states)
+            self.assertIn("_NET_WM_STATE_SKIP_PAGER", states)
+            self.assertIn("_NET_WM_STATE_ABOVE", states)
+            self.screen.click(*SCREEN.centre)
+            self.gone(TITLE)
+
+    def test_closes_on_clicks_that_take_the_focus_from_nobody(self):
+        self.begin(IN_WAYLAND)
+        empty_panel = (SCREEN.width // 2, 14)
+        for point in (SCREEN.centre, empty_panel, (3, SCREEN.height - 3), (SCREEN.width - 3, SCREEN.height - 3)):
+            self.item.menu.choose("Show details")
+            self.shown(TITLE)
+            self.screen.click(*point)
+            self.gone(TITLE)
+
+    def test_stays_on_clicks_on_itself_and_on_turns_of_the_wheel(self):
+        self.begin(IN_WAYLAND)
+        self.item.menu.choose("Show details")
+        self.shown(TITLE)
+        (place,) = self.screen.windows(TITLE)
+        self.screen.click(place.x + 3, place.y + 3)
+        self.screen.click(place.x + place.width - 3, place.y + place.height - 3)
+        for wheel in (4, 5):
+            self.screen.click(*SCREEN.centre, button=wheel)
+        self.never(lambda: not self.screen.window_ids(TITLE), 1)
+
+    def test_a_click_on_the_item_closes_it(self):
+        self.begin(IN_WAYLAND)
+        self.screen.click(*self.box.centre)
+        self.shown(TITLE)
+        self.screen.click(*self.box.centre)
+        self.gone(TITLE)
+        self.never(lambda: self.screen.window_ids(TITLE), 1)
+
+    def test_leaves_nothing_over_the_screen(self):
+        self.begin(IN_WAYLAND)
+        self.item.menu.choose("Show details")
+        self.shown(TITLE)
+        self.screen.press("Escape")
+        # For a moment a click on the item counts as the one that closed it.
+        self.never(lambda: self.screen.window_ids(TITLE), 0.5)
+        self.screen.click(*self.box.centre)
+        self.shown(TITLE)
+
+
+class SettingsWindow(WindowCase):
+    def test_is_a_usual_window(self):
+        self.begin()
+        self.item.menu.choose("Settings…")
+        self.assertEqual(
+            self.server.names(self.shown(SETTINGS_TITLE), "_NET_WM_WINDOW_TYPE"), ["_NET_WM_WINDOW_TYPE_NORMAL"]
+        )
+
+    def test_has_no_minimise_button_on_plasma(self):
+        """Plasma gives one to all windows but utility windows that are transient for no other."""
+        self.begin({"XDG_CURRENT_DESKTOP": "KDE"})
+        self.item.menu.choose("Settings…")
+        window = self.shown(SETTINGS_TITLE)
+        self.assertEqual(
+            self.server.names(window, "_NET_WM_WINDOW_TYPE"),
+            ["_NET_WM_WINDOW_TYPE_UTILITY", "_NET_WM_WINDOW_TYPE_NORMAL"],
+        )
+        self.assertEqual(self.server.names(window, "WM_TRANSIENT_FOR"), [])
+
+
+class ActivationToken(WindowCase):
+    def test_is_given_back(self):
+        """Until then, the pointer shows that the program is being started."""
+        self.begin()
+        for token in ("abc", "gnome-shell/Velmora/1234-0-host_TIME567", 'with "quotes" and \\'):
+            self.screen.bus.call(
+                self.item.owner, ITEM_PATH, ITEM_INTERFACE, "ProvideXdgActivationToken", GLib.Variant("(s)", (token,))
+            )
+            quoted = token.replace("\\", "\\\\").replace('"', '\\"')
+            self.soon_equal(lambda: self.server.ended_startups[-1:], [f'remove: ID="{quoted}"'], SHOW_SECONDS)
+
+
+if __name__ == "__main__":
+    unittest.main()
