@@ -86,9 +86,8 @@ void FreedesktopNotifications::removeDelivered(const std::vector<std::string>& i
 }
 
 void FreedesktopNotifications::sendWaiting() {
-    const bool isAnyWaiting = std::any_of(entries_.begin(), entries_.end(), [](const auto& entry) {
-        return entry.second.next && !entry.second.isBusy;
-    });
+    const bool isAnyWaiting = std::any_of(entries_.begin(), entries_.end(),
+                                          [](const auto& entry) { return entry.second.next && !entry.second.isBusy; });
     if (isAsking_ || !isAnyWaiting || !daemon_.prepare())
         return;
     isAsking_ = true;
