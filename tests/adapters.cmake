@@ -46,6 +46,7 @@ add_executable(velmora_adapter_tests
     platform/linux/session/XdgAutostartTest.cpp
     platform/linux/files/XdgFoldersTest.cpp
     platform/linux/appearance/XfconfSettingsTest.cpp
+    resources/GlyphFilesTest.cpp
     shell/AppDelegateTest.cpp
     support/DiskFaults.cpp
     support/FakeNotificationDaemon.cpp
@@ -61,7 +62,7 @@ add_executable(velmora_adapter_tests
     views/text/TimeTextTest.cpp
 )
 target_link_libraries(velmora_adapter_tests PRIVATE velmora_app velmora_linux velmora_desktop_test_support velmora_options
-    GTest::gtest PkgConfig::umockdev Qt6::Test QCustomPlotQt6::QCustomPlotQt6)
+    GTest::gtest PkgConfig::umockdev Qt6::Svg Qt6::Test QCustomPlotQt6::QCustomPlotQt6)
 # The tests save pictures here for people to look at.
 target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_PICTURES="${CMAKE_BINARY_DIR}/pictures")
 file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/pictures)

@@ -14,11 +14,12 @@
 
 namespace {
 
-// The colour is where panels look for it to replace it by their own: Plasma in the style sheet, all others in the
-// attributes. The id is for GlyphImages, which draws pictures of the glyph with a background of its own.
+// The colour comes from the style sheet alone, which Plasma replaces by its own: Qt 5 would rather take the colour of
+// an attribute "fill". GTK and GNOME Shell overrule both. The id is for GlyphImages, which draws pictures of the glyph
+// with a background of its own.
 std::string path(const std::string& id, const Shape& shape) {
     return "  <path id=\"" + id +
-           R"(" class="ColorScheme-Text" style="fill:currentColor" fill="#7f7f7f" fill-rule="evenodd"
+           R"(" class="ColorScheme-Text" style="fill:currentColor" fill-rule="evenodd"
         d=")" +
            pathData(shape) + "\"/>\n";
 }
