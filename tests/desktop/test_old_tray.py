@@ -26,8 +26,8 @@ panel_background_id = 1
 systray_icon_size = 24
 """
 
-# The colours of our item in a tray that cannot recolour it: the glyph and its outline.
-GLYPH, OUTLINE = bytes.fromhex("cccccc"), bytes.fromhex("0a0a0a")
+# The colours of our item in a tray that cannot recolour it: the signs and the tile that they are on.
+SIGNS, TILE = bytes.fromhex("1a1a1a"), bytes.fromhex("f6f6f6")
 
 
 class OldTray(DesktopCase):
@@ -45,7 +45,7 @@ class OldTray(DesktopCase):
         columns, rows = set(), set()
         for y, row in enumerate(picture.rows):
             for x in range(picture.width):
-                if row[3 * x : 3 * x + 3] in (GLYPH, OUTLINE):
+                if row[3 * x : 3 * x + 3] in (SIGNS, TILE):
                     columns.add(x)
                     rows.add(y)
         if not columns:
@@ -65,7 +65,7 @@ class OldTray(DesktopCase):
         _, box = self.item_in_tray()
         self.assertTrue(16 <= box.width <= 28 and 16 <= box.height <= 28, box)
         colours = self.screen.picture().crop(box).colours()
-        self.assertTrue({GLYPH, OUTLINE} <= set(colours), colours)
+        self.assertTrue({SIGNS, TILE} <= set(colours), colours)
         before = self.screen.picture().crop(box)
         self.machine.set_level(35)
         self.machine.event("BAT0")

@@ -8,8 +8,7 @@
 #include <string_view>
 #include <vector>
 
-/// Our glyphs as images, for panels that do not draw them by name in their own colour. We cannot find out that colour,
-/// so the images have two tones, one of which is visible on any colour.
+/// Our glyphs: as files, for panels that draw them by name in their own colour, and as pictures for the others.
 class GlyphImages {
 public:
     /// The sizes that panels ask for, at scale 1 and 2, in pixels.
@@ -23,14 +22,12 @@ public:
     /// Whether there is a glyph for the symbol.
     bool has(std::string_view symbol) const;
 
-    /// The glyph in each of the sizes, ARGB32; empty when there is none.
+    /// A picture of the same in each of the sizes; empty for a symbol without one.
     std::vector<QImage> images(std::string_view symbol) const;
 
-    /// The glyph as an icon; null when there is none.
+    /// The pictures as an icon; null when there are none.
     QIcon icon(std::string_view symbol) const;
 
 private:
     std::filesystem::path iconTheme_;
-
-    std::filesystem::path file(std::string_view symbol) const;
 };

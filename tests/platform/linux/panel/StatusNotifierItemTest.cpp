@@ -186,9 +186,9 @@ TEST_F(StatusNotifierItemTest, OffersPicturesToAPanelThatItDoesNotKnow) {
     for (const StatusNotifierPixmap& pixmap : pixmaps) {
         EXPECT_EQ(pixmap.width, pixmap.height);
         ASSERT_EQ(pixmap.pixels.size(), 4 * pixmap.width * pixmap.height);
-        // A pixel of the level, at half height, is opaque and light.
+        // A pixel of the level, at half height, is opaque and grey.
         const qsizetype pixel = 4 * (pixmap.width * (pixmap.height / 2) + pixmap.width * 5 / 16);
-        EXPECT_EQ(pixmap.pixels.mid(pixel, 4), QByteArray("\xFF\xCC\xCC\xCC", 4)) << pixmap.width;
+        EXPECT_EQ(pixmap.pixels.mid(pixel, 4), QByteArray("\xFF\x55\x55\x55", 4)) << pixmap.width;
         EXPECT_EQ(pixmap.pixels.at(0), 0) << "the corner is transparent";
     }
 }
