@@ -7,7 +7,7 @@
 
 /// What the battery is doing.
 enum class Meaning {
-    Level, ///< on battery: a bar that is filled to the level
+    Level, ///< on battery
     Bolt,  ///< charging
     Plug,  ///< plugged in and not charging
     Full,  ///< plugged in and fully charged
@@ -18,5 +18,6 @@ inline constexpr Meaning meanings[] = {Meaning::Level, Meaning::Bolt, Meaning::P
 /// The word for the meaning in file names.
 std::string_view meaningName(Meaning meaning);
 
-/// The sign for the meaning, 20 wide and 6 high. The level is 0 to 100 percent.
+/// A battery that is filled to the level, 0 to 100 percent, and a sign for the meaning beside it: a bolt, a plug, a
+/// tick, an exclamation mark if it is on battery and low. 20 wide and 8 high.
 Shape meaningShape(Meaning meaning, int percent);

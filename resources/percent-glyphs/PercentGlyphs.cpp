@@ -14,24 +14,19 @@
 
 namespace {
 
+/// The number above, its meaning below, one unit of space between them.
 // The colour comes from the style sheet alone, which Plasma replaces by its own: Qt 5 would rather take the colour of
-// an attribute "fill". GTK and GNOME Shell overrule both. The id is for GlyphImages, which draws pictures of the glyph
-// with a background of its own.
-std::string path(const std::string& id, const Shape& shape) {
-    return "  <path id=\"" + id +
-           R"(" class="ColorScheme-Text" style="fill:currentColor" fill-rule="evenodd"
-        d=")" +
-           pathData(shape) + "\"/>\n";
-}
-
-/// The number above, its meaning below, one unit of space between them, and one around both for an outline.
+// an attribute "fill". GTK and GNOME Shell overrule both.
 std::string document(int percent, Meaning meaning) {
+    Shape shape = moved(numberShape(percent), 1, 0);
+    append(shape, moved(meaningShape(meaning, percent), 1, numberHeight + 1));
     return R"(<?xml version="1.0" encoding="UTF-8"?>
 <!-- SPDX-License-Identifier: GPL-3.0-or-later -->
 <svg xmlns="http://www.w3.org/2000/svg" width="22" height="22" viewBox="0 0 22 22" color="#7f7f7f">
   <style id="current-color-scheme" type="text/css">.ColorScheme-Text{color:#7f7f7f;}</style>
-)" + path("number", moved(numberShape(percent), 1, 1)) +
-           path("meaning", moved(meaningShape(meaning, percent), 1, numberHeight + 2)) + "</svg>\n";
+  <path class="ColorScheme-Text" style="fill:currentColor" fill-rule="evenodd"
+        d=")" +
+           pathData(shape) + "\"/>\n</svg>\n";
 }
 
 void write(const std::filesystem::path& file, const std::string& text) {
