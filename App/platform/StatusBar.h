@@ -22,9 +22,9 @@ public:
 
     /// What the item shows.
     struct Content {
-        std::string symbol;                   ///< a name for which `knowsSymbol` is true; empty for no image
-        std::string numberSymbol;             ///< a symbol that contains the percentage, for panels that show no title;
-                                              ///< empty to show no percentage
+        std::string symbol;       ///< a name for which `knowsSymbol` is true; empty for no image
+        std::string numberSymbol; ///< a symbol that contains the percentage or the remaining time, for panels
+                                  ///< that show no title; empty to show neither
         std::string accessibilityDescription; ///< describes the image to screen readers
         std::string title;                    ///< text beside the image; empty for the image alone
         std::string widestTitle;              ///< the widest title to expect, so panels can keep the width constant

@@ -29,6 +29,13 @@ TYPES = {
 }
 
 
+# The colours of a picture of the item: the signs and the tile that they are on.
+SIGNS, TILE = bytes.fromhex("1a1a1a"), bytes.fromhex("f6f6f6")
+
+CHANGE_SECONDS = 2
+TIME_SECONDS = 70
+
+
 def brightness(colour):
     return sum(colour)
 
@@ -72,17 +79,36 @@ class ItemInThePanel(DesktopCase):
         glyph, background = self.drawn_colours(dark=True)
         self.assertGreater(brightness(max(glyph, key=brightness)), brightness(background) * 2)
 
+    def test_shows_the_time_if_the_percentage_is_switched_off(self):
+        desktop, laptop = self.desktop(), self.laptop()
+        self.prefer(desktop, '{"showPercent": false, "showTime": true}')
+        item = self.start_and_wait(desktop, laptop).item
+        self.assertEqual(item.icon, "velmora-battery-75-symbolic", "the time is not known yet")
+        laptop.set("BAT0", power_now=10000000)
+        self.soon(lambda: "2 h 47 min left" in item.tooltip[0], TIME_SECONDS, "the time is known")
+        # No file has the time in it, so the panel gets a picture.
+        self.soon_equal(lambda: item.icon, "", CHANGE_SECONDS)
+        self.assertEqual([pixmap[0:2] for pixmap in item.get("IconPixmap")][0:2], [(16, 16), (22, 22)])
+        drawn = lambda: {SIGNS, TILE} <= set(desktop.picture().crop(TRAY).colours())
+        self.soon(drawn, CHANGE_SECONDS, "the panel draws it")
+        self.keep_picture(desktop, "time-in-the-icon")
+
     def test_looks_different_when_the_battery_is_low(self):
         desktop, laptop = self.desktop(), self.laptop()
         # Without the number, so that the glyph has to change.
-        preferences = desktop.config / "Velmora/defaults.json"
-        preferences.parent.mkdir()
-        preferences.write_text('{"showPercent": false}', encoding="utf-8")
+        self.prefer(desktop, '{"showPercent": false}')
         _, box = self.start_and_find(desktop, laptop)
         before = desktop.picture().crop(box)
         laptop.set_level(9)
         laptop.event("BAT0")
         self.soon(lambda: desktop.picture().crop(box).changed_box(before), 2, "the panel draws another glyph")
+
+    @staticmethod
+    def prefer(desktop, preferences):
+        """Saves preferences before the program starts."""
+        file = desktop.config / "Velmora/defaults.json"
+        file.parent.mkdir()
+        file.write_text(preferences, encoding="utf-8")
 
     def drawn_colours(self, dark):
         """The colours of the item in the panel, and the panel's own."""

@@ -99,10 +99,21 @@ std::string PlainProgram::symbol() const {
 }
 
 std::string PlainProgram::numberSymbol() const {
-    if (!seen_.hasBattery || !wants.switches.at("showPercent"))
+    const std::string time = shownTime();
+    const bool percent = wants.switches.at("showPercent");
+    if (!seen_.hasBattery || (!percent && time.empty()))
         return "";
     const std::string meaning = isFull() ? "full" : seen_.charges ? "bolt" : seen_.pluggedIn ? "plug" : "level";
-    return "percent." + std::to_string(seen_.percent) + "." + meaning;
+    return (percent ? "percent" : "time." + time) + "." + std::to_string(seen_.percent) + "." + meaning;
+}
+
+std::string PlainProgram::shownTime() const {
+    const bool counts = !isFull() && (seen_.charges || !seen_.pluggedIn) && seen_.minutes;
+    if (!wants.switches.at("showTime") || !counts)
+        return "";
+    char time[16];
+    std::snprintf(time, sizeof time, "%d:%02d", *seen_.minutes / 60, *seen_.minutes % 60);
+    return time;
 }
 
 std::string PlainProgram::title() const {
@@ -111,12 +122,9 @@ std::string PlainProgram::title() const {
         return text;
     if (wants.switches.at("showPercent"))
         text = " " + std::to_string(seen_.percent) + "%";
-    const bool counts = !isFull() && (seen_.charges || !seen_.pluggedIn) && seen_.minutes;
-    if (wants.switches.at("showTime") && counts) {
-        char time[16];
-        std::snprintf(time, sizeof time, "%d:%02d", *seen_.minutes / 60, *seen_.minutes % 60);
-        text += (text.empty() ? " " : " · ") + std::string(time);
-    }
+    const std::string time = shownTime();
+    if (!time.empty())
+        text += (text.empty() ? " " : " · ") + time;
     return text;
 }
 

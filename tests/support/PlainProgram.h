@@ -88,6 +88,7 @@ private:
     std::optional<double> since_;
 
     bool isFull() const;
+    std::string shownTime() const;
     std::vector<Remembered> inWindow(double from) const;
 };
 

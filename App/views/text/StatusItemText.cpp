@@ -32,8 +32,15 @@ std::string widestStatusItemTitle(const Prefs& prefs) {
 }
 
 std::string numberSymbol(const BatteryState& state, const Prefs& prefs) {
-    if (!state.hasBattery || !prefs.showPercent)
+    if (!state.hasBattery)
         return {};
+    std::string shown = "percent.";
+    if (!prefs.showPercent) {
+        const std::optional<std::string> time = prefs.showTime ? state.shortTime() : std::nullopt;
+        if (!time)
+            return {};
+        shown = "time." + *time + ".";
+    }
     const std::string meant = state.symbolNames().front();
     const char* mark = "level";
     if (meant == "battery.100percent")
@@ -42,7 +49,7 @@ std::string numberSymbol(const BatteryState& state, const Prefs& prefs) {
         mark = "bolt";
     else if (meant == "powerplug.fill")
         mark = "plug";
-    return "percent." + std::to_string(state.percent) + "." + mark;
+    return shown + std::to_string(state.percent) + "." + mark;
 }
 
 std::string statusItemToolTip(const BatteryState& state) {

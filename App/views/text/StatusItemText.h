@@ -16,8 +16,9 @@ std::string statusItemTitle(const BatteryState& state, const Prefs& prefs);
 /// The widest title that these preferences can give, so that the panel can keep the item's width constant.
 std::string widestStatusItemTitle(const Prefs& prefs);
 
-/// The name of the glyph that shows the percentage and the meaning of the first symbol name: "percent.80.bolt". Empty
-/// without a battery, or when the preferences do not ask for the percentage.
+/// The name of the glyph that shows a number, the level and the meaning of the first symbol name. The number is the
+/// percentage, "percent.80.bolt", or if the preferences do not ask for that, the remaining time: "time.1:45.80.bolt".
+/// There is no room for both. Empty without a battery, and when there is neither.
 std::string numberSymbol(const BatteryState& state, const Prefs& prefs);
 
 /// The tooltip: what the battery is doing, its health, its cycles; one line each, joined with a line feed.

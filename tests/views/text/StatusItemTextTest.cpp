@@ -146,9 +146,24 @@ TEST(StatusItemText, TheNumberInTheIconKeepsWhatTheGlyphMeans) {
     EXPECT_EQ(numberSymbol(state, showing(true, false)), "percent.64.full");
 }
 
+TEST(StatusItemText, TheTimeIsInTheIconInsteadOfThePercentage) {
+    EXPECT_EQ(numberSymbol(onBattery(64, 105), showing(false, true)), "time.1:45.64.level");
+    EXPECT_EQ(numberSymbol(onBattery(100, 725), showing(false, true)), "time.12:05.100.level");
+    EXPECT_EQ(numberSymbol(onBattery(64, 105), showing(true, true)), "percent.64.level") << "no room for both";
+    BatteryState state = onBattery(64, 105);
+    state.pluggedIn = state.isCharging = true;
+    state.minutesToFull = 50;
+    EXPECT_EQ(numberSymbol(state, showing(false, true)), "time.0:50.64.bolt");
+}
+
 TEST(StatusItemText, NoNumberWithoutABatteryOrAgainstThePreferences) {
     EXPECT_EQ(numberSymbol(BatteryState{}, showing(true, true)), "");
-    EXPECT_EQ(numberSymbol(onBattery(64, 105), showing(false, true)), "");
+    EXPECT_EQ(numberSymbol(BatteryState{}, showing(false, true)), "");
+    EXPECT_EQ(numberSymbol(onBattery(64, 105), showing(false, false)), "");
+    EXPECT_EQ(numberSymbol(onBattery(64, {}), showing(false, true)), "") << "not estimated yet";
+    BatteryState state = onBattery(64, 105);
+    state.pluggedIn = true;
+    EXPECT_EQ(numberSymbol(state, showing(false, true)), "") << "plugged in and not charging";
 }
 
 } // namespace

@@ -186,8 +186,14 @@ void drawCharacter(QPainter& painter, char character, const QRect& cell, QSize s
         if ((drawn >> place & 1U) != 0)
             fill(places[place].x(), places[place].y(), places[place].width(), places[place].height());
     }
+    // Between so narrow strokes the middle one is a single pixel; without corners, 0 cannot be taken for 8.
+    if (character == '0' && cell.width() == 3) {
+        for (const QPoint corner : {cell.topLeft(), cell.topRight(), cell.bottomLeft(), cell.bottomRight()})
+            painter.fillRect(QRect(corner, QSize(1, 1)), QColor(tile));
+    }
 }
 
+/// The text as digits; without the minutes where the digits would be too narrow to read: "12h" for "12:05".
 void drawText(QPainter& painter, const std::string& text, const QRect& box) {
     const int count = static_cast<int>(text.size());
     const int space = std::max(1, box.width() / (count > 2 ? 20 : 10));
@@ -200,6 +206,11 @@ void drawText(QPainter& painter, const std::string& text, const QRect& box) {
     // A single digit is as wide as one of two.
     const int digit =
         (box.width() - thinOnes * thin - (std::max(2, count) - 1) * space) / std::max(2, count - thinOnes);
+    constexpr int narrowest = 3;
+    if (const std::size_t colon = text.find(':'); digit < narrowest && colon != std::string::npos) {
+        drawText(painter, text.substr(0, colon) + "h", box);
+        return;
+    }
     const QSize stroke(std::max(1, digit / 3), std::max(1, box.height() / 5));
     const int width = thinOnes * thin + (count - thinOnes) * digit + (count - 1) * space;
     int x = box.x() + (box.width() - width) / 2;

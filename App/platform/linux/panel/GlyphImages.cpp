@@ -12,6 +12,10 @@
 GlyphImages::GlyphImages(std::filesystem::path iconTheme) : iconTheme_(std::move(iconTheme)) {}
 
 bool GlyphImages::has(std::string_view symbol) const {
+    return batteryPicture(symbol).has_value();
+}
+
+bool GlyphImages::hasFile(std::string_view symbol) const {
     std::error_code error;
     return std::filesystem::exists(iconTheme_ / "hicolor/scalable/status" / (glyphIconName(symbol) + ".svg"), error);
 }

@@ -19,8 +19,11 @@ public:
 
     const std::filesystem::path& iconTheme() const { return iconTheme_; }
 
-    /// Whether there is a glyph for the symbol.
+    /// Whether there is a glyph for the symbol, as a picture at least.
     bool has(std::string_view symbol) const;
+
+    /// Whether there is one in a file, which a panel can draw by name.
+    bool hasFile(std::string_view symbol) const;
 
     /// A picture of the same in each of the sizes; empty for a symbol without one.
     std::vector<QImage> images(std::string_view symbol) const;

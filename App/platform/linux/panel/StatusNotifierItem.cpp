@@ -211,13 +211,13 @@ QString StatusNotifierItem::iconAccessibleDesc() const {
 
 QString StatusNotifierItem::iconName() const {
     // Panels prefer a name to images, even if they cannot recolour the named icon.
-    const bool byName = host_.recolours && !shownSymbol_.empty();
+    const bool byName = host_.recolours && glyphs_.hasFile(shownSymbol_);
     return byName ? QString::fromStdString(glyphIconName(shownSymbol_)) : QString();
 }
 
 StatusNotifierPixmaps StatusNotifierItem::iconPixmap() const {
     StatusNotifierPixmaps pixmaps;
-    if (!host_.recolours && !shownSymbol_.empty()) {
+    if (iconName().isEmpty()) {
         for (const QImage& image : glyphs_.images(shownSymbol_))
             pixmaps.append(toPixmap(image, host_.premultiplied));
     }

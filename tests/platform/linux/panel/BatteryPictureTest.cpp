@@ -75,14 +75,32 @@ TEST(BatteryPicture, ShowsWhatTheSymbolSays) {
     EXPECT_EQ(batteryPicture("percent.64.bolt"), (BatteryPicture{.text = "64", .percent = 64, .sign = Sign::Bolt}));
     EXPECT_EQ(batteryPicture("percent.13.level"), (BatteryPicture{.text = "13", .percent = 13, .sign = Sign::None}));
     EXPECT_EQ(batteryPicture("percent.12.level"), (BatteryPicture{.text = "12", .percent = 12, .sign = Sign::Low}));
+    EXPECT_EQ(batteryPicture("time.1:45.64.plug"), (BatteryPicture{.text = "1:45", .percent = 64, .sign = Sign::Plug}));
+    EXPECT_EQ(batteryPicture("time.0:09.8.level"), (BatteryPicture{.text = "0:09", .percent = 8, .sign = Sign::Low}));
     EXPECT_EQ(batteryPicture("percent.12.bolt"), (BatteryPicture{.text = "12", .percent = 12, .sign = Sign::Bolt}));
 }
 
 TEST(BatteryPicture, IsNotMadeForAnythingElse) {
-    for (const char* symbol :
-         {"", ".", "battery", "battery.51", "battery.0.level", "percent", "percent.64", "percent.101.level",
-          "percent.-1.level", "percent.64.sun", "percent.64x.level", "percent..level", "percent.64.level.bolt",
-          "../percent.64.level", "velmora-percent-64-level-symbolic"})
+    for (const char* symbol : {"",
+                               ".",
+                               "battery",
+                               "battery.51",
+                               "battery.0.level",
+                               "percent",
+                               "percent.64",
+                               "percent.101.level",
+                               "time.1:45",
+                               "time.1:45.64",
+                               "time..64.level",
+                               "time.1 h.64.level",
+                               "time.1:45.101.level",
+                               "percent.-1.level",
+                               "percent.64.sun",
+                               "percent.64x.level",
+                               "percent..level",
+                               "percent.64.level.bolt",
+                               "../percent.64.level",
+                               "velmora-percent-64-level-symbolic"})
         EXPECT_FALSE(batteryPicture(symbol)) << symbol;
 }
 
@@ -168,6 +186,27 @@ TEST(BatteryPicture, HasDigitsThatCanBeToldApart) {
             }
         }
     }
+}
+
+TEST(BatteryPicture, HasTimesThatCanBeToldApart) {
+    const std::vector<std::pair<const char*, const char*>> pairs{
+        {"1:45", "1:46"}, {"1:45", "2:45"}, {"0:58", "0:59"}, {"2:08", "2:00"}, {"9:59", "12:05"}, {"12:05", "13:05"}};
+    for (const int size : GlyphImages::sizes) {
+        for (const auto& [one, other] : pairs) {
+            const auto text = [size](const std::string& time) {
+                return textOf(picture("time." + time + ".64.level", size));
+            };
+            EXPECT_GE(difference(text(one), text(other), qRgb(255, 255, 255)), std::max(2, size * size / 300))
+                << one << " and " << other << " at " << size << " px";
+        }
+    }
+}
+
+TEST(BatteryPicture, LeavesTheMinutesOfManyHoursOutWhereThereIsNoRoom) {
+    EXPECT_EQ(picture("time.12:05.64.level", 16), picture("time.12h.64.level", 16));
+    EXPECT_NE(picture("time.12:05.64.level", 22), picture("time.12h.64.level", 22));
+    EXPECT_NE(picture("time.9:59.64.level", 16), picture("time.9h.64.level", 16));
+    EXPECT_EQ(picture("time.100:00.64.level", 22), picture("time.100h.64.level", 22));
 }
 
 TEST(BatteryPicture, FillsTheBatteryToTheLevel) {

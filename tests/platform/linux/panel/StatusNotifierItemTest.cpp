@@ -210,6 +210,24 @@ TEST_F(StatusNotifierItemTest, CarriesTheNumberInTheIconWhereNoLabelIsShown) {
     EXPECT_NE(number.first().pixels, plain.first().pixels);
 }
 
+TEST_F(StatusNotifierItemTest, NamesWhatIsInAFileAndDrawsTheTimeItself) {
+    start(); // without a panel names are assumed to be enough
+    StatusItem::Content numbered = content();
+    numbered.numberSymbol = "percent.80.level";
+    ASSERT_TRUE(item->knowsSymbol(numbered.numberSymbol));
+    item->show(numbered);
+    EXPECT_EQ(item->property("IconName").toString(), "velmora-percent-80-level-symbolic");
+    EXPECT_TRUE(item->property("IconPixmap").value<StatusNotifierPixmaps>().isEmpty());
+    numbered.numberSymbol = "time.1:45.80.level";
+    ASSERT_TRUE(item->knowsSymbol(numbered.numberSymbol));
+    Signals told(*item);
+    item->show(numbered);
+    EXPECT_EQ(told.icons, 1);
+    EXPECT_EQ(item->property("IconName").toString(), "");
+    EXPECT_EQ(item->property("IconPixmap").value<StatusNotifierPixmaps>().size(), 7);
+    EXPECT_FALSE(item->knowsSymbol("time.soon.80.level"));
+}
+
 TEST_F(StatusNotifierItemTest, TellsThePanelOnlyWhatItDoesNotHave) {
     start();
     item->show(content());
