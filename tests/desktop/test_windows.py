@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""What the desktop is told of the program's windows, and how the popover closes inside a Wayland compositor."""
+"""What the desktop is told of the program's windows, and that the popover closes on any click elsewhere."""
 
 import unittest
 
@@ -81,6 +81,16 @@ class PopoverInWayland(WindowCase):
         self.never(lambda: self.screen.window_ids(TITLE), 0.5)
         self.screen.click(*self.box.centre)
         self.shown(TITLE)
+
+
+class PopoverOnX11(WindowCase):
+    def test_closes_also_if_it_was_opened_while_the_panel_had_the_pointer(self):
+        self.begin()
+        with self.screen.hold_button(SCREEN.width // 2, 14):
+            self.item.activate(*self.box.centre)
+            self.shown(TITLE)
+        self.screen.click(*SCREEN.centre)
+        self.gone(TITLE)
 
 
 class SettingsWindow(WindowCase):

@@ -14,9 +14,9 @@
 
 namespace {
 
-/// The connection to an X server inside a Wayland compositor; null for any other display.
-xcb_connection_t* connectionInWayland() {
-    return qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? nullptr : x11Connection();
+/// Whether the X server is inside a Wayland compositor.
+bool isInWayland() {
+    return !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
 void setAtoms(xcb_connection_t* connection, const QWindow& window, std::string_view property,
@@ -29,11 +29,12 @@ void setAtoms(xcb_connection_t* connection, const QWindow& window, std::string_v
                         atoms.data());
 }
 
+constexpr std::uint8_t transparentDepth = 32;
+
 /// The visual whose fourth byte is the opacity; none if the server has no such.
 xcb_visualid_t transparentVisual(const xcb_screen_t& screen) {
-    constexpr int depth = 32;
     for (auto depths = xcb_screen_allowed_depths_iterator(&screen); depths.rem > 0; xcb_depth_next(&depths)) {
-        if (depths.data->depth == depth && xcb_depth_visuals_length(depths.data) > 0)
+        if (depths.data->depth == transparentDepth && xcb_depth_visuals_length(depths.data) > 0)
             return xcb_depth_visuals(depths.data)->visual_id;
     }
     return XCB_NONE;
@@ -67,6 +68,23 @@ std::vector<xcb_rectangle_t> around(xcb_connection_t* connection, const xcb_scre
     return rectangles;
 }
 
+/// A window that tells of clicks. Without a visual it has no picture; with one it is wholly transparent.
+xcb_window_t invisibleWindow(xcb_connection_t* connection, xcb_window_t root, const xcb_rectangle_t& place,
+                             xcb_visualid_t visual, xcb_colormap_t colours) {
+    const bool hasPicture = visual != XCB_NONE;
+    // In the order of their bits: background, border, no frame, what we want to hear of, colours.
+    const std::array<std::uint32_t, 5> values{0, 0, 1, XCB_EVENT_MASK_BUTTON_PRESS, colours};
+    const std::uint32_t always = XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK;
+    const std::uint32_t ofPicture = XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_COLORMAP;
+    const xcb_window_t window = xcb_generate_id(connection);
+    xcb_create_window(connection, hasPicture ? transparentDepth : 0, window, root, place.x, place.y, place.width,
+                      place.height, 0, hasPicture ? XCB_WINDOW_CLASS_INPUT_OUTPUT : XCB_WINDOW_CLASS_INPUT_ONLY,
+                      hasPicture ? visual : XCB_COPY_FROM_PARENT, hasPicture ? always | ofPicture : always,
+                      hasPicture ? values.data() : values.data() + 2);
+    xcb_map_window(connection, window);
+    return window;
+}
+
 } // namespace
 
 X11Windows::~X11Windows() {
@@ -74,8 +92,8 @@ X11Windows::~X11Windows() {
 }
 
 void X11Windows::willShowPopover(QWindow& window) {
-    xcb_connection_t* connection = connectionInWayland();
-    if (connection == nullptr)
+    xcb_connection_t* connection = x11Connection();
+    if (connection == nullptr || !isInWayland())
         return;
     // Before each showing, because window managers remove the property from a hidden window. Qt adds to it.
     setAtoms(connection, window, "_NET_WM_STATE",
@@ -84,41 +102,36 @@ void X11Windows::willShowPopover(QWindow& window) {
 
 void X11Windows::popoverShown(QWindow& window, std::function<void()> clickedElsewhere) {
     popoverHidden();
-    xcb_connection_t* connection = connectionInWayland();
+    xcb_connection_t* connection = x11Connection();
     if (connection == nullptr)
         return;
     const xcb_screen_t& screen = x11Screen(connection);
-    const xcb_visualid_t visual = transparentVisual(screen);
-    if (visual == XCB_NONE)
+    // A Wayland compositor knows only windows with a picture; elsewhere they need none.
+    const xcb_visualid_t visual = isInWayland() ? transparentVisual(screen) : xcb_visualid_t{XCB_NONE};
+    if (visual != XCB_NONE) {
+        colours_ = xcb_generate_id(connection);
+        xcb_create_colormap(connection, XCB_COLORMAP_ALLOC_NONE, colours_, screen.root, visual);
+    } else if (isInWayland()) {
         return;
-    clickedElsewhere_ = std::move(clickedElsewhere);
-    colours_ = xcb_generate_id(connection);
-    xcb_create_colormap(connection, XCB_COLORMAP_ALLOC_NONE, colours_, screen.root, visual);
-    // In the order of their bits: background, border, no frame, what we want to hear of, colours.
-    const std::array<std::uint32_t, 5> values{0, 0, 1, XCB_EVENT_MASK_BUTTON_PRESS, colours_};
-    for (const xcb_rectangle_t& one : around(connection, screen, static_cast<xcb_window_t>(window.winId()))) {
-        around_.push_back(xcb_generate_id(connection));
-        xcb_create_window(connection, 32, around_.back(), screen.root, one.x, one.y, one.width, one.height, 0,
-                          XCB_WINDOW_CLASS_INPUT_OUTPUT, visual,
-                          XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK |
-                              XCB_CW_COLORMAP,
-                          values.data());
-        xcb_map_window(connection, around_.back());
     }
+    for (const xcb_rectangle_t& place : around(connection, screen, static_cast<xcb_window_t>(window.winId())))
+        around_.push_back(invisibleWindow(connection, screen.root, place, visual, colours_));
     xcb_flush(connection);
+    clickedElsewhere_ = std::move(clickedElsewhere);
     QCoreApplication::instance()->installNativeEventFilter(this);
 }
 
 void X11Windows::popoverHidden() {
-    if (colours_ == 0)
+    if (!clickedElsewhere_)
         return;
+    clickedElsewhere_ = {};
     QCoreApplication::instance()->removeNativeEventFilter(this);
-    xcb_connection_t* connection = connectionInWayland();
+    xcb_connection_t* connection = x11Connection();
     for (const xcb_window_t window : std::exchange(around_, {}))
         xcb_destroy_window(connection, window);
-    xcb_free_colormap(connection, std::exchange(colours_, 0));
+    if (colours_ != 0)
+        xcb_free_colormap(connection, std::exchange(colours_, 0));
     xcb_flush(connection);
-    clickedElsewhere_ = {};
 }
 
 void X11Windows::willShowSettings(QWindow& window) {

@@ -10,7 +10,9 @@
 
 /// Our windows on an X server; on any other display this does nothing. Inside a Wayland compositor the popover is a
 /// window like others, so it stands in the task list unless that is told otherwise; and it hears nothing of clicks on
-/// the panel and on the wallpaper, which take the focus from nobody.
+/// the panel and on the wallpaper, which take the focus from nobody. Outside of one it is a popup, which cannot take
+/// the pointer for itself while the button that opened it is still held on the panel (Cinnamon tells of a click when
+/// the button is pressed), so it would hear nothing of later clicks.
 class X11Windows final : public DesktopWindows, private QAbstractNativeEventFilter {
 public:
     X11Windows() = default;
@@ -26,7 +28,7 @@ public:
 private:
     /// Invisible windows over all of the screen but the popover.
     std::vector<std::uint32_t> around_;
-    std::uint32_t colours_ = 0; ///< their colour map
+    std::uint32_t colours_ = 0; ///< their colour map; 0 where they need none
     std::function<void()> clickedElsewhere_;
 
     bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
