@@ -27,6 +27,8 @@ TRAY = Box(PANEL.width - 160, 0, 159, PANEL.height - 1)
 BELOW_PANEL = Box(0, PANEL.height, SCREEN.width, SCREEN.height - PANEL.height)
 START_SECONDS = 20
 
+SERVICES = Path("/usr/share/dbus-1/services")
+
 # "nobody": exists everywhere, owns nothing, and needs no entry in /etc/passwd.
 ORDINARY_USER = 65534
 
@@ -36,6 +38,7 @@ BUS_CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus
   <type>{kind}</type>
   <listen>unix:path={socket}</listen>
   <auth>EXTERNAL</auth>
+  {services}
   <policy context="default">
     <allow user="*"/>
     <allow send_destination="*" eavesdrop="true"/>
@@ -92,8 +95,13 @@ class PrivateDesktop:
         window_manager=True,
         ordinary_user=False,
         window_on=None,
+        xfce_settings=True,
+        services=(),
+        variables=None,
     ):
         """`ordinary_user`: even if we are root, programs started here are not, because some compositors refuse to be.
+        `services`: patterns for names that the session bus may start programs for; `variables`: further ones in the
+        environment, which those programs have, too.
         `window_on`: the environment of a desktop with a display; this desktop is then shown in a window there."""
         self._window_on = window_on
         self._user = ORDINARY_USER if ordinary_user and os.geteuid() == 0 else None
@@ -118,7 +126,7 @@ class PrivateDesktop:
             "NO_AT_BRIDGE": "1",
             "GIO_USE_VFS": "local",
             "GSETTINGS_BACKEND": "memory",
-        }
+        } | (variables or {})
         # The program's history.
         self.history_file = self.home / ".local/share/Velmora/history.json"
         self.defaults_file = self.config / "Velmora/defaults.json"
@@ -127,13 +135,15 @@ class PrivateDesktop:
         self.bus = None
         try:
             self._start_x_server()
-            self.session_bus = self._start_bus("session", "DBUS_SESSION_BUS_ADDRESS")
-            self.bus = Bus(self.environment["DBUS_SESSION_BUS_ADDRESS"])
             self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = f"unix:path={self.runtime}/system-bus"
+            self._permit_services(services)
+            self.session_bus = self._start_bus("session", "DBUS_SESSION_BUS_ADDRESS", self._user)
+            self.bus = Bus(self.environment["DBUS_SESSION_BUS_ADDRESS"])
             if system_bus:
                 self.start_system_bus()
-            self._write_panel_configuration(dark)
-            self._start_settings()
+            if xfce_settings:
+                self._write_panel_configuration(dark)
+                self._start_settings()
             if window_manager:
                 self.start("xfwm4", ["xfwm4", "--compositor=off"])
                 managed = lambda: self._tool("get_num_desktops").returncode == 0
@@ -304,12 +314,21 @@ class PrivateDesktop:
         self.x_server, number = self._start_and_hear(command[0], command, self._window_on)
         self.environment |= {"DISPLAY": f":{number}", "XAUTHORITY": str(authority)}
 
-    def _start_bus(self, kind, variable):
+    def _permit_services(self, patterns):
+        folder = self._make_folder("run/services")
+        for pattern in patterns:
+            for file in SERVICES.glob(f"{pattern}.service"):
+                (folder / file.name).symlink_to(file)
+
+    def _start_bus(self, kind, variable, user=None):
         socket = self.runtime / f"{kind}-bus"
         configuration = self.runtime / f"{kind}.conf"
-        configuration.write_text(BUS_CONFIGURATION.format(kind=kind, socket=socket), encoding="utf-8")
+        services = f"<servicedir>{self.runtime}/services</servicedir>" if kind == "session" else ""
+        text = BUS_CONFIGURATION.format(kind=kind, socket=socket, services=services)
+        configuration.write_text(text, encoding="utf-8")
         command = ["dbus-daemon", "--nofork", "--nopidfile", f"--config-file={configuration}", "--print-address"]
-        bus, self.environment[variable] = self._start_and_hear(f"{kind}-bus", command)
+        self.hand_over(self.folder)
+        bus, self.environment[variable] = self._start_and_hear(f"{kind}-bus", command, user=user)
         return bus
 
     def refuse_name(self, name):
@@ -320,12 +339,12 @@ class PrivateDesktop:
         bus = "org.freedesktop.DBus"
         self.bus.call(bus, "/org/freedesktop/DBus", bus, "ReloadConfig")
 
-    def _start_and_hear(self, name, command, environment=None):
+    def _start_and_hear(self, name, command, environment=None, user=None):
         """Starts a server that prints a line on a file descriptor, its last argument, when it is ready; returns the
-        process and the line. The server runs as the same user as we do."""
+        process and the line. The server runs as the same user as we do if no other is given."""
         reading, writing = os.pipe()
         with os.fdopen(reading) as answer:
-            process = self._start(name, [*command, writing], environment, [writing], None)
+            process = self._start(name, [*command, writing], environment, [writing], user)
             os.close(writing)
             ready, _, _ = select.select([answer], [], [], START_SECONDS)
             line = answer.readline().strip() if ready else ""
@@ -335,7 +354,7 @@ class PrivateDesktop:
 
     def _start_settings(self):
         # Its path differs between architectures; the D-Bus service file has it.
-        service = Path("/usr/share/dbus-1/services/org.xfce.Xfconf.service").read_text(encoding="utf-8")
+        service = (SERVICES / "org.xfce.Xfconf.service").read_text(encoding="utf-8")
         command = next(line.removeprefix("Exec=") for line in service.splitlines() if line.startswith("Exec="))
         self.start("xfconfd", command.split())
         self._wait_for_name("org.xfce.Xfconf")

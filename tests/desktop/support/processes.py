@@ -3,6 +3,7 @@
 
 import signal
 import subprocess
+from pathlib import Path
 
 from .waiting import wait_until
 
@@ -78,3 +79,18 @@ class Process:
         """Kills the program."""
         self.send(signal.SIGKILL)
         self._process.wait()
+
+
+def children(pid):
+    """The processes whose parent this is, by number, with their names."""
+    found = {}
+    for folder in Path("/proc").glob("[0-9]*"):
+        try:
+            fields = (folder / "stat").read_text(encoding="utf-8", errors="replace")
+        except OSError:  # it has just ended
+            continue
+        # The name is in brackets and may contain some itself.
+        name, rest = fields.split("(", 1)[1].rsplit(")", 1)
+        if int(rest.split()[1]) == pid:
+            found[int(folder.name)] = name
+    return found

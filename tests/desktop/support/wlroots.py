@@ -17,7 +17,7 @@ TRAY = Box(SCREEN.width - 160, 0, 160, BAR_HEIGHT)
 
 CONFIGURATION = """xwayland disable
 output X11-1 resolution {width}x{height} position 0 0 scale {scale}
-seat * hide_cursor 100
+{pointer}
 {bar}
 """
 
@@ -48,8 +48,10 @@ def open_shared_memory():
 class WlrootsDesktop(PrivateDesktop):
     """A private desktop whose panel is a bar of sway. Nothing in it runs as root, because sway refuses to."""
 
-    def __init__(self, bar="swaybar", dark=True, scale=1, height=BAR_HEIGHT):
-        """`bar` is "swaybar" or "waybar"; with `height` None the bar decides."""
+    def __init__(self, bar="swaybar", dark=True, scale=1, height=BAR_HEIGHT, hide_pointer=True):
+        """`bar` is "swaybar" or "waybar"; with `height` None the bar decides. A pointer that sway hides when it rests
+        is for programs not there any more: they show no tooltips."""
+        self._pointer = "seat * hide_cursor 100" if hide_pointer else ""
         open_shared_memory()
         super().__init__(panel=False, window_manager=False, ordinary_user=True)
         self.environment["XDG_CURRENT_DESKTOP"] = "sway"
@@ -103,7 +105,7 @@ class WlrootsDesktop(PrivateDesktop):
     def _start_sway(self, scale, bar):
         file = self.config / "sway.conf"
         size = {"width": SCREEN.width, "height": SCREEN.height, "scale": scale}
-        file.write_text(CONFIGURATION.format(**size, bar=bar), encoding="utf-8")
+        file.write_text(CONFIGURATION.format(**size, bar=bar, pointer=self._pointer), encoding="utf-8")
         changes = {"WLR_BACKENDS": "x11", "WLR_RENDERER": "pixman", "WLR_X11_OUTPUTS": "1"}
         self._panel = self._compositor = self.start("sway", ["sway", "--config", file], self.environment | changes)
         wait_until(self._find_sway, START_SECONDS, lambda: f"sway is ready; {self._panel.errors}")
