@@ -9,20 +9,25 @@
 /// Writes down what it is told of our windows.
 class FakeDesktopWindows final : public DesktopWindows {
 public:
-    FakeJournal told;
+    /// `journal` may be null.
+    explicit FakeDesktopWindows(FakeJournal* journal = nullptr) : journal_(journal) {}
+
     std::function<void()> clickedElsewhere; ///< empty while the popover is hidden
 
-    void willShowPopover(QWindow& /*window*/) override { told.push_back("willShowPopover"); }
+    void willShowPopover(QWindow& /*window*/) override { note(journal_, "willShowPopover"); }
 
     void popoverShown(QWindow& /*window*/, std::function<void()> callback) override {
-        told.push_back("popoverShown");
+        note(journal_, "popoverShown");
         clickedElsewhere = std::move(callback);
     }
 
     void popoverHidden() override {
-        told.push_back("popoverHidden");
+        note(journal_, "popoverHidden");
         clickedElsewhere = {};
     }
 
-    void willShowSettings(QWindow& /*window*/) override { told.push_back("willShowSettings"); }
+    void willShowSettings(QWindow& /*window*/) override { note(journal_, "willShowSettings"); }
+
+private:
+    FakeJournal* journal_;
 };

@@ -197,19 +197,20 @@ TEST_F(PopoverTest, ShowsNoScrollBarWhereAllOfItFits) {
 }
 
 TEST(PopoverWindow, IsMadeKnownToTheDesktopAndClosedByAClickThatThisTellsOf) {
-    FakeDesktopWindows desktop;
+    FakeJournal told;
+    FakeDesktopWindows desktop(&told);
     Popover popover(&desktop);
     popover.setContent(new QWidget);
     popover.findChild<QScrollArea*>()->widget()->setLayout(new QVBoxLayout);
     popover.showAt(std::nullopt);
-    EXPECT_EQ(desktop.told, (FakeJournal{"willShowPopover", "popoverShown"}));
+    EXPECT_EQ(told, (FakeJournal{"willShowPopover", "popoverShown"}));
     popover.place();
-    EXPECT_EQ(desktop.told.back(), "popoverShown") << "it may be higher now";
-    desktop.told.clear();
+    EXPECT_EQ(told.back(), "popoverShown") << "it may be higher now";
+    told.clear();
     const auto click = desktop.clickedElsewhere;
     click();
     EXPECT_FALSE(popover.isVisible());
-    EXPECT_EQ(desktop.told, FakeJournal{"popoverHidden"});
+    EXPECT_EQ(told, FakeJournal{"popoverHidden"});
     popover.place();
-    EXPECT_EQ(desktop.told, FakeJournal{"popoverHidden"});
+    EXPECT_EQ(told, FakeJournal{"popoverHidden"});
 }

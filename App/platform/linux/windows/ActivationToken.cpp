@@ -3,11 +3,16 @@
 
 #include "platform/linux/windows/X11.h"
 
+#include <QGuiApplication>
 #include <QString>
+#include <QTimer>
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdlib>
+#include <iterator>
+#include <utility>
 
 namespace {
 
@@ -33,13 +38,14 @@ void endStartup(xcb_connection_t* connection, const QByteArray& token) {
     piece.format = 8;
     piece.window = sender;
     piece.type = x11Atom(connection, "_NET_STARTUP_INFO_BEGIN");
+    const xcb_atom_t next = x11Atom(connection, "_NET_STARTUP_INFO");
     constexpr qsizetype size = sizeof piece.data.data8;
     for (qsizetype begin = 0; begin < text.size(); begin += size) {
         const qsizetype end = std::min(begin + size, text.size());
         std::fill(std::begin(piece.data.data8), std::end(piece.data.data8), 0);
         std::copy(text.begin() + begin, text.begin() + end, piece.data.data8);
         xcb_send_event(connection, 0, root, XCB_EVENT_MASK_PROPERTY_CHANGE, reinterpret_cast<const char*>(&piece));
-        piece.type = x11Atom(connection, "_NET_STARTUP_INFO");
+        piece.type = next;
     }
     xcb_destroy_window(connection, sender);
     xcb_flush(connection);
@@ -61,8 +67,14 @@ void takeActivationToken(const QString& token) {
     const QByteArray bytes = token.toUtf8();
     if (bytes.size() > mostBytes)
         return;
-    if (xcb_connection_t* connection = x11Connection())
-        endStartup(connection, bytes);
-    else
+    xcb_connection_t* connection = x11Connection();
+    if (connection == nullptr) {
         leaveInEnvironment(bytes);
+        return;
+    }
+    // Of many that come together only the last is given back: anybody on the bus may send them, and each costs time.
+    constexpr std::chrono::milliseconds together(100);
+    static QByteArray last;
+    if (std::exchange(last, bytes).isEmpty())
+        QTimer::singleShot(together, qGuiApp, [connection] { endStartup(connection, std::exchange(last, {})); });
 }
