@@ -128,11 +128,14 @@ void FreedesktopNotifications::send(const std::string& identifier, std::optional
     QStringList actions;
     for (const std::string& text : plan.actions)
         actions.append(QString::fromStdString(text));
+    QVariantMap hints = hintsOf(plan, request);
+    if (daemon_.server().wantsImage)
+        hints.insert(QStringLiteral("image-path"), icon_);
     daemon_.notify({.icon = icon_,
                     .summary = QString::fromStdString(request.title),
                     .body = QString::fromStdString(plan.body),
                     .actions = actions,
-                    .hints = hintsOf(plan, request)},
+                    .hints = hints},
                    entry.id,
                    [this, identifier, order = entry.order, sound = plan.playsSound ? request.sound : std::nullopt](
                        std::optional<uint> id) { sent(identifier, order, id, sound); });

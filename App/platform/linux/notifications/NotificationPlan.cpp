@@ -66,6 +66,7 @@ NotificationServer notificationServer(std::string_view name, const std::vector<s
     return {.drawsActions = contains(capabilities, "actions"),
             .parsesBody = contains(capabilities, "body-markup"),
             .playsSounds = playsSounds,
+            .wantsImage = name == "Budgie Notification Server", // QUIRK: it draws an envelope otherwise
             .doNotDisturb = doNotDisturbSource(name)};
 }
 

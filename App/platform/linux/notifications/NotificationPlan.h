@@ -18,6 +18,7 @@ struct NotificationServer {
     bool drawsActions = false; ///< it takes buttons; not every such daemon draws them
     bool parsesBody = false;   ///< the body is read as markup
     bool playsSounds = false;  ///< it plays any sound we name, respecting its own do-not-disturb
+    bool wantsImage = false;   ///< it shows a file only as the notification's image, not as the program's icon
     std::optional<DoNotDisturbSource> doNotDisturb;
     bool operator==(const NotificationServer&) const = default;
 };

@@ -42,6 +42,14 @@ TEST_F(FreedesktopNotificationsTest, SendsARequestAsTheProtocolHasIt) {
     EXPECT_EQ(sent.hints.value(QStringLiteral("urgency")).typeId(), QMetaType::UChar);
 }
 
+TEST_F(FreedesktopNotificationsTest, SendsItsIconAsAnImageWhereThatIsNotShownOtherwise) {
+    daemon.serverName = QStringLiteral("Budgie Notification Server");
+    startWithDaemon();
+    add(request("tooLong"));
+    ASSERT_EQ(daemon.sent.size(), 1U);
+    EXPECT_EQ(daemon.sent[0].hints.value(QStringLiteral("image-path")), QStringLiteral("/icon.svg"));
+}
+
 TEST_F(FreedesktopNotificationsTest, SendsButtonsOnlyWhereTheyAreTakenAndOnlyThoseOfTheCategory) {
     daemon.capabilities = QStringList{QStringLiteral("body")};
     startWithDaemon();
