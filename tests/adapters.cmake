@@ -36,6 +36,7 @@ add_executable(velmora_adapter_tests
     platform/linux/notifications/NotificationSoundTest.cpp
     platform/linux/panel/PanelBarTest.cpp
     platform/linux/dialogs/PortalSaveDialogTest.cpp
+    platform/linux/appearance/KdeSettingsTest.cpp
     platform/linux/appearance/PortalSettingsTest.cpp
     platform/linux/files/PosixFilesTest.cpp
     platform/linux/power/PowerProfilesTest.cpp

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -14,8 +15,21 @@ struct Appearance {
         bool operator==(const Font&) const = default;
     };
 
+    /// Red, green and blue.
+    using Colour = std::array<std::uint8_t, 3>;
+
+    /// A whole scheme, as some desktops tell it.
+    struct Colours {
+        Colour window, windowText; ///< dialogs
+        Colour base, text;         ///< lists and text fields
+        Colour button, buttonText;
+        Colour highlight, highlightedText; ///< what is chosen
+        bool operator==(const Colours&) const = default;
+    };
+
     std::optional<bool> isDark;
     std::optional<std::array<double, 3>> accent; ///< red, green, blue from 0 to 1
     std::optional<Font> font;
+    std::optional<Colours> colours = std::nullopt; ///< where these are told, the first two are of no account
     bool operator==(const Appearance&) const = default;
 };

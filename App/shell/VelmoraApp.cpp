@@ -188,6 +188,8 @@ int main(int argc, char** argv) {
         systemBus.start();
         if (followsPortal(desktops.toStdString(), themeChoice.toStdString()))
             appearance.start(isXfce(desktops.toStdString()));
+        else if (followsKde(desktops.toStdString(), themeChoice.toStdString()))
+            appearance.startOnKde(xdgConfigHome() / "kdeglobals");
         for (const auto& file : {HistoryStore::file(files), defaultsFile, NotificationConsent::file(stateFolder),
                                  RunningNotice::file(stateFolder)})
             files.removeLeftovers(file);

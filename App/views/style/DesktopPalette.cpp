@@ -24,9 +24,28 @@ QPalette darkPalette() {
     return palette;
 }
 
+QPalette paletteOf(const Appearance::Colours& colours) {
+    const auto colour = [](const Appearance::Colour& told) { return QColor(told[0], told[1], told[2]); };
+    QPalette palette(colour(colours.button), colour(colours.window)); // with shades for edges and what is disabled
+    palette.setColor(QPalette::WindowText, colour(colours.windowText));
+    palette.setColor(QPalette::Base, colour(colours.base));
+    palette.setColor(QPalette::Text, colour(colours.text));
+    palette.setColor(QPalette::ButtonText, colour(colours.buttonText));
+    palette.setColor(QPalette::Highlight, colour(colours.highlight));
+    palette.setColor(QPalette::HighlightedText, colour(colours.highlightedText));
+    QColor faint = palette.color(QPalette::Text);
+    faint.setAlpha(0x80);
+    palette.setColor(QPalette::PlaceholderText, faint);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, faint);
+    return palette;
+}
+
 } // namespace
 
 QPalette desktopPalette(const QPalette& own, const Appearance& appearance) {
+    if (appearance.colours)
+        return paletteOf(*appearance.colours);
     QPalette palette = appearance.isDark.value_or(false) ? darkPalette() : own;
     if (appearance.accent) {
         const auto part = [&](std::size_t i) { return static_cast<float>((*appearance.accent)[i]); };

@@ -28,6 +28,29 @@ TEST(DesktopPalette, CanBeReadInTheDark) {
     EXPECT_GE(readability(dark, QPalette::Link, QPalette::Base), 4.5);
 }
 
+TEST(DesktopPalette, IsMadeOfTheColoursThatTheDesktopTells) {
+    Appearance appearance;
+    appearance.isDark = false;
+    appearance.colours = {.window = {42, 46, 50},
+                          .windowText = {250, 250, 250},
+                          .base = {27, 30, 32},
+                          .text = {251, 251, 251},
+                          .button = {49, 54, 59},
+                          .buttonText = {252, 252, 252},
+                          .highlight = {61, 174, 233},
+                          .highlightedText = {253, 253, 253}};
+    const QPalette told = desktopPalette(light, appearance);
+    EXPECT_EQ(told.color(QPalette::Window), QColor(42, 46, 50));
+    EXPECT_EQ(told.color(QPalette::WindowText), QColor(250, 250, 250));
+    EXPECT_EQ(told.color(QPalette::Base), QColor(27, 30, 32));
+    EXPECT_EQ(told.color(QPalette::Text), QColor(251, 251, 251));
+    EXPECT_EQ(told.color(QPalette::Button), QColor(49, 54, 59));
+    EXPECT_EQ(told.color(QPalette::ButtonText), QColor(252, 252, 252));
+    EXPECT_EQ(told.color(QPalette::Highlight), QColor(61, 174, 233));
+    EXPECT_EQ(told.color(QPalette::HighlightedText), QColor(253, 253, 253));
+    EXPECT_GE(readability(told, QPalette::WindowText, QPalette::Window), 7);
+}
+
 TEST(DesktopPalette, TheAccentIsTheColourOfWhatIsChosen) {
     const std::array<std::array<double, 3>, 4> accents{
         {{0.2, 0.52, 0.89}, {0.9, 0.9, 0.1}, {0.57, 0.25, 0.67}, {0, 0, 0}}};

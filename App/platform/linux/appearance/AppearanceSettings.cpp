@@ -109,6 +109,10 @@ bool followsPortal(std::string_view desktops, std::string_view userChoice) {
     return userChoice.empty() && !names(desktops, "kde") && !names(desktops, "lxqt");
 }
 
+bool followsKde(std::string_view desktops, std::string_view userChoice) {
+    return names(desktops, "kde") && (userChoice.empty() || userChoice == "kde");
+}
+
 bool isXfce(std::string_view desktops) {
     return names(desktops, "xfce");
 }

@@ -36,5 +36,8 @@ bool refusesQtPlatformTheme(std::string_view desktops, std::string_view userChoi
 /// chosen another.
 bool followsPortal(std::string_view desktops, std::string_view userChoice);
 
+/// Whether to take changes of the colours from Plasma: Qt reads its colours, but at the start only.
+bool followsKde(std::string_view desktops, std::string_view userChoice);
+
 /// Whether this desktop keeps its appearance in Xfce's settings.
 bool isXfce(std::string_view desktops);

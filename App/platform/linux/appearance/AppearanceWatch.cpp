@@ -6,7 +6,8 @@
 AppearanceWatch::AppearanceWatch(const QDBusConnection& bus, std::function<void(const Appearance&)> changed)
     : changed_(std::move(changed))
     , portal_(bus, [this] { update(); })
-    , xfce_(bus, [this] { update(); }) {}
+    , xfce_(bus, [this] { update(); })
+    , kde_(bus, [this] { update(); }) {}
 
 void AppearanceWatch::start(bool isXfce) {
     portal_.start();
@@ -14,8 +15,13 @@ void AppearanceWatch::start(bool isXfce) {
         xfce_.start();
 }
 
+void AppearanceWatch::startOnKde(std::filesystem::path kdeglobals) {
+    kde_.start(std::move(kdeglobals));
+}
+
 void AppearanceWatch::update() {
-    const Appearance appearance = appearanceOf(portal_.settings(), xfce_.settings());
+    Appearance appearance = appearanceOf(portal_.settings(), xfce_.settings());
+    appearance.colours = kde_.colours();
     if (std::exchange(appearance_, appearance) != appearance)
         changed_(appearance);
 }

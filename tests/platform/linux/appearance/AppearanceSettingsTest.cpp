@@ -129,4 +129,12 @@ TEST(Appearance, FollowsThePortalWhereNobodyElseKnowsTheLook) {
     EXPECT_FALSE(followsPortal("GNOME", "qt6ct"));
 }
 
+TEST(AppearanceSettings, OnPlasmaQtsOwnThemeIsFollowed) {
+    EXPECT_TRUE(followsKde("KDE", ""));
+    EXPECT_TRUE(followsKde("KDE", "kde"));
+    EXPECT_FALSE(followsKde("KDE", "qt6ct"));
+    for (const char* desktops : {"", "GNOME", "XFCE", "LXQt", "KDEish"})
+        EXPECT_FALSE(followsKde(desktops, "")) << desktops;
+}
+
 } // namespace
