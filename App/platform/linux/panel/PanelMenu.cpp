@@ -14,8 +14,13 @@ PanelMenu::PanelMenu() = default;
 PanelMenu::~PanelMenu() = default;
 
 void PanelMenu::show(const std::vector<StatusItem::MenuEntry>& entries, ScreenPoint point) {
-    if (!menu_)
+    if (!menu_) {
         menu_ = std::make_unique<QMenu>();
+        menu_->setWindowFlag(Qt::FramelessWindowHint); // no title bar, see below
+    }
     fillMenu(*menu_, entries);
+    // In Wayland a menu that belongs to no window is a window like others; a fixed size makes a tiling compositor let
+    // it float.
+    menu_->setFixedSize(menu_->sizeHint());
     menu_->popup(QPoint(point.x, point.y));
 }
