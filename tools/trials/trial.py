@@ -253,11 +253,7 @@ class Trial(Session):
     def restart(self):
         self.has_item()
         self.desktop.kill_panel()
-        self.desktop.start_panel()
-        start = time.monotonic()
-        self.find()
-        self.keep("panel-restarted")
-        return f"seen again, known {time.monotonic() - start:.0f} s after the panel was ready"
+        return f"seen again, {self.panel_starts('panel-restarted')}"
 
     def late_panel(self):
         self.desktop.kill_panel()
@@ -266,11 +262,14 @@ class Trial(Session):
         alive = watch(lambda: self.program.process.running, LATE_SECONDS)
         if [seen for _, seen in alive] != [True]:
             raise Wrong(f"the program ends without a panel: {self.program.process.errors}")
+        return f"seen, {self.panel_starts('panel-later')}"
+
+    def panel_starts(self, picture):
         self.desktop.start_panel()
         start = time.monotonic()
         self.find()
-        self.keep("panel-later")
-        return f"seen, known {time.monotonic() - start:.0f} s after the panel was ready"
+        self.keep(picture)
+        return f"known {time.monotonic() - start:.0f} s after the panel was ready"
 
     def end(self):
         process = self.program.process
