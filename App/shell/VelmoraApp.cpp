@@ -189,7 +189,7 @@ int main(int argc, char** argv) {
         if (followsPortal(desktops.toStdString(), themeChoice.toStdString()))
             appearance.start(isXfce(desktops.toStdString()));
         else if (followsKde(desktops.toStdString(), themeChoice.toStdString()))
-            appearance.startOnKde(xdgConfigHome() / "kdeglobals");
+            appearance.startOnKde(files, xdgConfigHome() / "kdeglobals");
         for (const auto& file : {HistoryStore::file(files), defaultsFile, NotificationConsent::file(stateFolder),
                                  RunningNotice::file(stateFolder)})
             files.removeLeftovers(file);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/style/DesktopPalette.h"
 
+#include "support/BreezeDark.h"
 #include "views/style/ViewStyle.h"
 
 #include <gtest/gtest.h>
@@ -31,14 +32,7 @@ TEST(DesktopPalette, CanBeReadInTheDark) {
 TEST(DesktopPalette, IsMadeOfTheColoursThatTheDesktopTells) {
     Appearance appearance;
     appearance.isDark = false;
-    appearance.colours = {.window = {42, 46, 50},
-                          .windowText = {250, 250, 250},
-                          .base = {27, 30, 32},
-                          .text = {251, 251, 251},
-                          .button = {49, 54, 59},
-                          .buttonText = {252, 252, 252},
-                          .highlight = {61, 174, 233},
-                          .highlightedText = {253, 253, 253}};
+    appearance.colours = breezeDark;
     const QPalette told = desktopPalette(light, appearance);
     EXPECT_EQ(told.color(QPalette::Window), QColor(42, 46, 50));
     EXPECT_EQ(told.color(QPalette::WindowText), QColor(250, 250, 250));

@@ -15,8 +15,8 @@ void AppearanceWatch::start(bool isXfce) {
         xfce_.start();
 }
 
-void AppearanceWatch::startOnKde(std::filesystem::path kdeglobals) {
-    kde_.start(std::move(kdeglobals));
+void AppearanceWatch::startOnKde(Files& files, std::filesystem::path kdeglobals) {
+    kde_.start(files, std::move(kdeglobals));
 }
 
 void AppearanceWatch::update() {

@@ -19,7 +19,7 @@ public:
     void start(bool isXfce);
 
     /// On Plasma: follows changes of the colours, which are in this file.
-    void startOnKde(std::filesystem::path kdeglobals);
+    void startOnKde(Files& files, std::filesystem::path kdeglobals);
 
 private:
     std::function<void(const Appearance&)> changed_;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/appearance/KdeColours.h"
 
+#include "support/BreezeDark.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -8,7 +10,7 @@
 namespace {
 
 // As Plasma 5.27 writes Breeze Dark, shortened.
-const std::string breezeDark = R"([Colors:Button]
+const std::string file = R"([Colors:Button]
 BackgroundAlternate=30,87,116
 BackgroundNormal=49,54,59
 ForegroundNormal=252,252,252
@@ -39,21 +41,13 @@ std::string without(std::string text, const std::string& part, const std::string
 } // namespace
 
 TEST(KdeColours, AreThoseOfTheFile) {
-    const Appearance::Colours expected{.window = {42, 46, 50},
-                                       .windowText = {250, 250, 250},
-                                       .base = {27, 30, 32},
-                                       .text = {251, 251, 251},
-                                       .button = {49, 54, 59},
-                                       .buttonText = {252, 252, 252},
-                                       .highlight = {61, 174, 233},
-                                       .highlightedText = {253, 253, 253}};
-    EXPECT_EQ(kdeColours(breezeDark), expected);
+    EXPECT_EQ(kdeColours(file), breezeDark);
 }
 
 TEST(KdeColours, AreNoneIfOneIsMissingOrNoColour) {
     EXPECT_EQ(kdeColours(""), std::nullopt);
-    EXPECT_EQ(kdeColours(without(breezeDark, "ForegroundNormal=250,250,250")), std::nullopt);
-    EXPECT_EQ(kdeColours(without(breezeDark, "[Colors:View]")), std::nullopt);
+    EXPECT_EQ(kdeColours(without(file, "ForegroundNormal=250,250,250")), std::nullopt);
+    EXPECT_EQ(kdeColours(without(file, "[Colors:View]")), std::nullopt);
     for (const char* broken : {"42,46", "42,46,50,60", "256,46,50", "-1,46,50", "42, 46,50", "42,46,", "#2a2e32", ""})
-        EXPECT_EQ(kdeColours(without(breezeDark, "42,46,50", broken)), std::nullopt) << broken;
+        EXPECT_EQ(kdeColours(without(file, "42,46,50", broken)), std::nullopt) << broken;
 }
