@@ -63,7 +63,7 @@ class HistoryAtTheEnd(DesktopCase):
         self.soon_equal(self.levels, [64], SHOW_SECONDS)
 
     def levels(self):
-        return history.levels(history.read(self.screen)[1]) if self.screen.history_file.exists() else None
+        return history.levels_on_disk(self.screen)
 
     def check(self):
         self.program.process.wait_exit(END_SECONDS)

@@ -20,11 +20,10 @@ class WhenTheCompositorGoes(DesktopCase):
         laptop.set_level(61)
         laptop.event("BAT0")
         self.soon_equal(lambda: program.item.label, " 61%", SHOW_SECONDS)
-        levels = lambda: history.levels(history.read(desktop)[1])
-        self.assertEqual(levels(), [64])
+        self.soon_equal(lambda: history.levels_on_disk(desktop), [64], SHOW_SECONDS)
         desktop.kill_compositor()
         program.process.wait_exit(END_SECONDS)
-        self.assertEqual(levels(), [64, 61])
+        self.assertEqual(history.levels_on_disk(desktop), [64, 61])
 
 
 if __name__ == "__main__":

@@ -33,3 +33,8 @@ def samples(content):
 def levels(content):
     """The percentages, oldest first; the content must be whole."""
     return [sample["p"] for sample in json.loads(content)]
+
+
+def levels_on_disk(desktop):
+    """The percentages, oldest first; None before the first save, which the item does not wait for."""
+    return levels(read(desktop)[1]) if desktop.history_file.exists() else None
