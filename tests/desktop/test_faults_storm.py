@@ -76,7 +76,7 @@ class Storm(FaultCase):
 
         self.blow(edit, EDITS_A_SECOND, MOST_FOR_EDITS)
         # The last edit takes effect.
-        for number, label in ((0, ""), (1, " 64%")):
+        for number, label in ((0, None), (1, " 64%")):
             edit(number)
             self.soon_equal(lambda: self.item.label, label, SHOW_SECONDS)
         fresh.write_text(json.dumps(PREFERENCES), encoding="utf-8")

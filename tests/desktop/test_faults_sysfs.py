@@ -129,7 +129,7 @@ class Firmware(FaultCase):
 
     def item_is_sound(self):
         """The program may believe a single wrong attribute, but the item must still show a battery."""
-        label = self.item.label
+        label = self.item.label or ""
         self.assertRegex(label, r"\A( (100|[1-9]?[0-9])%)?\Z")
         if label not in ("", " 64%"):
             self.seen += [int(label.strip(" %")), 64]

@@ -38,22 +38,22 @@ class EditedPreferences(DesktopCase):
     def test_a_file_in_a_folder_that_was_not_there(self):
         item = self.start_and_wait(self.screen, self.machine).item
         self.write_in_place({"showPercent": False})
-        self.soon_equal(lambda: item.label, "", AT_ONCE_SECONDS)
+        self.soon_equal(lambda: item.label, None, AT_ONCE_SECONDS)
 
     def test_a_file_that_is_edited_again_and_again(self):
         self.write_by_rename({"showPercent": False})
         item = self.start_and_wait(self.screen, self.machine).item
-        self.assertEqual(item.label, "")
+        self.assertEqual(item.label, None)
         for write in (self.write_in_place, self.write_by_rename, self.write_by_rename, self.write_in_place):
             write({"showPercent": True})
             self.soon_equal(lambda: item.label, " 64%", AT_ONCE_SECONDS)
             write({"showPercent": False})
-            self.soon_equal(lambda: item.label, "", AT_ONCE_SECONDS)
+            self.soon_equal(lambda: item.label, None, AT_ONCE_SECONDS)
 
     def test_a_file_that_is_deleted_means_the_fallbacks(self):
         self.write_in_place({"showPercent": False})
         item = self.start_and_wait(self.screen, self.machine).item
-        self.assertEqual(item.label, "")
+        self.assertEqual(item.label, None)
         self.file.unlink()
         self.soon_equal(lambda: item.label, " 64%", AT_ONCE_SECONDS)
 

@@ -84,7 +84,7 @@ class StatusItem:
         return f"{self.owner}{ITEM_PATH}" in registered_items(self._bus)
 
     def get(self, key):
-        """A property of the item; None while nobody answers."""
+        """A property of the item; None while it has none, or nobody answers."""
         owner = self.owner
         if owner is None:
             return None
@@ -106,6 +106,7 @@ class StatusItem:
 
     @property
     def label(self):
+        """The text beside the icon; None while there is none."""
         return self.get("XAyatanaLabel")
 
     @property

@@ -6,8 +6,6 @@
 #include "platform/linux/files/FileDescriptor.h"
 #include "platform/linux/files/ReadDescriptor.h"
 #include "platform/linux/panel/DevicePoint.h"
-#include "platform/linux/windows/ActivationToken.h"
-#include "statusnotifieritemadaptor.h"
 
 #include <QCursor>
 #include <QDBusPendingReply>
@@ -79,8 +77,7 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, const GlyphImages& g
     , menu_(bus_)
     , watcherWatch_(watcherName, bus_, QDBusServiceWatcher::WatchForOwnerChange) {
     registerStatusNotifierTypes();
-    new StatusNotifierItemAdaptor(this); // owned by this object, as adaptors are
-    bus_.registerObject(QLatin1String(path), this);
+    bus_.registerVirtualObject(QLatin1String(path), &object_);
     // Every change of owner, not only a first one: one watcher may take the name over from another.
     connect(&watcherWatch_, &QDBusServiceWatcher::serviceOwnerChanged, this, [this] { findHost(); });
     for (const char* change : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"})
@@ -149,16 +146,16 @@ void StatusNotifierItem::updateIcon() {
     const bool isDescribedOtherwise =
         std::exchange(shownDescription_, iconAccessibleDesc()) != shownDescription_; // no signal of its own
     if (isOther || isDescribedOtherwise)
-        Q_EMIT NewIcon();
+        tell("NewIcon");
 }
 
 void StatusNotifierItem::show(const Content& content) {
     const Content before = std::exchange(content_, content);
     updateIcon();
     if (before.title != content.title || before.widestTitle != content.widestTitle)
-        Q_EMIT XAyatanaNewLabel(label(), labelGuide());
+        tell("XAyatanaNewLabel", {QString::fromStdString(content.title), QString::fromStdString(content.widestTitle)});
     if (before.toolTip != content.toolTip)
-        Q_EMIT NewToolTip();
+        tell("NewToolTip");
 }
 
 void StatusNotifierItem::setAction(std::function<void(std::optional<ScreenPoint>)> action) {
@@ -180,28 +177,24 @@ void StatusNotifierItem::act(std::optional<ScreenPoint> point) {
         Qt::QueuedConnection);
 }
 
-void StatusNotifierItem::Activate(int x, int y) {
+void StatusNotifierItem::activate(int x, int y) {
     act(host_.pointsAreLocal ? pointerOnPanel() : logicalPoint(x, y));
 }
 
-void StatusNotifierItem::SecondaryActivate(int x, int y) {
-    Activate(x, y);
+void StatusNotifierItem::activate() {
+    act(std::nullopt);
 }
 
-void StatusNotifierItem::ContextMenu(int x, int y) {
+void StatusNotifierItem::showMenu(int x, int y) {
     // On a later turn of the loop: the panel gets its reply first.
     QMetaObject::invokeMethod(
         this, [this, point = logicalPoint(x, y)] { panelMenu_.show(menu_.entries(), point); }, Qt::QueuedConnection);
 }
 
-void StatusNotifierItem::Scroll(int /*delta*/, const QString& /*orientation*/) {}
-
-void StatusNotifierItem::ProvideXdgActivationToken(const QString& token) {
-    takeActivationToken(token);
-}
-
-void StatusNotifierItem::XAyatanaSecondaryActivate(uint /*timestamp*/) {
-    act(std::nullopt);
+void StatusNotifierItem::tell(const char* signal, const QVariantList& arguments) {
+    auto message = QDBusMessage::createSignal(QLatin1String(path), interface, QLatin1String(signal));
+    message.setArguments(arguments);
+    bus_.send(message);
 }
 
 QString StatusNotifierItem::iconAccessibleDesc() const {
@@ -246,10 +239,10 @@ StatusNotifierToolTip StatusNotifierItem::toolTip() const {
     return toolTip;
 }
 
-QString StatusNotifierItem::label() const {
-    return QString::fromStdString(content_.title);
+QVariant StatusNotifierItem::label() const {
+    return content_.title.empty() ? QVariant() : QString::fromStdString(content_.title);
 }
 
-QString StatusNotifierItem::labelGuide() const {
-    return QString::fromStdString(content_.widestTitle);
+QVariant StatusNotifierItem::labelGuide() const {
+    return content_.title.empty() ? QVariant() : QString::fromStdString(content_.widestTitle);
 }

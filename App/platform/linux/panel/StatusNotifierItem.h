@@ -6,6 +6,7 @@
 #include "platform/linux/panel/GlyphImages.h"
 #include "platform/linux/panel/PanelHost.h"
 #include "platform/linux/panel/PanelMenu.h"
+#include "platform/linux/panel/StatusNotifierObject.h"
 #include "platform/linux/panel/StatusNotifierTypes.h"
 
 #include <QDBusConnection>
@@ -18,7 +19,8 @@
 #include <string>
 
 /// A panel item that speaks the StatusNotifierItem protocol, org.kde.StatusNotifierItem. It registers with the watcher
-/// whenever one appears: at login the panel may start later than we do, and panels are restarted.
+/// whenever one appears: at login the panel may start later than we do, and panels are restarted. Its properties are
+/// those of the protocol; one that is not valid is not offered.
 class StatusNotifierItem final : public QObject, public StatusItem {
     Q_OBJECT
     Q_PROPERTY(QString Category READ category)
@@ -39,12 +41,13 @@ class StatusNotifierItem final : public QObject, public StatusItem {
     Q_PROPERTY(StatusNotifierToolTip ToolTip READ toolTip)
     Q_PROPERTY(bool ItemIsMenu READ itemIsMenu)
     Q_PROPERTY(QDBusObjectPath Menu READ menu)
-    Q_PROPERTY(QString XAyatanaLabel READ label)
-    Q_PROPERTY(QString XAyatanaLabelGuide READ labelGuide)
+    Q_PROPERTY(QVariant XAyatanaLabel READ label)
+    Q_PROPERTY(QVariant XAyatanaLabelGuide READ labelGuide)
     Q_PROPERTY(uint XAyatanaOrderingIndex READ orderingIndex)
 
 public:
     static constexpr const char* path = "/StatusNotifierItem";
+    static constexpr QLatin1String interface { "org.kde.StatusNotifierItem" };
 
     /// Exports the item at `path`. `hostChanged` is called with whether there is a panel, once that is known and
     /// whenever it changes.
@@ -56,24 +59,11 @@ public:
     void setAction(std::function<void(std::optional<ScreenPoint>)> action) override;
     void setMenu(std::vector<MenuEntry> entries) override;
 
-    // Called by the panel; the names are those of the D-Bus interface.
-    void Activate(int x, int y);
-    void SecondaryActivate(int x, int y);
-    void ContextMenu(int x, int y);
-    void Scroll(int delta, const QString& orientation);
-    void ProvideXdgActivationToken(const QString& token);
-    void XAyatanaSecondaryActivate(uint timestamp);
-
-Q_SIGNALS:
-    void NewTitle();
-    void NewIcon();
-    void NewAttentionIcon();
-    void NewOverlayIcon();
-    void NewToolTip();
-    void NewMenu();
-    void NewStatus(const QString& status);
-    void NewIconThemePath(const QString& path);
-    void XAyatanaNewLabel(const QString& label, const QString& guide);
+    /// The user clicked on the item, at this point of the panel's; without one, the panel tells no place.
+    void activate(int x, int y);
+    void activate();
+    /// The user asks for the menu of a panel that draws none, at this point of the panel's.
+    void showMenu(int x, int y);
 
 private Q_SLOTS:
     void askForHost();
@@ -82,6 +72,7 @@ private:
     QDBusConnection bus_;
     const GlyphImages& glyphs_;
     std::function<void(bool)> hostChanged_;
+    StatusNotifierObject object_{*this};
     DBusMenu menu_;
     PanelMenu panelMenu_;
     QDBusServiceWatcher watcherWatch_;
@@ -97,6 +88,7 @@ private:
     std::string symbol() const;
     void updateIcon();
     void act(std::optional<ScreenPoint> point);
+    void tell(const char* signal, const QVariantList& arguments = {});
 
     static QString category() { return QStringLiteral("Hardware"); }
     static QString id() { return QStringLiteral("app.velmora.Velmora"); }
@@ -113,6 +105,6 @@ private:
     QString iconThemePath() const;
     StatusNotifierPixmaps iconPixmap() const;
     StatusNotifierToolTip toolTip() const;
-    QString label() const;
-    QString labelGuide() const;
+    QVariant label() const;
+    QVariant labelGuide() const;
 };

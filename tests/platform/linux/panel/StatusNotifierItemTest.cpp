@@ -6,17 +6,23 @@
 #include "support/WaitUntil.h"
 #include "support/Watcher.h"
 
+#include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusPendingCall>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
+#include <QRegularExpression>
 #include <gtest/gtest.h>
 
 #include <sys/prctl.h>
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace {
+
+const QString introspectable = QStringLiteral("org.freedesktop.DBus.Introspectable");
 
 /// Gives this process another name, under which the watchers in it are known.
 class ProcessName {
@@ -87,6 +93,24 @@ protected:
         return waitUntil([&] { return watcher.items.size() == times; });
     }
 
+    /// What the item answers to a panel.
+    QDBusMessage ask(const QString& member, const QVariantList& arguments,
+                     const QString& interface = QStringLiteral("org.freedesktop.DBus.Properties")) {
+        auto message = QDBusMessage::createMethodCall(connection.baseService(), QLatin1String(StatusNotifierItem::path),
+                                                      interface, member);
+        message.setArguments(arguments);
+        const QDBusPendingCall pending = bus.connection().asyncCall(message);
+        EXPECT_TRUE(waitUntil([&] { return pending.isFinished(); }));
+        return pending.reply();
+    }
+
+    /// All properties that the item has for a panel.
+    QVariantMap offered() {
+        return qdbus_cast<QVariantMap>(ask(QStringLiteral("GetAll"), {iface()}).arguments().at(0));
+    }
+
+    static QString iface() { return StatusNotifierItem::interface; }
+
     StatusNotifierToolTip toolTip() const { return item->property("ToolTip").value<StatusNotifierToolTip>(); }
 
     static StatusItem::Content content() {
@@ -99,16 +123,44 @@ protected:
     }
 };
 
-/// Counts the item's signals to the panel.
-struct Signals {
-    explicit Signals(StatusNotifierItem& item) {
-        QObject::connect(&item, &StatusNotifierItem::NewIcon, &item, [this] { ++icons; });
-        QObject::connect(&item, &StatusNotifierItem::NewToolTip, &item, [this] { ++toolTips; });
-        QObject::connect(&item, &StatusNotifierItem::XAyatanaNewLabel, &item, [this] { ++labels; });
+/// Counts the item's signals as a panel receives them.
+class Signals final : public QObject {
+    Q_OBJECT
+
+public:
+    Signals(const PrivateBus& bus, QDBusConnection item) : item_(std::move(item)), panel_(bus.connection()) {
+        for (const auto& [signal, slot] :
+             {std::pair("NewIcon", SLOT(icon())), std::pair("NewToolTip", SLOT(toolTip())),
+              std::pair("XAyatanaNewLabel", SLOT(label())), std::pair("NothingMore", SLOT(nothingMore()))})
+            EXPECT_TRUE(panel_.connect(item_.baseService(), QLatin1String(StatusNotifierItem::path),
+                                       StatusNotifierItem::interface, QLatin1String(signal), this, slot));
+        // The bus has taken the rules above when it answers what is asked after them.
+        EXPECT_TRUE(panel_.interface()->isServiceRegistered(item_.baseService()).value());
     }
+
+    /// Waits until those that have been sent have been counted.
+    void arrive() {
+        // A bus keeps the order of what one program sends.
+        isOver_ = false;
+        item_.send(QDBusMessage::createSignal(QLatin1String(StatusNotifierItem::path), StatusNotifierItem::interface,
+                                              QStringLiteral("NothingMore")));
+        ASSERT_TRUE(waitUntil([this] { return isOver_; }));
+    }
+
     int icons = 0;
     int toolTips = 0;
     int labels = 0;
+
+public Q_SLOTS:
+    void icon() { ++icons; }
+    void toolTip() { ++toolTips; }
+    void label() { ++labels; }
+    void nothingMore() { isOver_ = true; }
+
+private:
+    QDBusConnection item_;
+    QDBusConnection panel_;
+    bool isOver_ = false;
 };
 
 } // namespace
@@ -202,8 +254,9 @@ TEST_F(StatusNotifierItemTest, CarriesTheNumberInTheIconWhereNoLabelIsShown) {
     item->show(numbered);
     const auto plain = item->property("IconPixmap").value<StatusNotifierPixmaps>();
     numbered.numberSymbol = "percent.80.level";
-    Signals told(*item);
+    Signals told(bus, connection);
     item->show(numbered);
+    told.arrive();
     EXPECT_EQ(told.icons, 1);
     const auto number = item->property("IconPixmap").value<StatusNotifierPixmaps>();
     ASSERT_EQ(number.size(), plain.size());
@@ -220,8 +273,9 @@ TEST_F(StatusNotifierItemTest, NamesWhatIsInAFileAndDrawsTheTimeItself) {
     EXPECT_TRUE(item->property("IconPixmap").value<StatusNotifierPixmaps>().isEmpty());
     numbered.numberSymbol = "time.1:45.80.level";
     ASSERT_TRUE(item->knowsSymbol(numbered.numberSymbol));
-    Signals told(*item);
+    Signals told(bus, connection);
     item->show(numbered);
+    told.arrive();
     EXPECT_EQ(told.icons, 1);
     EXPECT_EQ(item->property("IconName").toString(), "");
     EXPECT_EQ(item->property("IconPixmap").value<StatusNotifierPixmaps>().size(), 7);
@@ -231,18 +285,22 @@ TEST_F(StatusNotifierItemTest, NamesWhatIsInAFileAndDrawsTheTimeItself) {
 TEST_F(StatusNotifierItemTest, TellsThePanelOnlyWhatItDoesNotHave) {
     start();
     item->show(content());
-    Signals told(*item);
+    Signals told(bus, connection);
     item->show(content());
+    told.arrive();
     EXPECT_EQ(told.icons + told.toolTips + told.labels, 0);
     StatusItem::Content changed = content();
     changed.toolTip = "79% · On battery";
     item->show(changed);
+    told.arrive();
     EXPECT_EQ(told.toolTips, 1);
     changed.title = " 79%";
     item->show(changed);
+    told.arrive();
     EXPECT_EQ(told.labels, 1);
     changed.symbol = "battery.50";
     item->show(changed);
+    told.arrive();
     EXPECT_EQ(told.icons, 1);
     EXPECT_EQ(told.icons + told.toolTips + told.labels, 3);
 }
@@ -283,11 +341,69 @@ TEST_F(StatusNotifierItemTest, DescribesItsIconByALoneLineWhereThatIsAddedToIt) 
     item->show(one);
     EXPECT_EQ(toolTip().title, QStringLiteral("80% · On battery"));
     EXPECT_EQ(item->property("IconAccessibleDesc").toString(), QStringLiteral("80% · On battery"));
-    Signals told(*item);
+    Signals told(bus, connection);
     one.toolTip = "80% · Charging";
     item->show(one);
+    told.arrive();
     EXPECT_EQ(told.icons, 1) << "which is when the panel asks for the description";
     one.toolTip += "\nCycles: 312";
     item->show(one);
     EXPECT_EQ(item->property("IconAccessibleDesc").toString(), QStringLiteral("Battery"));
 }
+
+TEST_F(StatusNotifierItemTest, HasALabelOnlyWhileThereIsText) {
+    start();
+    StatusItem::Content unlabelled = content();
+    unlabelled.title = unlabelled.widestTitle = "";
+    item->show(unlabelled);
+    EXPECT_FALSE(offered().contains(QStringLiteral("XAyatanaLabel")));
+    EXPECT_FALSE(offered().contains(QStringLiteral("XAyatanaLabelGuide")));
+    EXPECT_EQ(ask(QStringLiteral("Get"), {iface(), QStringLiteral("XAyatanaLabel")}).errorName(),
+              "org.freedesktop.DBus.Error.UnknownProperty");
+    Signals told(bus, connection);
+    item->show(content());
+    told.arrive();
+    EXPECT_EQ(told.labels, 1);
+    EXPECT_EQ(offered().value(QStringLiteral("XAyatanaLabel")), " 80%");
+    EXPECT_EQ(offered().value(QStringLiteral("XAyatanaLabelGuide")), " 100%");
+}
+
+TEST_F(StatusNotifierItemTest, OffersThePropertiesOfTheProtocolAlone) {
+    start();
+    item->show(content());
+    QStringList described;
+    for (const auto& match :
+         QRegularExpression(QStringLiteral("property name=\"(\\w+)\""))
+             .globalMatch(ask(QStringLiteral("Introspect"), {}, introspectable).arguments().at(0).toString()))
+        described.append(match.captured(1));
+    described.sort();
+    EXPECT_EQ(described.size(), 21);
+    EXPECT_EQ(offered().keys(), described);
+    EXPECT_EQ(ask(QStringLiteral("Get"), {iface(), QStringLiteral("objectName")}).errorName(),
+              "org.freedesktop.DBus.Error.UnknownProperty");
+}
+
+TEST_F(StatusNotifierItemTest, RefusesWhatIsNoCallOfTheProtocol) {
+    start();
+    const QString otherTypes = QStringLiteral("80");
+    const QVariantList any[] = {{}, {otherTypes}, {7, otherTypes}, {7, 7, 7}};
+    for (const char* member :
+         {"Activate", "SecondaryActivate", "ContextMenu", "Scroll", "XAyatanaSecondaryActivate", "Explode"})
+        for (const QVariantList& arguments : any) {
+            if (QLatin1String(member) == QLatin1String("Scroll") && arguments.size() == 2)
+                continue;
+            EXPECT_EQ(ask(QLatin1String(member), arguments, iface()).type(), QDBusMessage::ErrorMessage) << member;
+        }
+    for (const char* member : {"Get", "GetAll", "Set", "Explode"})
+        for (const QVariantList& arguments : any)
+            EXPECT_EQ(ask(QLatin1String(member), arguments).type(), QDBusMessage::ErrorMessage) << member;
+    EXPECT_EQ(ask(QStringLiteral("GetAll"), {QStringLiteral("org.example")}).errorName(),
+              "org.freedesktop.DBus.Error.UnknownInterface");
+    EXPECT_EQ(ask(QStringLiteral("Set"), {iface(), QStringLiteral("Title"), QVariant::fromValue(QDBusVariant(7))})
+                  .errorName(),
+              "org.freedesktop.DBus.Error.PropertyReadOnly");
+    EXPECT_EQ(ask(QStringLiteral("Scroll"), {7, QStringLiteral("vertical")}, iface()).type(),
+              QDBusMessage::ReplyMessage);
+}
+
+#include "StatusNotifierItemTest.moc"
