@@ -7,6 +7,12 @@
 BUILD_PACKAGES=(cmake g++ libcanberra-dev libglib2.0-dev libqcustomplot-dev libsimdjson-dev libudev-dev
                 libxcb1-dev ninja-build pkg-config qt6-base-dev qt6-svg-dev)
 
+# To place the details on Wayland compositors; the package of Debian 12 is for Qt 5. Testing has no number.
+LAYER_SHELL_PACKAGES=(liblayershellqtinterface-dev libwayland-dev)
+if (. /etc/os-release && [ "${ID:-}" = debian ] && [ "${VERSION_ID:-13}" -ge 13 ]) 2>/dev/null; then
+    BUILD_PACKAGES+=("${LAYER_SHELL_PACKAGES[@]}")
+fi
+
 # A private desktop with a simulated laptop: X server, window manager, panel, notification daemon, and icons and fonts
 # for them; umockdev shows the devices. Python drives it, xdotool clicks.
 DESKTOP_PACKAGES=(adwaita-icon-theme dbus-daemon dunst fonts-dejavu-core hicolor-icon-theme librsvg2-common python3-gi
@@ -38,9 +44,11 @@ cmake                    | CMake 3.25                           | run:cmake
 g++                      | a C++20 compiler, GCC 12 or Clang 14 | run:c++
 libcanberra-dev          | libcanberra                          | module:libcanberra
 libglib2.0-dev           | GLib                                 | module:glib-2.0
+liblayershellqtinterface-dev | LayerShellQt 6                   | include:LayerShellQt
 libqcustomplot-dev       | QCustomPlot 2.1, built with Qt 6     | include:qcustomplot*
 libsimdjson-dev          | simdjson 3                           | module:simdjson
 libudev-dev              | libudev, of systemd or eudev         | module:libudev
+libwayland-dev           | libwayland                           | module:wayland-client
 libxcb1-dev              | libxcb                               | module:xcb
 ninja-build              | Ninja                                | run:ninja
 pkg-config               | pkg-config                           | run:pkg-config

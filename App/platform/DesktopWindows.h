@@ -3,6 +3,7 @@
 
 #include <functional>
 
+class QRect;
 class QWindow;
 
 /// What the desktop has to be told of our windows, and what it tells in turn, beyond what Qt does.
@@ -10,8 +11,9 @@ class DesktopWindows {
 public:
     virtual ~DesktopWindows() = default;
 
-    /// The popover's window, which exists, is about to be shown.
-    virtual void willShowPopover(QWindow& window) = 0;
+    /// The popover's window, which exists, is about to be shown at this place in Qt's coordinates, as far as a program
+    /// can place its windows.
+    virtual void willShowPopover(QWindow& window, const QRect& place) = 0;
 
     /// The popover has been shown, or has another place or size. Until `popoverHidden`, calls back for clicks elsewhere
     /// after which it would keep the focus.

@@ -27,6 +27,7 @@
 #include "platform/linux/session/TerminationSignals.h"
 #include "platform/linux/session/XdgAutostart.h"
 #include "platform/linux/sound/CanberraSounds.h"
+#include "platform/linux/windows/WaylandWindows.h"
 #include "platform/linux/windows/X11Windows.h"
 #include "platform/qt/HeapMemory.h"
 #include "platform/qt/ProgramFiles.h"
@@ -67,6 +68,12 @@ void handleQtMessage(QtMsgType type, const QMessageLogContext& /*context*/, cons
     if (type == QtFatalMsg && QCoreApplication::startingUp())
         cannotStart(isOnlyWayland() ? noWaylandDisplay : noDisplay);
     noticeDisplayLoss(message);
+}
+
+std::unique_ptr<DesktopWindows> desktopWindows() {
+    if (QGuiApplication::platformName() == QLatin1String("wayland"))
+        return std::make_unique<WaylandWindows>();
+    return std::make_unique<X11Windows>();
 }
 
 /// logind lets a machine wait for 5 seconds before it sleeps, and nobody waits longer for a program to end.
@@ -164,13 +171,13 @@ int main(int argc, char** argv) {
         if (!XEmbedItem::hasTray())
             runningNotice.show();
     });
-    X11Windows windows;
+    const std::unique_ptr<DesktopWindows> windows = desktopWindows();
     // A user who has chosen Qt's look gets Qt's dialogs too.
     QtDialogs dialogs(themeChoice.isEmpty() ? std::optional(sessionBus) : std::nullopt);
     XdgAutostart loginItem(bundle, files, xdgConfigHome(), xdgConfigFolders());
 
     AppDelegate delegate({powerSources, powerSaving, sessionEvents, mainLoop, clock, calendar, defaults, files,
-                          statusBar, windows, dialogs, notifications, bundle, sounds, loginItem},
+                          statusBar, *windows, dialogs, notifications, bundle, sounds, loginItem},
                          [] { QCoreApplication::quit(); });
     QObject::connect(&session, &SessionApplication::activated, &session, [&delegate] { delegate.showDetails(); });
     delegate.applicationDidFinishLaunching();

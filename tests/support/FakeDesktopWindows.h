@@ -14,7 +14,7 @@ public:
 
     std::function<void()> clickedElsewhere; ///< empty while the popover is hidden
 
-    void willShowPopover(QWindow& /*window*/) override { note(journal_, "willShowPopover"); }
+    void willShowPopover(QWindow& /*window*/, const QRect& /*place*/) override { note(journal_, "willShowPopover"); }
 
     void popoverShown(QWindow& /*window*/, std::function<void()> callback) override {
         note(journal_, "popoverShown");

@@ -8,7 +8,7 @@ import unittest
 from pathlib import Path
 
 SCRIPT = Path(__file__).parents[2] / "tools/packages.sh"
-LISTS = ("BUILD", "DESKTOP", "WINDOW", "PACKAGE", "TEST", "FORMAT", "CHECK")
+LISTS = ("BUILD", "LAYER_SHELL", "DESKTOP", "WINDOW", "PACKAGE", "TEST", "FORMAT", "CHECK")
 
 # The packages for building and testing are installed wherever this runs.
 INSTALLED = '"${BUILD_PACKAGES[@]}" "${DESKTOP_PACKAGES[@]}" "${PACKAGE_PACKAGES[@]}" "${TEST_PACKAGES[@]}"'
@@ -63,7 +63,7 @@ class Packages(unittest.TestCase):
         names = self.output_of("".join(f'printf "%s\\n" "${{{name}_PACKAGES[@]}}"\n' for name in LISTS)).split()
         rows = [row.split("|") for row in self.output_of('echo "$UPSTREAM"').strip().splitlines()]
         known = [name.strip() for name, _upstream, _probe in rows]
-        self.assertEqual(sorted(known), sorted([*names, "debootstrap"]))  # debootstrap is for tools/newcomer
+        self.assertEqual(sorted(known), sorted({*names, "debootstrap"}))  # debootstrap is for tools/newcomer
 
     def test_names_what_it_does_not_know_by_the_name_that_it_was_given(self):
         self.have_commands_except()

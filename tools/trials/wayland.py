@@ -11,6 +11,7 @@ from gi.repository import GLib
 from support.desktop import SCREEN, START_SECONDS
 from support.notifications import Mako
 from support.processes import children
+from support.program import bundle
 from support.screen import Box
 from support.waiting import wait_until
 from support.wlroots import BAR_HEIGHT, TRAY, WlrootsDesktop
@@ -31,9 +32,11 @@ clock-show-date=false
 """
 
 
+DETAILS_WIDTH = 340
+
+
 class WlrootsHost(Host, WlrootsDesktop):
     packages = ("sway", "qt6-wayland", "mako-notifier", "foot")
-    places = False
     bar = ""
     panel = Box(0, 0, SCREEN.width, BAR_HEIGHT)
     tray = TRAY
@@ -42,6 +45,22 @@ class WlrootsHost(Host, WlrootsDesktop):
         super().__init__(bar=self.bar, dark=dark, hide_pointer=False)
         self.dark = dark
         Mako(self).start()
+
+    @property
+    def places(self):
+        return (bundle() / "usr/lib/velmora/velmora-layer-shell.so").exists()
+
+    def details(self):
+        """Sway does not tell of windows in its layers, so those are looked for on the screen, in its right corner."""
+        if not self.places:
+            return super().details()
+        left = SCREEN.width - DETAILS_WIDTH
+        picture = self.picture()
+        colour = lambda x, y: next(iter(picture.crop(Box(x, y, 1, 1)).colours()))
+        tops = [y for y in range(BAR_HEIGHT, SCREEN.height) if colour(left + 5, y) != colour(left - 5, y)]
+        if len(tops) < DETAILS_WIDTH or colour(left + 5, tops[-1] - 5) != colour(SCREEN.width - 5, tops[-1] - 5):
+            return None
+        return Box(left, tops[0], DETAILS_WIDTH, tops[-1] + 1 - tops[0])
 
     def start_stranger(self):
         command = ["foot", "--title", STRANGER, "sleep", "1000"]

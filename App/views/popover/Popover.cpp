@@ -42,6 +42,13 @@ QScreen* screenAt(std::optional<ScreenPoint> point) {
 /// Longer than anybody reads without moving the pointer, and shorter than desktops wait before they lock the screen.
 constexpr auto longestLook = std::chrono::minutes(2);
 
+/// The height of the largest window that fits on a screen beside its panels.
+int largestHeight(const QScreen& screen) {
+    constexpr int thickestPanel = 64; // pixels; Wayland does not tell how thick they are
+    const bool isWayland = QGuiApplication::platformName() == QLatin1String("wayland");
+    return screen.availableGeometry().height() - (isWayland ? thickestPanel : 0);
+}
+
 constexpr int scrollBarGap = 2; ///< between the scroll bar and the sides
 
 /// A line around the window, drawn on top of its content.
@@ -97,7 +104,7 @@ void Popover::showAt(std::optional<ScreenPoint> point) {
     place();
     if (desktop_ != nullptr) {
         winId(); // makes the window
-        desktop_->willShowPopover(*windowHandle());
+        desktop_->willShowPopover(*windowHandle(), geometry());
     }
     show();
     place(); // again, now that the content has its fonts
@@ -132,7 +139,7 @@ void Popover::place() {
     const int wanted = content->layout()->hasHeightForWidth() ? content->layout()->totalHeightForWidth(popoverWidth)
                                                               : content->sizeHint().height();
     // The fixed size also makes tiling compositors let the window float.
-    setFixedSize(popoverWidth, std::min(wanted, available.height()));
+    setFixedSize(popoverWidth, std::min(wanted, largestHeight(*screen)));
     area_->setGeometry(rect());
     border_->setGeometry(rect());
     const QRect side = rect().marginsRemoved({scrollBarGap, scrollBarGap, scrollBarGap, scrollBarGap});

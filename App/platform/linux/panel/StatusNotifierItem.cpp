@@ -46,6 +46,8 @@ StatusNotifierPixmap toPixmap(const QImage& image, bool premultiplied) {
 
 /// A point from the panel, in Qt's coordinates.
 ScreenPoint logicalPoint(int x, int y) {
+    if (QGuiApplication::platformName() == QLatin1String("wayland"))
+        return {x, y}; // the compositor's own coordinates, which both of them have
     std::vector<ScreenArea> screens;
     for (const QScreen* screen : QGuiApplication::screens()) {
         const QRect whole = screen->geometry();

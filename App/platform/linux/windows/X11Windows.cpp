@@ -91,7 +91,7 @@ X11Windows::~X11Windows() {
     popoverHidden();
 }
 
-void X11Windows::willShowPopover(QWindow& window) {
+void X11Windows::willShowPopover(QWindow& window, const QRect& /*place*/) {
     xcb_connection_t* connection = x11Connection();
     if (connection == nullptr || !isInWayland())
         return;

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/windows/LayerEdge.h"
+
+#include <algorithm>
+
+LayerEdge layerEdge(int start, int length, int screenStart, int screenLength) {
+    constexpr int thickestPanel = 64; // pixels
+    const int before = start - screenStart;
+    const int after = screenStart + screenLength - (start + length);
+    if (std::min(before, after) <= thickestPanel)
+        return {.isAtEnd = after < before};
+    return {.margin = before};
+}

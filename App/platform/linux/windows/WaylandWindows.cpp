@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/windows/WaylandWindows.h"
+
+#include "platform/qt/PluginLoader.h"
+
+#include <utility>
+
+void WaylandWindows::willShowPopover(QWindow& window, const QRect& place) {
+    if (!std::exchange(wasLoaded_, true)) {
+        if (const auto make =
+                reinterpret_cast<DesktopWindows* (*)()>(pluginFunction("velmora-layer-shell", "makeLayerShellWindows")))
+            layerShell_.reset(make());
+    }
+    if (layerShell_)
+        layerShell_->willShowPopover(window, place);
+}
+
+void WaylandWindows::popoverShown(QWindow& window, std::function<void()> clickedElsewhere) {
+    if (layerShell_)
+        layerShell_->popoverShown(window, std::move(clickedElsewhere));
+}
+
+void WaylandWindows::popoverHidden() {
+    if (layerShell_)
+        layerShell_->popoverHidden();
+}
+
+void WaylandWindows::willShowSettings(QWindow& /*window*/) {}
