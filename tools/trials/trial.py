@@ -20,7 +20,7 @@ BUTTON_PIXELS = 16
 NEAR_PIXELS = 48
 LEAST_CONTRAST = 3
 RECOLOURED_CONTRAST = 4.5
-BLOCK_EDGE = 0.8
+BLOCK_EDGE = 0.95  # digits and outlines on a light tile reach 0.85
 SETTINGS_TITLE = "Velmora Settings"
 
 
