@@ -51,6 +51,17 @@ int largestHeight(const QScreen& screen) {
 
 constexpr int scrollBarGap = 2; ///< between the scroll bar and the sides
 
+/// Brings the layouts of everything inside up to date, from the innermost to its own. By themselves they tell each
+/// other by events, one level on each turn of the main loop, and the window would be of a wrong height meanwhile.
+void updateLayouts(const QWidget& widget) {
+    for (const QObject* child : widget.children()) {
+        if (child->isWidgetType())
+            updateLayouts(*static_cast<const QWidget*>(child));
+    }
+    if (QLayout* layout = widget.layout())
+        layout->activate();
+}
+
 /// A line around the window, drawn on top of its content.
 class Border final : public QWidget {
 public:
@@ -133,9 +144,7 @@ void Popover::place() {
     if (screen == nullptr || content == nullptr)
         return;
     const QRect available = screen->availableGeometry();
-    // A nested layout announces its new height by a LayoutRequest, and nothing else.
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
-    content->layout()->activate();
+    updateLayouts(*content);
     const int wanted = content->layout()->hasHeightForWidth() ? content->layout()->totalHeightForWidth(popoverWidth)
                                                               : content->sizeHint().height();
     // The fixed size also makes tiling compositors let the window float.

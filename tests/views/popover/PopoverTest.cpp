@@ -77,6 +77,28 @@ TEST_F(PopoverTest, IsAsWideAsItsContentAndAsHigh) {
     expectMargins();
 }
 
+TEST_F(PopoverTest, IsAtOnceAsHighAsItsContentWhenTheTableIsFolded) {
+    open();
+    const auto expectNoGap = [this](const char* after) {
+        EXPECT_EQ(content->height(), popover.height()) << after;
+        const int height = popover.height();
+        QCoreApplication::processEvents(); // what is announced by events has arrived
+        popover.place();
+        EXPECT_EQ(popover.height(), height) << after;
+    };
+    const int folded = popover.height();
+    auto* disclosure = content->findChild<QWidget*>(QStringLiteral("dailySummaryDisclosure"));
+    for (int i = 0; i < 2; ++i) {
+        unfold();
+        EXPECT_GT(popover.height(), folded);
+        expectNoGap("unfolding");
+        disclosure->setFocus();
+        QTest::keyClick(disclosure, Qt::Key_Space);
+        EXPECT_EQ(popover.height(), folded);
+        expectNoGap("folding");
+    }
+}
+
 TEST_F(PopoverTest, HasALineAroundItThatTakesNoClicks) {
     open();
     const QImage picture = popover.grab().toImage();
