@@ -6,6 +6,7 @@
 #include "views/style/ViewStyle.h"
 #include "views/text/PopoverPlacement.h"
 
+#include <QAbstractButton>
 #include <QCursor>
 #include <QEvent>
 #include <QGuiApplication>
@@ -173,8 +174,12 @@ bool Popover::event(QEvent* event) {
 }
 
 void Popover::keyPressEvent(QKeyEvent* event) {
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    auto* button = qobject_cast<QAbstractButton*>(focusWidget());
     if (event->key() == Qt::Key_Escape)
         hide();
+    else if (isEnter && button != nullptr && !event->isAutoRepeat()) // Qt's buttons take the space bar alone
+        button->click();
     else
         QWidget::keyPressEvent(event);
 }

@@ -168,6 +168,22 @@ TEST_F(PopoverTest, EscapeClosesItWhereverTheKeyboardIs) {
     EXPECT_FALSE(popover.isVisible());
 }
 
+TEST_F(PopoverTest, EnterPressesTheButtonWithTheFocusAsTheSpaceBarDoes) {
+    open();
+    for (const char* name : {"settingsButton", "quitButton", "dailySummaryDisclosure"}) {
+        auto* button = content->findChild<QAbstractButton*>(QLatin1String(name));
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
+            const QSignalSpy clicks(button, &QAbstractButton::clicked);
+            button->setFocus();
+            QTest::keyClick(button, key);
+            EXPECT_EQ(clicks.count(), 1) << name << ' ' << key;
+        }
+    }
+    content->setFocus();
+    QTest::keyClick(content, Qt::Key_Return);
+    EXPECT_TRUE(popover.isVisible());
+}
+
 TEST_F(PopoverTest, ClosesWhenTheUserTurnsToAnotherWindow) {
     open();
     ASSERT_TRUE(waitUntil([&] { return popover.isActiveWindow(); }));
