@@ -32,6 +32,8 @@
 namespace {
 
 constexpr int spacing = 14;
+constexpr int headerSpacing = 4; ///< between the texts beside the ring
+constexpr int headerRoom = popoverWidth - 2 * popoverPadding - RingView::frame - spacing; ///< for each of them
 constexpr int chartHeight = 110;
 constexpr std::size_t mostDetails = 4;
 
@@ -161,7 +163,7 @@ QWidget* PopoverView::makeHeader() {
     ring_->setObjectName(QStringLiteral("ring"));
     line->addWidget(ring_, 0, Qt::AlignCenter);
     auto* column = new QVBoxLayout;
-    column->setSpacing(4);
+    column->setSpacing(headerSpacing);
     state_ = makeWrappingLabel("stateText", header);
     pluggedIn_ = makeWrappingLabel("pluggedInText", header);
     snooze_ = new QWidget(header);
@@ -171,9 +173,10 @@ QWidget* PopoverView::makeHeader() {
     cancel_->setObjectName(QStringLiteral("cancelSnooze"));
     cancel_->setAccessibleName(QStringLiteral("Cancel the snooze"));
     connect(cancel_, &LinkButton::clicked, this, [this] { model.cancelSnooze(); });
-    auto* snoozeLine = makeLayout<QHBoxLayout>(snooze_, 4);
-    snoozeLine->addWidget(snoozeText_, 1);
-    snoozeLine->addWidget(cancel_, 0, Qt::AlignBottom);
+    snoozeLine_ = makeLayout<QHBoxLayout>(snooze_, headerSpacing);
+    snoozeLine_->addWidget(snoozeText_);
+    snoozeLine_->addWidget(cancel_, 0, Qt::AlignLeading);
+    snoozeLine_->addStretch(1);
     column->addStretch(1);
     column->addWidget(state_);
     column->addWidget(pluggedIn_);
@@ -277,6 +280,11 @@ void PopoverView::showHeader(const BatteryState& state, Date now) {
             TextStyle::caption, Tint::secondary);
     cancel_->setFont(textFont(TextStyle::caption));
     cancel_->setColor(color(Tint::accent));
+    // On one line with its button, else above it: a line broken before the time would read badly.
+    const int width = snoozeText_->fontMetrics().horizontalAdvance(snoozeText_->text());
+    const bool isOneLine = width + headerSpacing + cancel_->sizeHint().width() <= headerRoom;
+    snoozeText_->setWordWrap(width > headerRoom);
+    snoozeLine_->setDirection(isOneLine ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
 }
 
 void PopoverView::showCycles(const BatteryState& state) {

@@ -17,6 +17,7 @@ class DailySummaryView;
 class GaugeBar;
 class HistoryChart;
 class LinkButton;
+class QBoxLayout;
 class QLabel;
 class RingView;
 class SegmentedPicker;
@@ -69,6 +70,7 @@ private:
     QLabel* state_;
     QLabel* pluggedIn_;
     QWidget* snooze_;
+    QBoxLayout* snoozeLine_;
     QLabel* snoozeText_;
     LinkButton* cancel_;
     QWidget* cycles_;

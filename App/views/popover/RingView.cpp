@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr int frame = 104;
 constexpr int padding = 6;
 constexpr qreal lineWidth = 11;
 constexpr int textSize = 28;

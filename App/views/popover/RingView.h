@@ -11,6 +11,8 @@ class RingView final : public QWidget {
     Q_OBJECT
 
 public:
+    static constexpr int frame = 104; ///< its width and height, in pixels
+
     explicit RingView(QWidget* parent = nullptr);
 
     /// Sets the charge in whole percent, and the colours of the arc and of the rest of the ring.

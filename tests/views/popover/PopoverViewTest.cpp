@@ -135,6 +135,33 @@ TEST_F(PopoverViewTest, TellsTheSnoozeAndCancelsItAtOnce) {
     EXPECT_EQ(Prefs::snoozeUntil(scene.fake.defaults, scene.fake.clock), std::nullopt);
 }
 
+TEST_F(PopoverViewTest, CancelStandsCloseToTheSnoozeWhoseLineIsNotBroken) {
+    scene.started().snooze();
+    settle();
+    const QFont usual = QApplication::font();
+    for (const double times : {0.6, 1.0, 1.1, 1.25, 1.4}) {
+        QFont font = usual;
+        font.setPointSizeF(usual.pointSizeF() * times);
+        QApplication::setFont(font);
+        shown();
+        settle();
+        const auto box = [this](const char* name) {
+            return QRect(find(name)->mapTo(&shown(), QPoint()), find(name)->size());
+        };
+        const QRect words = box("snoozeText");
+        const QRect cancel = box("cancelSnooze");
+        EXPECT_LT(words.height(), 2 * find("snoozeText")->fontMetrics().height()) << times << ": one line";
+        if (cancel.top() < words.bottom()) {
+            EXPECT_EQ(cancel.left() - words.right() - 1, 4) << times;
+        } else {
+            EXPECT_EQ(cancel.left(), words.left()) << times;
+            EXPECT_EQ(cancel.top() - words.bottom() - 1, 4) << times;
+        }
+        EXPECT_LE(cancel.right(), 340 - 16);
+    }
+    QApplication::setFont(usual);
+}
+
 TEST_F(PopoverViewTest, ShowsTheCycleCountAsAGauge) {
     for (const auto& [cycles, value, words, tinted] :
          std::vector<std::tuple<int, int, const char*, Tint>>{{650, 650, "650 of 1000", Tint::accent},
