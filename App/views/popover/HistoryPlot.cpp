@@ -13,6 +13,7 @@ namespace {
 
 constexpr int annotationSize = 9;
 constexpr int annotationSpacing = 1;
+constexpr int annotationPlate = 3; ///< of background beside the text
 constexpr double lineWidth = 1.8;
 constexpr double ruleWidth = 1.5;
 
@@ -93,7 +94,7 @@ CustomHistoryPlot::CustomHistoryPlot(QWidget* parent) : HistoryPlot(parent), plo
         axis->setPadding(0);
         axis->setTickLength(0, 0);
     }
-    // QCustomPlot draws in the order of creation: the rule's text stays whole where the charge line crosses it.
+    // QCustomPlot draws in the order of creation: the rule's text, on its plate, is over the charge line.
     graph_ = plot_->addGraph(plot_->xAxis, plot_->yAxis2);
     graph_->setLineStyle(QCPGraph::lsLine);
     rule_ = new QCPItemStraightLine(plot_);
@@ -107,7 +108,8 @@ CustomHistoryPlot::CustomHistoryPlot(QWidget* parent) : HistoryPlot(parent), plo
     ruleText_->setObjectName(QStringLiteral("limitAnnotation"));
     ruleText_->setClipToAxisRect(false);
     ruleText_->setPositionAlignment(Qt::AlignRight | Qt::AlignBottom);
-    ruleText_->setPadding({0, 0, 0, annotationSpacing});
+    ruleText_->setPadding({annotationPlate, 0, 0, annotationSpacing});
+    ruleText_->setPen(Qt::NoPen);
     ruleText_->position->setAxes(plot_->xAxis, plot_->yAxis2);
     ruleText_->position->setTypeX(QCPItemPosition::ptAxisRectRatio);
     ruleText_->position->setTypeY(QCPItemPosition::ptPlotCoords);
@@ -154,6 +156,7 @@ void CustomHistoryPlot::showRule(const HistoryChart::Content& content) {
     ruleText_->setText(QString::fromStdString(limitText(*content.limit)));
     ruleText_->setFont(annotationFont());
     ruleText_->setColor(content.ruleText);
+    ruleText_->setBrush(palette().color(QPalette::Window));
     ruleText_->position->setCoords(1, limit);
 }
 

@@ -328,6 +328,26 @@ TEST_F(PopoverViewTest, TheChartWritesTheLimitOverTheLine) {
     EXPECT_GT(fromBelow.indexOf(annotation()), fromBelow.indexOf(rule()));
 }
 
+TEST_F(PopoverViewTest, TheLimitIsNotCrossedOutByTheLine) {
+    scene.battery(92, true, true, 20); // the line leads up to there, through the text
+    scene.past(7);
+    shown();
+    plot()->replot();
+    const QImage picture = plot()->grab().toImage();
+    const auto countLine = [&](const QRect& place) {
+        int count = 0;
+        for (int y = place.top(); y <= place.bottom(); ++y)
+            for (int x = place.left(); x <= place.right(); ++x)
+                count += picture.pixelColor(x, y) == tint(Tint::accent, Use::graphics) ? 1 : 0;
+        return count;
+    };
+    const QRect text(annotation()->topLeft->pixelPosition().toPoint(),
+                     annotation()->bottomRight->pixelPosition().toPoint());
+    ASSERT_GT(text.width(), 30);
+    EXPECT_EQ(countLine(text.adjusted(1, 1, -2, -2)), 0);
+    EXPECT_GT(countLine(text.adjusted(-60, -20, 0, 0) & picture.rect()), 0) << "else this shows nothing";
+}
+
 TEST_F(PopoverViewTest, StandsInOneColumnFromTheRingToTheButtons) {
     scene.started().snooze();
     settle();
