@@ -36,6 +36,24 @@ void StepperBox::stepBy(int steps) {
         choose(next);
 }
 
+QValidator::State StepperBox::validate(QString& input, int& position) const {
+    constexpr int mostDigits = 3;
+    const QValidator::State state = QSpinBox::validate(input, position);
+    // QSpinBox refuses the digit that leads beyond the range, so that of 99 only the 9 would be left.
+    bool isNumber = false;
+    input.toUInt(&isNumber);
+    return state == QValidator::Invalid && isNumber && input.size() <= mostDigits ? QValidator::Intermediate : state;
+}
+
+void StepperBox::fixup(QString& input) const {
+    bool isNumber = false;
+    const int typed = input.toInt(&isNumber);
+    if (isNumber)
+        input = QString::number(std::clamp(typed, least_, most_));
+    else
+        QSpinBox::fixup(input);
+}
+
 void StepperBox::choose(int value) {
     const int inside = std::clamp(value, least_, most_);
     setStored(inside);

@@ -6,7 +6,7 @@
 #include <cstdint>
 
 /// A number field with arrows that can be held down. A value from elsewhere may lie outside the range; it is shown as
-/// it is until the user changes it.
+/// it is until the user changes it. What is typed beyond the range becomes its nearer end.
 class StepperBox final : public QSpinBox {
     Q_OBJECT
 
@@ -23,6 +23,8 @@ Q_SIGNALS:
 
 protected:
     void stepBy(int steps) override;
+    QValidator::State validate(QString& input, int& position) const override;
+    void fixup(QString& input) const override;
 
 private:
     int least_;

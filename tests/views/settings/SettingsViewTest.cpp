@@ -16,6 +16,7 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTimeEdit>
 #include <QTimer>
@@ -207,6 +208,16 @@ TEST_F(SettingsViewTest, ANumberCanBeTyped) {
     EXPECT_EQ(label("limit"), "Alert when charging reaches 65%");
     type(find<StepperBox>("limit"), "7");
     EXPECT_GE(fake.defaults.integerForKey("limit"), 50);
+}
+
+TEST_F(SettingsViewTest, ANumberBeyondTheRangeIsItsEnd) {
+    const QSignalSpy chosen(&find<StepperBox>("low"), &StepperBox::chosen);
+    type(find<StepperBox>("low"), "99");
+    EXPECT_EQ(fake.defaults.integerForKey("low"), 50);
+    EXPECT_EQ(chosen.size(), 1) << "and nothing in between";
+    type(find<StepperBox>("low"), "2");
+    EXPECT_EQ(fake.defaults.integerForKey("low"), 5);
+    EXPECT_EQ(find<StepperBox>("low").value(), 5);
 }
 
 TEST_F(SettingsViewTest, AnArrowThatIsHeldGoesOn) {
