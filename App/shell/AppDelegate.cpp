@@ -129,11 +129,12 @@ void AppDelegate::openPopover(std::optional<ScreenPoint> point) {
 }
 
 void AppDelegate::openSettings() {
+    const bool atKeyboard = popoverIsShown() && popover->testAttribute(Qt::WA_KeyboardFocusChange);
     popover->hide();
     if (!settingsWindow) {
         settingsView = new SettingsView(model, platform_);
         settingsWindow = std::make_unique<SettingsWindow>(settingsView, &platform_.windows);
     }
     settingsView->readAgain();
-    settingsWindow->present();
+    settingsWindow->present(atKeyboard);
 }

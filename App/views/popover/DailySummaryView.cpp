@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/popover/DailySummaryView.h"
 
+#include "views/style/KeyboardFocus.h"
 #include "views/style/ViewStyle.h"
 #include "views/text/PopoverText.h"
 #include "views/text/TimeText.h"
@@ -79,7 +80,7 @@ protected:
         painter.setPen(palette().color(QPalette::WindowText));
         const QRect room = rect().adjusted(isRightToLeft() ? 0 : indent(), 0, isRightToLeft() ? -indent() : 0, 0);
         painter.drawText(room, Qt::AlignLeading | Qt::AlignVCenter, text());
-        if (hasFocus()) {
+        if (showsFocus(*this)) {
             painter.setBrush(Qt::NoBrush);
             painter.setPen(QPen(palette().color(QPalette::Highlight), 1.5));
             painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 3, 3);

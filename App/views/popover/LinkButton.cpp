@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/popover/LinkButton.h"
 
+#include "views/style/KeyboardFocus.h"
+
 #include <QPainter>
 #include <QStyleOptionFocusRect>
 
@@ -23,11 +25,11 @@ QSize LinkButton::sizeHint() const {
 void LinkButton::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     QFont underlined = font();
-    underlined.setUnderline(underMouse() || hasFocus());
+    underlined.setUnderline(underMouse() || showsFocus(*this));
     painter.setFont(underlined);
     painter.setPen(isDown() ? color_.darker(130) : color_);
     painter.drawText(rect(), Qt::AlignCenter, text());
-    if (hasFocus()) {
+    if (showsFocus(*this)) {
         QStyleOptionFocusRect option;
         option.initFrom(this);
         style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);

@@ -3,6 +3,7 @@
 
 #include "platform/DesktopWindows.h"
 #include "views/popover/ThinScrollBar.h"
+#include "views/style/KeyboardFocus.h"
 #include "views/style/ViewStyle.h"
 #include "views/text/PopoverPlacement.h"
 
@@ -86,7 +87,8 @@ Popover::Popover(DesktopWindows* desktop)
     , desktop_(desktop)
     , area_(new QScrollArea(this))
     , scrollBar_(new ThinScrollBar(area_->verticalScrollBar(), this))
-    , border_(new Border(this)) {
+    , border_(new Border(this))
+    , keyboardFocus_(new KeyboardFocus(*this)) {
     setObjectName(QStringLiteral("popover"));
     setWindowTitle(QStringLiteral("Velmora"));
     area_->setFrameShape(QFrame::NoFrame);
@@ -126,6 +128,7 @@ void Popover::showAt(std::optional<ScreenPoint> point) {
     pointer_ = QCursor::pos();
     if (windowType() == Qt::Popup)
         untilNobodyLooks_.start();
+    keyboardFocus_->begin(false);
     // No control has the focus until the user turns to the keyboard.
     if (QWidget* content = area_->widget())
         content->setFocus();

@@ -11,6 +11,7 @@
 #include <optional>
 
 class DesktopWindows;
+class KeyboardFocus;
 class QScrollArea;
 class ThinScrollBar;
 
@@ -49,6 +50,7 @@ private:
     QScrollArea* area_;
     ThinScrollBar* scrollBar_;
     QWidget* border_;
+    KeyboardFocus* keyboardFocus_;
     std::optional<ScreenPoint> point_;
     QElapsedTimer sinceClosed_;
     QTimer untilNobodyLooks_{this};

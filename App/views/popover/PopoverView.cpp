@@ -273,6 +273,8 @@ void PopoverView::showHeader(const BatteryState& state, Date now) {
     pluggedIn_->setVisible(pluggedIn.has_value());
     setText(pluggedIn_, QString::fromStdString(pluggedIn.value_or("")), TextStyle::caption, Tint::secondary);
     const std::optional<Date> snoozed = model.snoozeUntil.get();
+    if (!snoozed && cancel_->hasFocus())
+        leaveSnooze();
     snooze_->setVisible(snoozed.has_value());
     const QString time = snoozed ? shortTime(*snoozed) : QString(); // empty beyond any calendar
     setText(snoozeText_,
@@ -285,6 +287,12 @@ void PopoverView::showHeader(const BatteryState& state, Date now) {
     const bool isOneLine = width + headerSpacing + cancel_->sizeHint().width() <= headerRoom;
     snoozeText_->setWordWrap(width > headerRoom);
     snoozeLine_->setDirection(isOneLine ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+}
+
+void PopoverView::leaveSnooze() {
+    // What follows in reading order, so that a screen reader goes on from there. By itself Qt would skip all texts.
+    QWidget* next = cycles_->isVisible() ? cycles_ : details_.front().widget;
+    (next->isVisible() ? next : picker_)->setFocus();
 }
 
 void PopoverView::showCycles(const BatteryState& state) {

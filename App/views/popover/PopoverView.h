@@ -94,6 +94,7 @@ private:
     void queueRebuild();
     void showNoBattery();
     void showHeader(const BatteryState& state, Date now);
+    void leaveSnooze();
     void showCycles(const BatteryState& state);
     void showDetails(const BatteryState& state);
     void showChart(Date now);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/popover/SegmentedPicker.h"
 
+#include "views/style/KeyboardFocus.h"
+
 #include <QAbstractButton>
 #include <QButtonGroup>
 #include <QHBoxLayout>
@@ -43,7 +45,7 @@ protected:
             painter.setBrush(dark ? palette().color(QPalette::Window).lighter(190) : palette().color(QPalette::Base));
             painter.drawRoundedRect(pill, radius - inset, radius - inset);
         }
-        if (hasFocus()) {
+        if (showsFocus(*this)) {
             painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
             painter.setBrush(Qt::NoBrush);
             painter.drawRoundedRect(pill, radius - inset, radius - inset);

@@ -2,6 +2,7 @@
 #include "views/settings/SettingsWindow.h"
 
 #include "platform/DesktopWindows.h"
+#include "views/style/KeyboardFocus.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -47,7 +48,8 @@ SettingsWindow::SettingsWindow(QWidget* form, DesktopWindows* desktop)
     : QDialog(nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                            Qt::WindowCloseButtonHint)
     , desktop_(desktop)
-    , area_(new QScrollArea(this)) {
+    , area_(new QScrollArea(this))
+    , keyboardFocus_(new KeyboardFocus(*this)) {
     setObjectName(QStringLiteral("settingsWindow"));
     if (QApplication::windowIcon().isNull())
         QApplication::setWindowIcon(programIcon()); // for the dialogs in front of this window, too
@@ -66,13 +68,14 @@ SettingsWindow::SettingsWindow(QWidget* form, DesktopWindows* desktop)
     move(available.center() - rect().center());
 }
 
-void SettingsWindow::present() {
+void SettingsWindow::present(bool atKeyboard) {
     setWindowState(windowState() & ~Qt::WindowMinimized); // it has no minimise button, but there are other ways
     if (desktop_ != nullptr) {
         winId(); // makes the window
         desktop_->willShowSettings(*windowHandle());
     }
     show();
+    keyboardFocus_->begin(atKeyboard);
     raise();
     activateWindow();
 }

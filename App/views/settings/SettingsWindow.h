@@ -4,6 +4,7 @@
 #include <QDialog>
 
 class DesktopWindows;
+class KeyboardFocus;
 class QScrollArea;
 
 /// The window of the settings form: of fixed size, and hidden but not destroyed when closed. Esc closes it as well.
@@ -14,8 +15,9 @@ public:
     /// Takes ownership of the form, and is centred on the screen. `desktop` may be null; it outlives this.
     explicit SettingsWindow(QWidget* form, DesktopWindows* desktop = nullptr);
 
-    /// Brings it to the front with the keyboard focus; its position is left to the user.
-    void present();
+    /// Brings it to the front with the keyboard focus; its position is left to the user. `atKeyboard` says whether the
+    /// user asked for it by a key, and so sees what has the focus.
+    void present(bool atKeyboard = false);
 
 protected:
     bool focusNextPrevChild(bool next) override;
@@ -23,4 +25,5 @@ protected:
 private:
     DesktopWindows* desktop_;
     QScrollArea* area_;
+    KeyboardFocus* keyboardFocus_;
 };

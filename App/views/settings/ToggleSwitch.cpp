@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/settings/ToggleSwitch.h"
 
+#include "views/style/KeyboardFocus.h"
 #include "views/style/ViewStyle.h"
 
 #include <QPainter>
@@ -41,7 +42,7 @@ void ToggleSwitch::paintEvent(QPaintEvent* /*event*/) {
     knob.moveCenter(QPointF(atRight ? track.right() - radius : track.left() + radius, track.center().y()));
     painter.setBrush(Qt::white);
     painter.drawEllipse(knob);
-    if (hasFocus()) {
+    if (showsFocus(*this)) {
         painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
         painter.drawRoundedRect(track.marginsAdded({2, 2, 2, 2}), radius + 2, radius + 2);

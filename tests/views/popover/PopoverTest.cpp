@@ -7,6 +7,7 @@
 #include "support/WaitUntil.h"
 #include "views/popover/PopoverView.h"
 #include "views/popover/ThinScrollBar.h"
+#include "views/style/KeyboardFocus.h"
 #include "views/style/ViewStyle.h"
 
 #include <QAbstractButton>
@@ -20,6 +21,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QWheelEvent>
+#include <QWindow>
 #include <gtest/gtest.h>
 
 namespace {
@@ -182,6 +184,49 @@ TEST_F(PopoverTest, EnterPressesTheButtonWithTheFocusAsTheSpaceBarDoes) {
     content->setFocus();
     QTest::keyClick(content, Qt::Key_Return);
     EXPECT_TRUE(popover.isVisible());
+}
+
+TEST_F(PopoverTest, RingsWhatHasTheFocusForTheKeyboardAlone) {
+    open();
+    ASSERT_TRUE(waitUntil([&] { return popover.isActiveWindow(); }));
+    QWindow* window = popover.windowHandle();
+    QWidget* segment = content->findChild<QWidget*>(QStringLiteral("rangePicker"))->findChild<QAbstractButton*>();
+    const auto click = [&](QWidget& widget) {
+        QTest::mouseClick(window, Qt::LeftButton, {}, widget.mapTo(&popover, widget.rect().center()));
+    };
+    const auto picture = [&](QWidget& widget) { return widget.grab().toImage(); };
+    const QImage plain = picture(*segment);
+    click(*segment);
+    ASSERT_TRUE(segment->hasFocus());
+    EXPECT_FALSE(showsFocus(*segment)) << "it was clicked";
+    EXPECT_EQ(picture(*segment), plain);
+    QTest::keyClick(window, Qt::Key_Tab);
+    QTest::keyClick(window, Qt::Key_Backtab);
+    ASSERT_TRUE(segment->hasFocus());
+    EXPECT_TRUE(showsFocus(*segment));
+    EXPECT_NE(picture(*segment), plain);
+    click(*segment);
+    EXPECT_FALSE(showsFocus(*segment)) << "it was clicked again";
+    EXPECT_EQ(picture(*segment), plain);
+    QTest::keyClick(window, Qt::Key_Tab);
+    popover.hide();
+    popover.showAt(std::nullopt);
+    segment->setFocus();
+    EXPECT_FALSE(showsFocus(*segment)) << "it was opened again";
+}
+
+TEST_F(PopoverTest, GoesOnToWhatFollowsAfterTheSnoozeIsCancelled) {
+    scene.started().snooze();
+    open();
+    ASSERT_TRUE(waitUntil([&] { return popover.isActiveWindow(); }));
+    auto* cancel = content->findChild<QAbstractButton*>(QStringLiteral("cancelSnooze"));
+    cancel->setFocus();
+    cancel->click();
+    scene.fake.mainLoop.runDue();
+    ASSERT_FALSE(cancel->isVisible());
+    EXPECT_EQ(popover.focusWidget(), content->findChild<QWidget*>(QStringLiteral("cycles")));
+    QTest::keyClick(popover.windowHandle(), Qt::Key_Tab);
+    EXPECT_EQ(popover.focusWidget()->parentWidget(), content->findChild<QWidget*>(QStringLiteral("rangePicker")));
 }
 
 TEST_F(PopoverTest, ClosesWhenTheUserTurnsToAnotherWindow) {

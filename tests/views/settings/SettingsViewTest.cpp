@@ -8,6 +8,7 @@
 #include "views/settings/SoundPicker.h"
 #include "views/settings/StepperBox.h"
 #include "views/settings/ToggleSwitch.h"
+#include "views/style/KeyboardFocus.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -20,6 +21,7 @@
 #include <QTest>
 #include <QTimeEdit>
 #include <QTimer>
+#include <QWindow>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -537,6 +539,22 @@ TEST_F(SettingsViewTest, EveryControlHasANameAndIsReachedByKeyboard) {
         EXPECT_NE(widget->focusPolicy() & Qt::TabFocus, 0) << widget->objectName().toStdString();
     }
     EXPECT_EQ(controls, 23) << "20 preferences, login, export and reset";
+}
+
+TEST_F(SettingsViewTest, RingsWhatHasTheFocusForTheKeyboardAlone) {
+    auto& limit = find<ToggleSwitch>("limitEnabled");
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    QWindow* frame = window->windowHandle();
+    ASSERT_TRUE(limit.hasFocus());
+    EXPECT_FALSE(showsFocus(limit)) << "it was opened by a click";
+    QTest::keyClick(frame, Qt::Key_Tab);
+    QTest::keyClick(frame, Qt::Key_Backtab);
+    EXPECT_TRUE(showsFocus(limit));
+    QTest::mouseClick(frame, Qt::LeftButton, {}, limit.mapTo(window.get(), limit.rect().center()));
+    EXPECT_TRUE(limit.hasFocus());
+    EXPECT_FALSE(showsFocus(limit));
+    window->present(true);
+    EXPECT_TRUE(showsFocus(limit)) << "it was opened by a key";
 }
 
 TEST_F(SettingsViewTest, WhatTheKeyboardComesToIsSeenAsAWhole) {
