@@ -60,13 +60,14 @@ add_executable(velmora_adapter_tests
     views/popover/PopoverViewTest.cpp
     views/popover/RingViewTest.cpp
     views/settings/SettingsViewTest.cpp
-    views/style/TabularFontTest.cpp
+    views/style/OneFamilyTest.cpp
     views/text/TimeTextTest.cpp
 )
 target_link_libraries(velmora_adapter_tests PRIVATE velmora_app velmora_linux velmora_desktop_test_support velmora_options
     GTest::gtest PkgConfig::umockdev Qt6::Svg Qt6::Test QCustomPlotQt6::QCustomPlotQt6)
 # The tests save pictures here for people to look at.
-target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_PICTURES="${CMAKE_BINARY_DIR}/pictures")
+target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_PICTURES="${CMAKE_BINARY_DIR}/pictures"
+    VELMORA_FONTS="${CMAKE_CURRENT_SOURCE_DIR}/fixtures/fonts")
 file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/pictures)
 add_dependencies(velmora_adapter_tests icons percent_glyphs)
 target_precompile_headers(velmora_adapter_tests REUSE_FROM velmora_desktop_test_support)

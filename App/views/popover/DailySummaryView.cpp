@@ -36,7 +36,7 @@ int columnWidth(const Column& column, const QFontMetrics& metrics) {
 /// The caption font; smaller where the desktop's font is so large that the table would not fit.
 QFont tableFont() {
     constexpr int room = popoverWidth - 2 * popoverPadding;
-    QFont font = tabularFont(textFont(TextStyle::caption));
+    QFont font = textFont(TextStyle::caption);
     const auto width = [&font] {
         const QFontMetrics metrics(font);
         int sum = 0;

@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/style/ViewStyle.h"
 
-#include <QFontDatabase>
-#include <QFontMetricsF>
 #include <QGuiApplication>
 
 #include <algorithm>
 #include <cmath>
-#include <string_view>
 
 namespace {
 
@@ -83,27 +80,6 @@ QFont textFont(TextStyle style) {
     if (style == TextStyle::headline)
         font.setBold(true);
     return font;
-}
-
-double digitWidth(const QFont& font, char digit) {
-    return QFontMetricsF(font).horizontalAdvance(QLatin1Char(digit));
-}
-
-QFont tabularFont(const QFont& font, const DigitWidth& width) {
-    const auto isTabular = [&width](const QFont& candidate) {
-        constexpr double nothing = 0.01; // pixels
-        constexpr std::string_view others = "123456789";
-        const double first = width(candidate, '0');
-        return std::all_of(others.begin(), others.end(),
-                           [&](char digit) { return std::abs(width(candidate, digit) - first) < nothing; });
-    };
-    if (isTabular(font))
-        return font;
-    QFont other = font;
-    other.setFamilies({QStringLiteral("sans-serif")});
-    if (!isTabular(other))
-        other.setFamilies({QFontDatabase::systemFont(QFontDatabase::FixedFont).family()});
-    return other;
 }
 
 QColor tintColor(Tint tint, const QPalette& palette, Use use) {

@@ -7,8 +7,6 @@
 #include <QFont>
 #include <QPalette>
 
-#include <functional>
-
 /// The width of the popover's content, and the padding within it on each side, in pixels.
 inline constexpr int popoverWidth = 340;
 inline constexpr int popoverPadding = 16;
@@ -18,16 +16,6 @@ enum class TextStyle { body, headline, callout, caption, caption2 };
 
 /// The desktop's current font in the size and weight of a style.
 QFont textFont(TextStyle style);
-
-/// Gives the width of a digit in a font.
-using DigitWidth = std::function<double(const QFont& font, char digit)>;
-
-/// The width of a digit as Qt draws it, in pixels.
-double digitWidth(const QFont& font, char digit);
-
-/// The font itself if its digits are all equally wide, so that numbers do not shift while they change; else one with
-/// such digits, in the same size. If a font has both kinds of digits, Qt before 6.7 cannot select the other kind.
-QFont tabularFont(const QFont& font, const DigitWidth& width = digitWidth);
 
 /// What a colour is for. The Web Content Accessibility Guidelines require a contrast of at least 4.5 : 1 for text, and
 /// 3 : 1 for anything else.
