@@ -269,6 +269,8 @@ void PopoverView::showHeader(const BatteryState& state, Date now) {
     ring_->setAccessibleName(QString::fromStdString(ringDescription(state)));
     setAccessibleName(ring_->accessibleName()); // it gets the focus first, so screen readers read this when it opens
     setText(state_, QString::fromStdString(state.stateText()), TextStyle::headline, Tint::primary);
+    const int spare = headerRoom - balancedWidth(state_->text(), state_->font(), headerRoom);
+    state_->setContentsMargins(isRightToLeft() ? spare : 0, 0, isRightToLeft() ? 0 : spare, 0);
     const std::optional<std::string> pluggedIn = pluggedInText(model.pluggedSince.get(), now);
     pluggedIn_->setVisible(pluggedIn.has_value());
     setText(pluggedIn_, QString::fromStdString(pluggedIn.value_or("")), TextStyle::caption, Tint::secondary);

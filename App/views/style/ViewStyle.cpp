@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/style/ViewStyle.h"
 
+#include <QFontMetrics>
 #include <QGuiApplication>
 
 #include <algorithm>
@@ -80,6 +81,27 @@ QFont textFont(TextStyle style) {
     if (style == TextStyle::headline)
         font.setBold(true);
     return font;
+}
+
+int balancedWidth(const QString& text, const QFont& font, int room) {
+    const QFontMetrics metrics(font);
+    const auto height = [&](int width) {
+        constexpr int anyHeight = 1 << 20;
+        return metrics.boundingRect(QRect(0, 0, width, anyHeight), Qt::TextWordWrap, text).height();
+    };
+    const int wanted = height(room);
+    if (wanted <= metrics.height())
+        return room;
+    int tooNarrow = 0;
+    int enough = room;
+    while (enough - tooNarrow > 1) {
+        const int middle = (tooNarrow + enough) / 2;
+        (height(middle) <= wanted &&
+                 metrics.boundingRect(QRect(0, 0, middle, 0), Qt::TextWordWrap, text).width() <= middle
+             ? enough
+             : tooNarrow) = middle;
+    }
+    return enough;
 }
 
 QColor tintColor(Tint tint, const QPalette& palette, Use use) {

@@ -17,6 +17,10 @@ enum class TextStyle { body, headline, callout, caption, caption2 };
 /// The desktop's current font in the size and weight of a style.
 QFont textFont(TextStyle style);
 
+/// The least width in which a text takes no more lines than in `room`: so wrapped, its lines are about equally long,
+/// and no word is left alone. `room` itself if the text takes one line.
+int balancedWidth(const QString& text, const QFont& font, int room);
+
 /// What a colour is for. The Web Content Accessibility Guidelines require a contrast of at least 4.5 : 1 for text, and
 /// 3 : 1 for anything else.
 enum class Use { text, graphics };

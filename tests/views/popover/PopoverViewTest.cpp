@@ -106,6 +106,24 @@ TEST_F(PopoverViewTest, ShowsWhatTheBatteryDoes) {
     EXPECT_EQ(find("ring")->size(), QSize(104, 104));
 }
 
+TEST_F(PopoverViewTest, LeavesNoWordOfTheStateAlone) {
+    scene.battery(64, true, true);
+    ASSERT_EQ(text("stateText"), "Charging, estimating time to full…");
+    settle();
+    const auto* label = find<QLabel>("stateText");
+    const QFontMetrics metrics(label->font());
+    const int twoLines = metrics.height() + metrics.lineSpacing();
+    ASSERT_EQ(label->heightForWidth(label->width()), twoLines);
+    // The last line is about as long as the first: in half the room of one line and a word it takes no more lines.
+    const int room = label->contentsRect().width();
+    EXPECT_LE(room, metrics.horizontalAdvance(label->text()) * 7 / 10);
+    EXPECT_EQ(metrics.boundingRect(QRect(0, 0, room, 1000), Qt::TextWordWrap, label->text()).height(), twoLines);
+    scene.battery(64, true, true, 45);
+    scene.started().refresh(AppModel::Reason::event);
+    settle();
+    EXPECT_EQ(label->contentsRect().width(), label->width()) << "one line";
+}
+
 TEST_F(PopoverViewTest, TellsHowLongItHasBeenPluggedIn) {
     scene.fake.files.files.clear();
     shown();
