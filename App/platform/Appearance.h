@@ -31,5 +31,6 @@ struct Appearance {
     std::optional<std::array<double, 3>> accent; ///< red, green, blue from 0 to 1
     std::optional<Font> font;
     std::optional<Colours> colours = std::nullopt; ///< where these are told, the first two are of no account
+    bool hasHighContrast = false;                  ///< whether everything has to stand out more than usual
     bool operator==(const Appearance&) const = default;
 };

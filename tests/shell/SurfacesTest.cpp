@@ -368,11 +368,11 @@ private:
         EXPECT_EQ(ring->accessibleName().toStdString(), expected.ringWords());
         const std::string color = expected.ringColor();
         const Tint tint = color == "red" ? Tint::red : color == "green" ? Tint::green : Tint::accent;
-        QColor track = tintColor(Tint::secondary, ring->palette());
-        track.setAlphaF(0.2F);
         RingView plain;
         plain.setFont(ring->font());
-        plain.setContent(expected.percent(), tintColor(tint, ring->palette(), Use::graphics), track);
+        plain.setPalette(ring->palette());
+        plain.setContent(expected.percent(), tintColor(tint, ring->palette(), Use::graphics),
+                         trackColor(ring->palette()));
         const auto drawn = [](QWidget& widget) {
             return widget.grab().toImage().convertToFormat(QImage::Format_RGB32);
         };

@@ -265,7 +265,7 @@ void PopoverView::showNoBattery() {
 }
 
 void PopoverView::showHeader(const BatteryState& state, Date now) {
-    ring_->setContent(state.percent, color(ringTint(state), Use::graphics), trackColor());
+    ring_->setContent(state.percent, color(ringTint(state), Use::graphics), trackColor(palette()));
     ring_->setAccessibleName(QString::fromStdString(ringDescription(state)));
     setAccessibleName(ring_->accessibleName()); // it gets the focus first, so screen readers read this when it opens
     setText(state_, QString::fromStdString(state.stateText()), TextStyle::headline, Tint::primary);
@@ -303,7 +303,8 @@ void PopoverView::showCycles(const BatteryState& state) {
     if (!gauge)
         return;
     setRow(cycleRow_, QStringLiteral("Cycle count"), QString::fromStdString(gauge->value), Tint::secondary);
-    cycleBar_->setColors(color(gauge->tint, Use::graphics), trackColor());
+    const QColor track = trackColor(palette());
+    cycleBar_->setColors(tintColorOn(track, gauge->tint, palette(), Use::graphics), track);
     cycleBar_->setValue(static_cast<int>(gauge->filled));
 }
 
@@ -335,12 +336,6 @@ void PopoverView::showChart(Date now) {
 
 QColor PopoverView::color(Tint tint, Use use) const {
     return tintColor(tint, palette(), use);
-}
-
-QColor PopoverView::trackColor() const {
-    QColor track = color(Tint::secondary);
-    track.setAlphaF(0.2F);
-    return track;
 }
 
 void PopoverView::setText(QLabel* label, const QString& text, TextStyle style, Tint tint) {

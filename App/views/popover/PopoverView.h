@@ -99,7 +99,6 @@ private:
     void showDetails(const BatteryState& state);
     void showChart(Date now);
     QColor color(Tint tint, Use use = Use::text) const;
-    QColor trackColor() const;
     void setText(QLabel* label, const QString& text, TextStyle style, Tint tint);
     void setRow(const Row& row, const QString& label, const QString& value, Tint tint);
 };

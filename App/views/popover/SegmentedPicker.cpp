@@ -2,6 +2,7 @@
 #include "views/popover/SegmentedPicker.h"
 
 #include "views/style/KeyboardFocus.h"
+#include "views/style/ViewStyle.h"
 
 #include <QAbstractButton>
 #include <QButtonGroup>
@@ -15,10 +16,9 @@ namespace {
 constexpr qreal radius = 6;
 constexpr int inset = 2;
 
-QColor veil(const QPalette& palette, int alpha) {
-    QColor color = palette.color(QPalette::WindowText);
-    color.setAlpha(alpha);
-    return color;
+/// Behind the segments.
+QColor troughColor(const QPalette& palette) {
+    return mixed(palette.color(QPalette::WindowText), palette.color(QPalette::Window), 0.11);
 }
 
 class Segment final : public QAbstractButton {
@@ -41,7 +41,7 @@ protected:
         const QRectF pill = QRectF(rect()).marginsRemoved(QMarginsF(inset + .5, inset + .5, inset + .5, inset + .5));
         if (isChecked()) {
             const bool dark = palette().color(QPalette::Window).lightness() < 128;
-            painter.setPen(veil(palette(), 40));
+            painter.setPen(shapeColorOn(troughColor(palette()), palette()));
             painter.setBrush(dark ? palette().color(QPalette::Window).lighter(190) : palette().color(QPalette::Base));
             painter.drawRoundedRect(pill, radius - inset, radius - inset);
         }
@@ -78,6 +78,6 @@ void SegmentedPicker::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(veil(palette(), 28));
+    painter.setBrush(troughColor(palette()));
     painter.drawRoundedRect(rect(), radius, radius);
 }

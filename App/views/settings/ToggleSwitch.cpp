@@ -32,15 +32,16 @@ void ToggleSwitch::paintEvent(QPaintEvent* /*event*/) {
     painter.setOpacity(isEnabled() ? 1 : 0.45);
     const QRectF track(QPointF(room, room), QSizeF(trackSize));
     const qreal radius = track.height() / 2;
-    QColor off = palette().color(QPalette::Active, QPalette::WindowText); // the opacity makes it pale enough
-    off.setAlphaF(0.35F);
+    const QColor card = palette().color(QPalette::Base);
+    const QColor filling =
+        isChecked() ? tintColorOn(card, Tint::accent, palette(), Use::graphics) : shapeColorOn(card, palette());
     painter.setPen(Qt::NoPen);
-    painter.setBrush(isChecked() ? tintColor(Tint::accent, palette(), Use::graphics) : off);
+    painter.setBrush(filling);
     painter.drawRoundedRect(track, radius, radius);
     QRectF knob(0, 0, track.height() - 2 * knobGap, track.height() - 2 * knobGap);
     const bool atRight = isChecked() != (layoutDirection() == Qt::RightToLeft);
     knob.moveCenter(QPointF(atRight ? track.right() - radius : track.left() + radius, track.center().y()));
-    painter.setBrush(Qt::white);
+    painter.setBrush(contrast(Qt::white, filling) >= 3 ? Qt::white : Qt::black);
     painter.drawEllipse(knob);
     if (showsFocus(*this)) {
         painter.setBrush(Qt::NoBrush);

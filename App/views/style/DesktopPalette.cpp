@@ -24,6 +24,23 @@ QPalette darkPalette() {
     return palette;
 }
 
+/// Text in `one`, on the other; what is disabled can still be read.
+QPalette blackAndWhite(const QColor& one, const QColor& other) {
+    QPalette palette(other, other);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText,
+                            QPalette::BrightText, QPalette::PlaceholderText})
+        palette.setColor(role, one);
+    for (const auto role : {QPalette::Base, QPalette::AlternateBase, QPalette::ToolTipBase})
+        palette.setColor(role, other);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor(0x80, 0x80, 0x80));
+    const bool isDark = other.lightness() < one.lightness();
+    palette.setColor(QPalette::Highlight, isDark ? QColor(0x6c, 0xb2, 0xf5) : QColor(0x0b, 0x4f, 0xa0));
+    palette.setColor(QPalette::HighlightedText, other);
+    palette.setColor(QPalette::Link, palette.color(QPalette::Highlight));
+    return palette;
+}
+
 QPalette paletteOf(const Appearance::Colours& colours) {
     const auto colour = [](const Appearance::Colour& told) { return QColor(told[0], told[1], told[2]); };
     QPalette palette(colour(colours.button), colour(colours.window)); // with shades for edges and what is disabled
@@ -46,7 +63,10 @@ QPalette paletteOf(const Appearance::Colours& colours) {
 QPalette desktopPalette(const QPalette& own, const Appearance& appearance) {
     if (appearance.colours)
         return paletteOf(*appearance.colours);
-    QPalette palette = appearance.isDark.value_or(false) ? darkPalette() : own;
+    const bool isDark = appearance.isDark.value_or(false);
+    QPalette palette = isDark ? darkPalette() : own;
+    if (appearance.hasHighContrast)
+        palette = isDark ? blackAndWhite(Qt::white, Qt::black) : blackAndWhite(Qt::black, Qt::white);
     if (appearance.accent) {
         const auto part = [&](std::size_t i) { return static_cast<float>((*appearance.accent)[i]); };
         const QColor accent = QColor::fromRgbF(part(0), part(1), part(2));

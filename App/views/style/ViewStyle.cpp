@@ -32,16 +32,19 @@ double luminance(const QColor& color) {
     return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
 }
 
-QColor mixed(const QColor& one, const QColor& other, double share) {
-    const auto mix = [share](double a, double b) { return static_cast<float>(a * share + b * (1 - share)); };
-    const QColor color = QColor::fromRgbF(mix(one.redF(), other.redF()), mix(one.greenF(), other.greenF()),
-                                          mix(one.blueF(), other.blueF()));
-    return QColor(color.rgb()); // as it appears on the screen
+bool isBlackAndWhite(const QPalette& palette) {
+    constexpr double most = 20.9; // of 21, black and white exactly
+    return contrast(palette.color(QPalette::WindowText), palette.color(QPalette::Window)) > most;
 }
 
-/// The colour itself, or the closest one that is readable on the background.
-QColor readable(const QColor& color, const QColor& background, Use use) {
-    const double leastContrast = use == Use::text ? 4.5 : 3;
+double leastContrast(const QPalette& palette, Use use) {
+    if (isBlackAndWhite(palette))
+        return use == Use::text ? 7 : 4.5;
+    return use == Use::text ? 4.5 : 3;
+}
+
+/// The colour itself, or the closest one with that contrast to the background.
+QColor readable(const QColor& color, const QColor& background, double leastContrast) {
     const QColor away = luminance(background) > 0.18 ? Qt::black : Qt::white;
     QColor found = color;
     for (double share = 0.97; contrast(found, background) < leastContrast && share >= 0; share -= 0.03)
@@ -105,7 +108,28 @@ int balancedWidth(const QString& text, const QFont& font, int room) {
 }
 
 QColor tintColor(Tint tint, const QPalette& palette, Use use) {
-    return readable(wanted(tint, palette), palette.color(QPalette::Window), use);
+    return tintColorOn(palette.color(QPalette::Window), tint, palette, use);
+}
+
+QColor tintColorOn(const QColor& background, Tint tint, const QPalette& palette, Use use) {
+    return readable(wanted(tint, palette), background, leastContrast(palette, use));
+}
+
+QColor shapeColorOn(const QColor& background, const QPalette& palette) {
+    const QColor grey =
+        mixed(palette.color(QPalette::Active, QPalette::WindowText), palette.color(QPalette::Window), 0.5);
+    return readable(grey, background, leastContrast(palette, Use::graphics));
+}
+
+QColor trackColor(const QPalette& palette) {
+    return mixed(tintColor(Tint::secondary, palette), palette.color(QPalette::Window), 0.2);
+}
+
+QColor mixed(const QColor& one, const QColor& other, double share) {
+    const auto mix = [share](double a, double b) { return static_cast<float>(a * share + b * (1 - share)); };
+    const QColor color = QColor::fromRgbF(mix(one.redF(), other.redF()), mix(one.greenF(), other.greenF()),
+                                          mix(one.blueF(), other.blueF()));
+    return QColor(color.rgb()); // as it appears on the screen
 }
 
 double contrast(const QColor& one, const QColor& other) {

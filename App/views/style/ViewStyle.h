@@ -22,12 +22,26 @@ QFont textFont(TextStyle style);
 int balancedWidth(const QString& text, const QFont& font, int room);
 
 /// What a colour is for. The Web Content Accessibility Guidelines require a contrast of at least 4.5 : 1 for text, and
-/// 3 : 1 for anything else.
+/// 3 : 1 for anything else; on a palette of pure black and white, which is the desktops' high contrast, 7 : 1 and
+/// 4.5 : 1.
 enum class Use { text, graphics };
 
 /// A colour of the views, with enough contrast to the window colour of the palette for its use. The accent colour is
 /// the palette's selection colour.
 QColor tintColor(Tint tint, const QPalette& palette, Use use = Use::text);
+
+/// The same, but with enough contrast to another background.
+QColor tintColorOn(const QColor& background, Tint tint, const QPalette& palette, Use use = Use::text);
+
+/// The grey of what is a control's shape: the edge of what is chosen, a switch that is off. It can be told from the
+/// background, which is the window's colour or close to it.
+QColor shapeColorOn(const QColor& background, const QPalette& palette);
+
+/// What remains of a bar behind the filled part: secondary at 0.2, as the ring's.
+QColor trackColor(const QPalette& palette);
+
+/// `share` of one colour, from 0 to 1, over the other.
+QColor mixed(const QColor& one, const QColor& other, double share);
 
 /// The contrast of two colours by those guidelines, from 1 to 21.
 double contrast(const QColor& one, const QColor& other);

@@ -29,6 +29,22 @@ TEST(DesktopPalette, CanBeReadInTheDark) {
     EXPECT_GE(readability(dark, QPalette::Link, QPalette::Base), 4.5);
 }
 
+TEST(DesktopPalette, IsBlackAndWhiteWhereTheDesktopWantsHighContrast) {
+    for (const bool isDark : {false, true}) {
+        Appearance appearance;
+        appearance.isDark = isDark;
+        appearance.hasHighContrast = true;
+        const QPalette palette = desktopPalette(light, appearance);
+        EXPECT_EQ(palette.color(QPalette::Window), isDark ? Qt::black : Qt::white);
+        EXPECT_EQ(palette.color(QPalette::WindowText), isDark ? Qt::white : Qt::black);
+        EXPECT_GE(readability(palette, QPalette::Text, QPalette::Base), 20.9);
+        EXPECT_GE(readability(palette, QPalette::ButtonText, QPalette::Button), 20.9);
+        EXPECT_GE(readability(palette, QPalette::HighlightedText, QPalette::Highlight), 7);
+        appearance.accent = {{0.5, 0.5, 0.5}};
+        EXPECT_EQ(desktopPalette(light, appearance).color(QPalette::Highlight), QColor::fromRgbF(0.5F, 0.5F, 0.5F));
+    }
+}
+
 TEST(DesktopPalette, IsMadeOfTheColoursThatTheDesktopTells) {
     Appearance appearance;
     appearance.isDark = false;

@@ -58,11 +58,17 @@ std::optional<Appearance::Font> fontOf(std::string_view description, double scal
     return font;
 }
 
+/// "HighContrast" and "HighContrastInverse" of GTK, "ContrastHigh" and "ContrastHighInverse" of MATE.
+bool isHighContrastTheme(std::string_view name) {
+    const std::string theme = asciiLower(name);
+    return theme.starts_with("highcontrast") || theme.starts_with("contrasthigh");
+}
+
 /// Theme names are arbitrary; dark ones have the word "dark" in common, mostly at the end. "Arc-Darker" is a light
 /// theme with dark title bars.
 bool isDarkTheme(std::string_view name) {
     const std::string theme = asciiLower(name);
-    if (theme.ends_with("dark"))
+    if (theme.ends_with("dark") || (isHighContrastTheme(name) && theme.ends_with("inverse")))
         return true;
     for (std::size_t start = 0; start < theme.size();) {
         const std::size_t end = std::min(theme.find_first_of("-_ ", start), theme.size());
@@ -83,10 +89,12 @@ bool names(std::string_view desktops, std::string_view wanted) {
 Appearance appearanceOf(const DesktopSettings& settings, const XfceSettings& xfce) {
     Appearance appearance;
     const std::uint32_t scheme = settings.colorScheme.value_or(0);
+    const auto& theme = xfce.themeName ? xfce.themeName : settings.themeName;
     if (scheme == 1 || scheme == 2)
         appearance.isDark = scheme == 1;
-    else if (const auto& theme = xfce.themeName ? xfce.themeName : settings.themeName)
+    else if (theme)
         appearance.isDark = isDarkTheme(*theme);
+    appearance.hasHighContrast = settings.contrast == 1U || (theme && isHighContrastTheme(*theme));
     if (const auto& accent = settings.accentColor;
         accent && std::all_of(accent->begin(), accent->end(), [](double part) { return part >= 0 && part <= 1; }))
         appearance.accent = accent;

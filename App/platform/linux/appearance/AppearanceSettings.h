@@ -13,6 +13,7 @@
 struct DesktopSettings {
     std::optional<std::uint32_t> colorScheme;         ///< 1 dark, 2 light, anything else no preference
     std::optional<std::array<double, 3>> accentColor; ///< red, green, blue from 0 to 1; anything outside means none
+    std::optional<std::uint32_t> contrast;            ///< 1 higher, anything else no preference
     std::optional<std::string> fontName;              ///< "Cantarell Bold 11"
     std::optional<double> textScale;                  ///< 1 for the unscaled font
     std::optional<std::string> themeName;             ///< on older desktops: "Adwaita-dark"

@@ -84,6 +84,8 @@ void PortalSettings::settingChanged(const QDBusMessage& signal) {
 void PortalSettings::set(const QString& space, const QString& key, const QVariant& value) {
     if (space == appearance && key == QLatin1String("color-scheme"))
         settings_.colorScheme = as<std::uint32_t, QMetaType::UInt>(value);
+    else if (space == appearance && key == QLatin1String("contrast"))
+        settings_.contrast = as<std::uint32_t, QMetaType::UInt>(value);
     else if (space == appearance && key == QLatin1String("accent-color"))
         settings_.accentColor = asColor(value);
     else if (space == gnome && key == QLatin1String("font-name"))

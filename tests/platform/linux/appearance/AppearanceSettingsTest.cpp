@@ -49,6 +49,27 @@ TEST(Appearance, TheThemesNameDecidesOnlyWithoutAScheme) {
     EXPECT_EQ(isDark(1, "Adwaita"), true);
 }
 
+TEST(Appearance, HasHighContrastWhereThePortalOrTheThemeSaysSo) {
+    const auto contrast = [](std::optional<std::uint32_t> told, const char* theme) {
+        DesktopSettings settings;
+        settings.contrast = told;
+        if (theme != nullptr)
+            settings.themeName = theme;
+        return appearanceOf(settings).hasHighContrast;
+    };
+    EXPECT_TRUE(contrast(1, nullptr));
+    EXPECT_FALSE(contrast(0, nullptr));
+    EXPECT_FALSE(contrast(2, nullptr));
+    EXPECT_FALSE(contrast(std::nullopt, "Adwaita"));
+    for (const char* theme : {"HighContrast", "HighContrastInverse", "ContrastHigh", "ContrastHighInverse"})
+        EXPECT_TRUE(contrast(0, theme)) << theme;
+    EXPECT_TRUE(appearanceOf({}, {.themeName = "HighContrast", .fontName = {}}).hasHighContrast);
+    EXPECT_EQ(appearanceOf({}, {.themeName = "HighContrast", .fontName = {}}).isDark, false);
+    EXPECT_EQ(appearanceOf({}, {.themeName = "HighContrastInverse", .fontName = {}}).isDark, true);
+    EXPECT_EQ(isDark(std::nullopt, "ContrastHighInverse"), true);
+    EXPECT_EQ(isDark(std::nullopt, "Inverse"), false);
+}
+
 TEST(Appearance, IsDarkByAWordInTheThemesName) {
     for (const char* dark : {"Adwaita-dark", "Greybird-dark", "Arc-Dark", "Breezedark", "Materia-dark-compact", "dark",
                              "Yaru_dark", "Some dark theme", "Yaru-blue-DARK"})

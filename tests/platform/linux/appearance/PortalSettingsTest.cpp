@@ -90,6 +90,21 @@ TEST_F(PortalSettingsTest, FollowsWhileItRuns) {
     EXPECT_TRUE(shows({.isDark = false, .accent = {{1, 0, 0}}, .font = {}}));
 }
 
+TEST_F(PortalSettingsTest, TellsOfHighContrast) {
+    FakePortal portal(bus);
+    portal.spaces[appearance] = {{QStringLiteral("contrast"), 1U}};
+    watch->start(false);
+    Appearance high;
+    high.hasHighContrast = true;
+    EXPECT_TRUE(shows(high));
+    portal.change(appearance, QStringLiteral("contrast"), 0U);
+    EXPECT_TRUE(shows({}));
+    portal.change(appearance, QStringLiteral("contrast"), 1U);
+    EXPECT_TRUE(shows(high));
+    portal.change(appearance, QStringLiteral("contrast"), QStringLiteral("1"));
+    EXPECT_TRUE(shows({})) << "of the wrong type";
+}
+
 TEST_F(PortalSettingsTest, SaysNothingOfChangesThatChangeNothing) {
     FakePortal portal(bus);
     watch->start(false);
