@@ -55,6 +55,7 @@ add_executable(velmora_adapter_tests
     support/PrivateBus.cpp
     support/Umockdev.cpp
     support/Watcher.h
+    views/style/AccessibilityTest.cpp
     views/style/ContrastTest.cpp
     views/style/DesktopPaletteTest.cpp
     views/popover/PopoverTest.cpp

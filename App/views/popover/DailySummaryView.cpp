@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/popover/DailySummaryView.h"
 
+#include "views/style/Accessibility.h"
 #include "views/style/KeyboardFocus.h"
 #include "views/style/ViewStyle.h"
 #include "views/text/PopoverText.h"
@@ -53,6 +54,7 @@ QFont tableFont() {
 class Disclosure final : public QAbstractButton {
 public:
     explicit Disclosure(const QString& text, QWidget* parent) : QAbstractButton(parent) {
+        setAccessibleRole(*this, QAccessible::Button);
         setText(text);
         setCheckable(true);
         setFocusPolicy(Qt::StrongFocus);
@@ -119,7 +121,7 @@ DailySummaryView::DailySummaryView(QWidget* parent)
 }
 
 void DailySummaryView::setExpanded(bool expanded) {
-    disclosure_->setAccessibleDescription(expanded ? QStringLiteral("expanded") : QStringLiteral("collapsed"));
+    setAccessibleExpanded(*disclosure_, expanded);
     table_->setVisible(expanded);
 }
 

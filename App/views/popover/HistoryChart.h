@@ -14,7 +14,7 @@ class QLabel;
 class QStackedLayout;
 
 /// The charge over the last days as a line, with a dashed rule at the charge limit; a sentence instead while there is
-/// not enough to draw.
+/// not enough to draw. The keyboard comes to it, so that screen readers read what it shows.
 class HistoryChart final : public QWidget {
     Q_OBJECT
 
@@ -38,8 +38,12 @@ public:
     /// Shows this content; the sentence if there are fewer than two points or the chart plugin is missing.
     void setContent(const Content& content);
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     QStackedLayout* layers_;
     QLabel* empty_;
+    QWidget* ring_;
     HistoryPlot* plot_ = nullptr; ///< made when there is something to draw
 };

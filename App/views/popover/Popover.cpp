@@ -3,6 +3,7 @@
 
 #include "platform/DesktopWindows.h"
 #include "views/popover/ThinScrollBar.h"
+#include "views/style/Accessibility.h"
 #include "views/style/KeyboardFocus.h"
 #include "views/style/ViewStyle.h"
 #include "views/text/PopoverPlacement.h"
@@ -89,6 +90,7 @@ Popover::Popover(DesktopWindows* desktop)
     , scrollBar_(new ThinScrollBar(area_->verticalScrollBar(), this))
     , border_(new Border(this))
     , keyboardFocus_(new KeyboardFocus(*this)) {
+    setAccessibleRole(*this, QAccessible::Dialog);
     setObjectName(QStringLiteral("popover"));
     setWindowTitle(QStringLiteral("Velmora"));
     area_->setFrameShape(QFrame::NoFrame);

@@ -14,6 +14,7 @@
 #include "views/popover/LinkButton.h"
 #include "views/popover/RingView.h"
 #include "views/popover/SegmentedPicker.h"
+#include "views/style/Accessibility.h"
 #include "views/style/ViewStyle.h"
 #include "views/text/TimeText.h"
 
@@ -147,6 +148,7 @@ PopoverView::Row PopoverView::makeRow(const char* name, QWidget* parent) {
     Row row;
     row.widget = new QWidget(parent);
     row.widget->setObjectName(QLatin1String(name) + QLatin1String("Row"));
+    setAccessibleWhole(*row.widget, QAccessible::StaticText);
     row.label = makeWrappingLabel((std::string(name) + "Label").c_str(), row.widget);
     row.value = makeWrappingLabel((std::string(name) + "Value").c_str(), row.widget);
     row.value->setAlignment(Qt::AlignTrailing | Qt::AlignVCenter);
@@ -189,12 +191,12 @@ QWidget* PopoverView::makeHeader() {
 QWidget* PopoverView::makeCycles() {
     cycles_ = new QWidget(battery_);
     cycles_->setObjectName(QStringLiteral("cycles"));
+    setAccessibleWhole(*cycles_, QAccessible::StaticText);
     auto* column = makeLayout<QVBoxLayout>(cycles_, 4);
     cycleRow_ = makeRow("cycle", cycles_);
     column->addWidget(cycleRow_.widget);
     cycleBar_ = new GaugeBar(cycles_);
     cycleBar_->setObjectName(QStringLiteral("cycleBar"));
-    cycleBar_->setAccessibleName(QStringLiteral("Cycle count"));
     cycleBar_->setRange(0, static_cast<int>(cyclesOfAGauge));
     column->addWidget(cycleBar_);
     return cycles_;
@@ -303,6 +305,7 @@ void PopoverView::showCycles(const BatteryState& state) {
     if (!gauge)
         return;
     setRow(cycleRow_, QStringLiteral("Cycle count"), QString::fromStdString(gauge->value), Tint::secondary);
+    cycles_->setAccessibleName(cycleRow_.widget->accessibleName());
     const QColor track = trackColor(palette());
     cycleBar_->setColors(tintColorOn(track, gauge->tint, palette(), Use::graphics), track);
     cycleBar_->setValue(static_cast<int>(gauge->filled));
@@ -354,9 +357,9 @@ void PopoverView::setText(QLabel* label, const QString& text, TextStyle style, T
 void PopoverView::setRow(const Row& row, const QString& label, const QString& value, Tint tint) {
     setText(row.label, label, TextStyle::body, Tint::primary);
     setText(row.value, value, TextStyle::body, tint);
-    // Screen readers get the label too: a value alone says little.
-    if (const QString spoken = label + QLatin1String(": ") + value; row.value->accessibleName() != spoken)
-        row.value->setAccessibleName(spoken);
+    // Screen readers read the whole row at once: a value alone says little.
+    if (const QString spoken = label + QLatin1String(": ") + value; row.widget->accessibleName() != spoken)
+        row.widget->setAccessibleName(spoken);
 }
 
 void PopoverView::changeEvent(QEvent* event) {

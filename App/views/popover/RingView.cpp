@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/popover/RingView.h"
 
+#include "views/style/Accessibility.h"
+
 #include <QFontMetricsF>
 #include <QPainter>
 
@@ -63,6 +65,8 @@ TabularText ringText(QFont font, std::int64_t percent, qreal room) {
 
 RingView::RingView(QWidget* parent) : QWidget(parent) {
     setFixedSize(frame, frame);
+    setAccessibleRole(*this, QAccessible::Graphic);
+    setAccessibleDescription(QStringLiteral("Charge of the battery"));
 }
 
 void RingView::setContent(std::int64_t newPercent, const QColor& newColor, const QColor& track) {
@@ -71,6 +75,7 @@ void RingView::setContent(std::int64_t newPercent, const QColor& newColor, const
     percent = newPercent;
     color = newColor;
     track_ = track;
+    setAccessibleValue(*this, QString::number(percent) + QLatin1String(" %"));
     update();
 }
 

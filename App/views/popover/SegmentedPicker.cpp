@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/popover/SegmentedPicker.h"
 
+#include "views/style/Accessibility.h"
 #include "views/style/KeyboardFocus.h"
 #include "views/style/ViewStyle.h"
 
@@ -24,6 +25,7 @@ QColor troughColor(const QPalette& palette) {
 class Segment final : public QAbstractButton {
 public:
     Segment(const QString& text, QWidget* parent) : QAbstractButton(parent) {
+        setAccessibleRole(*this, QAccessible::RadioButton);
         setText(text);
         setCheckable(true);
         setFocusPolicy(Qt::StrongFocus);
@@ -58,6 +60,7 @@ protected:
 } // namespace
 
 SegmentedPicker::SegmentedPicker(const QStringList& choices, QWidget* parent) : QWidget(parent) {
+    setAccessibleRole(*this, QAccessible::Grouping);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);

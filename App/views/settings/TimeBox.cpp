@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/settings/TimeBox.h"
 
+#include "views/style/Accessibility.h"
 #include "views/text/SettingsForm.h"
 #include "views/text/TimeText.h"
 
@@ -13,9 +14,12 @@ TimeBox::TimeBox(QWidget* parent) : QTimeEdit(parent) {
     setDisplayFormat(shortTimeFormat(QLocale::system()));
     setKeyboardTracking(false); // a time that is still being typed does not count
     setWrapping(true);          // after 23 comes 0
+    setAccessibleValue(*this, text());
     lineEdit()->installEventFilter(this);
+    setAccessibleWhole(*this, QAccessible::SpinBox); // Qt's own has the number 0 as its value
     connect(this, &QTimeEdit::timeChanged, this, [this](QTime time) {
         constexpr int minutesOfHour = 60;
+        setAccessibleValue(*this, text());
         Q_EMIT chosen(time.hour() * minutesOfHour + time.minute());
     });
 }
@@ -27,6 +31,7 @@ void TimeBox::setStored(std::int64_t minutes, Calendar::TimeOfDay otherwise) {
         return; // keep what is being typed
     const QSignalBlocker quiet(this);
     setTime(shown);
+    setAccessibleValue(*this, text());
 }
 
 bool TimeBox::eventFilter(QObject* watched, QEvent* event) {

@@ -62,9 +62,9 @@ struct PopoverViewTest : ::testing::Test {
     /// The visible labels with their values, from the top.
     std::vector<std::string> details() {
         std::vector<std::string> rows;
-        for (const auto* value : shown().findChildren<QLabel*>(QStringLiteral("detailValue"))) {
-            if (value->isVisible())
-                rows.push_back(value->accessibleName().toStdString());
+        for (const auto* row : shown().findChildren<QWidget*>(QStringLiteral("detailRow"))) {
+            if (row->isVisible())
+                rows.push_back(row->accessibleName().toStdString());
         }
         return rows;
     }
