@@ -63,6 +63,7 @@ add_executable(velmora_adapter_tests
     views/popover/RingViewTest.cpp
     views/settings/SettingsViewTest.cpp
     views/style/OneFamilyTest.cpp
+    views/style/RightToLeftTest.cpp
     views/text/TimeTextTest.cpp
 )
 target_link_libraries(velmora_adapter_tests PRIVATE velmora_app velmora_linux velmora_desktop_test_support velmora_options

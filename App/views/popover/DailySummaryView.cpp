@@ -81,7 +81,8 @@ protected:
         painter.restore();
         painter.setPen(palette().color(QPalette::WindowText));
         const QRect room = rect().adjusted(isRightToLeft() ? 0 : indent(), 0, isRightToLeft() ? -indent() : 0, 0);
-        painter.drawText(room, Qt::AlignLeading | Qt::AlignVCenter, text());
+        painter.setLayoutDirection(textDirection);
+        painter.drawText(room, (isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter, text());
         if (showsFocus(*this)) {
             painter.setBrush(Qt::NoBrush);
             painter.setPen(QPen(palette().color(QPalette::Highlight), 1.5));

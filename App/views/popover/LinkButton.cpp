@@ -2,6 +2,7 @@
 #include "views/popover/LinkButton.h"
 
 #include "views/style/KeyboardFocus.h"
+#include "views/style/ViewStyle.h"
 
 #include <QPainter>
 #include <QStyleOptionFocusRect>
@@ -28,6 +29,7 @@ void LinkButton::paintEvent(QPaintEvent* /*event*/) {
     underlined.setUnderline(underMouse() || showsFocus(*this));
     painter.setFont(underlined);
     painter.setPen(isDown() ? color_.darker(130) : color_);
+    painter.setLayoutDirection(textDirection);
     painter.drawText(rect(), Qt::AlignCenter, text());
     if (showsFocus(*this)) {
         QStyleOptionFocusRect option;

@@ -53,6 +53,7 @@ protected:
             painter.drawRoundedRect(pill, radius - inset, radius - inset);
         }
         painter.setPen(palette().color(QPalette::WindowText));
+        painter.setLayoutDirection(textDirection);
         painter.drawText(rect(), Qt::AlignCenter, fontMetrics().elidedText(text(), Qt::ElideRight, width() - 8));
     }
 };

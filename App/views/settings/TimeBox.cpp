@@ -2,6 +2,7 @@
 #include "views/settings/TimeBox.h"
 
 #include "views/style/Accessibility.h"
+#include "views/style/ViewStyle.h"
 #include "views/text/SettingsForm.h"
 #include "views/text/TimeText.h"
 
@@ -11,12 +12,14 @@
 #include <QSignalBlocker>
 
 TimeBox::TimeBox(QWidget* parent) : QTimeEdit(parent) {
+    setLayoutDirection(textDirection); // or Qt would write the minutes before the hours
     setDisplayFormat(shortTimeFormat(QLocale::system()));
     setKeyboardTracking(false); // a time that is still being typed does not count
     setWrapping(true);          // after 23 comes 0
     setAccessibleValue(*this, text());
     lineEdit()->installEventFilter(this);
-    setAccessibleWhole(*this, QAccessible::SpinBox); // Qt's own has the number 0 as its value
+    lineEdit()->setObjectName(QStringLiteral("timeText")); // under its usual name, Qt does not present it
+    setAccessibleWhole(*this, QAccessible::SpinBox);       // Qt's own has the number 0 as its value
     connect(this, &QTimeEdit::timeChanged, this, [this](QTime time) {
         constexpr int minutesOfHour = 60;
         setAccessibleValue(*this, text());

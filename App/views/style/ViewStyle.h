@@ -21,6 +21,10 @@ QFont textFont(TextStyle style);
 /// and no word is left alone. `room` itself if the text takes one line.
 int balancedWidth(const QString& text, const QFont& font, int room);
 
+/// The direction of a text of ours on its own widget, which QPainter would take from the desktop's: our texts are
+/// English, and "24 hours" would become "hours 24".
+inline constexpr Qt::LayoutDirection textDirection = Qt::LeftToRight;
+
 /// What a colour is for. The Web Content Accessibility Guidelines require a contrast of at least 4.5 : 1 for text, and
 /// 3 : 1 for anything else; on a palette of pure black and white, which is the desktops' high contrast, 7 : 1 and
 /// 4.5 : 1.
