@@ -370,7 +370,9 @@ private:
         const Tint tint = color == "red" ? Tint::red : color == "green" ? Tint::green : Tint::accent;
         RingView plain;
         plain.setFont(ring->font());
-        plain.setPalette(ring->palette());
+        QPalette card; // inherited, which a copy of the ring's palette would not be
+        card.setColor(QPalette::Window, ring->palette().color(QPalette::Window));
+        plain.setPalette(card);
         plain.setContent(expected.percent(), tintColor(tint, ring->palette(), Use::graphics),
                          trackColor(ring->palette()));
         const auto drawn = [](QWidget& widget) {

@@ -57,6 +57,7 @@ public:
         setAccessibleRole(*this, QAccessible::Button);
         setText(text);
         setCheckable(true);
+        setAttribute(Qt::WA_Hover);
         setFocusPolicy(Qt::StrongFocus);
         setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     }
@@ -71,7 +72,7 @@ protected:
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(Qt::NoPen);
         QColor color = palette().color(QPalette::WindowText);
-        color.setAlphaF(isDown() ? 1.0F : 0.7F);
+        color.setAlphaF(isDown() || underMouse() ? 1.0F : 0.6F);
         painter.setBrush(color);
         painter.save();
         const qreal size = fontMetrics().ascent() * 0.36;

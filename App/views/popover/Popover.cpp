@@ -2,9 +2,9 @@
 #include "views/popover/Popover.h"
 
 #include "platform/DesktopWindows.h"
-#include "views/popover/ThinScrollBar.h"
 #include "views/style/Accessibility.h"
 #include "views/style/KeyboardFocus.h"
+#include "views/style/ThinScrollBar.h"
 #include "views/style/ViewStyle.h"
 #include "views/text/PopoverPlacement.h"
 
@@ -99,6 +99,7 @@ Popover::Popover(DesktopWindows* desktop)
     area_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // it would take width from the content
     area_->setFocusPolicy(Qt::NoFocus);
     area_->verticalScrollBar()->setAccessibleName(QStringLiteral("Scroll"));
+    useCardColor();
     untilNobodyLooks_.setSingleShot(true);
     untilNobodyLooks_.setInterval(longestLook);
     connect(&untilNobodyLooks_, &QTimer::timeout, this, &Popover::closeUnlessPointerMoves);
@@ -176,6 +177,21 @@ bool Popover::event(QEvent* event) {
     if (event->type() == QEvent::WindowDeactivate)
         hide();
     return QWidget::event(event);
+}
+
+void Popover::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) // the desktop's, except for the colour of the card
+        useCardColor();
+}
+
+void Popover::useCardColor() {
+    const QColor wanted = cardColor(QGuiApplication::palette());
+    if (palette().color(QPalette::Window) == wanted)
+        return;
+    QPalette card; // this colour alone, so that all others follow the desktop
+    card.setColor(QPalette::Window, wanted);
+    setPalette(card);
 }
 
 void Popover::keyPressEvent(QKeyEvent* event) {

@@ -42,6 +42,7 @@ Q_SIGNALS:
 
 protected:
     bool event(QEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void hideEvent(QHideEvent* event) override;
 
@@ -57,4 +58,5 @@ private:
     QPoint pointer_; ///< where it was when the timer was started
 
     void closeUnlessPointerMoves();
+    void useCardColor();
 };

@@ -15,6 +15,7 @@
 #include "views/popover/RingView.h"
 #include "views/popover/SegmentedPicker.h"
 #include "views/style/Accessibility.h"
+#include "views/style/FlatStyle.h"
 #include "views/style/ViewStyle.h"
 #include "views/text/TimeText.h"
 
@@ -83,7 +84,8 @@ PopoverView::PopoverView(AppModel& theModel, const Platform& platform, std::func
     : QWidget(parent)
     , model(theModel)
     , platform_(platform)
-    , openSettings(std::move(settings)) {
+    , openSettings(std::move(settings))
+    , flat_(new FlatStyle(this)) {
     setObjectName(QStringLiteral("popoverView"));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(popoverPadding, popoverPadding, popoverPadding, popoverPadding);
@@ -205,20 +207,23 @@ QWidget* PopoverView::makeCycles() {
 QWidget* PopoverView::makeFooter(std::function<void()> quit) {
     auto* footer = new QWidget(this);
     auto* column = makeLayout<QVBoxLayout>(footer, 8);
-    auto* divider = new QFrame(footer);
-    divider->setFrameShape(QFrame::HLine);
-    divider->setFrameShadow(QFrame::Sunken);
-    column->addWidget(divider);
+    divider_ = new QFrame(footer);
+    divider_->setFrameShape(QFrame::HLine);
+    divider_->setFrameShadow(QFrame::Plain);
+    divider_->setFixedHeight(1);
+    column->addWidget(divider_);
     note_ = makeWrappingLabel("note", footer);
     column->addWidget(note_);
     auto* buttons = new QHBoxLayout;
     auto* settings = new QPushButton(QStringLiteral("Settings…"), footer);
     settings->setObjectName(QStringLiteral("settingsButton"));
+    flat_->dress(*settings);
     connect(settings, &QPushButton::clicked, this, [this] { openSettings(); });
     buttons->addWidget(settings);
     buttons->addStretch(1);
     auto* quitButton = new QPushButton(QStringLiteral("Quit"), footer);
     quitButton->setObjectName(QStringLiteral("quitButton"));
+    flat_->dress(*quitButton);
     connect(quitButton, &QPushButton::clicked, this, [quit = std::move(quit)] { quit(); });
     buttons->addWidget(quitButton);
     column->addLayout(buttons);
@@ -245,8 +250,14 @@ void PopoverView::rebuild() {
     const Date now = platform_.clock.now();
     noBattery_->setVisible(!state.hasBattery);
     battery_->setVisible(state.hasBattery);
+    if (const QColor line = hairlineColor(palette()); divider_->palette().color(QPalette::WindowText) != line) {
+        QPalette colors = palette();
+        colors.setColor(QPalette::WindowText, line);
+        divider_->setPalette(colors);
+    }
     setText(note_, QStringLiteral("Velmora can only remind you. A Mac app cannot stop the charger."),
             TextStyle::caption2, Tint::secondary);
+    balance(note_, popoverWidth - 2 * popoverPadding);
     if (!state.hasBattery) {
         showNoBattery();
         return;
@@ -271,8 +282,7 @@ void PopoverView::showHeader(const BatteryState& state, Date now) {
     ring_->setAccessibleName(QString::fromStdString(ringDescription(state)));
     setAccessibleName(ring_->accessibleName()); // it gets the focus first, so screen readers read this when it opens
     setText(state_, QString::fromStdString(state.stateText()), TextStyle::headline, Tint::primary);
-    const int spare = headerRoom - balancedWidth(state_->text(), state_->font(), headerRoom);
-    state_->setContentsMargins(isRightToLeft() ? spare : 0, 0, isRightToLeft() ? 0 : spare, 0);
+    balance(state_, headerRoom);
     const std::optional<std::string> pluggedIn = pluggedInText(model.pluggedSince.get(), now);
     pluggedIn_->setVisible(pluggedIn.has_value());
     setText(pluggedIn_, QString::fromStdString(pluggedIn.value_or("")), TextStyle::caption, Tint::secondary);
@@ -352,6 +362,16 @@ void PopoverView::setText(QLabel* label, const QString& text, TextStyle style, T
         label->setFont(wanted);
     if (label->text() != text)
         label->setText(text);
+}
+
+void PopoverView::balance(QLabel* label, int room) {
+    // Worked out again only for another text or font: that costs several layouts of the text.
+    const QString now = label->font().key() + label->text();
+    if (label->property("balancedFor") == now)
+        return;
+    label->setProperty("balancedFor", now);
+    const int spare = room - balancedWidth(label->text(), label->font(), room);
+    label->setContentsMargins(isRightToLeft() ? spare : 0, 0, isRightToLeft() ? 0 : spare, 0);
 }
 
 void PopoverView::setRow(const Row& row, const QString& label, const QString& value, Tint tint) {

@@ -13,11 +13,13 @@
 #include <vector>
 
 class AppModel;
+class FlatStyle;
 class DailySummaryView;
 class GaugeBar;
 class HistoryChart;
 class LinkButton;
 class QBoxLayout;
+class QFrame;
 class QLabel;
 class RingView;
 class SegmentedPicker;
@@ -61,6 +63,8 @@ private:
     int rebuilds_ = 0;
     bool isQueued_ = false;
 
+    FlatStyle* flat_;
+    QFrame* divider_;
     QWidget* noBattery_;
     QLabel* noBatterySymbol_;
     QLabel* noBatteryTitle_;
@@ -100,5 +104,6 @@ private:
     void showChart(Date now);
     QColor color(Tint tint, Use use = Use::text) const;
     void setText(QLabel* label, const QString& text, TextStyle style, Tint tint);
+    void balance(QLabel* label, int room);
     void setRow(const Row& row, const QString& label, const QString& value, Tint tint);
 };

@@ -10,16 +10,22 @@
 #include <QHBoxLayout>
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
 
-constexpr qreal radius = 6;
+constexpr qreal radius = controlRadius;
 constexpr int inset = 2;
+constexpr int leastHeight = 30;
 
 /// Behind the segments.
 QColor troughColor(const QPalette& palette) {
-    return mixed(palette.color(QPalette::WindowText), palette.color(QPalette::Window), 0.11);
+    return fillColor(palette, Filling::rest);
+}
+
+bool isDark(const QPalette& palette) {
+    return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
 }
 
 class Segment final : public QAbstractButton {
@@ -28,12 +34,16 @@ public:
         setAccessibleRole(*this, QAccessible::RadioButton);
         setText(text);
         setCheckable(true);
+        setAttribute(Qt::WA_Hover);
+        QFont weight; // alone, so that the rest follows the desktop
+        weight.setWeight(QFont::Medium);
+        setFont(weight);
         setFocusPolicy(Qt::StrongFocus);
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     }
     QSize sizeHint() const override {
         const QSize text = fontMetrics().size(Qt::TextSingleLine, this->text());
-        return {text.width() + 16, static_cast<int>(std::lround(text.height() * 1.4))};
+        return {text.width() + 16, std::max(leastHeight, static_cast<int>(std::lround(text.height() * 1.4)))};
     }
 
 protected:
@@ -42,9 +52,12 @@ protected:
         painter.setRenderHint(QPainter::Antialiasing);
         const QRectF pill = QRectF(rect()).marginsRemoved(QMarginsF(inset + .5, inset + .5, inset + .5, inset + .5));
         if (isChecked()) {
-            const bool dark = palette().color(QPalette::Window).lightness() < 128;
             painter.setPen(shapeColorOn(troughColor(palette()), palette()));
-            painter.setBrush(dark ? palette().color(QPalette::Window).lighter(190) : palette().color(QPalette::Base));
+            painter.setBrush(mixed(Qt::white, cardColor(palette()), isDark(palette()) ? 0.18 : 1));
+            painter.drawRoundedRect(pill, radius - inset, radius - inset);
+        } else if (underMouse()) {
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(fillColor(palette(), isDown() ? Filling::pressed : Filling::hover));
             painter.drawRoundedRect(pill, radius - inset, radius - inset);
         }
         if (showsFocus(*this)) {

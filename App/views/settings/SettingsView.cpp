@@ -12,9 +12,9 @@
 #include "views/settings/StepperBox.h"
 #include "views/settings/TimeBox.h"
 #include "views/settings/ToggleSwitch.h"
+#include "views/style/FlatStyle.h"
 #include "views/style/ViewStyle.h"
 
-#include <QAbstractSpinBox>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -27,7 +27,7 @@ namespace {
 
 constexpr int margin = 20;
 constexpr int rowMargin = 12;
-constexpr int rowHeight = 34;
+constexpr int rowHeight = 38;
 
 /// The background of one section's rows, with lines between them.
 class Card final : public QWidget {
@@ -42,9 +42,7 @@ protected:
     void paintEvent(QPaintEvent* /*event*/) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        QColor line = palette().color(QPalette::WindowText);
-        line.setAlphaF(0.12F);
-        painter.setPen(line);
+        painter.setPen(hairlineColor(palette()));
         painter.setBrush(palette().color(QPalette::Base));
         painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 8, 8);
         painter.setRenderHint(QPainter::Antialiasing, false);
@@ -65,7 +63,8 @@ protected:
 SettingsView::SettingsView(AppModel& theModel, const Platform& platform, QWidget* parent)
     : QWidget(parent)
     , model(theModel)
-    , platform_(platform) {
+    , platform_(platform)
+    , flat_(new FlatStyle(this)) {
     setObjectName(QStringLiteral("settingsView"));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(margin, margin, margin, margin);
@@ -104,7 +103,8 @@ void SettingsView::addRow(QBoxLayout* section, QLabel* label, QWidget* control) 
     row->setObjectName(QStringLiteral("row"));
     row->setMinimumHeight(rowHeight);
     auto* line = new QHBoxLayout(row);
-    line->setContentsMargins(rowMargin, 3, rowMargin, 3);
+    const int room = control->property("roomAround").toInt(); // so that what is seen of it ends where the others do
+    line->setContentsMargins(rowMargin, 5, rowMargin - room, 5);
     label->setParent(row);
     label->setWordWrap(true);
     label->setTextFormat(Qt::PlainText);
@@ -136,6 +136,8 @@ void SettingsView::addControl(QBoxLayout* section, const SettingsControl& contro
     }
     widget->setObjectName(toQString(control.key));
     widget->installEventFilter(this);
+    if (control.kind != SettingsControl::Kind::toggle)
+        flat_->dress(*widget);
     addRow(section, label, widget);
     if (!control.enabledBy.empty()) {
         // Several controls are called "Sound"; their switch is visible above them, and screen readers get it from this.
@@ -213,10 +215,11 @@ void SettingsView::addGeneral() {
         auto* row = new QWidget(general->parentWidget());
         row->setMinimumHeight(rowHeight);
         auto* line = new QHBoxLayout(row);
-        line->setContentsMargins(rowMargin, 3, rowMargin, 3);
+        line->setContentsMargins(rowMargin, 5, rowMargin, 5);
         auto* button = new QPushButton(label, row);
         button->setObjectName(QLatin1String(name));
         button->setAutoDefault(false);
+        flat_->dress(*button);
         connect(button, &QPushButton::clicked, this, action);
         line->addWidget(button);
         line->addStretch(1);
@@ -266,18 +269,9 @@ void SettingsView::style() {
         else if (note == bundleNote_)
             tint = Tint::orange;
         QPalette colors = palette();
-        colors.setColor(QPalette::WindowText, tintColor(tint, palette()));
+        colors.setColor(QPalette::WindowText, tintColorOn(palette().color(QPalette::Base), tint, palette()));
         note->setPalette(colors);
         note->setFont(textFont(TextStyle::caption));
-    }
-    // On dark cards the frames of fields are invisible, so their background shows where they are.
-    const bool isDark =
-        palette().color(QPalette::Window).lightness() < palette().color(QPalette::WindowText).lightness();
-    for (auto* box : findChildren<QAbstractSpinBox*>()) {
-        QPalette colors = palette();
-        if (isDark)
-            colors.setColor(QPalette::Base, palette().color(QPalette::Button));
-        box->setPalette(colors);
     }
 }
 

@@ -13,6 +13,7 @@
 #include <vector>
 
 class AppModel;
+class FlatStyle;
 class QBoxLayout;
 class QLabel;
 class QMessageBox;
@@ -36,6 +37,7 @@ protected:
 private:
     AppModel& model;
     Platform platform_;
+    FlatStyle* flat_;
     ToggleSwitch* launchAtLogin_ = nullptr;
     QLabel* loginError_ = nullptr;
     QLabel* bundleNote_ = nullptr;

@@ -3,6 +3,7 @@
 
 #include "platform/DesktopWindows.h"
 #include "views/style/KeyboardFocus.h"
+#include "views/style/ThinScrollBar.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -49,6 +50,7 @@ SettingsWindow::SettingsWindow(QWidget* form, DesktopWindows* desktop)
                            Qt::WindowCloseButtonHint)
     , desktop_(desktop)
     , area_(new QScrollArea(this))
+    , scrollBar_(new ThinScrollBar(area_->verticalScrollBar(), this))
     , keyboardFocus_(new KeyboardFocus(*this)) {
     setObjectName(QStringLiteral("settingsWindow"));
     if (QApplication::windowIcon().isNull())
@@ -57,6 +59,7 @@ SettingsWindow::SettingsWindow(QWidget* form, DesktopWindows* desktop)
     area_->setFrameShape(QFrame::NoFrame);
     area_->setWidgetResizable(true);
     area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff); // it would take width from the form
     area_->setFocusPolicy(Qt::NoFocus);
     area_->verticalScrollBar()->setAccessibleName(QStringLiteral("Scroll"));
     area_->setWidget(form);
@@ -65,6 +68,10 @@ SettingsWindow::SettingsWindow(QWidget* form, DesktopWindows* desktop)
     layout->addWidget(area_);
     const QRect available = screen()->availableGeometry();
     setFixedSize(windowWidth, std::min(windowHeight, available.height() - titleBar));
+    constexpr int gap = 4; ///< between the scroll bar and the sides
+    scrollBar_->setGeometry(isRightToLeft() ? gap : width() - gap - ThinScrollBar::thickness, gap,
+                            ThinScrollBar::thickness, height() - 2 * gap);
+    scrollBar_->raise();
     move(available.center() - rect().center());
 }
 

@@ -6,6 +6,7 @@
 class DesktopWindows;
 class KeyboardFocus;
 class QScrollArea;
+class ThinScrollBar;
 
 /// The window of the settings form: of fixed size, and hidden but not destroyed when closed. Esc closes it as well.
 class SettingsWindow final : public QDialog {
@@ -25,5 +26,6 @@ protected:
 private:
     DesktopWindows* desktop_;
     QScrollArea* area_;
+    ThinScrollBar* scrollBar_;
     KeyboardFocus* keyboardFocus_;
 };

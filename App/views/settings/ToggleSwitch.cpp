@@ -16,6 +16,8 @@ constexpr qreal knobGap = 2.5;
 
 ToggleSwitch::ToggleSwitch(QWidget* parent) : QCheckBox(parent) {
     setFixedSize(sizeHint());
+    setAttribute(Qt::WA_Hover);
+    setProperty("roomAround", room);
 }
 
 QSize ToggleSwitch::sizeHint() const {
@@ -36,7 +38,8 @@ void ToggleSwitch::paintEvent(QPaintEvent* /*event*/) {
     const QColor filling =
         isChecked() ? tintColorOn(card, Tint::accent, palette(), Use::graphics) : shapeColorOn(card, palette());
     painter.setPen(Qt::NoPen);
-    painter.setBrush(filling);
+    painter.setBrush(underMouse() && isEnabled() ? mixed(palette().color(QPalette::WindowText), filling, 0.12)
+                                                 : filling);
     painter.drawRoundedRect(track, radius, radius);
     QRectF knob(0, 0, track.height() - 2 * knobGap, track.height() - 2 * knobGap);
     const bool atRight = isChecked() != (layoutDirection() == Qt::RightToLeft);

@@ -6,13 +6,13 @@
 namespace {
 
 QPalette darkPalette() {
-    const QColor text(0xf2, 0xf2, 0xf2);
-    QPalette palette(QColor(0x3a, 0x3a, 0x3d), QColor(0x2a, 0x2a, 0x2c));
+    const QColor text(0xf2, 0xf2, 0xf5);
+    QPalette palette(QColor(0x36, 0x36, 0x3c), QColor(0x1e, 0x1e, 0x20));
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText})
         palette.setColor(role, text);
     palette.setColor(QPalette::BrightText, Qt::white);
-    palette.setColor(QPalette::Base, QColor(0x1e, 0x1e, 0x20));
-    palette.setColor(QPalette::AlternateBase, QColor(0x26, 0x26, 0x28));
+    palette.setColor(QPalette::Base, QColor(0x28, 0x28, 0x2c));
+    palette.setColor(QPalette::AlternateBase, QColor(0x2e, 0x2e, 0x32));
     palette.setColor(QPalette::ToolTipBase, QColor(0x3a, 0x3a, 0x3d));
     palette.setColor(QPalette::PlaceholderText, QColor(0xf2, 0xf2, 0xf2, 0x80));
     palette.setColor(QPalette::Link, QColor(0x6c, 0xb2, 0xf5));
@@ -21,6 +21,21 @@ QPalette darkPalette() {
     palette.setColor(QPalette::HighlightedText, Qt::white);
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, QColor(0x90, 0x90, 0x92));
+    return palette;
+}
+
+/// Qt's own palette with our own backgrounds and text.
+QPalette lightPalette(QPalette palette) {
+    const QColor text(0x1c, 0x1c, 0x1e);
+    palette.setColor(QPalette::Window, QColor(0xf3, 0xf3, 0xf6));
+    palette.setColor(QPalette::Base, Qt::white);
+    palette.setColor(QPalette::Button, QColor(0xf1, 0xf1, 0xf5));
+    for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+        for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+            palette.setColor(group, role, text);
+    }
+    palette.setColor(QPalette::Highlight, QColor(0x26, 0x76, 0xd9));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
     return palette;
 }
 
@@ -64,7 +79,7 @@ QPalette desktopPalette(const QPalette& own, const Appearance& appearance) {
     if (appearance.colours)
         return paletteOf(*appearance.colours);
     const bool isDark = appearance.isDark.value_or(false);
-    QPalette palette = isDark ? darkPalette() : own;
+    QPalette palette = isDark ? darkPalette() : appearance.isDark ? lightPalette(own) : own;
     if (appearance.hasHighContrast)
         palette = isDark ? blackAndWhite(Qt::white, Qt::black) : blackAndWhite(Qt::black, Qt::white);
     if (appearance.accent) {

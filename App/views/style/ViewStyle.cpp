@@ -3,6 +3,7 @@
 
 #include <QFontMetrics>
 #include <QGuiApplication>
+#include <QPainter>
 
 #include <algorithm>
 #include <cmath>
@@ -34,7 +35,10 @@ double luminance(const QColor& color) {
 
 bool isBlackAndWhite(const QPalette& palette) {
     constexpr double most = 20.9; // of 21, black and white exactly
-    return contrast(palette.color(QPalette::WindowText), palette.color(QPalette::Window)) > most;
+    // On Qt's own palette a white card with black text is one, too, but its buttons are grey.
+    const QColor window = palette.color(QPalette::Window);
+    return palette.color(QPalette::Active, QPalette::Button) == window &&
+           contrast(palette.color(QPalette::WindowText), window) > most;
 }
 
 double leastContrast(const QPalette& palette, Use use) {
@@ -119,6 +123,38 @@ QColor shapeColorOn(const QColor& background, const QPalette& palette) {
     const QColor grey =
         mixed(palette.color(QPalette::Active, QPalette::WindowText), palette.color(QPalette::Window), 0.5);
     return readable(grey, background, leastContrast(palette, Use::graphics));
+}
+
+QColor cardColor(const QPalette& palette) {
+    const QColor window = palette.color(QPalette::Window);
+    const QColor base = palette.color(QPalette::Active, QPalette::Base);
+    return luminance(base) > luminance(window) ? base : window;
+}
+
+QColor hairlineColor(const QPalette& palette) {
+    const double share = isBlackAndWhite(palette) ? 1 : 0.12;
+    return mixed(palette.color(QPalette::Active, QPalette::WindowText), cardColor(palette), share);
+}
+
+QColor fillColor(const QPalette& palette, Filling filling) {
+    const double share = filling == Filling::rest ? 0.07 : filling == Filling::hover ? 0.12 : 0.18;
+    return mixed(palette.color(QPalette::Active, QPalette::WindowText), cardColor(palette), share);
+}
+
+void drawFilling(QPainter& painter, const QRectF& place, const QPalette& palette, Filling filling, bool hasRing) {
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(fillColor(palette, filling));
+    painter.drawRoundedRect(place, controlRadius, controlRadius);
+    painter.setBrush(Qt::NoBrush);
+    if (hasRing)
+        painter.setPen(QPen(tintColorOn(cardColor(palette), Tint::accent, palette, Use::graphics), 2));
+    else if (isBlackAndWhite(palette))
+        painter.setPen(shapeColorOn(cardColor(palette), palette));
+    const double inset = hasRing ? 1 : 0.5;
+    painter.drawRoundedRect(place.adjusted(inset, inset, -inset, -inset), controlRadius - inset, controlRadius - inset);
+    painter.restore();
 }
 
 QColor trackColor(const QPalette& palette) {

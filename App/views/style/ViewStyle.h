@@ -7,6 +7,12 @@
 #include <QFont>
 #include <QPalette>
 
+class QPainter;
+class QRectF;
+
+/// The radius of a control's corners, in pixels.
+inline constexpr double controlRadius = 8;
+
 /// The width of the popover's content, and the padding within it on each side, in pixels.
 inline constexpr int popoverWidth = 340;
 inline constexpr int popoverPadding = 16;
@@ -43,6 +49,22 @@ QColor shapeColorOn(const QColor& background, const QPalette& palette);
 
 /// What remains of a bar behind the filled part: secondary at 0.2, as the ring's.
 QColor trackColor(const QPalette& palette);
+
+/// The colour of a card: the popover, and the groups of the settings. The lighter of the palette's own two backgrounds.
+QColor cardColor(const QPalette& palette);
+
+/// The hairlines between rows, and around a card.
+QColor hairlineColor(const QPalette& palette);
+
+/// How a control is filled: as it is, below the pointer, pressed.
+enum class Filling { rest, hover, pressed };
+
+/// The colour of such a filling on a card.
+QColor fillColor(const QPalette& palette, Filling filling);
+
+/// Fills a control's place, with round corners; with a ring around it at the keyboard, and with an edge where
+/// everything is to stand out.
+void drawFilling(QPainter& painter, const QRectF& place, const QPalette& palette, Filling filling, bool hasRing);
 
 /// `share` of one colour, from 0 to 1, over the other.
 QColor mixed(const QColor& one, const QColor& other, double share);

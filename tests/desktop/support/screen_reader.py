@@ -126,10 +126,6 @@ class Control:
         """The first control with that role and name below it; None if there is none."""
         return next((each for each in self.walk() if (each.role, each.name) == (role, name)), None)
 
-    def find_last(self, role):
-        """The last control with that role below it; None if there is none."""
-        return next((each for each in reversed(list(self.walk())) if each.role == role), None)
-
     @property
     def role(self):
         return self._call(ACCESSIBLE, "GetRoleName")[0]

@@ -6,8 +6,9 @@
 #include "support/PopoverScene.h"
 #include "support/WaitUntil.h"
 #include "views/popover/PopoverView.h"
-#include "views/popover/ThinScrollBar.h"
+#include "views/style/DesktopPalette.h"
 #include "views/style/KeyboardFocus.h"
+#include "views/style/ThinScrollBar.h"
 #include "views/style/ViewStyle.h"
 
 #include <QAbstractButton>
@@ -253,6 +254,20 @@ TEST_F(PopoverTest, APopupClosesWhenNobodyMovesThePointer) {
     EXPECT_TRUE(waitUntil([&] { return !popover.isVisible(); }));
     EXPECT_EQ(looks.count(), 2) << "it had been moved before the first";
     EXPECT_FALSE(timers.first()->isActive());
+}
+
+TEST_F(PopoverTest, IsACardOfTheDesktopsPaletteAndFollowsIt) {
+    open();
+    const QPalette usual = QApplication::palette();
+    for (const bool isDark : {true, false, true}) {
+        QApplication::setPalette(desktopPalette(usual, {.isDark = isDark, .accent = {}, .font = {}}));
+        QCoreApplication::processEvents();
+        scene.fake.mainLoop.runDue();
+        const QColor card = cardColor(QApplication::palette());
+        EXPECT_EQ(popover.grab().toImage().pixelColor(8, 8), card) << isDark;
+        EXPECT_EQ(content->palette().color(QPalette::Window), card) << isDark;
+    }
+    QApplication::setPalette(usual);
 }
 
 TEST_F(PopoverTest, AnyOtherWindowStays) {

@@ -553,6 +553,15 @@ TEST(ViewStyle, HasFontsInStepsFromTheDesktopsOwn) {
     EXPECT_LT(size(TextStyle::caption2), size(TextStyle::caption));
 }
 
+TEST(ViewStyle, TakesNoWhiteCardWithBlackTextForHighContrast) {
+    QPalette palette(QColor(0xef, 0xef, 0xef)); // Qt's own
+    palette.setColor(QPalette::Window, Qt::white);
+    palette.setColor(QPalette::WindowText, Qt::black);
+    EXPECT_LT(contrast(hairlineColor(palette), Qt::white), 2);
+    palette.setColor(QPalette::Button, Qt::white);
+    EXPECT_EQ(hairlineColor(palette), Qt::black);
+}
+
 TEST(ViewStyle, ReadsInEveryColourOnLightAndDark) {
     for (const QColor& window : {QColor(Qt::white), QColor(0xef, 0xef, 0xef), QColor(0x2d, 0x2d, 0x30),
                                  QColor(Qt::black), QColor(0xd0, 0xc8, 0xb0)}) {

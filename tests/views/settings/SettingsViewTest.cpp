@@ -222,6 +222,17 @@ TEST_F(SettingsViewTest, ANumberBeyondTheRangeIsItsEnd) {
     EXPECT_EQ(find<StepperBox>("low").value(), 5);
 }
 
+TEST_F(SettingsViewTest, MinusAndPlusStepAndAllFieldsAreOfOneWidth) {
+    auto& box = find<StepperBox>("limit");
+    QTest::mouseClick(&box, Qt::LeftButton, {}, {10, box.height() / 2});
+    EXPECT_EQ(fake.defaults.integerForKey("limit"), 79);
+    QTest::mouseClick(&box, Qt::LeftButton, {}, {box.width() - 10, box.height() / 2});
+    EXPECT_EQ(fake.defaults.integerForKey("limit"), 80);
+    settle();
+    for (const char* name : {"limitSound", "low", "quietStart", "healthSound"})
+        EXPECT_EQ(find(name).width(), box.width()) << name;
+}
+
 TEST_F(SettingsViewTest, AnArrowThatIsHeldGoesOn) {
     auto& box = find<StepperBox>("limit");
     const QPoint up(box.width() - 7, 6);

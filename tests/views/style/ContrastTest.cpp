@@ -4,6 +4,7 @@
 #include "views/popover/SegmentedPicker.h"
 #include "views/settings/ToggleSwitch.h"
 #include "views/style/DesktopPalette.h"
+#include "views/style/ThinScrollBar.h"
 #include "views/style/ViewStyle.h"
 
 #include <QApplication>
@@ -78,6 +79,19 @@ TEST_P(ContrastTest, TheChosenSegmentHasAnEdge) {
     for (int x = 0; x < 8; ++x)
         edge = std::max(edge, contrast(image.pixelColor(x, y), trough));
     EXPECT_GE(edge, GetParam().leastContrast);
+}
+
+TEST_P(ContrastTest, TheHandleOfAScrollBarCanBeSeen) {
+    QScrollBar other(Qt::Vertical);
+    other.setRange(0, 100);
+    other.setPageStep(100);
+    ThinScrollBar bar(&other, nullptr);
+    bar.resize(ThinScrollBar::thickness, 200);
+    QImage image(bar.size(), QImage::Format_RGB32);
+    const QColor window = QApplication::palette().color(QPalette::Window);
+    image.fill(window);
+    bar.render(&image, {}, {}, QWidget::DrawChildren);
+    EXPECT_GE(contrast(image.pixelColor(ThinScrollBar::thickness / 2, 50), window), GetParam().leastContrast);
 }
 
 TEST_P(ContrastTest, AGaugeCanBeToldFromItsTrack) {

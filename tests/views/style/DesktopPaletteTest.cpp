@@ -16,7 +16,16 @@ double readability(const QPalette& palette, QPalette::ColorRole text, QPalette::
 
 TEST(DesktopPalette, IsQtsOwnWhereTheDesktopSaysNothing) {
     EXPECT_EQ(desktopPalette(light, {}), light);
-    EXPECT_EQ(desktopPalette(light, {.isDark = false, .accent = {}, .font = {}}), light);
+}
+
+TEST(DesktopPalette, HasCardsLighterThanTheWindow) {
+    for (const bool isDark : {false, true}) {
+        const QPalette palette = desktopPalette(light, {.isDark = isDark, .accent = {}, .font = {}});
+        EXPECT_EQ(cardColor(palette), palette.color(QPalette::Base));
+        EXPECT_NE(cardColor(palette), palette.color(QPalette::Window));
+        EXPECT_GE(readability(palette, QPalette::WindowText, QPalette::Base), 10);
+        EXPECT_GE(readability(palette, QPalette::HighlightedText, QPalette::Highlight), 3);
+    }
 }
 
 TEST(DesktopPalette, CanBeReadInTheDark) {

@@ -51,14 +51,15 @@ TEST_F(RightToLeft, LeavesTheTextsOfThePopoverAsTheyAre) {
     const auto pictures = [&](Qt::LayoutDirection direction) {
         shown(direction);
         std::vector<QImage> all;
-        all.push_back(picture(button("cancelSnooze")));
+        for (const char* name : {"settingsButton", "quitButton", "cancelSnooze"})
+            all.push_back(picture(button(name)));
         for (auto* segment : view->findChild<QWidget*>(QStringLiteral("rangePicker"))->findChildren<QAbstractButton*>())
             all.push_back(picture(*segment));
         return all;
     };
     const auto usual = pictures(Qt::LeftToRight);
     const auto mirrored = pictures(Qt::RightToLeft);
-    ASSERT_EQ(usual.size(), 3U);
+    ASSERT_EQ(usual.size(), 5U);
     for (std::size_t i = 0; i < usual.size(); ++i)
         EXPECT_TRUE(usual[i] == mirrored[i]) << i;
 }

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "views/popover/ThinScrollBar.h"
+#include "views/style/ThinScrollBar.h"
+
+#include "views/style/ViewStyle.h"
 
 #include <QPainter>
 #include <QStyle>
@@ -8,7 +10,10 @@
 ThinScrollBar::ThinScrollBar(QScrollBar* other, QWidget* parent) : QScrollBar(Qt::Vertical, parent), other_(other) {
     setFixedWidth(thickness);
     setCursor(Qt::ArrowCursor);
+    setAccessibleName(QStringLiteral("Scroll"));
     connect(other, &QScrollBar::rangeChanged, this, &ThinScrollBar::follow);
+    // QScrollArea sets the length of a page, which is that of the handle, after the range, and no signal tells of it.
+    connect(other, &QScrollBar::rangeChanged, this, &ThinScrollBar::follow, Qt::QueuedConnection);
     connect(other, &QScrollBar::valueChanged, this, &QScrollBar::setValue);
     connect(this, &QScrollBar::valueChanged, other, &QScrollBar::setValue);
     follow();
@@ -27,8 +32,9 @@ void ThinScrollBar::paintEvent(QPaintEvent* /*event*/) {
     initStyleOption(&option);
     // Drawn where the style expects the handle, since that is where it can be grabbed.
     const QRect handle = style()->subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarSlider, this);
-    QColor color = palette().color(QPalette::WindowText);
-    color.setAlphaF(isSliderDown() || underMouse() ? 0.6F : 0.35F);
+    const QColor window = palette().color(QPalette::Window);
+    const QColor color = isSliderDown() || underMouse() ? mixed(palette().color(QPalette::WindowText), window, 0.7)
+                                                        : shapeColorOn(window, palette());
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
