@@ -76,7 +76,7 @@ protected:
         painter.setBrush(color);
         painter.save();
         const qreal size = fontMetrics().ascent() * 0.36;
-        painter.translate(isRightToLeft() ? width() - size * 1.5 : size * 1.5, height() / 2.0);
+        painter.translate(isRightToLeft() ? width() - size : size, height() / 2.0);
         painter.rotate(isChecked() ? 90 : (isRightToLeft() ? 180 : 0));
         painter.drawPolygon(QPolygonF{{-size * 0.6, -size}, {size * 0.8, 0}, {-size * 0.6, size}});
         painter.restore();

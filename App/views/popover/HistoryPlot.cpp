@@ -7,6 +7,9 @@
 #include <QVBoxLayout>
 #include <qcustomplot.h>
 
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
 #include <limits>
 
 namespace {
@@ -14,7 +17,8 @@ namespace {
 constexpr int annotationSize = 9;
 constexpr int annotationSpacing = 1;
 constexpr int annotationPlate = 3; ///< of background beside the text
-constexpr double lineWidth = 1.8;
+constexpr double lineWidth = 2;
+constexpr double hairline = 0; ///< one device pixel, at every scale
 constexpr double ruleWidth = 1.5;
 
 double seconds(Date date) {
@@ -58,14 +62,20 @@ public:
     explicit CustomHistoryPlot(QWidget* parent);
 
     void setContent(const HistoryChart::Content& content) override;
+    QRectF area() const override;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     QCustomPlot* plot_;
     QCPGraph* graph_;
     QCPItemStraightLine* rule_;
     QCPItemText* ruleText_;
+    HistoryChart::Content content_; ///< without the points
 
     void styleAxes(const HistoryChart::Content& content);
+    void markTimes(const HistoryChart::Content& content);
     void showRule(const HistoryChart::Content& content);
     void showPoints(const HistoryChart::Content& content);
 };
@@ -73,7 +83,8 @@ private:
 CustomHistoryPlot::CustomHistoryPlot(QWidget* parent) : HistoryPlot(parent), plot_(new QCustomPlot(this)) {
     plot_->setObjectName(QStringLiteral("historyChartPlot"));
     plot_->setFocusPolicy(Qt::NoFocus);
-    plot_->setAttribute(Qt::WA_TransparentForMouseEvents);
+    for (QWidget* widget : {static_cast<QWidget*>(this), static_cast<QWidget*>(plot_)})
+        widget->setAttribute(Qt::WA_TransparentForMouseEvents); // they are for the chart
     plot_->setPlottingHint(QCP::phFastPolylines); // otherwise drawing a week takes as long as the rest of the popover
     auto percents = QSharedPointer<QCPAxisTickerText>::create();
     for (const int percent : {0, 50, 100})
@@ -86,7 +97,12 @@ CustomHistoryPlot::CustomHistoryPlot(QWidget* parent) : HistoryPlot(parent), plo
     plot_->yAxis->grid()->setVisible(false);
     plot_->yAxis2->grid()->setVisible(true);
     plot_->yAxis2->grid()->setZeroLinePen(Qt::NoPen);
-    for (QCPAxis* axis : {plot_->xAxis, plot_->yAxis2}) {
+    // Days are marked where they begin, and named in their middle; one axis does one of these.
+    plot_->xAxis->grid()->setVisible(false);
+    plot_->xAxis2->setVisible(true);
+    plot_->xAxis2->setTickLabels(false);
+    plot_->xAxis2->grid()->setVisible(true);
+    for (QCPAxis* axis : {plot_->xAxis, plot_->xAxis2, plot_->yAxis2}) {
         axis->setBasePen(Qt::NoPen);
         axis->setTickPen(Qt::NoPen);
         axis->setSubTickPen(Qt::NoPen);
@@ -119,6 +135,8 @@ CustomHistoryPlot::CustomHistoryPlot(QWidget* parent) : HistoryPlot(parent), plo
 }
 
 void CustomHistoryPlot::setContent(const HistoryChart::Content& content) {
+    content_ = content;
+    content_.points.clear();
     styleAxes(content);
     showRule(content);
     showPoints(content);
@@ -128,19 +146,62 @@ void CustomHistoryPlot::setContent(const HistoryChart::Content& content) {
 void CustomHistoryPlot::styleAxes(const HistoryChart::Content& content) {
     plot_->setBackground(palette().color(QPalette::Window));
     const QFont font = axisFont();
-    for (QCPAxis* axis : {plot_->xAxis, plot_->yAxis2}) {
+    for (QCPAxis* axis : {plot_->xAxis, plot_->xAxis2, plot_->yAxis2}) {
         axis->setTickLabelFont(font);
         axis->setTickLabelColor(content.secondary);
-        axis->grid()->setPen(QPen(faint(content.secondary, axis == plot_->yAxis2 ? 90 : 45), 1));
+        axis->grid()->setPen(QPen(faint(content.secondary, axis == plot_->yAxis2 ? 90 : 45), hairline));
+        if (axis != plot_->yAxis2)
+            axis->setRange(seconds(content.since), seconds(content.now));
     }
-    plot_->xAxis->setRange(seconds(content.since), seconds(content.now));
-    auto ticks = QSharedPointer<QCPAxisTickerText>::create();
-    for (const Date mark : content.marks)
-        ticks->addTick(seconds(mark), content.days == 1 ? shortTime(mark) : weekdayText(mark));
-    plot_->xAxis->setTicker(ticks);
-    // Room above for the text of a limit at the top, and on the left for half of a mark's text.
-    const int above = QFontMetrics(annotationFont()).height() + annotationSpacing + 3;
-    plot_->axisRect()->setMinimumMargins({QFontMetrics(font).averageCharWidth() * 2, above, 0, 0});
+    // Room above for half of the text at 100 %, and for the text of a limit that is close to it.
+    const QFontMetrics metrics(font);
+    const int below = metrics.height() + 3;
+    const int half = metrics.height() / 2 + 3; // QCustomPlot leaves out a text that might be cut off
+    const double plain = height() - below - half;
+    const double ofLimit = QFontMetrics(annotationFont()).height() + annotationSpacing + 2 -
+                           plain * (100 - static_cast<double>(content.limit.value_or(0))) / 100;
+    plot_->axisRect()->setAutoMargins(QCP::msRight);
+    plot_->axisRect()->setMargins({0, std::max(half, static_cast<int>(std::ceil(ofLimit))), 0, below});
+    markTimes(content);
+}
+
+void CustomHistoryPlot::markTimes(const HistoryChart::Content& content) {
+    auto lines = QSharedPointer<QCPAxisTickerText>::create();
+    auto names = QSharedPointer<QCPAxisTickerText>::create();
+    const QFontMetrics metrics(axisFont());
+    const double since = seconds(content.since);
+    const double now = seconds(content.now);
+    const double room = width() - metrics.horizontalAdvance(QStringLiteral("100%")) - 3; // about, for the line
+    const auto add = [&](double from, double until, const QString& name) {
+        const double middle = ((from + until) / 2 - since) / (now - since) * room;
+        const double half = metrics.horizontalAdvance(name) / 2.0;
+        const bool isDay = until > from;
+        if (middle >= half && middle <= width() - half && (!isDay || (until - from) / (now - since) * room >= 2 * half))
+            names->addTick((from + until) / 2, name); // else it would be cut off, or run into its neighbour
+    };
+    for (std::size_t i = 0; i < content.marks.size(); ++i) {
+        const Date mark = content.marks[i];
+        lines->addTick(seconds(mark), QString());
+        const double next = i + 1 < content.marks.size() ? seconds(content.marks[i + 1]) : now;
+        if (content.days == 1)
+            add(seconds(mark), seconds(mark), shortTime(mark));
+        else
+            add(seconds(mark), next, weekdayText(mark));
+    }
+    if (content.days != 1 && !content.marks.empty())
+        add(since, seconds(content.marks.front()), weekdayText(content.since));
+    plot_->xAxis->setTicker(names);
+    plot_->xAxis2->setTicker(lines);
+}
+
+void CustomHistoryPlot::resizeEvent(QResizeEvent* event) {
+    HistoryPlot::resizeEvent(event);
+    if (content_.days > 0)
+        styleAxes(content_);
+}
+
+QRectF CustomHistoryPlot::area() const {
+    return plot_->axisRect()->rect();
 }
 
 void CustomHistoryPlot::showRule(const HistoryChart::Content& content) {

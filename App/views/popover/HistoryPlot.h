@@ -3,6 +3,7 @@
 
 #include "views/popover/HistoryChart.h"
 
+#include <QRectF>
 #include <QWidget>
 
 /// Draws the line of the history chart. The implementation is a plugin that is loaded when the first line is to be
@@ -14,6 +15,9 @@ public:
 
     /// Shows the content, which has at least two points.
     virtual void setContent(const HistoryChart::Content& content) = 0;
+
+    /// Where the line is drawn, from the left edge of the window to now and from 100 % to 0.
+    virtual QRectF area() const = 0;
 };
 
 /// The plugin's entry point.

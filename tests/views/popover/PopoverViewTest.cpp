@@ -15,6 +15,7 @@
 #include <QLayout>
 #include <QProgressBar>
 #include <QSignalSpy>
+#include <QTest>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -366,6 +367,89 @@ TEST_F(PopoverViewTest, TheLimitIsNotCrossedOutByTheLine) {
     ASSERT_GT(text.width(), 30);
     EXPECT_EQ(countLine(text.adjusted(1, 1, -2, -2)), 0);
     EXPECT_GT(countLine(text.adjusted(-60, -20, 0, 0) & picture.rect()), 0) << "else this shows nothing";
+}
+
+TEST_F(PopoverViewTest, TheChartTellsTheChargeBelowThePointerAndByArrowKeys) {
+    Popover popover;
+    popover.setContent(&shown());
+    PopoverView* content = view.release(); // the popover owns it now
+    popover.showAt(std::nullopt);
+    QCoreApplication::processEvents();
+    auto* chart = content->findChild<QWidget*>(QStringLiteral("historyChart"));
+    const auto told = [&] { return chart->property("accessibleValue").toString(); };
+    const QImage plain = chart->grab().toImage();
+    const std::vector<Point> all = points(scene.started().history, scene.fake.clock.now() - 24h);
+    const auto words = [](const Point& point) {
+        return weekdayText(point.date) + QLatin1Char(' ') + shortTime(point.date) +
+               QStringLiteral(" · %1%").arg(point.pct);
+    };
+    EXPECT_EQ(told(), QString());
+    QTest::mouseMove(chart, {0, 50});
+    EXPECT_EQ(told(), words(all.front()));
+    EXPECT_NE(chart->grab().toImage(), plain);
+    QTest::mouseMove(chart, {chart->width() - 2, 50});
+    EXPECT_EQ(told(), words(all.back()));
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(chart, &leave);
+    EXPECT_EQ(told(), QString());
+    EXPECT_EQ(chart->grab().toImage(), plain);
+    chart->setFocus();
+    QTest::keyClick(chart, Qt::Key_Left);
+    EXPECT_EQ(told(), words(all.back()));
+    QTest::keyClick(chart, Qt::Key_Left);
+    EXPECT_EQ(told(), words(all[all.size() - 2]));
+    QTest::keyClick(chart, Qt::Key_Right);
+    QTest::keyClick(chart, Qt::Key_Right);
+    EXPECT_EQ(told(), words(all.back())) << "there is nothing after it";
+    QTest::keyClick(chart, Qt::Key_Home);
+    EXPECT_EQ(told(), words(all.front()));
+    content->setFocus();
+    EXPECT_EQ(told(), QString());
+}
+
+TEST_F(PopoverViewTest, TheChartIsOnTheGridAndHasNoVoidAbove) {
+    Popover popover;
+    popover.setContent(&shown());
+    PopoverView* content = view.release(); // the popover owns it now
+    popover.showAt(std::nullopt);
+    auto* chart = content->findChild<QCustomPlot*>(QStringLiteral("historyChartPlot"));
+    chart->replot();
+    const QRect area = chart->axisRect()->rect();
+    EXPECT_EQ(area.left(), 0);
+    EXPECT_LE(area.top(), 14);
+    EXPECT_LE(chart->width() - area.right(), 42) << "the room of 100%";
+    for (const QCPAxis* axis : {chart->xAxis2, chart->yAxis2})
+        EXPECT_EQ(axis->grid()->pen().widthF(), 0) << "one device pixel at every scale";
+    const QFont usual = QApplication::font();
+    for (const double times : {0.8, 1.0, 1.1, 1.3, 1.6}) { // "100%" is whole in every font
+        QFont font = usual;
+        font.setPointSizeF(usual.pointSizeF() * times);
+        QApplication::setFont(font);
+        settle();
+        chart->replot();
+        const QImage picture = chart->grab().toImage();
+        int drawn = 0;
+        for (int y = 0; y < chart->axisRect()->top(); ++y)
+            for (int x = chart->axisRect()->right() + 2; x < picture.width(); ++x)
+                drawn += picture.pixelColor(x, y) != picture.pixelColor(picture.width() - 1, 0) ? 1 : 0;
+        EXPECT_GT(drawn, 0) << times;
+    }
+    QApplication::setFont(usual);
+}
+
+TEST_F(PopoverViewTest, TheChartNamesADayInItsMiddle) {
+    Popover popover;
+    popover.setContent(&shown());
+    PopoverView* content = view.release(); // the popover owns it now
+    popover.showAt(std::nullopt);
+    content->findChild<QWidget*>(QStringLiteral("rangePicker"))->findChildren<QAbstractButton*>().at(1)->click();
+    auto* chart = content->findChild<QCustomPlot*>(QStringLiteral("historyChartPlot"));
+    const auto names = chart->xAxis->ticker().dynamicCast<QCPAxisTickerText>()->ticks();
+    const auto lines = chart->xAxis2->ticker().dynamicCast<QCPAxisTickerText>()->ticks().keys();
+    ASSERT_EQ(lines.size(), 7);
+    EXPECT_GE(names.size(), 6);
+    for (qsizetype i = 0; i + 1 < lines.size(); ++i)
+        EXPECT_TRUE(names.contains((lines[i] + lines[i + 1]) / 2)) << i;
 }
 
 TEST_F(PopoverViewTest, StandsInOneColumnFromTheRingToTheButtons) {
