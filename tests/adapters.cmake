@@ -84,7 +84,7 @@ target_link_libraries(velmora_adapter_tests PRIVATE PkgConfig::canberra)
 add_dependencies(velmora_adapter_tests sounds velmora_chart velmora_sound)
 
 # Draws pictures of the popover and the settings in every state, for people to look at.
-add_executable(velmora_gallery gallery/Gallery.cpp gallery/Pictures.cpp gallery/SettingsStates.cpp)
+add_executable(velmora_gallery gallery/Gallery.cpp gallery/Geometry.cpp gallery/Pictures.cpp gallery/SettingsStates.cpp)
 target_link_libraries(velmora_gallery PRIVATE velmora_views velmora_test_support velmora_options)
 add_dependencies(velmora_gallery icons percent_glyphs velmora_chart)
 foreach(scale 1 2)

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Draws pictures of the popover and the settings window in every state: velmora_gallery FOLDER [HEIGHT]. Qt's own
 // QT_SCALE_FACTOR sets the scale, LC_ALL the clock. With HEIGHT the screen is that high, and only the settings window
-// is drawn. It fails when one of the pictures shows nothing, or when the settings window leaves the screen.
+// is drawn. It fails when one of the pictures shows nothing, when the settings window leaves the screen, or when what
+// Geometry.h says does not hold.
 #include "alerts/Prefs.h"
+#include "gallery/Geometry.h"
 #include "gallery/Pictures.h"
 #include "gallery/SettingsStates.h"
 #include "support/PopoverScene.h"
@@ -15,13 +17,18 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QLayout>
+#include <QScreen>
 #include <QStyle>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <functional>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 using namespace std::chrono_literals;
@@ -93,7 +100,67 @@ void draw(const State& state, const QString& file) {
     if (scene.isUnfolded)
         view->findChild<QAbstractButton*>(QStringLiteral("dailySummaryDisclosure"))->click();
     QCoreApplication::processEvents();
-    keep(popover, file, mostDrawn);
+    checkPopover(popover, *view, keep(popover, file, mostDrawn), file);
+}
+
+/// The popover is as high as its content wants to be, at once, after everything that changes that.
+void checkHeights() {
+    Scene scene;
+    Popover popover;
+    auto* view = new PopoverView(
+        scene.started(), scene.fake.platform(), [] {}, [] {});
+    popover.setContent(view);
+    QObject::connect(view, &PopoverView::resized, &popover, &Popover::place);
+    view->rebuild();
+    popover.showAt(std::nullopt);
+    const auto click = [&](const char* name) { view->findChild<QAbstractButton*>(QLatin1String(name))->click(); };
+    const auto refresh = [&] {
+        scene.started().refresh(AppModel::Reason::event);
+        scene.fake.mainLoop.runDue();
+    };
+    const std::vector<std::pair<const char*, std::function<void()>>> acts{
+        {"unfold", [&] { click("dailySummaryDisclosure"); }},
+        {"fold", [&] { click("dailySummaryDisclosure"); }},
+        {"range",
+         [&] {
+             view->findChild<QWidget*>(QStringLiteral("rangePicker"))->findChildren<QAbstractButton*>().at(1)->click();
+         }},
+        {"snooze",
+         [&] {
+             scene.started().snooze();
+             scene.fake.mainLoop.runDue();
+         }},
+        {"cancel",
+         [&] {
+             click("cancelSnooze");
+             scene.fake.mainLoop.runDue();
+         }},
+        {"a long state",
+         [&] {
+             scene.battery(64, true, true);
+             refresh();
+         }},
+        {"no battery",
+         [&] {
+             scene.fake.powerSources.sources = std::vector<std::optional<Value>>();
+             refresh();
+         }},
+        {"a battery",
+         [&] {
+             scene.battery(64, false, false);
+             refresh();
+         }},
+    };
+    for (const auto& [name, act] : acts) {
+        act();
+        const int height = popover.height();
+        for (int i = 0; i < 10; ++i) // more than there are levels of layouts
+            QCoreApplication::processEvents();
+        view->layout()->invalidate();
+        const int wanted = view->layout()->totalHeightForWidth(popoverWidth);
+        if (height != std::min(wanted, popover.screen()->availableGeometry().height()))
+            fail("the height is not what the content wants", QLatin1String(name));
+    }
 }
 
 /// A screen of that height.
@@ -123,14 +190,18 @@ int main(int argc, char** argv) {
     folder.mkpath(QStringLiteral("."));
     const QString scale = QString::number(qRound(application.devicePixelRatio() * 100));
     const QPalette light = QApplication::style()->standardPalette();
-    for (const bool dark : {false, true}) {
-        QApplication::setPalette(desktopPalette(light, {.isDark = dark, .accent = {}, .font = {}}));
+    for (const auto& [look, isDark, hasHighContrast] :
+         {std::tuple("light", false, false), std::tuple("dark", true, false), std::tuple("high-contrast", false, true),
+          std::tuple("high-contrast-dark", true, true)}) {
+        Appearance appearance;
+        appearance.isDark = isDark;
+        appearance.hasHighContrast = hasHighContrast;
+        QApplication::setPalette(desktopPalette(light, appearance));
         const auto file = [&](const char* name) {
-            return folder.filePath(
-                QStringLiteral("%1-%2-%3.png")
-                    .arg(QLatin1String(name), dark ? QStringLiteral("dark") : QStringLiteral("light"), scale));
+            return folder.filePath(QStringLiteral("%1-%2-%3.png").arg(QLatin1String(name), QLatin1String(look), scale));
         };
         drawSettings(file);
+        checkHeights();
         for (const State& state : states) {
             if (!isLow)
                 draw(state, file(state.name));

@@ -32,9 +32,11 @@ void fail(const char* why, const QString& file) {
     std::exit(EXIT_FAILURE);
 }
 
-void keep(QWidget& widget, const QString& file, double mostDrawn) {
-    if (!widget.grab().save(file))
+QImage keep(QWidget& widget, const QString& file, double mostDrawn) {
+    const QImage picture = widget.grab().toImage();
+    if (!picture.save(file))
         fail("cannot write", file);
     if (!showsSomething(QImage(file), widget.palette().color(QPalette::Window), mostDrawn))
         fail("there is nothing to see", file);
+    return picture;
 }

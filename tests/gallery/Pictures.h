@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QImage>
 #include <QString>
 #include <QWidget>
 
 /// Ends the program with a failure.
 [[noreturn]] void fail(const char* why, const QString& file);
 
-/// Writes a picture of the widget. Fails when the picture shows nothing: text and lines give it more than a few
-/// colours, and at least 3 % and at most `mostDrawn` of its pixels must differ from the background colour.
-void keep(QWidget& widget, const QString& file, double mostDrawn);
+/// Writes a picture of the widget, and returns it. Fails when the picture shows nothing: text and lines give it more
+/// than a few colours, and at least 3 % and at most `mostDrawn` of its pixels must differ from the background colour.
+QImage keep(QWidget& widget, const QString& file, double mostDrawn);

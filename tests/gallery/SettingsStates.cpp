@@ -2,6 +2,7 @@
 #include "gallery/SettingsStates.h"
 
 #include "alerts/Prefs.h"
+#include "gallery/Geometry.h"
 #include "gallery/Pictures.h"
 #include "shell/AppModel.h"
 #include "support/FakePlatform.h"
@@ -82,7 +83,7 @@ void draw(const State& state, const QString& file) {
     QCoreApplication::processEvents();
     if (!QGuiApplication::primaryScreen()->availableGeometry().contains(window.frameGeometry()))
         fail("it leaves the screen", file);
-    keep(window, file, mostDrawn);
+    checkSettings(window, *view, keep(window, file, mostDrawn), file);
 }
 
 } // namespace
