@@ -10,6 +10,13 @@ int inside(int start, int length, int from, int room) {
     return std::max(from, std::min(start, from + room - length));
 }
 
+constexpr int gap = 8; ///< to the panel and to the edges of the screen
+
+/// That, or what there is on each side.
+int possibleGap(int length, int room) {
+    return std::clamp((room - length) / 2, 0, gap);
+}
+
 /// How far a panel with our item may reach into the screen, in pixels.
 constexpr int thickestPanel = 64;
 
@@ -40,20 +47,22 @@ ScreenPoint placePopover(std::optional<ScreenPoint> point, const ScreenRect& ava
     ScreenPoint corner{anchor.x - width / 2, anchor.y - height / 2};
     switch (point ? panelAt(anchor, available) : Panel::top) {
     case Panel::top:
-        corner.y = anchor.y;
+        corner.y = anchor.y + gap;
         break;
     case Panel::bottom:
-        corner.y = anchor.y - height;
+        corner.y = anchor.y - gap - height;
         break;
     case Panel::left:
-        corner.x = anchor.x;
+        corner.x = anchor.x + gap;
         break;
     case Panel::right:
-        corner.x = anchor.x - width;
+        corner.x = anchor.x - gap - width;
         break;
     }
-    return {inside(corner.x, width, available.x, available.width),
-            inside(corner.y, height, available.y, available.height)};
+    const int beside = possibleGap(width, available.width);
+    const int aboveAndBelow = possibleGap(height, available.height);
+    return {inside(corner.x, width, available.x + beside, available.width - 2 * beside),
+            inside(corner.y, height, available.y + aboveAndBelow, available.height - 2 * aboveAndBelow)};
 }
 
 bool isCredible(ScreenPoint point, bool waylandSession) {

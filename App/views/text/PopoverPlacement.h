@@ -14,7 +14,8 @@ struct ScreenRect {
 };
 
 /// The top left corner for a popover of this size: beside the clicked point, on the side away from the panel, wholly
-/// inside `available` (the screen without its panels). Without a point, the popover goes in the top right corner.
+/// inside `available` (the screen without its panels), and 8 pixels away from panel and edges where there is room for
+/// that. Without a point, the popover goes in the top right corner.
 ScreenPoint placePopover(std::optional<ScreenPoint> point, const ScreenRect& available, int width, int height);
 
 /// Whether a point from a panel can be a position on the screen. Some panels in Wayland sessions give the position

@@ -15,24 +15,24 @@ ScreenPoint placed(std::optional<ScreenPoint> point, int width = 300, int height
 }
 
 TEST(PopoverPlacement, HangsBelowAPanelAtTheTop) {
-    EXPECT_EQ(placed(ScreenPoint{600, 60}), (ScreenPoint{450, 60}));
+    EXPECT_EQ(placed(ScreenPoint{600, 60}), (ScreenPoint{450, 68}));
 }
 
 TEST(PopoverPlacement, StandsAboveAPanelAtTheBottom) {
-    EXPECT_EQ(placed(ScreenPoint{600, 840}), (ScreenPoint{450, 640}));
+    EXPECT_EQ(placed(ScreenPoint{600, 840}), (ScreenPoint{450, 632}));
 }
 
 TEST(PopoverPlacement, ChangesSidesInTheMiddleOfTheScreen) {
-    EXPECT_EQ(placed(ScreenPoint{600, 450}), (ScreenPoint{450, 450}));
-    EXPECT_EQ(placed(ScreenPoint{600, 451}), (ScreenPoint{450, 251}));
+    EXPECT_EQ(placed(ScreenPoint{600, 450}), (ScreenPoint{450, 458}));
+    EXPECT_EQ(placed(ScreenPoint{600, 451}), (ScreenPoint{450, 243}));
 }
 
 TEST(PopoverPlacement, StaysOnTheScreen) {
-    EXPECT_EQ(placed(ScreenPoint{110, 60}), (ScreenPoint{100, 60}));
-    EXPECT_EQ(placed(ScreenPoint{1095, 60}), (ScreenPoint{800, 60}));
-    EXPECT_EQ(placed(ScreenPoint{600, 20}), (ScreenPoint{450, 50}));
-    EXPECT_EQ(placed(ScreenPoint{600, 2000}), (ScreenPoint{450, 650}));
-    EXPECT_EQ(placed(ScreenPoint{-5000, 3000}), (ScreenPoint{100, 650}));
+    EXPECT_EQ(placed(ScreenPoint{110, 60}), (ScreenPoint{108, 68}));
+    EXPECT_EQ(placed(ScreenPoint{1095, 60}), (ScreenPoint{792, 68}));
+    EXPECT_EQ(placed(ScreenPoint{600, 20}), (ScreenPoint{450, 58}));
+    EXPECT_EQ(placed(ScreenPoint{600, 2000}), (ScreenPoint{450, 642}));
+    EXPECT_EQ(placed(ScreenPoint{-5000, 3000}), (ScreenPoint{108, 642}));
 }
 
 /// A panel of 40 pixels on one side of a screen, a click in its middle, and the place of the popover.
@@ -53,23 +53,23 @@ constexpr ScreenRect left{-1280, 200, 1280, 1024};
 constexpr ScreenRect above{300, -900, 1600, 900};
 
 const std::vector<PanelCase> panelCases{
-    {"top", main, {0, 40, 1920, 1040}, {1200, 20}, {1029, 40}},
-    {"top, at the right end", main, {0, 40, 1920, 1040}, {1910, 20}, {1578, 40}},
-    {"top, at the left end", main, {0, 40, 1920, 1040}, {10, 20}, {0, 40}},
-    {"bottom", main, {0, 0, 1920, 1040}, {1200, 1060}, {1029, 440}},
-    {"bottom, at the right end", main, {0, 0, 1920, 1040}, {1910, 1060}, {1578, 440}},
-    {"left", main, {40, 0, 1880, 1080}, {20, 540}, {40, 240}},
-    {"left, at the upper end", main, {40, 0, 1880, 1080}, {20, 10}, {40, 0}},
-    {"left, at the lower end", main, {40, 0, 1880, 1080}, {20, 1070}, {40, 480}},
-    {"right", main, {0, 0, 1880, 1080}, {1900, 540}, {1538, 240}},
-    {"right, at the upper end", main, {0, 0, 1880, 1080}, {1900, 10}, {1538, 0}},
-    {"right, at the lower end", main, {0, 0, 1880, 1080}, {1900, 1070}, {1538, 480}},
-    {"top of the left screen", left, {-1280, 240, 1280, 984}, {-100, 220}, {-342, 240}},
-    {"bottom of the left screen", left, {-1280, 200, 1280, 984}, {-700, 1204}, {-871, 584}},
-    {"left of the left screen", left, {-1240, 200, 1240, 1024}, {-1260, 700}, {-1240, 400}},
-    {"right of the left screen", left, {-1280, 200, 1240, 1024}, {-20, 700}, {-382, 400}},
-    {"top of the upper screen", above, {300, -860, 1600, 860}, {1880, -880}, {1558, -860}},
-    {"bottom of the upper screen", above, {300, -900, 1600, 860}, {1000, -20}, {829, -640}},
+    {"top", main, {0, 40, 1920, 1040}, {1200, 20}, {1029, 48}},
+    {"top, at the right end", main, {0, 40, 1920, 1040}, {1910, 20}, {1570, 48}},
+    {"top, at the left end", main, {0, 40, 1920, 1040}, {10, 20}, {8, 48}},
+    {"bottom", main, {0, 0, 1920, 1040}, {1200, 1060}, {1029, 432}},
+    {"bottom, at the right end", main, {0, 0, 1920, 1040}, {1910, 1060}, {1570, 432}},
+    {"left", main, {40, 0, 1880, 1080}, {20, 540}, {48, 240}},
+    {"left, at the upper end", main, {40, 0, 1880, 1080}, {20, 10}, {48, 8}},
+    {"left, at the lower end", main, {40, 0, 1880, 1080}, {20, 1070}, {48, 472}},
+    {"right", main, {0, 0, 1880, 1080}, {1900, 540}, {1530, 240}},
+    {"right, at the upper end", main, {0, 0, 1880, 1080}, {1900, 10}, {1530, 8}},
+    {"right, at the lower end", main, {0, 0, 1880, 1080}, {1900, 1070}, {1530, 472}},
+    {"top of the left screen", left, {-1280, 240, 1280, 984}, {-100, 220}, {-350, 248}},
+    {"bottom of the left screen", left, {-1280, 200, 1280, 984}, {-700, 1204}, {-871, 576}},
+    {"left of the left screen", left, {-1240, 200, 1240, 1024}, {-1260, 700}, {-1232, 400}},
+    {"right of the left screen", left, {-1280, 200, 1240, 1024}, {-20, 700}, {-390, 400}},
+    {"top of the upper screen", above, {300, -860, 1600, 860}, {1880, -880}, {1550, -852}},
+    {"bottom of the upper screen", above, {300, -900, 1600, 860}, {1000, -20}, {829, -648}},
 };
 
 TEST(PopoverPlacement, StandsBesideThePanelOnAnySideOfAnyScreen) {
@@ -90,7 +90,12 @@ TEST(PopoverPlacement, NeverCoversThePointEvenWhereNobodyTellsOfThePanels) {
 }
 
 TEST(PopoverPlacement, GoesToTheTopRightCornerWithoutAPoint) {
-    EXPECT_EQ(placed(std::nullopt), (ScreenPoint{800, 50}));
+    EXPECT_EQ(placed(std::nullopt), (ScreenPoint{792, 58}));
+}
+
+TEST(PopoverPlacement, StandsClearOfTheEdgesAsFarAsThereIsRoom) {
+    EXPECT_EQ(placed(std::nullopt, 990, 794), (ScreenPoint{105, 53}));
+    EXPECT_EQ(placed(std::nullopt, 1000, 800), (ScreenPoint{100, 50}));
 }
 
 TEST(PopoverPlacement, ShowsTheBeginningOfAPopoverThatIsLargerThanTheScreen) {
