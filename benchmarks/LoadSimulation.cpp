@@ -340,7 +340,7 @@ std::vector<SimulatedLoad> simulateLoads(std::uint64_t seed) {
     setup = fill(random.uniform(0.05, 0.6), random.uniform(0.6, 0.95));
     setup.adapter = random.between(25'000, 65'000);
     setup.resistance = random.uniform(0.05, 0.3);
-    add("any fill2", setup, anyDay(random));
+    add("anyfill2", setup, anyDay(random));
     setup = fill(0.2, 0.8);
     setup.adapter = 12'000;
     add("slow", setup, noisy(random, 6'000, 0.1));

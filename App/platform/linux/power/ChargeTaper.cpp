@@ -11,5 +11,7 @@ double ChargeTaper::share(double missing) const {
 
 double ChargeTaper::effort(double missing) const {
     const double tapering = std::clamp((plateau - endRate) / slope, 0.0, std::max(0.0, missing));
+    if (tapering == 0)
+        return missing;
     return missing - tapering + plateau / slope * std::log(1 + slope * tapering / endRate);
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -16,18 +17,20 @@ constexpr double staleRateSeconds = 300; ///< a rate that was not reported for t
 /// The time after which 63 % of a step in the reported rate is taken over.
 constexpr double smoothingSeconds = 180;
 
-/// The charge that moved in this time tells the present rate. It is also the weight of what an earlier run has shown.
-constexpr double windowSeconds = 900;
+/// What flowed in this time counts more than the reported rate. What earlier runs have shown counts as much.
+constexpr double leastWindowSeconds = 900;
 
-/// The more hours one promises, the more hours one has to have seen: as many times what is left, and at most so long.
-constexpr double lookBack = 2;
+/// The more hours one promises, the more hours one has to have seen: as many as are left, and at most so many.
 constexpr double mostWindowSeconds = 4 * 3600.0;
 
-/// Rates that differ by less than this factor are of one kind.
-constexpr double tolerance = 1.2;
+/// The mean of so many seconds is compared with the earlier ones: is it a load that was there before?
+constexpr double recentSeconds = 240;
 
-/// Changes of the amount are kept at least this far apart: four hours of them stay few, however often one reads.
-constexpr double apartSeconds = 15;
+/// In the first half hour of a run, any mean may be new.
+constexpr double youngSeconds = 1800;
+
+/// Rates that differ by less than this factor are of one kind.
+constexpr double tolerance = 1.4;
 
 /// An amount that moves faster than this many times the reported rate was corrected by the gauge. Measured with a gauge
 /// that drops 3 % at once: the time errs by 2.6 %, by 4.5 % if the drop counts as load, and now / rate by 2.9 %; 3 and
@@ -36,9 +39,12 @@ constexpr double impossiblyFast = 10;
 
 /// Few chargers fill less than this part of a battery in an hour. A lower rate at the start is more likely to be that
 /// of a busy moment, and told at face value it would promise a whole day.
-constexpr double usualCharge = 0.2;
+constexpr double usualCharge = 1 / 8.0;
 
 constexpr double leastSlope = 1; ///< of the taper; no pack that works tapers from the middle on
+
+/// The told time is corrected within this part of what is left.
+constexpr double correctionPart = 0.25;
 
 constexpr double mostHoursToEmpty = 48;
 constexpr double mostHoursToFull = 20;
@@ -60,13 +66,18 @@ std::optional<std::int64_t> wholeMinutes(double hours, double most) {
 
 } // namespace
 
+void TimeEstimate::Mean::add(double value, double lasted, double most) {
+    seconds = std::min(seconds + lasted, most);
+    rate += (value - rate) * std::min(1.0, lasted / seconds);
+}
+
 void TimeEstimate::Range::add(double value) {
     lowest = std::min(lowest, value);
     highest = std::max(highest, value);
 }
 
 bool TimeEstimate::Range::allows(double value) const {
-    return value * tolerance >= lowest && value <= highest * tolerance;
+    return highest == 0 || (value * tolerance >= lowest && value <= highest * tolerance);
 }
 
 bool TimeEstimate::continues(const Reading& reading) const {
@@ -78,23 +89,44 @@ bool TimeEstimate::continues(const Reading& reading) const {
 
 void TimeEstimate::begin(const Reading& reading) {
     if (last_ && (reading.batteries != last_->batteries || reading.uptime < last_->uptime)) {
-        past_ = {};
+        known_ = {};
         taper_ = {};
-    } else if (run_.recent.highest > 0) {
-        past_[index(last_->flow)] = run_;
+    } else if (last_ && last_->flow == Flow::charging && !isYoung_ && last_->full && last_->now &&
+               missing(*last_->now) < 0.05) {
         // Only a charge to the end has shown how it ends.
-        if (last_->flow == Flow::charging && last_->full && last_->now && missing(*last_->now) < 0.05)
-            taper_.slope = std::max(leastSlope, steepest_);
+        taper_.slope = std::max(leastSlope, steepest_);
     }
-    run_ = {};
     start_ = reading.uptime;
     readings_ = 0;
     smoothed_.reset();
-    changes_.clear();
-    startsAtChange_ = false;
-    const auto& shown = past_[index(reading.flow)];
-    taper_.plateau = shown && reading.full ? shown->rate / *reading.full : 0;
+    first_.reset();
+    counted_.reset();
+    step_ = 0;
+    recent_ = {};
+    isYoung_ = true;
+    end_.reset();
     steepest_ = 0;
+    Known& known = known_[index(reading.flow)];
+    taper_.plateau = reading.full ? known.shown.rate / *reading.full : 0;
+    if (known.shown.seconds == 0)
+        known = usual(reading);
+    else
+        known.mean = {known.shown.rate, std::min(known.shown.seconds, leastWindowSeconds)};
+}
+
+TimeEstimate::Known TimeEstimate::usual(const Reading& reading) {
+    // In the last tenth of a charge a low rate is no surprise.
+    if (reading.flow != Flow::charging || !reading.rate || !reading.now || !reading.full ||
+        *reading.now > 0.9 * *reading.full)
+        return {};
+    const double rate = usualCharge * *reading.full;
+    const Range below{0, rate / tolerance};
+    return {.mean = {rate, leastWindowSeconds}, .shown = {}, .means = below, .reported = below};
+}
+
+bool TimeEstimate::teaches(const Reading& reading) const {
+    // A charge shows its plateau; once it may taper, one would have to know how.
+    return reading.flow == Flow::discharging || !reading.full || missing(*reading.now) > 0.3;
 }
 
 double TimeEstimate::missing(double now) const {
@@ -112,6 +144,10 @@ double TimeEstimate::left(const Reading& reading) const {
                                              : level(*reading.now + reading.remaining) - level(*reading.now);
 }
 
+double TimeEstimate::moved(const Amount& since) const {
+    return along(last_->flow, level(*last_->now) - level(since.now));
+}
+
 void TimeEstimate::smooth(const Reading& reading, double rate) {
     const bool mayTaper = reading.flow == Flow::charging && reading.full;
     const double share = mayTaper ? taper_.share(missing(*reading.now)) : 1;
@@ -125,153 +161,120 @@ void TimeEstimate::smooth(const Reading& reading, double rate) {
         return;
     }
     smoothedAt_ = reading.uptime;
-    if (teaches(reading))
-        run_.reported.add(rate);
+    if (!isYoung_ && teaches(reading))
+        known_[index(reading.flow)].reported.add(rate);
 }
 
-void TimeEstimate::learnTaper(double missing, double plateau) {
-    const double rate = plateau * taper_.share(missing);
+void TimeEstimate::learnTaper(double missing, double now, double plateau) {
+    const double rate = now * taper_.share(missing);
     if (taper_.plateau == 0)
         taper_.plateau = rate;
     // Until it tapers, each rate shows how steep the fall is at least; close to the end, a percent of error says more.
-    if (missing < 0.03)
+    if (missing >= 0.03) {
+        steepest_ = std::max(steepest_, (rate - ChargeTaper::endRate) / missing);
+        taper_.slope = std::max(taper_.slope, steepest_);
+    }
+    const ChargeTaper even{.plateau = plateau, .slope = taper_.slope};
+    if (even.share(missing) == 1)
+        taper_ = even;
+}
+
+void TimeEstimate::follow(const Reading& reading, Known& known) {
+    const Amount here{reading.uptime, *reading.now};
+    if (!first_) {
+        first_ = here;
+        latest_ = here.now;
+    }
+    // Coarse steps last for minutes, so that only an amount that has just changed tells what has flowed.
+    if (std::exchange(latest_, here.now) == here.now)
         return;
-    steepest_ = std::max(steepest_, (rate - ChargeTaper::endRate) / missing);
-    taper_.slope = std::max(taper_.slope, steepest_);
+    const Amount since = counted_.value_or(*first_);
+    const double hours = (here.uptime - since.uptime).count() / 3600;
+    // QUIRK: some firmware holds the amount at "full" for a while after unplugging, and a coarse step may have begun at
+    // any time. How long the first amount lasts says nothing about the load, so count from the first change.
+    // QUIRK: gauges correct themselves by some percent at once. That is not load, either.
+    const bool isCorrection = smoothed_ && *smoothed_ >= reading.slowest &&
+                              std::abs(here.now - since.now) > impossiblyFast * *smoothed_ * hours;
+    const double amount = moved(since);
+    const bool counts = counted_ && !isCorrection && amount > 0;
+    if (counts && hours < deriveSeconds / 3600)
+        return;
+    counted_ = here;
+    if (!counts)
+        return;
+    step_ = amount;
+    count(reading, known, amount / hours, hours * 3600);
 }
 
-void TimeEstimate::follow(const Reading& reading) {
-    const auto since = [&](const Change& change) { return (reading.uptime - change.uptime).count(); };
-    const double now = *reading.now;
-    // QUIRK: gauges correct themselves by some percent at once. That is not load, so start again from there.
-    if (!changes_.empty() && smoothed_ && *smoothed_ >= reading.slowest &&
-        std::abs(now - changes_.back().now) > impossiblyFast * *smoothed_ * since(changes_.back()) / 3600) {
-        changes_.clear();
-        startsAtChange_ = true;
-    }
-    if (changes_.empty() || changes_.back().now != now) {
-        if (changes_.size() > 2 &&
-            (changes_.back().uptime - changes_[changes_.size() - 2].uptime).count() < apartSeconds)
-            changes_.pop_back();
-        changes_.push_back({reading.uptime, now, {}});
-    }
-    // QUIRK: some firmware holds the amount at "full" for a while after unplugging, and a coarse step lasts for
-    // minutes. How long the first amount lasts says nothing about the load, so start at the first change.
-    if (!startsAtChange_ && changes_.size() > 2 && since(changes_[1]) >= deriveSeconds) {
-        changes_.pop_front();
-        startsAtChange_ = true;
-    }
-    while (changes_.size() > 2 && since(changes_[1]) >= mostWindowSeconds)
-        changes_.pop_front();
+void TimeEstimate::count(const Reading& reading, Known& known, double rate, double seconds) {
+    const double asked = known.mean.seconds > 0 ? left(reading) / known.mean.rate * 3600 : 0;
+    known.mean.add(rate, seconds, std::clamp(asked, leastWindowSeconds, mostWindowSeconds));
+    if (teaches(reading))
+        known.shown = known.mean;
+    recent_.add(rate, seconds, std::numeric_limits<double>::max());
+    if (recent_.seconds < recentSeconds)
+        return;
+    // Was it ever like this before? If not, it has changed, perhaps for good, and what was before says nothing. But a
+    // charge that slows down is beside a busy machine, and that passes.
+    const bool maySlowDown = reading.flow == Flow::charging && recent_.rate < known.means.lowest;
+    if (!known.means.allows(recent_.rate) && !maySlowDown && (reading.uptime - start_).count() > youngSeconds)
+        known.mean = recent_;
+    if (teaches(reading))
+        known.means.add(recent_.rate);
+    recent_ = {};
+    isYoung_ = false;
 }
 
-std::optional<double> TimeEstimate::derivedRate(const Reading& reading, double window) const {
-    if (changes_.size() < 2)
-        return std::nullopt;
-    const auto isOutside = [&](const Change& change) { return (reading.uptime - change.uptime).count() >= window; };
-    const Change& front = *(std::partition_point(changes_.begin() + 1, changes_.end() - 1, isOutside) - 1);
-    const double hours = (reading.uptime - front.uptime).count() / 3600;
-    const double moved = along(reading.flow, level(*reading.now) - level(front.now));
-    if (hours < deriveSeconds / 3600 || moved <= 0)
-        return std::nullopt;
-    const double hoursToLastChange = (changes_.back().uptime - front.uptime).count() / 3600;
-    if (hoursToLastChange < deriveSeconds / 3600)
-        return moved / hours;
-    // Between two coarse steps the rate would seem to fall, and to leap at the next one. Measured from change to change
-    // it does neither; once the next step is overdue, the rate can be no higher than if the step came now.
-    const double step = std::abs(level(changes_.back().now) - level(changes_[changes_.size() - 2].now));
-    return std::min(moved / hoursToLastChange, (moved + step) / hours);
-}
-
-bool TimeEstimate::teaches(const Reading& reading) const {
-    // A charge shows its plateau; once it may taper, one would have to know how.
-    return reading.flow == Flow::discharging || run_.recent.highest == 0 || !reading.full ||
-           missing(*reading.now) > 0.3;
-}
-
-std::optional<double> TimeEstimate::recentRate(const Reading& reading) {
-    follow(reading);
+std::optional<double> TimeEstimate::currentRate(const Reading& reading) {
     if (reading.rate)
         smooth(reading, along(reading.flow, *reading.rate));
     else if (smoothed_ && (reading.uptime - smoothedAt_).count() > staleRateSeconds)
         smoothed_.reset();
-    const auto derived = derivedRate(reading, windowSeconds);
-    // The measured drain also covers what happened between the readings, and is right where firmware rounds the rate or
-    // reports it late. A reported rate that has died down says no more than a missing one.
+    Known& known = known_[index(reading.flow)];
+    follow(reading, known);
+    // A reported rate that has died down says no more than a missing one.
     const bool isDead = !smoothed_ || *smoothed_ < reading.slowest;
-    const auto rate = isDead || (derived && hasWholeWindow(reading)) ? derived : smoothed_;
-    return rate && *rate > 0 && *rate >= reading.slowest ? rate : std::nullopt;
-}
-
-bool TimeEstimate::hasWholeWindow(const Reading& reading) const {
-    return startsAtChange_ && (reading.uptime - changes_.front().uptime).count() >= windowSeconds;
-}
-
-std::optional<TimeEstimate::Past> TimeEstimate::past(const Reading& reading) const {
-    const auto& shown = past_[index(reading.flow)];
-    const ChargeTaper usual{.plateau = usualCharge, .slope = taper_.slope};
-    // Near the end of a charge a low rate is no surprise.
-    if (shown || reading.flow != Flow::charging || !reading.full || usual.share(missing(*reading.now)) < 1)
-        return shown;
-    const double rate = usualCharge * *reading.full;
-    return Past{.rate = rate, .recent = {0, rate / tolerance}, .reported = {0, rate / tolerance}};
-}
-
-std::optional<double> TimeEstimate::currentRate(const Reading& reading) {
-    const auto recent = recentRate(reading);
-    if (!recent) {
-        // Until the amount has moved, a machine that reports no rate is likely to do what it did.
-        const auto& shown = past_[index(reading.flow)];
-        const bool waits = !reading.rate && (reading.uptime - start_).count() < windowSeconds;
-        return shown && waits ? std::optional(shown->rate) : std::nullopt;
+    // A run may begin with another load or charger than the last one.
+    if (isYoung_ && !isDead && !known.reported.allows(*smoothed_)) {
+        known = usual(reading);
+        if (!known.reported.allows(*smoothed_))
+            known = {};
     }
-    const auto since = [&](const Change& change) { return (reading.uptime - change.uptime).count(); };
-    if (hasWholeWindow(reading)) {
-        changes_.back().recent = recent;
-        if (teaches(reading))
-            run_.recent.add(*recent);
+    Mean mean = known.mean;
+    const auto since = [&](const Amount& amount) { return (reading.uptime - amount.uptime).count(); };
+    // Until the amount has moved, a machine that reports no rate is likely to do what it did, but not for ever.
+    if (isDead && step_ == 0 && (known.shown.seconds == 0 || since(*first_) >= leastWindowSeconds)) {
+        if (since(*first_) < deriveSeconds)
+            return std::nullopt;
+        mean = {};
+        mean.add(moved(*first_) * 3600 / since(*first_), since(*first_), leastWindowSeconds);
+    } else if (step_ > 0 && mean.rate * since(*counted_) > 3600 * step_) {
+        // The next step is overdue: the rate can be no higher than if it came now.
+        const double most = (moved(*counted_) + step_) * 3600 / since(*counted_);
+        mean.add(std::min(most, mean.rate), since(*counted_), std::max(mean.seconds, leastWindowSeconds));
     }
+    // What has flowed also covers what happened between the readings, and is right where firmware rounds the rate or
+    // reports it late.
+    double rate = mean.rate;
+    if (!isDead)
+        rate += (*smoothed_ - rate) * std::max(0.0, 1 - mean.seconds / leastWindowSeconds);
+    if (rate <= 0 || rate < reading.slowest)
+        return std::nullopt;
     if (reading.flow == Flow::charging && reading.full)
-        learnTaper(missing(*reading.now), *recent / *reading.full);
-    // How long has it been like this, and was it ever like this before? If so, that is one of its ways, and all of the
-    // past speaks for what comes. If not, it has changed, perhaps for good, and what was before says nothing.
-    const auto before = past(reading);
-    Range seen;
-    if (before)
-        seen = hasWholeWindow(reading) ? before->recent : before->reported;
-    const Range now{*recent, *recent};
-    double stay = 0;
-    auto change = changes_.rbegin();
-    for (; change != changes_.rend() && (!change->recent || now.allows(*change->recent)); ++change)
-        stay = since(*change);
-    for (; change != changes_.rend(); ++change)
-        if (change->recent)
-            seen.add(*change->recent);
-    const bool isTypical = seen.allows(*recent);
-    const double asked = std::clamp(lookBack * left(reading) / *recent * 3600, windowSeconds, mostWindowSeconds);
-    const double window = isTypical ? asked : std::min(asked, stay);
-
-    double moved = 0;
-    double weight = 0;
-    if (const auto derived = derivedRate(reading, window); derived && startsAtChange_) {
-        weight = std::min(since(changes_.front()), window);
-        moved = *derived * weight;
-    }
-    if (before && isTypical) {
-        const double more = std::clamp(asked - weight, 0.0, windowSeconds);
-        weight += more;
-        moved += before->rate * more;
-    }
-    const double mean = weight > 0 ? moved / weight : *recent;
-    if (teaches(reading))
-        run_.rate = mean;
-    const double rate = *recent + (mean - *recent) * std::min(1.0, weight / windowSeconds);
-    if (reading.flow == Flow::charging && reading.full) {
-        const ChargeTaper even{.plateau = rate / *reading.full, .slope = taper_.slope};
-        if (even.share(missing(*reading.now)) == 1)
-            taper_ = even;
-    }
+        learnTaper(missing(*reading.now), (isDead ? rate : *smoothed_) / *reading.full, rate / *reading.full);
     return rate;
+}
+
+double TimeEstimate::steady(const Reading& reading, double hours) {
+    if (end_ && hours > 0) {
+        const double told = (*end_ - reading.uptime).count() / 3600;
+        const double passed = (reading.uptime - toldAt_).count() / 3600;
+        const double nearer = told + (hours - told) * std::min(1.0, passed / (correctionPart * hours));
+        hours = std::clamp(nearer, hours / mostOff_, hours * mostOff_);
+    }
+    end_ = reading.uptime + Duration(hours * 3600);
+    toldAt_ = reading.uptime;
+    return hours;
 }
 
 TimeEstimate::Minutes TimeEstimate::update(const Reading& reading) {
@@ -287,9 +290,10 @@ TimeEstimate::Minutes TimeEstimate::update(const Reading& reading) {
     if (reading.flow == Flow::charging && reading.remaining <= 0)
         return {};
     const auto rate = currentRate(reading);
-    if (!rate || *rate <= 0 || *rate < reading.slowest || age < settleSeconds || readings_ < 2)
+    if (!rate || age < settleSeconds || readings_ < 2)
         return {};
+    const double hours = steady(reading, left(reading) / *rate);
     if (reading.flow == Flow::discharging)
-        return {.toEmpty = wholeMinutes(left(reading) / *rate, mostHoursToEmpty), .toFull = std::nullopt};
-    return {.toEmpty = std::nullopt, .toFull = wholeMinutes(left(reading) / *rate, mostHoursToFull)};
+        return {.toEmpty = wholeMinutes(hours, mostHoursToEmpty), .toFull = std::nullopt};
+    return {.toEmpty = std::nullopt, .toFull = wholeMinutes(hours, mostHoursToFull)};
 }

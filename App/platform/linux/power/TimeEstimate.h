@@ -6,15 +6,14 @@
 
 #include <array>
 #include <cstdint>
-#include <deque>
 #include <limits>
 #include <optional>
 #include <string>
 
 /// Estimates how long the battery lasts, or takes to fill, from successive readings. The momentary rate jumps with
-/// every web page that loads, so it is smoothed and checked against what really flowed, over the longer the more is
-/// left, unless the load has changed; and a battery that is nearly full takes less. No time is given until it can be
-/// trusted.
+/// every web page that loads, so it is averaged over what really flowed, the longer the more is left, unless the load
+/// has changed; and a battery that is nearly full takes less. The time told runs like a clock, which is corrected
+/// slowly while it is nearly right. No time is given until it can be trusted.
 class TimeEstimate {
 public:
     /// The direction in which charge flows; `none` if none flows or that is unknown, and then no time is given.
@@ -40,6 +39,9 @@ public:
         bool operator==(const Minutes&) const = default;
     };
 
+    /// The time told never differs from the estimate by more than this factor, from 1 on; 1 tells the estimate itself.
+    explicit TimeEstimate(double mostOff = 1.1) : mostOff_(mostOff) {}
+
     /// Takes a reading and returns the times as known now.
     Minutes update(const Reading& reading);
 
@@ -47,11 +49,17 @@ public:
     bool isSettling() const { return settling_; }
 
 private:
-    /// A change of the stored amount.
-    struct Change {
+    struct Amount {
         Duration uptime;
         double now;
-        std::optional<double> recent; ///< the mean rate of the window that ends here, once there is a whole one
+    };
+
+    /// A mean rate, and for how many seconds it speaks; nothing at first.
+    struct Mean {
+        double rate = 0;
+        double seconds = 0;
+        /// Adds a rate that lasted for some seconds. After that the mean speaks for no more than `most` seconds.
+        void add(double value, double lasted, double most);
     };
 
     /// The lowest and the highest rate seen; nothing at first.
@@ -59,41 +67,48 @@ private:
         double lowest = std::numeric_limits<double>::max();
         double highest = 0;
         void add(double rate);
-        bool allows(double rate) const; ///< whether it is among them, with some tolerance
+        bool allows(double rate) const; ///< whether it is among them, with some tolerance; true if there are none
     };
 
-    /// What a run has shown, for the next one in the same direction. Rates while charging are those of the plateau.
-    struct Past {
-        double rate = 0;
-        Range recent{};   ///< of the means of whole windows; nothing if the run was shorter
-        Range reported{}; ///< of the rates that firmware reported
+    /// What all runs in one direction have shown. Rates while charging are those of the plateau.
+    struct Known {
+        Mean mean;
+        Mean shown;     ///< the mean as the next run begins with it
+        Range means;    ///< of some minutes each
+        Range reported; ///< by firmware
     };
 
+    double mostOff_;
     std::optional<Reading> last_;
     Duration start_{};
     int readings_ = 0;
     bool settling_ = false;
-    std::optional<double> smoothed_;
+    std::optional<double> smoothed_; ///< the reported rate
     Duration smoothedAt_{};
-    std::deque<Change> changes_;  ///< the first trusted amount, and different ones after it
-    bool startsAtChange_ = false; ///< the first trusted amount has been dropped from them
-    Past run_;
-    std::array<std::optional<Past>, 3> past_; ///< of the last run with each flow
+    std::optional<Amount> first_;   ///< the first trusted amount of this run
+    std::optional<Amount> counted_; ///< the change up to which `known_` counts what flowed
+    double latest_ = 0;             ///< the amount of the reading before
+    double step_ = 0;               ///< what flowed last
+    Mean recent_;                   ///< of the last minutes
+    bool isYoung_ = true;           ///< until `recent_` has covered enough of them once
+    std::array<Known, 3> known_;    ///< for each flow
     ChargeTaper taper_;
-    double steepest_ = 0; ///< the highest slope of the taper that this charge has proved
+    double steepest_ = 0;         ///< the highest slope of the taper that this charge has proved
+    std::optional<Duration> end_; ///< when the battery will be empty or full, as told last
+    Duration toldAt_{};
 
     bool continues(const Reading& reading) const;
     void begin(const Reading& reading);
+    static Known usual(const Reading& reading); ///< for a charge of which nothing is known
+    bool teaches(const Reading& reading) const;
     double missing(double now) const;          ///< part of full
     double level(double now) const;            ///< the amount, if none of it tapered
     double left(const Reading& reading) const; ///< the amount that has still to flow, if none of it tapered
+    double moved(const Amount& since) const;   ///< the amount that has flowed, if none of it tapered
     void smooth(const Reading& reading, double rate);
-    void learnTaper(double missing, double plateau);
-    void follow(const Reading& reading);
-    std::optional<double> derivedRate(const Reading& reading, double window) const;
-    bool teaches(const Reading& reading) const;
-    bool hasWholeWindow(const Reading& reading) const;
-    std::optional<double> recentRate(const Reading& reading);
-    std::optional<Past> past(const Reading& reading) const;
+    void learnTaper(double missing, double now, double plateau);
+    void follow(const Reading& reading, Known& known);
+    void count(const Reading& reading, Known& known, double rate, double seconds);
     std::optional<double> currentRate(const Reading& reading);
+    double steady(const Reading& reading, double hours);
 };
