@@ -23,6 +23,7 @@ add_executable(velmora_adapter_tests
     platform/linux/panel/BatteryPictureTest.cpp
     platform/linux/panel/DBusMenuTest.cpp
     platform/linux/session/ExecutableBundleTest.cpp
+    platform/linux/power/FixtureLimitsTest.cpp
     platform/linux/power/FixturesTest.cpp
     platform/linux/notifications/FreedesktopNotificationsTest.cpp
     platform/linux/panel/GlyphImagesTest.cpp

@@ -123,11 +123,12 @@ BatteryReader::BatteryReader(PowerSources& powerSources, const PowerSaving& powe
 
 BatteryState BatteryReader::read() {
     BatteryState state;
-    const PowerSnapshot snapshot = powerSources_.snapshot();
+    PowerSnapshot snapshot = powerSources_.snapshot();
     readLive(snapshot, state);
     state.lowPowerMode = powerSaving_.isLowPowerModeEnabled();
     if (state.hasBattery)
         readRegistry(snapshot, state);
+    packLimits_ = std::move(snapshot.packLimits);
     return state;
 }
 

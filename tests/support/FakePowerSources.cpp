@@ -24,7 +24,7 @@ PowerSnapshot FakePowerSources::snapshot() {
     note(journal_, "read");
     if (whileReading)
         whileReading();
-    PowerSnapshot snapshot{.sources = sources, .batteryProperties = {}};
+    PowerSnapshot snapshot{.sources = sources, .batteryProperties = {}, .packLimits = packLimits};
     if (hasRegistry) {
         snapshot.batteryProperties = [this] {
             ++registryReads;

@@ -16,6 +16,7 @@ public:
 
     std::optional<std::vector<std::optional<Value>>> sources;
     std::optional<Value> registry;                ///< the battery registry's entry
+    std::vector<PackLimit> packLimits;            ///< every pack
     bool hasRegistry = true;                      ///< false: there is not even a way to ask for the entry
     bool reportsChanges = true;                   ///< false: a system without change reports
     std::function<void()> whileReading;           ///< runs while a snapshot is taken

@@ -128,9 +128,10 @@ std::optional<BatteryPack> BatteryPack::read(const PowerSupply& supply) {
     const auto cycles = supply.integer("cycle_count");
     if (cycles && *cycles > 0)
         pack.cycleCount = cycles;
-    const auto threshold = supply.number("charge_control_end_threshold");
-    if (threshold && *threshold >= 1 && *threshold <= 99)
-        pack.chargeTarget = threshold;
+    pack.tellsLimit = supply.attributes.contains("charge_control_end_threshold");
+    const auto threshold = supply.integer("charge_control_end_threshold");
+    if (threshold && *threshold >= 1 && *threshold <= 100)
+        pack.limit = threshold;
     // Dead whatever percentage it claims.
     const auto holds = energy.now ? energy.now : charge.now;
     pack.isDead = supply.integer("voltage_now") == 0 && holds.value_or(pack.percent) <= 0;

@@ -28,7 +28,8 @@ struct BatteryPack {
     std::optional<double> nominalVoltage;   ///< mV, by design, at least 1000
     std::optional<double> temperature;      ///< hundredths of a degree Celsius
     std::optional<std::int64_t> cycleCount; ///< above 0
-    std::optional<double> chargeTarget;     ///< percent at which the firmware stops charging, 1..99
+    bool tellsLimit = false;                ///< the firmware says something about where it stops charging
+    std::optional<std::int64_t> limit;      ///< percent at which it stops charging, 1..100; 100 for no limit
     bool isDead = false;                    ///< in its bay, but electrically absent
 
     /// Reads a pack; empty when its charge cannot be determined.

@@ -83,6 +83,22 @@ bool chargesNow(const BatteryPack& pack) {
     return pack.status == Status::charging && !pack.reportsOutflow();
 }
 
+std::vector<PackLimit> limitsOf(const Packs& packs) {
+    std::vector<PackLimit> limits;
+    for (const BatteryPack& pack : packs) {
+        const auto design = pack.design ? Value(std::round(*pack.design)).integer() : std::nullopt;
+        if (!pack.isDead)
+            limits.push_back({.device = pack.device,
+                              .model = pack.name,
+                              .design = design > 0 ? design : std::nullopt,
+                              .percent = std::llround(pack.percent),
+                              .isCharging = chargesNow(pack),
+                              .tellsLimit = pack.tellsLimit,
+                              .limit = pack.limit});
+    }
+    return limits;
+}
+
 bool packIsCharged(const BatteryPack& pack) {
     // 95 as shown, that is, rounded: firmware that holds a full pack lets it drift down to there.
     return pack.status == Status::full || (!pack.isActive() && std::round(pack.percent) >= 95);
@@ -92,7 +108,7 @@ bool packIsCharged(const BatteryPack& pack) {
 double remaining(const BatteryPack& pack) {
     if (!pack.now || !pack.full || pack.status == Status::full)
         return 0;
-    const double target = *pack.full * pack.chargeTarget.value_or(100) / 100;
+    const double target = *pack.full * static_cast<double>(pack.limit.value_or(100)) / 100;
     // A pack that charges well past its threshold ignores it.
     const bool pastTarget = chargesNow(pack) && *pack.now > target + 0.02 * *pack.full;
     return std::max(0.0, (pastTarget ? *pack.full : target) - *pack.now);
@@ -156,6 +172,7 @@ PowerReading PowerReading::of(const std::vector<PowerSupply>& supplies) {
         if (auto pack = BatteryPack::read(supply))
             packs.push_back(std::move(*pack));
     }
+    reading.packLimits = limitsOf(packs);
     reading.packs = countedPacks(std::move(packs));
     reading.adapterWatts = ::adapterWatts(supplies);
     reading.onExternalPower = isOnExternalPower(supplies, reading.packs);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/PowerSources.h"
 #include "platform/Value.h"
 #include "platform/linux/power/BatteryPack.h"
 #include "platform/linux/power/PowerSupply.h"
@@ -19,6 +20,7 @@ struct PowerReading {
     double currentCapacity = 0;     ///< the charge, relative to `maxCapacity`
     double maxCapacity = 100;
     std::optional<std::int64_t> adapterWatts; ///< whole watts
+    std::vector<PackLimit> packLimits;        ///< of the packs that count, before any conversion of their units
 
     /// Interprets the supplies, which are sorted by name.
     static PowerReading of(const std::vector<PowerSupply>& supplies);

@@ -64,7 +64,8 @@ SysfsPowerSources::Descriptions SysfsPowerSources::scan() {
     forEstimate.uptime = uptime;
     forEstimate.slept = clock_.slept();
     lastGoodDescriptions_ = {.battery = reading.description(estimate_.update(forEstimate)),
-                             .registry = reading.registry()};
+                             .registry = reading.registry(),
+                             .packLimits = reading.packLimits};
     lastGood_ = std::move(reading);
     return lastGoodDescriptions_;
 }
@@ -75,7 +76,8 @@ PowerSnapshot SysfsPowerSources::snapshot() {
     if (observation_ != nullptr && isUnsettled())
         observation_->reports.settle();
     return {.sources = std::vector<std::optional<Value>>{Value(given_.battery)},
-            .batteryProperties = [registry = given_.registry] { return std::optional(Value(registry)); }};
+            .batteryProperties = [registry = given_.registry] { return std::optional(Value(registry)); },
+            .packLimits = given_.packLimits};
 }
 
 std::unique_ptr<PowerSources::Notification> SysfsPowerSources::notify(std::function<void()> changed) {

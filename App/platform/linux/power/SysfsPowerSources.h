@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <vector>
 
 class Clock;
 class MainLoop;
@@ -27,6 +28,7 @@ private:
     struct Descriptions {
         Dictionary battery;
         Dictionary registry;
+        std::vector<PackLimit> packLimits;
         bool operator==(const Descriptions&) const = default;
     };
     class Observation;

@@ -261,15 +261,19 @@ TEST(BatteryPack, CyclesCountFromOneOn) {
         EXPECT_EQ(read(energyPack({{"cycle_count", content}})).cycleCount, std::nullopt) << content;
 }
 
-TEST(BatteryPack, AChargeThresholdLiesBetweenOneAndNinetyNine) {
-    const auto target = [](const char* content) {
-        return read(energyPack({{"charge_control_end_threshold", content}})).chargeTarget;
+TEST(BatteryPack, AChargeLimitLiesBetweenOneAndAHundred) {
+    const auto limit = [](const char* content) {
+        const BatteryPack pack = read(energyPack({{"charge_control_end_threshold", content}}));
+        EXPECT_TRUE(pack.tellsLimit) << content;
+        return pack.limit;
     };
-    EXPECT_EQ(target("80\n"), 80);
-    EXPECT_EQ(target("1\n"), 1);
-    EXPECT_EQ(target("99\n"), 99);
-    for (const char* content : {"0\n", "100\n", "-80\n", "", "n/a\n"})
-        EXPECT_EQ(target(content), std::nullopt) << content;
+    EXPECT_EQ(limit("80\n"), 80);
+    EXPECT_EQ(limit("1\n"), 1);
+    EXPECT_EQ(limit("100\n"), 100);
+    for (const char* content :
+         {"0\n", "101\n", "255\n", "-80\n", "80.5\n", "80 %\n", "0x50\n", "99999999999999999999\n", "", "n/a\n"})
+        EXPECT_EQ(limit(content), std::nullopt) << content;
+    EXPECT_FALSE(read(energyPack({{"charge_control_start_threshold", "75\n"}})).tellsLimit);
 }
 
 TEST(BatteryPack, IsDeadWithoutVoltageAndCharge) {
