@@ -13,11 +13,13 @@ namespace {
 constexpr const char* alertCategory = "VL_ALERT";
 constexpr const char* snoozeAction = "SNOOZE";
 
-std::optional<std::string> sound(AlertKind kind, const Prefs& prefs) {
-    const auto chosen = prefs.sounds.find(kind);
-    if (chosen == prefs.sounds.end())
-        return "default";
-    return chosen->second == "none" ? std::nullopt : std::optional(chosen->second);
+template <class Kind>
+std::vector<std::string> identifiersOf(const std::vector<Kind>& kinds) {
+    std::vector<std::string> identifiers;
+    identifiers.reserve(kinds.size());
+    for (const Kind kind : kinds)
+        identifiers.emplace_back(rawValue(kind));
+    return identifiers;
 }
 
 } // namespace
@@ -67,23 +69,36 @@ void Notifier::explainAndRequest() {
 }
 
 void Notifier::deliver(const PendingAlert& alert, const Prefs& prefs) {
+    const auto chosen = prefs.sounds.find(alert.kind);
+    show(rawValue(alert.kind), alert.title, alert.body, chosen == prefs.sounds.end() ? "default" : chosen->second);
+}
+
+void Notifier::deliver(const LimitAlert& alert, const Prefs& prefs) {
+    show(rawValue(alert.kind), alert.title, alert.body, prefs.firmwareLimitSound);
+}
+
+void Notifier::show(std::string_view identifier, const std::string& title, const std::string& body,
+                    const std::string& sound) {
     if (!available())
         return;
-    center_.add({.identifier = std::string(rawValue(alert.kind)),
-                 .title = alert.title,
-                 .body = alert.body,
+    center_.add({.identifier = std::string(identifier),
+                 .title = title,
+                 .body = body,
                  .categoryIdentifier = alertCategory,
-                 .sound = sound(alert.kind, prefs)});
+                 .sound = sound == "none" ? std::nullopt : std::optional(sound)});
 }
 
 void Notifier::withdraw(const std::vector<AlertKind>& kinds) {
-    if (!available())
-        return;
-    std::vector<std::string> identifiers;
-    identifiers.reserve(kinds.size());
-    for (const AlertKind kind : kinds)
-        identifiers.emplace_back(rawValue(kind));
-    center_.removeDelivered(identifiers);
+    remove(identifiersOf(kinds));
+}
+
+void Notifier::withdraw(const std::vector<LimitAlertKind>& kinds) {
+    remove(identifiersOf(kinds));
+}
+
+void Notifier::remove(std::vector<std::string> identifiers) {
+    if (available() && !identifiers.empty())
+        center_.removeDelivered(identifiers);
 }
 
 NotificationCenter::Options Notifier::willPresent(const NotificationCenter::Request& /*request*/) {

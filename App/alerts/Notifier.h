@@ -2,12 +2,14 @@
 #pragma once
 
 #include "alerts/AlertKind.h"
+#include "alerts/LimitAlert.h"
 #include "alerts/PendingAlert.h"
 #include "platform/Lifetime.h"
 #include "platform/NotificationCenter.h"
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 class Bundle;
@@ -44,8 +46,11 @@ public:
     /// preferences.
     void deliver(const PendingAlert& alert, const Prefs& prefs);
 
+    void deliver(const LimitAlert& alert, const Prefs& prefs);
+
     /// Removes reminders of these kinds from the screen.
     void withdraw(const std::vector<AlertKind>& kinds);
+    void withdraw(const std::vector<LimitAlertKind>& kinds);
 
 private:
     NotificationCenter& center_;
@@ -57,4 +62,6 @@ private:
     NotificationCenter::Options willPresent(const NotificationCenter::Request& request) override;
     void didReceive(const std::string& actionIdentifier, std::function<void()> completion) override;
     void explainAndRequest();
+    void show(std::string_view identifier, const std::string& title, const std::string& body, const std::string& sound);
+    void remove(std::vector<std::string> identifiers);
 };

@@ -43,6 +43,8 @@ const Dictionary& Prefs::defaults() {
         {"lowPowerSound", "default"},
         {"healthEnabled", true},
         {"healthSound", "default"},
+        {"firmwareLimitEnabled", true},
+        {"firmwareLimitSound", "default"},
         {"quietEnabled", false},
         {"quietStart", 22 * 60},
         {"quietEnd", 7 * 60},
@@ -62,6 +64,7 @@ Prefs Prefs::current(UserDefaults& store) {
     prefs.healthEnabled = store.boolForKey("healthEnabled");
     prefs.quietEnabled = store.boolForKey("quietEnabled");
     prefs.lowPowerEnabled = store.boolForKey("lowPowerEnabled");
+    prefs.firmwareLimitEnabled = store.boolForKey("firmwareLimitEnabled");
     prefs.lowPowerAt = store.integerForKey("lowPowerAt");
     prefs.limit = store.integerForKey("limit");
     prefs.low = store.integerForKey("low");
@@ -72,6 +75,7 @@ Prefs Prefs::current(UserDefaults& store) {
     prefs.showTime = store.boolForKey("showTime");
     for (const AlertKind kind : allAlertKinds)
         prefs.sounds[kind] = store.stringForKey(soundKey(kind)).value_or("default");
+    prefs.firmwareLimitSound = store.stringForKey("firmwareLimitSound").value_or("default");
     return prefs;
 }
 

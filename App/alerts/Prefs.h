@@ -22,6 +22,7 @@ struct Prefs {
     bool healthEnabled = false;              ///< remind when the health has fallen
     bool quietEnabled = false;               ///< hold reminders during the quiet hours
     bool lowPowerEnabled = false;            ///< suggest Low Power Mode
+    bool firmwareLimitEnabled = false;       ///< remind when the firmware's charge limit is lost or ignored
     std::int64_t lowPowerAt = 0;             ///< percent below which Low Power Mode is suggested
     std::int64_t limit = 0;                  ///< charge limit, percent
     std::int64_t low = 0;                    ///< low-battery threshold, percent
@@ -31,10 +32,11 @@ struct Prefs {
     bool showPercent = false;                ///< show the percentage beside the icon
     bool showTime = false;                   ///< show the remaining time beside the icon
     std::map<AlertKind, std::string> sounds; ///< "default", "none" or the name of a sound; every kind has an entry
+    std::string firmwareLimitSound;          ///< as in `sounds`
 
     bool operator==(const Prefs&) const = default;
 
-    /// The fallback of each of the twenty preferences, by key.
+    /// The fallback of each of the twenty-two preferences, by key.
     static const Dictionary& defaults();
 
     /// A fresh snapshot; registers the fallbacks first.

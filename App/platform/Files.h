@@ -28,6 +28,9 @@ public:
     /// Where programs keep the user's data; the caller appends a folder of its own.
     virtual Path applicationSupportFolder() const = 0;
 
+    /// Where programs keep what they remember by themselves; the caller appends a folder of its own.
+    virtual Path stateFolder() const = 0;
+
     /// Creates a folder with all missing parents, accessible to the owner only. True if it exists afterwards.
     virtual bool createFolder(const Path& folder) = 0;
 

@@ -23,10 +23,12 @@ AppModel::AppModel(const Platform& platform)
     , pluggedSince(std::nullopt)
     , historyVersion(0)
     , snoozeUntil(Prefs::snoozeUntil(platform.defaults, platform.clock))
+    , hasFirmwareLimit(false)
     , platform_(platform)
     , reader(platform.powerSources, platform.powerSaving)
     , history(platform.files, platform.clock, platform.calendar)
-    , notifier(platform.notificationCenter, platform.bundle, platform.dialogs, platform.mainLoop) {}
+    , notifier(platform.notificationCenter, platform.bundle, platform.dialogs, platform.mainLoop)
+    , limits_(platform.files) {}
 
 template <class Function>
 auto AppModel::trigger(Function function) {
@@ -43,34 +45,46 @@ void AppModel::start() {
     notifier.setup();
     notifier.onSnooze = lifetime_.guard([this] { snooze(); });
     history.onReload = trigger([this] {
-        for (const auto& [reading, now, reason] : std::exchange(early_, {})) {
-            trackPluggedIn(reading, now, reason);
-            recordAndAlert(reading, now, reason);
-        }
+        catchUp();
         historyVersion.set(historyVersion.get() + 1);
     });
+    limits_.onLoad = trigger([this] { catchUp(); });
     refresh(Reason::launch);
     reader.startObserving(trigger([this] { refresh(Reason::event); }));
     timer = platform_.mainLoop.repeat(60s, 10s, trigger([this] { refresh(Reason::timer); }));
     observations_.push_back(platform_.powerSaving.onPowerStateChanged(trigger([this] { refresh(Reason::event); })));
-    observations_.push_back(
-        platform_.sessionEvents.onWillSleep(trigger([this] { history.save(platform_.clock.now()); })));
+    observations_.push_back(platform_.sessionEvents.onWillSleep(trigger([this] {
+        awaitsWake_ = true;
+        history.save(platform_.clock.now());
+    })));
     // Right after waking the batteries often cannot be read yet.
     observations_.push_back(platform_.sessionEvents.onDidWake(
         lifetime_.guard([this] { platform_.mainLoop.after(3s, trigger([this] { refresh(Reason::wake); })); })));
 }
 
 void AppModel::refresh(Reason reason) {
-    const BatteryState reading = reader.read();
-    const Date now = platform_.clock.now();
-    if (!history.isLoaded()) { // a slow disk does not delay what the panel shows
-        publish(reading);
-        early_.push_back({reading, now, reason});
+    Reading reading{.state = reader.read(),
+                    .limits = reader.packLimits(),
+                    .now = platform_.clock.now(),
+                    .uptime = platform_.clock.uptime(),
+                    .reason = reason};
+    if (!isLoaded()) { // a slow disk does not delay what the panel shows
+        publish(reading.state);
+        early_.push_back(std::move(reading));
         return;
     }
-    trackPluggedIn(reading, now, reason);
-    publish(reading);
-    recordAndAlert(reading, now, reason);
+    trackPluggedIn(reading.state, reading.now, reason);
+    publish(reading.state);
+    recordAndAlert(reading);
+}
+
+void AppModel::catchUp() {
+    if (!isLoaded())
+        return;
+    for (const Reading& reading : std::exchange(early_, {})) {
+        trackPluggedIn(reading.state, reading.now, reading.reason);
+        recordAndAlert(reading);
+    }
 }
 
 void AppModel::publish(const BatteryState& reading) {
@@ -78,19 +92,36 @@ void AppModel::publish(const BatteryState& reading) {
         state.set(reading);
 }
 
-void AppModel::recordAndAlert(const BatteryState& reading, Date now, Reason reason) {
+void AppModel::recordAndAlert(const Reading& reading) {
     // An event may be one of many; other refreshes are recorded even if nothing has changed.
-    history.record(reading, now, reason != Reason::event);
+    history.record(reading.state, reading.now, reading.reason != Reason::event);
     historyVersion.set(historyVersion.get() + 1);
 
     const Prefs prefs = Prefs::current(platform_.defaults);
     // A condition that holds at launch or after waking has not just begun.
-    const bool prime = reason == Reason::launch || reason == Reason::wake;
-    const bool deliver = !prime && canDeliver(prefs, now);
+    const bool prime = reading.reason == Reason::launch || reading.reason == Reason::wake;
+    const bool deliver = !prime && canDeliver(prefs, reading.now);
     for (const PendingAlert& alert :
-         engine.run(reading, pluggedSince.get(), now, prefs, deliver, prime, platform_.defaults))
+         engine.run(reading.state, pluggedSince.get(), reading.now, prefs, deliver, prime, platform_.defaults))
         if (!prime)
             notifier.deliver(alert, prefs);
+    watchLimits(reading, prefs, deliver);
+}
+
+void AppModel::watchLimits(const Reading& reading, const Prefs& prefs, bool canDeliver) {
+    const bool prime = reading.reason == Reason::launch || reading.reason == Reason::wake;
+    // Right after waking, an event may come before the refresh that compares with what was before the sleep.
+    if (awaitsWake_ && !prime)
+        return;
+    awaitsWake_ = false;
+    const bool pluggedIn = reading.state.hasBattery && reading.state.pluggedIn;
+    const LimitWatch::Outcome outcome =
+        limits_.run(reading.limits, pluggedIn, reading.uptime, canDeliver && prefs.firmwareLimitEnabled, prime);
+    notifier.withdraw(outcome.over);
+    for (const LimitAlert& alert : outcome.due)
+        notifier.deliver(alert, prefs);
+    if (hasFirmwareLimit.get() != limits_.concernsMachine())
+        hasFirmwareLimit.set(limits_.concernsMachine());
 }
 
 void AppModel::trackPluggedIn(const BatteryState& reading, Date now, Reason reason) {

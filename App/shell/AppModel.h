@@ -2,6 +2,7 @@
 #pragma once
 
 #include "alerts/AlertEngine.h"
+#include "alerts/FirmwareLimits.h"
 #include "alerts/Notifier.h"
 #include "battery/BatteryReader.h"
 #include "battery/BatteryState.h"
@@ -35,6 +36,7 @@ public:
     Published<std::optional<Date>> pluggedSince; ///< since when plugged in; empty on battery or without a battery
     Published<std::int64_t> historyVersion;      ///< grows whenever the history may have changed
     Published<std::optional<Date>> snoozeUntil;  ///< the end of the snooze, as the views show it
+    Published<bool> hasFirmwareLimit;            ///< the firmware of this machine has, or had, a charge limit
 
     /// Runs the first refresh and then follows the system. Called once.
     void start();
@@ -65,20 +67,27 @@ public:
 
 private:
     AlertEngine engine;
+    FirmwareLimits limits_;
+    bool awaitsWake_ = false; ///< from before the machine sleeps until the refresh that follows waking
     std::unique_ptr<MainLoop::Timer> timer;
 
     struct Reading {
         BatteryState state;
+        std::vector<PackLimit> limits;
         Date now;
+        Duration uptime{};
         Reason reason = Reason::launch;
     };
-    std::vector<Reading> early_; ///< shown before the history was loaded
+    std::vector<Reading> early_; ///< shown before the files were loaded
     std::vector<Subscription> observations_;
     Lifetime lifetime_;
 
     void publish(const BatteryState& reading);
+    bool isLoaded() const { return history.isLoaded() && limits_.isLoaded(); }
+    void catchUp();
     void trackPluggedIn(const BatteryState& reading, Date now, Reason reason);
-    void recordAndAlert(const BatteryState& reading, Date now, Reason reason);
+    void recordAndAlert(const Reading& reading);
+    void watchLimits(const Reading& reading, const Prefs& prefs, bool canDeliver);
     bool canDeliver(const Prefs& prefs, Date now);
     void publishStoredSnooze();
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "alerts/FirmwareLimits.h"
 #include "alerts/RunningNotice.h"
 #include "history/HistoryStore.h"
 #include "platform/ApplicationId.h"
@@ -143,7 +144,7 @@ int main(int argc, char** argv) {
     QtMainLoop mainLoop;
     SystemClock clock;
     SystemCalendar calendar;
-    PosixFiles disk(xdgDataHome());
+    PosixFiles disk(xdgDataHome(), xdgStateHome());
     BackgroundFiles files(disk, mainLoop);
     signalEvents.setLastResort([&files] {
         files.updateAtEndNow();
@@ -197,8 +198,8 @@ int main(int argc, char** argv) {
             appearance.start(isXfce(desktops.toStdString()));
         else if (followsKde(desktops.toStdString(), themeChoice.toStdString()))
             appearance.startOnKde(files, xdgConfigHome() / "kdeglobals");
-        for (const auto& file : {HistoryStore::file(files), defaultsFile, NotificationConsent::file(stateFolder),
-                                 RunningNotice::file(stateFolder)})
+        for (const auto& file : {HistoryStore::file(files), FirmwareLimits::file(files), defaultsFile,
+                                 NotificationConsent::file(stateFolder), RunningNotice::file(stateFolder)})
             files.removeLeftovers(file);
         if (const auto identifier = bundle.identifier())
             files.removeLeftovers(XdgAutostart::file(xdgConfigHome(), *identifier));

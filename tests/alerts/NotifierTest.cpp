@@ -89,6 +89,21 @@ TEST_F(NotifierTest, DeliversUnderTheNameOfTheKind) {
     }
 }
 
+TEST_F(NotifierTest, DeliversWhatTheWatchOnTheLimitHasFound) {
+    Prefs prefs;
+    prefs.firmwareLimitSound = "Frog";
+    notifier->deliver({LimitAlertKind::reset, "Charge limit was reset", "It was."}, prefs);
+    prefs.firmwareLimitSound = "none";
+    notifier->deliver({LimitAlertKind::notHolding, "Charge limit not holding", "It is not."}, prefs);
+    EXPECT_EQ(center.requests,
+              (std::vector<Center::Request>{
+                  {"limitReset", "Charge limit was reset", "It was.", "VL_ALERT", "Frog"},
+                  {"limitNotHolding", "Charge limit not holding", "It is not.", "VL_ALERT", std::nullopt}}));
+    notifier->withdraw({LimitAlertKind::notHolding, LimitAlertKind::reset});
+    notifier->withdraw(std::vector<LimitAlertKind>());
+    EXPECT_EQ(center.removed, (std::vector<std::string>{"limitNotHolding", "limitReset"}));
+}
+
 TEST_F(NotifierTest, DeliversWithTheSoundOfTheKind) {
     const auto soundFor = [&](const char* name) {
         Prefs prefs;

@@ -43,6 +43,8 @@ Prefs documented() {
     prefs.healthEnabled = true;
     prefs.quietEnabled = false;
     prefs.lowPowerEnabled = true;
+    prefs.firmwareLimitEnabled = true;
+    prefs.firmwareLimitSound = "default";
     prefs.lowPowerAt = 30;
     prefs.limit = 80;
     prefs.low = 20;
@@ -82,6 +84,8 @@ TEST_F(PrefsTest, EachKeyFillsItsOwnField) {
         {"lowPowerSound", "", [](Prefs& prefs) { prefs.sounds[AlertKind::lowPower] = ""; }},
         {"healthEnabled", false, [](Prefs& prefs) { prefs.healthEnabled = false; }},
         {"healthSound", "Glass", [](Prefs& prefs) { prefs.sounds[AlertKind::health] = "Glass"; }},
+        {"firmwareLimitEnabled", false, [](Prefs& prefs) { prefs.firmwareLimitEnabled = false; }},
+        {"firmwareLimitSound", "Glass", [](Prefs& prefs) { prefs.firmwareLimitSound = "Glass"; }},
         {"quietEnabled", true, [](Prefs& prefs) { prefs.quietEnabled = true; }},
         {"quietStart", 0, [](Prefs& prefs) { prefs.quietStart = 0; }},
         {"quietEnd", 1439, [](Prefs& prefs) { prefs.quietEnd = 1439; }},

@@ -212,6 +212,8 @@ void checkSettings(const QWidget& window, const QWidget& form, const QImage& pic
     }
     int rightEdge = -1;
     for (const auto* row : form.findChildren<QWidget*>(QStringLiteral("row"))) {
+        if (!row->isVisible())
+            continue; // a card that only some machines need
         const QLayout* line = row->layout();
         const QWidget* label = line->itemAt(0)->widget();
         const QWidget* control = line->itemAt(1)->widget();

@@ -52,6 +52,12 @@ const std::vector<State> states{
     {"settings-end", [](FakePlatform&) {}, nothing, "resetHistory"},
     {"settings-all-on", [](FakePlatform& fake) { setAll(fake, true); }, nothing, "quietEnd"},
     {"settings-all-off", [](FakePlatform& fake) { setAll(fake, false); }, nothing},
+    {"settings-firmware-limit",
+     [](FakePlatform& fake) {
+         fake.powerSources.packLimits = {
+             {.device = "BAT0", .model = "5B10V98091", .design = 80400, .tellsLimit = true, .limit = 80}};
+     },
+     nothing, "quietEnd"},
     {"settings-beyond-the-range",
      [](FakePlatform& fake) {
          fake.defaults.setObject("limit", 150);
@@ -70,6 +76,7 @@ void draw(const State& state, const QString& file) {
     fake.defaults.registerDefaults(Prefs::defaults());
     state.arrange(fake);
     AppModel model(fake.platform());
+    model.refresh(AppModel::Reason::launch);
     auto* view = new SettingsView(model, fake.platform());
     SettingsWindow window(view);
     window.present();

@@ -31,6 +31,7 @@ public:
     std::map<Path, Observers<>> changes;
 
     std::filesystem::path applicationSupportFolder() const override { return support; }
+    std::filesystem::path stateFolder() const override { return "/home/user/.local/state"; }
 
     bool createFolder(const std::filesystem::path& folder) override {
         if (refusesWrites)

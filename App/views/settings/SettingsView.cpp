@@ -28,6 +28,7 @@ namespace {
 constexpr int margin = 20;
 constexpr int rowMargin = 12;
 constexpr int rowHeight = 38;
+constexpr int withoutHeader = 4; ///< more space above a card
 
 /// The background of one section's rows, with lines between them.
 class Card final : public QWidget {
@@ -73,6 +74,9 @@ SettingsView::SettingsView(AppModel& theModel, const Platform& platform, QWidget
         QBoxLayout* rows = addSection(section.header);
         for (const SettingsControl& control : section.controls)
             addControl(rows, control);
+        if (section.needsFirmwareLimit)
+            observations_.push_back(model.hasFirmwareLimit.subscribe(
+                [this, card = rows->parentWidget()](bool hasLimit) { showCard(card, hasLimit); }));
     }
     addGeneral();
     layout->addStretch(1);
@@ -86,7 +90,7 @@ SettingsView::~SettingsView() = default;
 QBoxLayout* SettingsView::addSection(const std::string& header) {
     auto* layout = static_cast<QVBoxLayout*>(this->layout());
     if (!headers_.empty())
-        layout->addSpacing(header.empty() ? 4 : 10);
+        layout->addSpacing(header.empty() ? withoutHeader : 10);
     auto* label = new QLabel(toQString(header), this);
     label->setObjectName(QStringLiteral("header"));
     label->setVisible(!header.empty());
@@ -96,6 +100,15 @@ QBoxLayout* SettingsView::addSection(const std::string& header) {
     card->setObjectName(QStringLiteral("section"));
     layout->addWidget(card);
     return static_cast<QBoxLayout*>(card->layout());
+}
+
+void SettingsView::showCard(QWidget* card, bool shown) {
+    card->setVisible(shown);
+    // What addSection puts above a card without a header: the space, the header that is not shown.
+    auto* layout = static_cast<QVBoxLayout*>(this->layout());
+    QSpacerItem* space = layout->itemAt(layout->indexOf(card) - 2)->spacerItem();
+    space->changeSize(0, shown ? withoutHeader : 0, QSizePolicy::Minimum, QSizePolicy::Fixed);
+    layout->invalidate();
 }
 
 void SettingsView::addRow(QBoxLayout* section, QLabel* label, QWidget* control) {

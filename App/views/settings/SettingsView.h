@@ -48,6 +48,7 @@ private:
     std::vector<Subscription> observations_;
 
     QBoxLayout* addSection(const std::string& header);
+    void showCard(QWidget* card, bool shown);
     void addControl(QBoxLayout* section, const SettingsControl& control);
     QWidget* makeToggle(const SettingsControl& control);
     QWidget* makeStepper(const SettingsControl& control, QLabel* label);

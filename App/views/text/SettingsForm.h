@@ -27,6 +27,7 @@ struct SettingsControl {
 struct SettingsSection {
     std::string header; ///< may be empty
     std::vector<SettingsControl> controls;
+    bool needsFirmwareLimit = false; ///< shown only where the firmware of the machine has a charge limit
 };
 
 /// The sections with preferences. Those of login, history and notes follow them.

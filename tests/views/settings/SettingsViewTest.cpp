@@ -24,6 +24,7 @@
 #include <QWindow>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <optional>
@@ -82,7 +83,7 @@ TEST_F(SettingsViewTest, HasItsSectionsLabelsAndKeysFromTopToBottom) {
     for (const QObject* child : shown().children()) {
         if (const auto* header = qobject_cast<const QLabel*>(child); header != nullptr && !header->text().isEmpty())
             found.push_back("# " + header->text().toStdString());
-        if (child->objectName() != QStringLiteral("section"))
+        if (child->objectName() != QStringLiteral("section") || !qobject_cast<const QWidget*>(child)->isVisible())
             continue;
         found.emplace_back("--");
         for (const QObject* row : child->children()) {
@@ -378,7 +379,8 @@ TEST_F(SettingsViewTest, ASoundThatIsNotOfferedIsNotRewritten) {
 }
 
 TEST_F(SettingsViewTest, AsksForThePermissionWhenAnAlertIsSwitchedOn) {
-    for (const char* key : {"limitEnabled", "lowEnabled", "lowPowerEnabled", "longEnabled", "healthEnabled"}) {
+    for (const char* key :
+         {"limitEnabled", "lowEnabled", "lowPowerEnabled", "longEnabled", "healthEnabled", "firmwareLimitEnabled"}) {
         fake.dialogs.alerts.clear();
         find<ToggleSwitch>(key).click();
         settle();
@@ -450,6 +452,7 @@ TEST_F(SettingsViewTest, EveryAlertSwitchRulesItsOwnControlsAlone) {
         {"lowPowerEnabled", {"lowPowerAt", "lowPowerSound"}},
         {"longEnabled", {"longHours", "longSound"}},
         {"healthEnabled", {"healthSound"}},
+        {"firmwareLimitEnabled", {"firmwareLimitSound"}},
         {"quietEnabled", {"quietStart", "quietEnd"}}};
     for (const auto& [off, ignored] : groups) {
         for (const auto& [key, ruled] : groups)
@@ -464,6 +467,35 @@ TEST_F(SettingsViewTest, EveryAlertSwitchRulesItsOwnControlsAlone) {
     }
     for (const char* key : {"showPercent", "showTime", "launchAtLogin", "exportHistory", "resetHistory"})
         EXPECT_TRUE(find(key).isEnabled()) << key;
+}
+
+TEST_F(SettingsViewTest, ShowsTheCardOfTheFirmwaresLimitOnlyWhereThereIsOne) {
+    shown();
+    EXPECT_FALSE(find("firmwareLimitEnabled").isVisible());
+    settle();
+    const int without = view->sizeHint().height();
+    fake.powerSources.packLimits = {
+        {.device = "BAT0", .model = "X", .design = 57000, .tellsLimit = true, .limit = 100}};
+    model.refresh(AppModel::Reason::timer);
+    EXPECT_TRUE(find("firmwareLimitEnabled").isVisible());
+    EXPECT_TRUE(find("firmwareLimitSound").isVisible());
+    settle();
+    EXPECT_GT(find("firmwareLimitEnabled").mapTo(view, QPoint()).y(), find("healthEnabled").mapTo(view, QPoint()).y());
+    EXPECT_LT(find("firmwareLimitEnabled").mapTo(view, QPoint()).y(), find("quietEnabled").mapTo(view, QPoint()).y());
+    EXPECT_GT(view->sizeHint().height(), without);
+    fake.powerSources.packLimits = {};
+    model.refresh(AppModel::Reason::timer);
+    EXPECT_FALSE(find("firmwareLimitEnabled").isVisible());
+    settle();
+    EXPECT_EQ(view->sizeHint().height(), without);
+    const auto cardEnd = [&](const char* key) { return find(key).parentWidget()->parentWidget()->geometry().bottom(); };
+    const auto headerTop = [&](const char* text) {
+        const auto headers = shown().findChildren<QLabel*>(QStringLiteral("header"));
+        const auto found = std::ranges::find(headers, QString::fromLatin1(text), &QLabel::text);
+        return found == headers.end() ? 0 : (*found)->y();
+    };
+    EXPECT_EQ(headerTop("Quiet hours") - cardEnd("healthEnabled"), headerTop("Menu bar") - cardEnd("quietEnabled"))
+        << "no gap is left";
 }
 
 TEST_F(SettingsViewTest, ResetsTheHistoryOnlyWhenThatIsConfirmed) {
@@ -549,7 +581,7 @@ TEST_F(SettingsViewTest, EveryControlHasANameAndIsReachedByKeyboard) {
             << widget->objectName().toStdString();
         EXPECT_NE(widget->focusPolicy() & Qt::TabFocus, 0) << widget->objectName().toStdString();
     }
-    EXPECT_EQ(controls, 23) << "20 preferences, login, export and reset";
+    EXPECT_EQ(controls, 25) << "22 preferences, login, export and reset";
 }
 
 TEST_F(SettingsViewTest, RingsWhatHasTheFocusForTheKeyboardAlone) {

@@ -20,7 +20,7 @@ TEST(SettingsForm, HasOneControlForEachPreference) {
     std::set<std::string> expected;
     for (const auto& [key, value] : Prefs::defaults())
         expected.insert(key);
-    EXPECT_EQ(keys.size(), 20U);
+    EXPECT_EQ(keys.size(), 22U);
     EXPECT_EQ(std::set<std::string>(keys.begin(), keys.end()), expected);
 }
 

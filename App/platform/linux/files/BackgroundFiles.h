@@ -15,6 +15,7 @@ public:
     BackgroundFiles(PosixFiles& disk, MainLoop& loop) : disk_(disk), loop_(loop) {}
 
     Path applicationSupportFolder() const override { return disk_.applicationSupportFolder(); }
+    Path stateFolder() const override { return disk_.stateFolder(); }
     bool createFolder(const Path& folder) override { return disk_.createFolder(folder); }
     std::optional<std::string> read(const Path& file, std::size_t limit) const override {
         return disk_.read(file, limit);

@@ -61,7 +61,9 @@ private:
 
 } // namespace
 
-PosixFiles::PosixFiles(fs::path applicationSupport) : applicationSupport_(std::move(applicationSupport)) {}
+PosixFiles::PosixFiles(fs::path applicationSupport, fs::path state)
+    : applicationSupport_(std::move(applicationSupport))
+    , state_(std::move(state)) {}
 
 fs::path PosixFiles::applicationSupportFolder() const {
     return applicationSupport_;

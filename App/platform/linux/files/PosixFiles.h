@@ -16,10 +16,12 @@
 /// of it happens at once, on the calling thread. Only `onChange` is for the main thread alone.
 class PosixFiles final : public Files {
 public:
-    /// `applicationSupport` is what `applicationSupportFolder()` returns.
-    explicit PosixFiles(Path applicationSupport);
+    /// What `applicationSupportFolder()` and `stateFolder()` return.
+    PosixFiles(Path applicationSupport, Path state);
+    explicit PosixFiles(const Path& both) : PosixFiles(both, both) {}
 
     Path applicationSupportFolder() const override;
+    Path stateFolder() const override { return state_; }
     bool createFolder(const Path& folder) override;
     std::optional<std::string> read(const Path& file, std::size_t limit) const override;
     void load(const Path& file, std::size_t limit,
@@ -62,6 +64,7 @@ private:
     };
 
     Path applicationSupport_;
+    Path state_;
     mutable std::mutex mutex_;              ///< for what follows
     std::map<Path, FileDescriptor> claims_; ///< by folder
     std::map<Path, Identity> written_;      ///< the files that we have put in place, by where

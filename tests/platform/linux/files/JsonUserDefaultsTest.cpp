@@ -346,6 +346,7 @@ public:
     bool refuses = false;
 
     fs::path applicationSupportFolder() const override { return files_.applicationSupportFolder(); }
+    fs::path stateFolder() const override { return files_.stateFolder(); }
     bool createFolder(const fs::path& folder) override { return files_.createFolder(folder); }
     std::optional<std::string> read(const fs::path& file, std::size_t limit) const override {
         return files_.read(file, limit);
