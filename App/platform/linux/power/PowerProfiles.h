@@ -5,9 +5,8 @@
 #include "platform/PowerSaving.h"
 #include "platform/linux/files/FileDescriptor.h"
 #include "platform/linux/power/PowerProfileChoice.h"
+#include "platform/linux/power/ProfileProperty.h"
 
-#include <QDBusMessage>
-#include <QDBusServiceWatcher>
 #include <QObject>
 #include <QSocketNotifier>
 
@@ -16,7 +15,6 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <vector>
 
 class SystemBus;
 
@@ -37,24 +35,17 @@ public:
     bool isLowPowerModeEnabled() const override { return isLowPower_; }
     [[nodiscard]] Subscription onPowerStateChanged(std::function<void()> callback) override;
 
-private Q_SLOTS:
-    void propertiesChanged(const QString& interface, const QVariantMap& changed, const QStringList& invalidated);
-
 private:
-    SystemBus& bus_;
+    ProfileProperty daemons_;
     std::filesystem::path firmwareFile_;
     FileDescriptor firmware_;
     std::unique_ptr<QSocketNotifier> firmwareEvents_;
-    std::unique_ptr<QDBusServiceWatcher> watcher_;
     PowerProfileChoice choice_;
     std::chrono::milliseconds keep_;
     std::map<std::string, int> absences_; ///< by name, so far
     bool isLowPower_ = false;
     Observers<> observers_;
-    std::vector<Subscription> subscriptions_;
 
-    void follow();
-    void ask(const QString& name, int triesLeft);
     void take(const std::string& name, const std::string& profile);
     void forgetLater(const std::string& name);
     void readFirmware();
