@@ -41,6 +41,7 @@ add_executable(velmora_adapter_tests
     platform/linux/appearance/PortalSettingsTest.cpp
     platform/linux/files/PosixFilesTest.cpp
     platform/linux/power/PowerProfilesTest.cpp
+    platform/linux/power/ProfileHoldTest.cpp
     platform/linux/dialogs/QtDialogsTest.cpp
     platform/linux/session/SessionApplicationTest.cpp
     platform/linux/panel/StatusNotifierItemTest.cpp
