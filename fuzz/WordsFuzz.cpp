@@ -105,7 +105,7 @@ void checkNotification(const Lines& lines) {
     const auto capabilities = words(lines, "capability");
     const NotificationServer server = notificationServer(name, capabilities);
     const auto can = [&](const char* what) { return std::ranges::find(capabilities, what) != capabilities.end(); };
-    require(server.drawsActions == can("actions") && server.parsesBody == can("body-markup"),
+    require(server.takesActions == can("actions") && server.parsesBody == can("body-markup"),
             "a server can do what it says");
 
     NotificationCenter::Request request;
@@ -125,7 +125,7 @@ void checkNotification(const Lines& lines) {
                     "a body has no markup, and says what it said");
         else
             require(plan.body == request.body, "a plain body is left alone");
-        require(plan.actions.size() == (server.drawsActions ? 2 : 0), "buttons come where they are drawn");
+        require(plan.actions.size() == (server.takesActions ? 2 : 0), "buttons come where they are taken");
         require(plan.urgency != NotificationUrgency::critical || (request.identifier == "low" && quiet == false),
                 "only a low battery insists, and only where it may");
         require(!plan.soundFile || std::filesystem::path(*plan.soundFile).is_absolute(), "a file is found by its path");

@@ -58,6 +58,9 @@ public:
 
         /// The user pressed a button; `completion` must be called in any case.
         virtual void didReceive(const std::string& actionIdentifier, std::function<void()> completion) = 0;
+
+        /// A notification is shown by a desktop that draws no buttons.
+        virtual void didPresentWithoutButtons(const std::string& /*identifier*/) {}
     };
 
     /// Sets the delegate; null for none. It must outlive the centre or be unset first.

@@ -20,6 +20,7 @@ class RecordingDelegate final : public NotificationCenter::Delegate {
 public:
     std::vector<std::string> received;
     std::vector<std::string> presented;
+    std::vector<std::string> withoutButtons;
     NotificationCenter::Options options{.alert = true, .sound = true, .badge = false, .list = false};
     std::function<void()> onReceive;
 
@@ -33,6 +34,7 @@ public:
             onReceive();
         completion();
     }
+    void didPresentWithoutButtons(const std::string& identifier) override { withoutButtons.push_back(identifier); }
 };
 
 /// The adapter on a bus of its own, with a delegate and the snooze button.

@@ -154,6 +154,8 @@ void FreedesktopNotifications::sent(const std::string& identifier, const Request
         // Only what is shown is heard; the next one brings its own sound.
         if (ownSound && !entry.next)
             play(order, *ownSound);
+        if (delegate_ != nullptr && !daemon_.server().drawsButtons)
+            delegate_->didPresentWithoutButtons(identifier);
     }
     tidy(identifier);
     sendWaiting();

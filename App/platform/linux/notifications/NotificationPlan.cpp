@@ -63,7 +63,10 @@ NotificationServer notificationServer(std::string_view name, const std::vector<s
     // QUIRK: the capability "sound" alone says little: MATE plays files only, Cinnamon its own sound, and both at any
     // time. GNOME has always played sounds, whether it says so or not; Plasma plays them if it says so.
     const bool playsSounds = name == "gnome-shell" || (name == "Plasma" && contains(capabilities, "sound"));
-    return {.drawsActions = contains(capabilities, "actions"),
+    // QUIRK: dunst and mako take buttons, and draw none; the user has to know a click or a command for them.
+    const bool takesActions = contains(capabilities, "actions");
+    return {.takesActions = takesActions,
+            .drawsButtons = takesActions && name != "dunst" && name != "mako",
             .parsesBody = contains(capabilities, "body-markup"),
             .playsSounds = playsSounds,
             .wantsImage = name == "Budgie Notification Server", // QUIRK: it draws an envelope otherwise
@@ -80,7 +83,7 @@ NotificationPlan planNotification(const NotificationServer& server, std::optiona
     NotificationPlan plan;
     plan.urgency = urgency(request.identifier, doNotDisturb);
     plan.body = server.parsesBody ? escaped(request.body) : request.body;
-    if (server.drawsActions) {
+    if (server.takesActions) {
         for (const auto& action : actions) {
             plan.actions.push_back(action.identifier);
             plan.actions.push_back(action.title);

@@ -15,7 +15,8 @@
 
 /// What a notification daemon can do, as far as it matters here. The default is one that has not answered.
 struct NotificationServer {
-    bool drawsActions = false; ///< it takes buttons; not every such daemon draws them
+    bool takesActions = false; ///< it takes buttons; not every such daemon draws them
+    bool drawsButtons = false; ///< and it draws them
     bool parsesBody = false;   ///< the body is read as markup
     bool playsSounds = false;  ///< it plays any sound we name, respecting its own do-not-disturb
     bool wantsImage = false;   ///< it shows a file only as the notification's image, not as the program's icon

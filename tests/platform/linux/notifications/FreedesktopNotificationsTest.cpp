@@ -56,6 +56,7 @@ TEST_F(FreedesktopNotificationsTest, SendsButtonsOnlyWhereTheyAreTakenAndOnlyTho
     add(request("tooLong"));
     ASSERT_EQ(daemon.sent.size(), 1U);
     EXPECT_EQ(daemon.sent[0].actions, QStringList());
+    EXPECT_EQ(delegate.withoutButtons, std::vector<std::string>{"tooLong"});
 
     daemon.leave();
     daemon.capabilities = QStringList{QStringLiteral("actions")};
@@ -66,6 +67,7 @@ TEST_F(FreedesktopNotificationsTest, SendsButtonsOnlyWhereTheyAreTakenAndOnlyTho
     add(other);
     ASSERT_EQ(daemon.sent.size(), 2U);
     EXPECT_EQ(daemon.sent[1].actions, QStringList());
+    EXPECT_EQ(delegate.withoutButtons.size(), 1U) << "that daemon takes buttons";
 }
 
 TEST_F(FreedesktopNotificationsTest, EscapesTheBodyForADaemonThatReadsMarkup) {

@@ -55,6 +55,18 @@ TEST(NotificationPlan, LeavesTheSoundToTheDaemonOnlyWhereThatPlaysWhatIsNamed) {
         EXPECT_EQ(notificationServer(row.name, row.capabilities).playsSounds, row.playsSounds) << row.name;
 }
 
+TEST(NotificationPlan, KnowsWhoDrawsTheButtonsThatItTakes) {
+    for (const char* name : {"Xfce Notify Daemon", "Notification Daemon", "gnome-shell", "Plasma", ""}) {
+        EXPECT_TRUE(notificationServer(name, {"body", "actions"}).drawsButtons) << name;
+        EXPECT_FALSE(notificationServer(name, {"body"}).drawsButtons) << name;
+        EXPECT_FALSE(notificationServer(name, {"body"}).takesActions) << name;
+    }
+    for (const char* name : {"dunst", "mako"}) {
+        EXPECT_FALSE(notificationServer(name, {"body", "actions"}).drawsButtons) << name;
+        EXPECT_TRUE(notificationServer(name, {"body", "actions"}).takesActions) << name;
+    }
+}
+
 TEST(NotificationPlan, NamesTheSoundOrPlaysItOrKeepsSilent) {
     const NotificationServer gnome = notificationServer("gnome-shell", {"sound"});
     const NotificationServer dunst = notificationServer("dunst", {});
