@@ -64,9 +64,9 @@ void wholeRefresh(benchmark::State& state) {
     JsonUserDefaults defaults(home.path / "defaults.json", files, loop);
     SysfsPowerSources sources(laptop.sysfs.path, clock, loop);
     FakePlatform fake;
-    AppModel model({sources, fake.powerSaving, fake.sessionEvents, loop, clock, calendar, defaults, files,
-                    fake.statusBar, fake.windows, fake.dialogs, fake.notificationCenter, fake.bundle, fake.sounds,
-                    fake.loginItem});
+    AppModel model({sources, fake.powerSaving, fake.lowPowerSwitch, fake.sessionEvents, loop, clock, calendar, defaults,
+                    files, fake.statusBar, fake.windows, fake.dialogs, fake.notificationCenter, fake.bundle,
+                    fake.sounds, fake.loginItem});
     for ([[maybe_unused]] auto _ : state)
         model.refresh(AppModel::Reason::timer);
 }

@@ -7,11 +7,14 @@
 #include "platform/MainLoop.h"
 
 #include <optional>
+#include <utility>
 
 namespace {
 
 constexpr const char* alertCategory = "VL_ALERT";
+constexpr const char* lowPowerCategory = "VL_LOW_POWER";
 constexpr const char* snoozeAction = "SNOOZE";
+constexpr const char* turnOnAction = "TURN_ON";
 
 template <class Kind>
 std::vector<std::string> identifiersOf(const std::vector<Kind>& kinds) {
@@ -42,8 +45,10 @@ void Notifier::setup() {
     if (!available())
         return;
     center_.setDelegate(this);
+    const NotificationCenter::Action snooze{.identifier = snoozeAction, .title = "Snooze 1 hour"};
     center_.setNotificationCategories(
-        {{.identifier = alertCategory, .actions = {{.identifier = snoozeAction, .title = "Snooze 1 hour"}}}});
+        {{.identifier = alertCategory, .actions = {snooze}},
+         {.identifier = lowPowerCategory, .actions = {snooze, {.identifier = turnOnAction, .title = "Turn on"}}}});
 }
 
 void Notifier::requestIfNeeded() {
@@ -68,24 +73,31 @@ void Notifier::explainAndRequest() {
         center_.requestAuthorization({.alert = true, .sound = true});
 }
 
-void Notifier::deliver(const PendingAlert& alert, const Prefs& prefs) {
+void Notifier::deliver(const PendingAlert& alert, const Prefs& prefs, bool canTurnOn) {
     const auto chosen = prefs.sounds.find(alert.kind);
-    show(rawValue(alert.kind), alert.title, alert.body, chosen == prefs.sounds.end() ? "default" : chosen->second);
+    show({.identifier = std::string(rawValue(alert.kind)),
+          .title = alert.title,
+          .body = alert.body,
+          .categoryIdentifier = alert.kind == AlertKind::lowPower && canTurnOn ? lowPowerCategory : alertCategory,
+          .sound = {}},
+         chosen == prefs.sounds.end() ? "default" : chosen->second);
 }
 
 void Notifier::deliver(const LimitAlert& alert, const Prefs& prefs) {
-    show(rawValue(alert.kind), alert.title, alert.body, prefs.firmwareLimitSound);
+    show({.identifier = std::string(rawValue(alert.kind)),
+          .title = alert.title,
+          .body = alert.body,
+          .categoryIdentifier = alertCategory,
+          .sound = {}},
+         prefs.firmwareLimitSound);
 }
 
-void Notifier::show(std::string_view identifier, const std::string& title, const std::string& body,
-                    const std::string& sound) {
+void Notifier::show(NotificationCenter::Request request, const std::string& sound) {
     if (!available())
         return;
-    center_.add({.identifier = std::string(identifier),
-                 .title = title,
-                 .body = body,
-                 .categoryIdentifier = alertCategory,
-                 .sound = sound == "none" ? std::nullopt : std::optional(sound)});
+    if (sound != "none")
+        request.sound = sound;
+    center_.add(std::move(request));
 }
 
 void Notifier::withdraw(const std::vector<AlertKind>& kinds) {
@@ -106,11 +118,22 @@ NotificationCenter::Options Notifier::willPresent(const NotificationCenter::Requ
 }
 
 void Notifier::didReceive(const std::string& actionIdentifier, std::function<void()> completion) {
-    // This may be any thread; the model lives on the main one.
     if (actionIdentifier == snoozeAction)
-        mainLoop_.async(lifetime_.guard([this] {
-            if (onSnooze)
-                onSnooze();
-        }));
+        callLater(&Notifier::onSnooze);
+    else if (actionIdentifier == turnOnAction)
+        callLater(&Notifier::onTurnOn);
     completion();
+}
+
+void Notifier::didPresentWithoutButtons(const std::string& identifier) {
+    if (identifier == rawValue(AlertKind::lowPower))
+        callLater(&Notifier::onSuggestedWithoutButton);
+}
+
+void Notifier::callLater(std::function<void()> Notifier::*callback) {
+    // The centre may call on any thread; the model lives on the main one.
+    mainLoop_.async(lifetime_.guard([this, callback] {
+        if (this->*callback)
+            (this->*callback)();
+    }));
 }

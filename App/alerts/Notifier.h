@@ -9,7 +9,6 @@
 
 #include <functional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 class Bundle;
@@ -21,8 +20,9 @@ struct Prefs;
 /// folder whose name ends in ".app" or is installed below a prefix.
 bool notificationsAvailable(const Bundle& bundle);
 
-/// Delivers reminders as desktop notifications with a button that snoozes them. Outside an application bundle there are
-/// no notifications, and every call does nothing. To be called on the main thread.
+/// Delivers reminders as desktop notifications with a button that snoozes them. The suggestion of Low Power Mode can
+/// have a second one that turns the mode on. Outside an application bundle there are no notifications, and every call
+/// does nothing. To be called on the main thread.
 class Notifier final : private NotificationCenter::Delegate {
 public:
     Notifier(NotificationCenter& center, const Bundle& bundle, Dialogs& dialogs, MainLoop& mainLoop);
@@ -32,6 +32,12 @@ public:
 
     /// Called on the main thread when the user presses the snooze button.
     std::function<void()> onSnooze;
+
+    /// Called on the main thread when the user presses the button that turns Low Power Mode on.
+    std::function<void()> onTurnOn;
+
+    /// Called on the main thread when the suggestion of Low Power Mode is shown where there can be no button.
+    std::function<void()> onSuggestedWithoutButton;
 
     /// Whether the program runs as an application bundle.
     bool available() const { return notificationsAvailable(bundle_); }
@@ -43,8 +49,8 @@ public:
     void requestIfNeeded();
 
     /// Shows the reminder, replacing an earlier one of its kind that is still shown. The sound is the one set in the
-    /// preferences.
-    void deliver(const PendingAlert& alert, const Prefs& prefs);
+    /// preferences. With `canTurnOn` a suggestion of Low Power Mode has the button for that.
+    void deliver(const PendingAlert& alert, const Prefs& prefs, bool canTurnOn = false);
 
     void deliver(const LimitAlert& alert, const Prefs& prefs);
 
@@ -61,7 +67,9 @@ private:
 
     NotificationCenter::Options willPresent(const NotificationCenter::Request& request) override;
     void didReceive(const std::string& actionIdentifier, std::function<void()> completion) override;
+    void didPresentWithoutButtons(const std::string& identifier) override;
+    void callLater(std::function<void()> Notifier::*callback);
     void explainAndRequest();
-    void show(std::string_view identifier, const std::string& title, const std::string& body, const std::string& sound);
+    void show(NotificationCenter::Request request, const std::string& sound);
     void remove(std::vector<std::string> identifiers);
 };

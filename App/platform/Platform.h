@@ -7,6 +7,7 @@ class Clock;
 class DesktopWindows;
 class Files;
 class LoginItem;
+class LowPowerSwitch;
 class MainLoop;
 class NotificationCenter;
 class Dialogs;
@@ -22,6 +23,7 @@ class SessionEvents;
 struct Platform {
     PowerSources& powerSources;
     PowerSaving& powerSaving;
+    LowPowerSwitch& lowPowerSwitch;
     SessionEvents& sessionEvents;
     MainLoop& mainLoop;
     Clock& clock;

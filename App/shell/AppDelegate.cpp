@@ -37,6 +37,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     bag.push_back(model.state.subscribe([this](const BatteryState&) { queueUpdate(); }));
     bag.push_back(platform_.defaults.onChange([this] { queueUpdate(); }));
     bag.push_back(model.snoozeUntil.subscribe([this](std::optional<Date>) { queueMenu(); }));
+    bag.push_back(model.lowPowerOffer.subscribe([this](AppModel::LowPowerOffer) { queueMenu(); }));
     // The menu shows the end of a snooze in local time, and a traveller may change the time zone.
     bag.push_back(model.historyVersion.subscribe([this](std::int64_t) {
         if (model.snoozeUntil.get())
@@ -89,13 +90,19 @@ void AppDelegate::updateMenu() {
         snooze = {time.empty() ? "Cancel snooze" : "Cancel snooze (until " + time + ")",
                   [this] { model.cancelSnooze(); }};
     }
+    std::vector<StatusItem::MenuEntry> entries{{"Show details", [this] { showDetails(); }}, std::move(snooze)};
+    if (model.lowPowerOffer.get() == AppModel::LowPowerOffer::turnOn)
+        entries.push_back({"Turn on Low Power Mode", [this] { model.turnOnLowPowerMode(); }});
+    else if (model.lowPowerOffer.get() == AppModel::LowPowerOffer::turnOff)
+        entries.push_back({"Turn off Low Power Mode", [this] { model.turnOffLowPowerMode(); }});
+    entries.push_back({"Settings…", [this] { openSettings(); }});
+    entries.push_back({"Quit", terminate_});
     // Replacing the old tray's menu while it is open would lose the user's selection in it.
-    if (std::exchange(snoozeLabel_, snooze.label) == snooze.label)
-        return;
-    statusItem->setMenu({{"Show details", [this] { showDetails(); }},
-                         std::move(snooze),
-                         {"Settings…", [this] { openSettings(); }},
-                         {"Quit", terminate_}});
+    std::vector<std::string> labels;
+    for (const StatusItem::MenuEntry& entry : entries)
+        labels.push_back(entry.label);
+    if (std::exchange(menuLabels_, labels) != labels)
+        statusItem->setMenu(std::move(entries));
 }
 
 bool AppDelegate::popoverIsShown() const {

@@ -57,7 +57,7 @@ private:
     PopoverView* popoverView = nullptr;             ///< the content of the popover, made when it first opens
     std::unique_ptr<SettingsWindow> settingsWindow; ///< made when first needed, and kept
     SettingsView* settingsView = nullptr;           ///< its content
-    std::string snoozeLabel_;                       ///< of the only menu entry whose label changes
+    std::vector<std::string> menuLabels_;           ///< of the entries that the item has
     std::vector<Subscription> bag;
     Lifetime lifetime_;
 

@@ -5,6 +5,7 @@
 #include "platform/Clock.h"
 #include "platform/Dialogs.h"
 #include "platform/Files.h"
+#include "platform/LowPowerSwitch.h"
 #include "platform/PowerSaving.h"
 #include "platform/SessionEvents.h"
 #include "platform/UserDefaults.h"
@@ -23,6 +24,7 @@ AppModel::AppModel(const Platform& platform)
     , pluggedSince(std::nullopt)
     , historyVersion(0)
     , snoozeUntil(Prefs::snoozeUntil(platform.defaults, platform.clock))
+    , lowPowerOffer(LowPowerOffer::none)
     , hasFirmwareLimit(false)
     , platform_(platform)
     , reader(platform.powerSources, platform.powerSaving)
@@ -44,6 +46,11 @@ auto AppModel::trigger(Function function) {
 void AppModel::start() {
     notifier.setup();
     notifier.onSnooze = lifetime_.guard([this] { snooze(); });
+    notifier.onTurnOn = lifetime_.guard([this] { turnOnLowPowerMode(); });
+    notifier.onSuggestedWithoutButton = lifetime_.guard([this] {
+        lacksButton_ = true;
+        updateLowPowerOffer();
+    });
     history.onReload = trigger([this] {
         catchUp();
         historyVersion.set(historyVersion.get() + 1);
@@ -53,6 +60,8 @@ void AppModel::start() {
     reader.startObserving(trigger([this] { refresh(Reason::event); }));
     timer = platform_.mainLoop.repeat(60s, 10s, trigger([this] { refresh(Reason::timer); }));
     observations_.push_back(platform_.powerSaving.onPowerStateChanged(trigger([this] { refresh(Reason::event); })));
+    observations_.push_back(
+        platform_.lowPowerSwitch.onSwitchChanged(lifetime_.guard([this] { updateLowPowerOffer(); })));
     observations_.push_back(platform_.sessionEvents.onWillSleep(trigger([this] {
         awaitsWake_ = true;
         history.save(platform_.clock.now());
@@ -104,8 +113,9 @@ void AppModel::recordAndAlert(const Reading& reading) {
     for (const PendingAlert& alert :
          engine.run(reading.state, pluggedSince.get(), reading.now, prefs, deliver, prime, platform_.defaults))
         if (!prime)
-            notifier.deliver(alert, prefs);
+            notifier.deliver(alert, prefs, platform_.lowPowerSwitch.isOffered());
     watchLimits(reading, prefs, deliver);
+    updateLowPowerOffer();
 }
 
 void AppModel::watchLimits(const Reading& reading, const Prefs& prefs, bool canDeliver) {
@@ -138,6 +148,7 @@ void AppModel::trackPluggedIn(const BatteryState& reading, Date now, Reason reas
         return;
     }
     notifier.withdraw({AlertKind::low, AlertKind::lowPower});
+    turnOffLowPowerMode();
     const bool pastIsUnknown = reason == Reason::launch || reason == Reason::wake;
     pluggedSince.set((pastIsUnknown ? history.pluggedSinceEstimate(now) : std::nullopt).value_or(now));
 }
@@ -163,6 +174,27 @@ void AppModel::cancelSnooze() {
 void AppModel::publishStoredSnooze() {
     // Read back, so that exactly the stored value is shown.
     snoozeUntil.set(Prefs::snoozeUntil(platform_.defaults, platform_.clock));
+}
+
+void AppModel::turnOnLowPowerMode() {
+    if (!pluggedSince.get())
+        platform_.lowPowerSwitch.hold();
+}
+
+void AppModel::turnOffLowPowerMode() {
+    platform_.lowPowerSwitch.release();
+}
+
+void AppModel::updateLowPowerOffer() {
+    LowPowerOffer offer = LowPowerOffer::none;
+    if (!engine.lowPowerSent) // not suggested, or not any more
+        lacksButton_ = false;
+    if (platform_.lowPowerSwitch.isHeld())
+        offer = LowPowerOffer::turnOff;
+    else if (lacksButton_ && platform_.lowPowerSwitch.isOffered())
+        offer = LowPowerOffer::turnOn;
+    if (offer != lowPowerOffer.get())
+        lowPowerOffer.set(offer);
 }
 
 void AppModel::exportHistoryCSV() {

@@ -27,6 +27,9 @@ public:
     /// Why a refresh runs. With `launch` and `wake` we have not seen what happened before.
     enum class Reason { launch, event, timer, wake };
 
+    /// What the menu offers to do about Low Power Mode.
+    enum class LowPowerOffer { none, turnOn, turnOff };
+
     /// Reads the stored end of the snooze; no battery is read and nothing is observed before `start()`.
     explicit AppModel(const Platform& platform);
     AppModel(const AppModel&) = delete;
@@ -36,6 +39,7 @@ public:
     Published<std::optional<Date>> pluggedSince; ///< since when plugged in; empty on battery or without a battery
     Published<std::int64_t> historyVersion;      ///< grows whenever the history may have changed
     Published<std::optional<Date>> snoozeUntil;  ///< the end of the snooze, as the views show it
+    Published<LowPowerOffer> lowPowerOffer;      ///< turning it on only while that is suggested without a button
     Published<bool> hasFirmwareLimit;            ///< the firmware of this machine has, or had, a charge limit
 
     /// Runs the first refresh and then follows the system. Called once.
@@ -49,6 +53,12 @@ public:
 
     /// Ends the snooze: reminders are given again.
     void cancelSnooze();
+
+    /// Turns Low Power Mode on until the machine is plugged in; nothing while it is.
+    void turnOnLowPowerMode();
+
+    /// Ends what `turnOnLowPowerMode` has begun.
+    void turnOffLowPowerMode();
 
     /// Lets the user choose a file and writes the history to it as CSV; shows an error if that fails.
     void exportHistoryCSV();
@@ -68,7 +78,8 @@ public:
 private:
     AlertEngine engine;
     FirmwareLimits limits_;
-    bool awaitsWake_ = false; ///< from before the machine sleeps until the refresh that follows waking
+    bool lacksButton_ = false; ///< the latest suggestion of Low Power Mode
+    bool awaitsWake_ = false;  ///< from before the machine sleeps until the refresh that follows waking
     std::unique_ptr<MainLoop::Timer> timer;
 
     struct Reading {
@@ -90,6 +101,7 @@ private:
     void watchLimits(const Reading& reading, const Prefs& prefs, bool canDeliver);
     bool canDeliver(const Prefs& prefs, Date now);
     void publishStoredSnooze();
+    void updateLowPowerOffer();
 
     /// A callback for a trigger: does nothing once the model is gone, and aborts the program when called off the main
     /// thread.

@@ -15,6 +15,7 @@
 #include "platform/linux/panel/PanelBar.h"
 #include "platform/linux/panel/XEmbedItem.h"
 #include "platform/linux/power/PowerProfiles.h"
+#include "platform/linux/power/ProfileHold.h"
 #include "platform/linux/power/SysfsPowerSources.h"
 #include "platform/linux/session/DesktopSessionEvents.h"
 #include "platform/linux/session/Display.h"
@@ -155,6 +156,7 @@ int main(int argc, char** argv) {
     SysfsPowerSources powerSources("/sys", clock, mainLoop);
     SystemBus systemBus(SystemBus::usualSocket(), mainLoop);
     PowerProfiles powerSaving(systemBus, "/sys");
+    ProfileHold lowPowerSwitch(systemBus);
     LogindSleep sleep(systemBus, [&files](auto task) { files.afterUpdates(untilDiskIsGivenUp, std::move(task)); });
     DesktopSessionEvents sessionEvents(sessionBus, signalEvents, sleep);
     ExecutableBundle bundle(runningExecutable());
@@ -177,8 +179,8 @@ int main(int argc, char** argv) {
     QtDialogs dialogs(themeChoice.isEmpty() ? std::optional(sessionBus) : std::nullopt);
     XdgAutostart loginItem(bundle, files, xdgConfigHome(), xdgConfigFolders());
 
-    AppDelegate delegate({powerSources, powerSaving, sessionEvents, mainLoop, clock, calendar, defaults, files,
-                          statusBar, *windows, dialogs, notifications, bundle, sounds, loginItem},
+    AppDelegate delegate({powerSources, powerSaving, lowPowerSwitch, sessionEvents, mainLoop, clock, calendar, defaults,
+                          files, statusBar, *windows, dialogs, notifications, bundle, sounds, loginItem},
                          [] { QCoreApplication::quit(); });
     QObject::connect(&session, &SessionApplication::activated, &session, [&delegate] { delegate.showDetails(); });
     delegate.applicationDidFinishLaunching();
@@ -192,6 +194,7 @@ int main(int argc, char** argv) {
     // The panel item does not wait for any of these, so the panel gets its answers first.
     mainLoop.after(untilPanelHasItem, [&] {
         powerSaving.start();
+        lowPowerSwitch.start();
         sleep.start();
         systemBus.start();
         if (followsPortal(desktops.toStdString(), themeChoice.toStdString()))

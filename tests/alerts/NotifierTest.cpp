@@ -55,11 +55,40 @@ TEST_F(NotifierTest, IsNotAvailableInABundleWithoutAnIdentifier) {
     EXPECT_FALSE(notifier->available());
 }
 
-TEST_F(NotifierTest, RegistersOneCategoryWithOneButton) {
+TEST_F(NotifierTest, RegistersTheCategoriesWithTheirButtons) {
     notifier->setup();
     EXPECT_NE(center.delegate, nullptr);
-    EXPECT_EQ(center.categories,
-              (std::vector<std::vector<Center::Category>>{{{"VL_ALERT", {{"SNOOZE", "Snooze 1 hour"}}}}}));
+    EXPECT_EQ(center.categories, (std::vector<std::vector<Center::Category>>{
+                                     {{"VL_ALERT", {{"SNOOZE", "Snooze 1 hour"}}},
+                                      {"VL_LOW_POWER", {{"SNOOZE", "Snooze 1 hour"}, {"TURN_ON", "Turn on"}}}}}));
+}
+
+TEST_F(NotifierTest, OnlyASuggestionThatCanBeFollowedHasTheSecondButton) {
+    for (const AlertKind kind : allAlertKinds) {
+        for (const bool canTurnOn : {false, true}) {
+            notifier->deliver({kind, "", ""}, Prefs(), canTurnOn);
+            EXPECT_EQ(center.requests.back().categoryIdentifier,
+                      kind == AlertKind::lowPower && canTurnOn ? "VL_LOW_POWER" : "VL_ALERT")
+                << rawValue(kind);
+        }
+    }
+}
+
+TEST_F(NotifierTest, PassesOnTheSecondButtonAndItsLackOnTheMainThread) {
+    notifier->setup();
+    int turnedOn = 0;
+    int lacking = 0;
+    EXPECT_TRUE(center.press("TURN_ON")) << "with nobody to tell";
+    fake.mainLoop.runDue();
+    notifier->onTurnOn = [&] { ++turnedOn; };
+    notifier->onSuggestedWithoutButton = [&] { ++lacking; };
+    EXPECT_TRUE(center.press("TURN_ON"));
+    center.presentWithoutButtons("low");
+    center.presentWithoutButtons("lowPower");
+    EXPECT_EQ(turnedOn + lacking, 0) << "that was another thread";
+    fake.mainLoop.runDue();
+    EXPECT_EQ(turnedOn, 1);
+    EXPECT_EQ(lacking, 1);
 }
 
 TEST_F(NotifierTest, DoesNothingOutsideABundle) {

@@ -177,6 +177,36 @@ TEST_F(AppDelegateTest, SnoozesFromTheMenuAndCancelsThere) {
     EXPECT_EQ(Prefs::snoozeUntil(fakes.defaults, fakes.clock), std::nullopt);
 }
 
+TEST_F(AppDelegateTest, TheMenuTurnsLowPowerModeOnAndOff) {
+    const std::vector<std::string> usual{"Show details", "Snooze alerts for 1 hour", "Settings…", "Quit"};
+    const auto labels = [&] {
+        fakes.mainLoop.runDue();
+        std::vector<std::string> all;
+        for (const auto& entry : item().menu)
+            all.push_back(entry.label);
+        return all;
+    };
+    delegate.applicationDidFinishLaunching();
+    fakes.lowPowerSwitch.become(true, false);
+    setBattery(25);
+    fakes.mainLoop.advance(60s);
+    EXPECT_EQ(labels(), usual) << "the reminder has a button";
+    fakes.notificationCenter.presentWithoutButtons("lowPower");
+    fakes.mainLoop.runDue();
+    EXPECT_EQ(labels(), (std::vector<std::string>{"Show details", "Snooze alerts for 1 hour", "Turn on Low Power Mode",
+                                                  "Settings…", "Quit"}));
+    choose("Turn on Low Power Mode");
+    EXPECT_EQ(fakes.lowPowerSwitch.holds, 1);
+    fakes.lowPowerSwitch.become(true, true);
+    EXPECT_EQ(labels(), (std::vector<std::string>{"Show details", "Snooze alerts for 1 hour", "Turn off Low Power Mode",
+                                                  "Settings…", "Quit"}));
+    choose("Turn off Low Power Mode");
+    EXPECT_EQ(fakes.lowPowerSwitch.releases, 1);
+    EXPECT_EQ(labels().size(), 5U) << "still suggested";
+    fakes.lowPowerSwitch.become(false, false);
+    EXPECT_EQ(labels(), usual);
+}
+
 TEST_F(AppDelegateTest, TheMenuNamesNoTimeForASnoozeBeyondAnyCalendar) {
     fakes.defaults.setObject("snoozeUntil", 1e18);
     AppDelegate started{fakes.platform(), [] {}}; // reads the end of the snooze

@@ -204,6 +204,100 @@ TEST_F(AppModelAlertsTest, TakesTheSuggestionBackWhenItIsFollowed) {
     EXPECT_EQ(withdrawn(), Names{});
 }
 
+struct LowPowerModeTest : AppModelAlertsTest {
+    using Offer = AppModel::LowPowerOffer;
+
+    LowPowerModeTest() { fake.lowPowerSwitch.become(true, false); }
+
+    /// The suggestion is given.
+    void suggest() {
+        fake.powerSources.setBattery(25, false);
+        model().refresh(Reason::event);
+        EXPECT_EQ(fake.notificationCenter.requests.back().identifier, "lowPower");
+    }
+    Offer offer() { return model().lowPowerOffer.get(); }
+    void press() {
+        fake.notificationCenter.press("TURN_ON");
+        fake.mainLoop.runDue();
+    }
+    void lackButtons() {
+        fake.notificationCenter.presentWithoutButtons("lowPower");
+        fake.mainLoop.runDue();
+    }
+};
+
+TEST_F(LowPowerModeTest, TheSuggestionHasTheButtonWhereTheModeIsOffered) {
+    model().start();
+    suggest();
+    EXPECT_EQ(fake.notificationCenter.requests.back().categoryIdentifier, "VL_LOW_POWER");
+    EXPECT_EQ(offer(), Offer::none) << "the button does it";
+    press();
+    EXPECT_EQ(fake.lowPowerSwitch.holds, 1);
+    fake.lowPowerSwitch.become(true, true);
+    EXPECT_EQ(offer(), Offer::turnOff);
+    model().turnOffLowPowerMode();
+    EXPECT_EQ(fake.lowPowerSwitch.releases, 1);
+    EXPECT_EQ(offer(), Offer::none);
+}
+
+TEST_F(LowPowerModeTest, TheSuggestionHasNoButtonWhereItIsNot) {
+    fake.lowPowerSwitch.become(false, false);
+    model().start();
+    suggest();
+    EXPECT_EQ(fake.notificationCenter.requests.back().categoryIdentifier, "VL_ALERT");
+    lackButtons();
+    EXPECT_EQ(offer(), Offer::none);
+}
+
+TEST_F(LowPowerModeTest, EndsWhenTheMachineIsPluggedIn) {
+    model().start();
+    suggest();
+    press();
+    fake.lowPowerSwitch.become(true, true);
+    fake.powerSources.setBattery(25, true);
+    model().refresh(Reason::event);
+    EXPECT_EQ(fake.lowPowerSwitch.releases, 1);
+    EXPECT_EQ(offer(), Offer::none);
+    press(); // a press that was on its way
+    EXPECT_EQ(fake.lowPowerSwitch.holds, 1);
+    model().refresh(Reason::timer);
+    EXPECT_EQ(fake.lowPowerSwitch.releases, 1);
+}
+
+TEST_F(LowPowerModeTest, TheMenuOffersItWhereThereAreNoButtonsWhileItIsSuggested) {
+    model().start();
+    lackButtons();
+    EXPECT_EQ(offer(), Offer::none) << "nothing was suggested";
+    suggest();
+    lackButtons();
+    EXPECT_EQ(offer(), Offer::turnOn);
+    model().refresh(Reason::timer);
+    EXPECT_EQ(offer(), Offer::turnOn);
+    model().turnOnLowPowerMode();
+    EXPECT_EQ(fake.lowPowerSwitch.holds, 1);
+    fake.lowPowerSwitch.become(true, true);
+    EXPECT_EQ(offer(), Offer::turnOff);
+    fake.powerSaving.switchLowPowerMode(true);
+    fake.lowPowerSwitch.become(true, false); // the user has chosen another profile
+    fake.powerSaving.switchLowPowerMode(false);
+    EXPECT_NE(offer(), Offer::turnOff);
+    lackButtons(); // suggested again
+    EXPECT_EQ(offer(), Offer::turnOn);
+    fake.powerSources.setBattery(25, true);
+    model().refresh(Reason::event);
+    EXPECT_EQ(offer(), Offer::none);
+}
+
+TEST_F(LowPowerModeTest, ARefusalEndsTheOffer) {
+    model().start();
+    suggest();
+    lackButtons();
+    EXPECT_EQ(offer(), Offer::turnOn);
+    model().turnOnLowPowerMode();
+    fake.lowPowerSwitch.become(false, false);
+    EXPECT_EQ(offer(), Offer::none);
+}
+
 TEST_F(AppModelAlertsTest, TakingBackDoesNotTouchTheMemoryOfTheReminders) {
     model().start();
     fake.powerSources.setBattery(25, false);

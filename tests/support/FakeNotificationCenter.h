@@ -45,6 +45,11 @@ public:
         return completed;
     }
 
+    /// A notification is shown without buttons.
+    void presentWithoutButtons(const std::string& identifier) {
+        elsewhere([&] { delegate->didPresentWithoutButtons(identifier); });
+    }
+
 private:
     static void elsewhere(const std::function<void()>& task) { std::thread(task).join(); }
 };

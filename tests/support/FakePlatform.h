@@ -10,6 +10,7 @@
 #include "support/FakeFiles.h"
 #include "support/FakeJournal.h"
 #include "support/FakeLoginItem.h"
+#include "support/FakeLowPowerSwitch.h"
 #include "support/FakeMainLoop.h"
 #include "support/FakeNotificationCenter.h"
 #include "support/FakePowerSaving.h"
@@ -26,6 +27,7 @@ struct FakePlatform {
     FakeMainLoop mainLoop{clock, &journal};
     FakePowerSources powerSources{&journal};
     FakePowerSaving powerSaving{&journal};
+    FakeLowPowerSwitch lowPowerSwitch;
     FakeSessionEvents sessionEvents{&journal};
     FakeCalendar calendar;
     FakeUserDefaults defaults{mainLoop};
@@ -44,6 +46,7 @@ struct FakePlatform {
     Platform with(Calendar& otherCalendar, UserDefaults& otherDefaults, Files& otherFiles) {
         return {.powerSources = powerSources,
                 .powerSaving = powerSaving,
+                .lowPowerSwitch = lowPowerSwitch,
                 .sessionEvents = sessionEvents,
                 .mainLoop = mainLoop,
                 .clock = clock,

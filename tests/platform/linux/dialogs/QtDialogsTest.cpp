@@ -317,9 +317,9 @@ class ExportTest : public QtDialogsTest {
 protected:
     PosixFiles files{home.path / ".local/share"};
     FakePlatform fake;
-    AppModel model{{fake.powerSources, fake.powerSaving, fake.sessionEvents, loop, fake.clock, fake.calendar,
-                    fake.defaults, files, fake.statusBar, fake.windows, dialogs, fake.notificationCenter, fake.bundle,
-                    fake.sounds, fake.loginItem}};
+    AppModel model{{fake.powerSources, fake.powerSaving, fake.lowPowerSwitch, fake.sessionEvents, loop, fake.clock,
+                    fake.calendar, fake.defaults, files, fake.statusBar, fake.windows, dialogs, fake.notificationCenter,
+                    fake.bundle, fake.sounds, fake.loginItem}};
 
     ExportTest() {
         fake.powerSources.setBattery(64, true);
