@@ -10,6 +10,7 @@ from pathlib import Path
 from gi.repository import Gio, GLib
 
 from .desktop import START_SECONDS
+from .monitor import Monitor
 from .program import TOP
 from .screen import Box
 from .waiting import wait_until
@@ -31,33 +32,16 @@ class Asked:
         self.id = None  # that the daemon gave to the notification; None before its answer
 
 
-class Listener:
+class Listener(Monitor):
     """Hears all calls to the daemon on a desktop's bus, whoever makes them."""
 
     def __init__(self, desktop):
         self.methods = []  # of all calls, by name
         self.asked = []
-        self._listens = False
-        address = desktop.environment["DBUS_SESSION_BUS_ADDRESS"]
-        flags = Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION
-        self._connection = Gio.DBusConnection.new_for_address_sync(address, flags, None, None)
-        self._connection.add_filter(self._hear)
         rules = [f"type='method_call',interface='{NAME}'", "type='method_return'"]
-        bus = "org.freedesktop.DBus"
-        self._connection.call_sync(
-            bus, "/org/freedesktop/DBus", f"{bus}.Monitoring", "BecomeMonitor", GLib.Variant("(asu)", (rules, 0)),
-            None, Gio.DBusCallFlags.NONE, -1, None,
-        )
-        self._listens = True
+        super().__init__(desktop.environment["DBUS_SESSION_BUS_ADDRESS"], rules)
 
-    def close(self):
-        if not self._connection.is_closed():
-            self._connection.close_sync(None)
-
-    def _hear(self, _, message, incoming):
-        """Called on GDBus's worker thread. The messages are not for us to answer, so they end here."""
-        if not incoming or not self._listens:
-            return message
+    def hear(self, message):
         if message.get_message_type() == Gio.DBusMessageType.METHOD_CALL:
             self.methods.append(message.get_member())
             if message.get_member() == "Notify":
@@ -66,7 +50,6 @@ class Listener:
             for asked in self.asked:
                 if asked.call == (message.get_destination(), message.get_reply_serial()):
                     asked.id = message.get_body().unpack()[0]
-        return None
 
 
 def driver():
