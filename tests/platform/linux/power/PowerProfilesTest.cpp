@@ -3,6 +3,7 @@
 
 #include "platform/linux/bus/SystemBus.h"
 #include "platform/linux/session/QtMainLoop.h"
+#include "support/PowerProfileNames.h"
 #include "support/PrivateBus.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
@@ -13,11 +14,6 @@
 
 namespace {
 
-const QString oldName = QStringLiteral("net.hadess.PowerProfiles");
-const QString oldPath = QStringLiteral("/net/hadess/PowerProfiles");
-const QString newName = QStringLiteral("org.freedesktop.UPower.PowerProfiles");
-const QString newPath = QStringLiteral("/org/freedesktop/UPower/PowerProfiles");
-const QString mock = QStringLiteral("org.freedesktop.DBus.Mock");
 const QString activeProfile = QStringLiteral("ActiveProfile");
 
 class PowerProfilesTest : public testing::Test {

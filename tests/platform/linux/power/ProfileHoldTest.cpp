@@ -3,6 +3,7 @@
 
 #include "platform/linux/bus/SystemBus.h"
 #include "platform/linux/session/QtMainLoop.h"
+#include "support/PowerProfileNames.h"
 #include "support/PrivateBus.h"
 #include "support/TemporaryFolder.h"
 #include "support/WaitUntil.h"
@@ -17,11 +18,6 @@
 
 namespace {
 
-const QString oldName = QStringLiteral("net.hadess.PowerProfiles");
-const QString oldPath = QStringLiteral("/net/hadess/PowerProfiles");
-const QString newName = QStringLiteral("org.freedesktop.UPower.PowerProfiles");
-const QString newPath = QStringLiteral("/org/freedesktop/UPower/PowerProfiles");
-const QString mock = QStringLiteral("org.freedesktop.DBus.Mock");
 const QString polkit = QStringLiteral("org.freedesktop.PolicyKit1");
 const QString properties = QStringLiteral("org.freedesktop.DBus.Properties");
 
@@ -37,6 +33,12 @@ protected:
     void start() {
         hold->start();
         systemBus->start();
+    }
+
+    /// Starts, with a service that is there, and waits for what it offers.
+    void startOffered() {
+        start();
+        ASSERT_TRUE(becomesOffered(true));
     }
 
     bool becomesOffered(bool offered) {
@@ -159,8 +161,7 @@ TEST_F(RealProfileHoldTest, HoldsPowerSaverAndGivesBackWhatTheUserHadChosen) {
 TEST_F(RealProfileHoldTest, EndsWhenTheUserChoosesAnotherProfile) {
     startDaemon();
     allow(true);
-    start();
-    ASSERT_TRUE(becomesOffered(true));
+    startOffered();
     hold->hold();
     ASSERT_TRUE(becomesHeld(true));
     choose("balanced");
@@ -173,8 +174,7 @@ TEST_F(RealProfileHoldTest, EndsWhenTheUserChoosesAnotherProfile) {
 TEST_F(RealProfileHoldTest, EndsWithTheProgram) {
     startDaemon();
     allow(true);
-    start();
-    ASSERT_TRUE(becomesOffered(true));
+    startOffered();
     hold->hold();
     ASSERT_TRUE(becomesHeld(true));
     EXPECT_TRUE(firmwareBecomes("low-power"));
@@ -185,8 +185,7 @@ TEST_F(RealProfileHoldTest, EndsWithTheProgram) {
 
 TEST_F(RealProfileHoldTest, ARefusedHoldIsNotOfferedAgainUntilTheDaemonIsStartedAgain) {
     startDaemon();
-    start();
-    ASSERT_TRUE(becomesOffered(true));
+    startOffered();
     hold->hold();
     EXPECT_TRUE(becomesOffered(false));
     EXPECT_FALSE(hold->isHeld());
@@ -216,8 +215,7 @@ TEST_F(RealProfileHoldTest, APlaceholderIsNoOffer) {
 
 TEST_F(ProfileHoldTest, AsksForTheProfileWithAReasonAndTheIdOfTheApplication) {
     const auto service = standIn("intel_pstate", "ret = 7");
-    start();
-    ASSERT_TRUE(becomesOffered(true));
+    startOffered();
     hold->hold();
     hold->hold();
     ASSERT_TRUE(becomesHeld(true));
@@ -233,8 +231,7 @@ TEST_F(ProfileHoldTest, AsksForTheProfileWithAReasonAndTheIdOfTheApplication) {
 
 TEST_F(ProfileHoldTest, LetsGoOfAHoldThatComesTooLate) {
     const auto service = standIn("intel_pstate", "ret = 7");
-    start();
-    ASSERT_TRUE(becomesOffered(true));
+    startOffered();
     hold->hold();
     hold->release(); // plugged in meanwhile
     ASSERT_TRUE(waitUntil([&] { return calls("ReleaseProfile") == 1; }));
@@ -245,8 +242,7 @@ TEST_F(ProfileHoldTest, LetsGoOfAHoldThatComesTooLate) {
 
 TEST_F(ProfileHoldTest, HearsOnlyOfItsOwnHold) {
     const auto service = standIn("intel_pstate", "ret = 7");
-    start();
-    ASSERT_TRUE(becomesOffered(true));
+    startOffered();
     hold->hold();
     ASSERT_TRUE(becomesHeld(true));
     const auto tell = [&](const char* signature, const QVariant& argument) {
@@ -269,8 +265,7 @@ TEST_F(ProfileHoldTest, HearsOnlyOfItsOwnHold) {
 TEST_F(ProfileHoldTest, ARefusingServiceIsAskedOnce) {
     const auto service = standIn(
         "intel_pstate", "raise dbus.exceptions.DBusException('no', name='org.freedesktop.DBus.Error.AccessDenied')");
-    start();
-    ASSERT_TRUE(becomesOffered(true));
+    startOffered();
     hold->hold();
     ASSERT_TRUE(becomesOffered(false));
     hold->hold();
