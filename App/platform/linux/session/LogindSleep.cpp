@@ -28,14 +28,22 @@ void LogindSleep::start() {
 
 void LogindSleep::follow() {
     QDBusConnection connection = bus_.connection();
-    asleep_ = false;
     // With the signature: libdbus aborts on an argument of another type.
     connection.connect(service, path, manager, QStringLiteral("PrepareForSleep"), {}, QStringLiteral("b"), this,
                        SLOT(prepareForSleep(bool)));
     watcher_ = std::make_unique<QDBusServiceWatcher>(service, connection, QDBusServiceWatcher::WatchForOwnerChange);
     // The lock is gone when the logind that gave it is.
-    connect(watcher_.get(), &QDBusServiceWatcher::serviceOwnerChanged, this, [this] { takeLock(answerTries); });
+    connect(watcher_.get(), &QDBusServiceWatcher::serviceOwnerChanged, this, [this] {
+        takeLock(answerTries);
+        endSleep();
+    });
     takeLock(answerTries);
+    endSleep();
+}
+
+void LogindSleep::endSleep() {
+    if (std::exchange(asleep_, false))
+        didWake.notify();
 }
 
 void LogindSleep::takeLock(int triesLeft) {

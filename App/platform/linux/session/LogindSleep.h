@@ -49,5 +49,6 @@ private:
     std::vector<Subscription> subscriptions_;
 
     void follow();
+    void endSleep(); ///< the logind or the bus is gone that would tell of its end
     void takeLock(int triesLeft);
 };

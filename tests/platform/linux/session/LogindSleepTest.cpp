@@ -143,6 +143,21 @@ TEST_F(LogindSleepTest, FollowsALogindThatAppearsLateAndOneThatIsStartedAgain) {
     }
 }
 
+TEST_F(LogindSleepTest, IsAwakeWhenALogindIsStartedAgainThatKnowsOfNoSleep) {
+    start();
+    {
+        const auto service = logind();
+        ASSERT_TRUE(holdsLocks(1));
+        announce(true);
+        ASSERT_TRUE(waitUntil([&] { return sleeps == 1; }));
+        EXPECT_EQ(wakes, 0);
+    }
+    EXPECT_TRUE(waitUntil([&] { return wakes == 1; }));
+    const auto service = logind();
+    EXPECT_TRUE(holdsLocks(1));
+    EXPECT_EQ(wakes, 1);
+}
+
 TEST_F(LogindSleepTest, FollowsABusThatAppearsLateAndIsStartedAgain) {
     bus.stop();
     start();
