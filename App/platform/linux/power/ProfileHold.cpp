@@ -11,6 +11,8 @@
 #include <QDBusPendingReply>
 
 #include <algorithm>
+#include <chrono>
+#include <limits>
 #include <utility>
 
 namespace {
@@ -96,19 +98,26 @@ void ProfileHold::hold() {
     message << QStringLiteral("power-saver") << QStringLiteral("Turned on in a reminder of a low battery")
             << QString::fromLatin1(applicationId);
     message.setAutoStartService(false);
-    callAsync(bus_.connection(), message, this,
-              [this, name, life = lives_[name]](const QDBusPendingReply<uint>& reply) {
-                  if (life != lives_[name])
-                      return;
-                  asked_.clear();
-                  if (reply.isError())
-                      services_[name].refused = true;
-                  else if (isWanted_)
-                      held_ = {.name = name, .cookie = reply.value()};
-                  else
-                      letGo({.name = name, .cookie = reply.value()});
-                  observers_.notify();
-              });
+    // Policy may ask the user first, and a hold that is granted late must not be forgotten.
+    constexpr std::chrono::milliseconds forever(std::numeric_limits<int>::max());
+    callAsync(
+        bus_.connection(), message, this,
+        [this, name, life = lives_[name]](const QDBusPendingReply<uint>& reply) {
+            if (life != lives_[name]) {
+                if (!reply.isError())
+                    letGo({.name = name, .cookie = reply.value()});
+                return;
+            }
+            asked_.clear();
+            if (reply.isError())
+                services_[name].refused = true;
+            else if (isWanted_)
+                held_ = {.name = name, .cookie = reply.value()};
+            else
+                letGo({.name = name, .cookie = reply.value()});
+            observers_.notify();
+        },
+        forever);
 }
 
 void ProfileHold::release() {
