@@ -137,12 +137,14 @@ void FreedesktopNotifications::send(const std::string& identifier, std::optional
                     .actions = actions,
                     .hints = hints},
                    entry.id,
-                   [this, identifier, order = entry.order, sound = plan.playsSound ? request.sound : std::nullopt](
-                       std::optional<uint> id) { sent(identifier, order, id, sound); });
+                   [this, identifier, order = entry.order, sound = plan.playsSound ? request.sound : std::nullopt,
+                    hasButtons = daemon_.server().drawsButtons](std::optional<uint> id) {
+                       sent(identifier, order, id, sound, hasButtons);
+                   });
 }
 
 void FreedesktopNotifications::sent(const std::string& identifier, const RequestOrder& order, std::optional<uint> id,
-                                    const std::optional<std::string>& ownSound) {
+                                    const std::optional<std::string>& ownSound, bool hasButtons) {
     Entry& entry = entries_[identifier];
     entry.isBusy = false;
     const bool isWithdrawn = std::exchange(entry.isWithdrawn, false) && !entry.next;
@@ -154,7 +156,7 @@ void FreedesktopNotifications::sent(const std::string& identifier, const Request
         // Only what is shown is heard; the next one brings its own sound.
         if (ownSound && !entry.next)
             play(order, *ownSound);
-        if (delegate_ != nullptr && !daemon_.server().drawsButtons)
+        if (delegate_ != nullptr && !hasButtons)
             delegate_->didPresentWithoutButtons(identifier);
     }
     tidy(identifier);

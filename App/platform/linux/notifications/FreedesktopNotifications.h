@@ -71,7 +71,7 @@ private:
     void forgetIds();
     void send(const std::string& identifier, std::optional<bool> doNotDisturb);
     void sent(const std::string& identifier, const RequestOrder& order, std::optional<uint> id,
-              const std::optional<std::string>& ownSound);
+              const std::optional<std::string>& ownSound, bool hasButtons);
     void tidy(const std::string& identifier);
     RequestOrder nextOrder();
     void play(const RequestOrder& order, const std::string& sound);
