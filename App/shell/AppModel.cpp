@@ -63,12 +63,16 @@ void AppModel::start() {
     observations_.push_back(
         platform_.lowPowerSwitch.onSwitchChanged(lifetime_.guard([this] { updateLowPowerOffer(); })));
     observations_.push_back(platform_.sessionEvents.onWillSleep(trigger([this] {
-        awaitsWake_ = true;
+        ++sleeps_;
         history.save(platform_.clock.now());
     })));
     // Right after waking the batteries often cannot be read yet.
-    observations_.push_back(platform_.sessionEvents.onDidWake(
-        lifetime_.guard([this] { platform_.mainLoop.after(3s, trigger([this] { refresh(Reason::wake); })); })));
+    observations_.push_back(platform_.sessionEvents.onDidWake(lifetime_.guard([this] {
+        platform_.mainLoop.after(3s, trigger([this, sleep = sleeps_] {
+                                     wokenFrom_ = sleep;
+                                     refresh(Reason::wake);
+                                 }));
+    })));
 }
 
 void AppModel::refresh(Reason reason) {
@@ -120,10 +124,10 @@ void AppModel::recordAndAlert(const Reading& reading) {
 
 void AppModel::watchLimits(const Reading& reading, const Prefs& prefs, bool canDeliver) {
     const bool prime = reading.reason == Reason::launch || reading.reason == Reason::wake;
-    // Right after waking, an event may come before the refresh that compares with what was before the sleep.
-    if (awaitsWake_ && !prime)
+    // Right after waking, an event may come before the refresh that compares with what was before the sleep; and so may
+    // the refresh that was due when the machine went to sleep again.
+    if (wokenFrom_ != sleeps_)
         return;
-    awaitsWake_ = false;
     const bool pluggedIn = reading.state.hasBattery && reading.state.pluggedIn;
     const LimitWatch::Outcome outcome =
         limits_.run(reading.limits, pluggedIn, reading.uptime, canDeliver && prefs.firmwareLimitEnabled, prime);

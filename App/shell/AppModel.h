@@ -79,7 +79,8 @@ private:
     AlertEngine engine;
     FirmwareLimits limits_;
     bool lacksButton_ = false; ///< the latest suggestion of Low Power Mode
-    bool awaitsWake_ = false;  ///< from before the machine sleeps until the refresh that follows waking
+    int sleeps_ = 0;           ///< how often the machine went to sleep
+    int wokenFrom_ = 0;        ///< the last of them that a refresh has followed
     std::unique_ptr<MainLoop::Timer> timer;
 
     struct Reading {

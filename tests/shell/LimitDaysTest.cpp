@@ -250,6 +250,25 @@ TEST_F(LimitDays, AMachineThatForgetsItsLimitInHibernationIsSpokenOfAfterIt) {
     EXPECT_EQ(told.size(), 2U);
 }
 
+TEST_F(LimitDays, ALimitForgottenInTheSecondOfTwoSleepsIsSpokenOf) {
+    launch();
+    until("18:00");
+    fake.sessionEvents.prepareForSleep();
+    fake.sessionEvents.wake();
+    fake.mainLoop.advance(
+        1s); // the lid was opened for a moment; what was due after waking did not come before it closed
+    fake.sessionEvents.prepareForSleep();
+    fake.mainLoop.advance(5s);
+    start.reset();
+    setLimit(100);
+    fake.sessionEvents.wake();
+    fake.mainLoop.advance(5s);
+    EXPECT_EQ(told, Told{});
+    until("18:05");
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_TRUE(told[0].ends_with("limitReset: The firmware's limit was 80% and is now 100%.")) << told[0];
+}
+
 TEST_F(LimitDays, ALimitThatIsGoneAfterAStartIsToldOfAtTheFirstTick) {
     launch();
     until("08:00");

@@ -56,8 +56,12 @@ SysfsPowerSources::Descriptions SysfsPowerSources::scan() {
         const Duration awake = uptime - clock_.slept();
         if (!failingSince_)
             failingSince_ = awake;
-        if (awake - *failingSince_ < timeout)
-            return lastGoodDescriptions_;
+        if (awake - *failingSince_ < timeout) {
+            Descriptions before = lastGoodDescriptions_;
+            for (PackLimit& pack : before.packLimits)
+                pack.limit.reset(); // firmware may have forgotten it meanwhile
+            return before;
+        }
     }
     failingSince_.reset();
     auto forEstimate = reading.forTimeEstimate();

@@ -95,6 +95,19 @@ TEST_F(SysfsPowerSourcesTest, GivesTheLastGoodValuesForAWhileWhenReadsFail) {
     EXPECT_FALSE(reader.read().hasBattery);
 }
 
+TEST_F(SysfsPowerSourcesTest, TellsNoLimitOfABatteryThatCannotBeRead) {
+    addLaptop();
+    supplies.set("BAT0", "charge_control_end_threshold", "80");
+    ASSERT_EQ(sources.snapshot().packLimits.size(), 1U);
+    EXPECT_EQ(sources.snapshot().packLimits[0].limit, 80);
+    for (const char* attribute : {"capacity", "energy_now", "energy_full", "status", "type"})
+        supplies.fail("BAT0", attribute);
+    const auto packs = sources.snapshot().packLimits;
+    ASSERT_EQ(packs.size(), 1U);
+    EXPECT_EQ(packs[0].limit, std::nullopt);
+    EXPECT_TRUE(packs[0].tellsLimit);
+}
+
 TEST_F(SysfsPowerSourcesTest, WaitsNoShorterBecauseTheMachineSleptMeanwhile) {
     addLaptop();
     const BatteryState good = reader.read();
