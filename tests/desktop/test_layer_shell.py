@@ -10,7 +10,7 @@ from support.wlroots import BAR_HEIGHT, WlrootsDesktop
 
 SHOW_SECONDS = 5
 WIDTH = 340
-EDGE = 4
+GAP = 8
 ON_BAR = (SCREEN.width // 2, BAR_HEIGHT // 2)
 ON_WALLPAPER = (300, 600)
 
@@ -50,15 +50,15 @@ class Details(DesktopCase):
     def test_open_beside_the_bar_under_the_item(self):
         self.desktop.click(*self.on_item)
         box = self.soon(self.whole, SHOW_SECONDS, "the details are there")
-        self.assertEqual((box.x + box.width, box.y), (SCREEN.width, BAR_HEIGHT))
+        self.assertEqual((box.x + box.width, box.y), (SCREEN.width - GAP, BAR_HEIGHT + GAP))
 
     def test_open_over_a_point_at_the_bottom(self):
         box = self.open_at(500, SCREEN.height - 10)
-        self.assertEqual((box.centre[0], box.y + box.height), (500, SCREEN.height))
+        self.assertEqual((box.centre[0], box.y + box.height), (500, SCREEN.height - GAP))
 
     def test_open_in_the_corner_without_a_point(self):
         box = self.open_from_menu()
-        self.assertEqual((box.x + box.width, box.y), (SCREEN.width, BAR_HEIGHT))
+        self.assertEqual((box.x + box.width, box.y), (SCREEN.width - GAP, BAR_HEIGHT + GAP))
 
     def test_close_by_a_click_on_the_bar_on_the_wallpaper_and_on_the_item(self):
         for place in (ON_BAR, ON_WALLPAPER, self.on_item):

@@ -33,6 +33,7 @@ clock-show-date=false
 
 
 DETAILS_WIDTH = 340
+GAP = 8  # between the details and the edge of the screen
 
 
 class WlrootsHost(Host, WlrootsDesktop):
@@ -54,11 +55,11 @@ class WlrootsHost(Host, WlrootsDesktop):
         """Sway does not tell of windows in its layers, so those are looked for on the screen, in its right corner."""
         if not self.places:
             return super().details()
-        left = SCREEN.width - DETAILS_WIDTH
+        left = SCREEN.width - GAP - DETAILS_WIDTH
         picture = self.picture()
         colour = lambda x, y: next(iter(picture.crop(Box(x, y, 1, 1)).colours()))
         tops = [y for y in range(BAR_HEIGHT, SCREEN.height) if colour(left + 5, y) != colour(left - 5, y)]
-        if len(tops) < DETAILS_WIDTH or colour(left + 5, tops[-1] - 5) != colour(SCREEN.width - 5, tops[-1] - 5):
+        if len(tops) < DETAILS_WIDTH or colour(left + 5, tops[-1] - 5) != colour(left + DETAILS_WIDTH - 5, tops[-1] - 5):
             return None
         return Box(left, tops[0], DETAILS_WIDTH, tops[-1] + 1 - tops[0])
 

@@ -16,10 +16,10 @@ LayerEdge edge(int before) {
 } // namespace
 
 TEST(LayerEdge, IsThatOfAPanelThatTheWindowLiesBeside) {
-    EXPECT_EQ(edge(0), (LayerEdge{.isAtEnd = false}));
-    EXPECT_EQ(edge(14), (LayerEdge{.isAtEnd = false}));
-    EXPECT_EQ(edge(screenLength - length), (LayerEdge{.isAtEnd = true}));
-    EXPECT_EQ(edge(screenLength - length - 14), (LayerEdge{.isAtEnd = true}));
+    EXPECT_EQ(edge(22), (LayerEdge{.isAtEnd = false, .margin = 8}));
+    EXPECT_EQ(edge(8), (LayerEdge{.isAtEnd = false, .margin = 8}));
+    EXPECT_EQ(edge(screenLength - length - 22), (LayerEdge{.isAtEnd = true, .margin = 8}));
+    EXPECT_EQ(edge(screenLength - length - 3), (LayerEdge{.isAtEnd = true, .margin = 3}));
 }
 
 TEST(LayerEdge, IsTheFirstElsewhereWithTheDistance) {
@@ -29,4 +29,5 @@ TEST(LayerEdge, IsTheFirstElsewhereWithTheDistance) {
 
 TEST(LayerEdge, OfAWindowThatFillsTheScreenIsTheFirst) {
     EXPECT_EQ(layerEdge(0, 800, 0, 800), LayerEdge{});
+    EXPECT_EQ(layerEdge(-20, 840, 0, 800), LayerEdge{});
 }
