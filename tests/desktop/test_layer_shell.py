@@ -19,9 +19,9 @@ class Details(DesktopCase):
     def setUp(self):
         self.desktop = WlrootsDesktop()
         self.addCleanup(self.desktop.stop)
-        laptop = self.laptop()
-        self.desktop.hand_over(laptop.root)
-        self.program = self.start_and_wait(self.desktop, laptop, app=self.desktop.own_bundle())
+        self.machine = self.laptop()
+        self.desktop.hand_over(self.machine.root)
+        self.program = self.start_and_wait(self.desktop, self.machine, app=self.desktop.own_bundle())
         self.on_item = self.soon(self.desktop.find_item, START_SECONDS, "the item is drawn").centre
         self.before = self.desktop.picture()
 
@@ -66,11 +66,15 @@ class Details(DesktopCase):
             self.desktop.click(*place)
             self.are_gone()
 
-    def test_are_used_by_pointer_and_keys_and_close_by_escape(self):
+    def test_stay_open_and_up_to_date_after_a_click_in_them_and_close_by_escape(self):
         box = self.open_at(*self.on_item)
-        arrow = (box.x + 20, box.y + 393)
-        self.desktop.click(*arrow)
-        self.soon(lambda: (self.whole() or box).height > box.height, SHOW_SECONDS, "the daily summary is unfolded")
+        self.desktop.click(*box.centre)
+        before = self.desktop.picture().crop(box)
+        self.machine.set_level(33)
+        self.machine.event("BAT0")
+        follow = lambda: self.desktop.picture().crop(box).changed_box(before)
+        self.soon(follow, SHOW_SECONDS, "they show the new level")
+        self.assertIsNotNone(self.whole(), "and are still there")
         self.desktop.press("Escape")
         self.are_gone()
 
