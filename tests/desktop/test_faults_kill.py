@@ -135,12 +135,13 @@ class Week(FaultCase):
         program = self.start_and_wait(self.screen, self.machine, self.clock.environment)
         self.item = program.item
         self.is_taken_in()
+        # Halves are removed once the panel has the item, which the end would not wait for.
+        for file in (self.screen.history_file, self.screen.defaults_file):
+            self.soon_equal(lambda: [other.name for other in file.parent.iterdir()], [file.name], SHOW_SECONDS)
         self.assertEqual(program.process.stop(), 0)
         self.clock.clean_up(program.process.pid)
         self.assertTrue(self.on_disk()[: len(self.old)] == self.old, "what was there before is as it was")
         self.assertEqual(json.loads(self.screen.defaults_file.read_text(encoding="utf-8")), PREFERENCES)
-        for file in (self.screen.history_file, self.screen.defaults_file):
-            self.soon_equal(lambda: [other.name for other in file.parent.iterdir()], [file.name], SHOW_SECONDS)
 
 
 if __name__ == "__main__":
