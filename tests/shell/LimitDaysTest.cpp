@@ -262,6 +262,7 @@ TEST_F(LimitDays, ALimitForgottenInTheSecondOfTwoSleepsIsSpokenOf) {
     start.reset();
     setLimit(100);
     fake.sessionEvents.wake();
+    fake.powerSources.change(); // as many drivers do
     fake.mainLoop.advance(5s);
     EXPECT_EQ(told, Told{});
     until("18:05");

@@ -133,9 +133,7 @@ bool StatusNotifierObject::take(const QDBusMessage& call) {
     const auto is = [&](const char* member, const char* signature) {
         return call.member() == QLatin1String(member) && call.signature() == QLatin1String(signature);
     };
-    if (is("Activate", "ii"))
-        item_.activate(arguments[0].toInt(), arguments[1].toInt());
-    else if (is("SecondaryActivate", "ii"))
+    if (is("Activate", "ii") || is("SecondaryActivate", "ii"))
         item_.activate(arguments[0].toInt(), arguments[1].toInt());
     else if (is("XAyatanaSecondaryActivate", "u"))
         item_.activate();

@@ -11,5 +11,6 @@ struct LayerEdge {
 };
 
 /// Where a window belongs that is to be here on a screen that reaches from `screenStart`. One that would lie beside a
-/// panel is put at that end: how thick the panel is, only the compositor knows.
+/// panel is put at that end, 8 pixels clear of it where there is room: how thick the panel is, only the compositor
+/// knows.
 LayerEdge layerEdge(int start, int length, int screenStart, int screenLength);
