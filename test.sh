@@ -15,8 +15,8 @@ cmake --build --preset "$preset"
 # because ctest ends with a list of failures or of labels, its verdict.
 log=build/$preset/ctest.log
 status=0
-# Two tests more than there are processors: the whole-program tests mostly wait, for a panel or for a minute to pass.
-ctest --preset "$preset" --parallel "$(($(nproc) + 2))" --no-tests=error 2>&1 | tee "$log" || status=$?
+# More tests than there are processors: the whole-program tests mostly wait, for a panel or for a minute to pass.
+ctest --preset "$preset" --parallel "$((2 * $(nproc) + 2))" --no-tests=error 2>&1 | tee "$log" || status=$?
 if [ "$status" -ne 0 ]; then
     said='^(FAIL|ERROR): |^[A-Za-z.]*(Error|Exception): |: Failure$|^\[  FAILED  \]'
     awk -v said="$said" '$0 ~ said' "$log" | tail -n 40 # none of them after a timeout, which is no error here

@@ -94,8 +94,8 @@ double textContrast(const Scene& scene, const QWidget& piece) {
                         scene.picture.rect();
     QHash<QRgb, int> counts;
     for (int y = place.top(); y <= place.bottom(); ++y)
-        for (int x = place.left(); x <= place.right(); ++x)
-            ++counts[scene.picture.pixel(x, y)];
+        forEachRun(scene.picture, y, place.left(), place.right() + 1,
+                   [&](QRgb colour, int length) { counts[colour] += length; });
     QRgb background = 0;
     int most = 0;
     for (auto each = counts.cbegin(); each != counts.cend(); ++each) {

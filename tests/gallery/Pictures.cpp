@@ -15,11 +15,10 @@ bool showsSomething(const QImage& picture, const QColor& background, double most
     QSet<QRgb> colors;
     qsizetype drawn = 0;
     for (int y = 0; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width(); ++x) {
-            const QRgb color = picture.pixel(x, y);
-            colors.insert(color);
-            drawn += color != background.rgb() ? 1 : 0;
-        }
+        forEachRun(picture, y, 0, picture.width(), [&](QRgb colour, int length) {
+            colors.insert(colour);
+            drawn += colour != background.rgb() ? length : 0;
+        });
     }
     const double share = static_cast<double>(drawn) / (static_cast<double>(picture.width()) * picture.height());
     return colors.size() > 30 && share > 0.03 && share < mostDrawn;
@@ -33,10 +32,11 @@ void fail(const char* why, const QString& file) {
 }
 
 QImage keep(QWidget& widget, const QString& file, double mostDrawn) {
-    const QImage picture = widget.grab().toImage();
+    const QImage picture = widget.grab().toImage().convertToFormat(QImage::Format_ARGB32);
     if (!picture.save(file))
         fail("cannot write", file);
-    if (!showsSomething(QImage(file), widget.palette().color(QPalette::Window), mostDrawn))
+    if (!showsSomething(QImage(file).convertToFormat(QImage::Format_ARGB32), widget.palette().color(QPalette::Window),
+                        mostDrawn))
         fail("there is nothing to see", file);
     return picture;
 }
