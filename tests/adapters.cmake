@@ -91,7 +91,7 @@ target_link_libraries(velmora_gallery PRIVATE velmora_views velmora_test_support
 add_dependencies(velmora_gallery icons percent_glyphs velmora_chart)
 foreach(scale 1 2)
     add_test(NAME gallery.scale${scale} COMMAND velmora_gallery ${CMAKE_BINARY_DIR}/gallery)
-    set_tests_properties(gallery.scale${scale} PROPERTIES ENVIRONMENT "QT_SCALE_FACTOR=${scale}" TIMEOUT 60)
+    set_tests_properties(gallery.scale${scale} PROPERTIES ENVIRONMENT "QT_SCALE_FACTOR=${scale}" TIMEOUT 180)
 endforeach()
 add_test(NAME gallery.twelve_hours COMMAND velmora_gallery ${CMAKE_BINARY_DIR}/gallery/twelve-hours)
 set_tests_properties(gallery.twelve_hours PROPERTIES ENVIRONMENT "LC_ALL=en_US.UTF-8" TIMEOUT 60)
