@@ -112,6 +112,9 @@ void HistoryChart::setContent(const Content& content) {
     if (hasLine && plot_ == nullptr && (plot_ = loadPlot(this)) != nullptr)
         layers_->addWidget(plot_);
     if (!hasLine || plot_ == nullptr) { // the rest works without the plugin
+        constexpr int room = popoverWidth - 2 * popoverPadding;
+        const int margin = (room - balancedWidth(empty_->text(), empty_->font(), room)) / 2;
+        empty_->setContentsMargins(margin, 0, margin, 0);
         layers_->setCurrentWidget(empty_);
         setAccessibleName(empty_->text());
         return;

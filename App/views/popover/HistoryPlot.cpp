@@ -8,6 +8,7 @@
 #include <qcustomplot.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <limits>
@@ -20,6 +21,14 @@ constexpr int annotationPlate = 3; ///< of background beside the text
 constexpr double lineWidth = 2;
 constexpr double hairline = 0; ///< one device pixel, at every scale
 constexpr double ruleWidth = 1.5;
+constexpr int labelGap = 3; ///< between the axes and their labels
+
+/// The marked charges in percent. Their labels end at one edge, as numbers in a column do, and the widest is the last.
+constexpr std::array<int, 3> markedPercents{0, 50, 100};
+
+QString percentLabel(int percent) {
+    return QString::number(percent) + QLatin1Char('%');
+}
 
 double seconds(Date date) {
     return date.time_since_epoch().count();
@@ -72,10 +81,11 @@ private:
     QCPGraph* graph_;
     QCPItemStraightLine* rule_;
     QCPItemText* ruleText_;
+    std::array<QCPItemText*, markedPercents.size()> percentLabels_{};
     HistoryChart::Content content_; ///< without the points
 
     void styleAxes(const HistoryChart::Content& content);
-    void markTimes(const HistoryChart::Content& content);
+    void markTimes(const HistoryChart::Content& content, double room); ///< `room`: for the line, in pixels
     void showRule(const HistoryChart::Content& content);
     void showPoints(const HistoryChart::Content& content);
 };
@@ -87,12 +97,12 @@ CustomHistoryPlot::CustomHistoryPlot(QWidget* parent) : HistoryPlot(parent), plo
         widget->setAttribute(Qt::WA_TransparentForMouseEvents); // they are for the chart
     plot_->setPlottingHint(QCP::phFastPolylines); // otherwise drawing a week takes as long as the rest of the popover
     auto percents = QSharedPointer<QCPAxisTickerText>::create();
-    for (const int percent : {0, 50, 100})
-        percents->addTick(percent, QString::number(percent) + QLatin1Char('%'));
+    for (const int percent : markedPercents)
+        percents->addTick(percent, QString());
     plot_->yAxis2->setTicker(percents);
     plot_->yAxis2->setRange(0, 100);
     plot_->yAxis2->setVisible(true);
-    plot_->yAxis2->setTickLabels(true);
+    plot_->yAxis2->setTickLabels(false);
     plot_->yAxis->setVisible(false);
     plot_->yAxis->grid()->setVisible(false);
     plot_->yAxis2->grid()->setVisible(true);
@@ -106,7 +116,7 @@ CustomHistoryPlot::CustomHistoryPlot(QWidget* parent) : HistoryPlot(parent), plo
         axis->setBasePen(Qt::NoPen);
         axis->setTickPen(Qt::NoPen);
         axis->setSubTickPen(Qt::NoPen);
-        axis->setTickLabelPadding(3);
+        axis->setTickLabelPadding(labelGap);
         axis->setPadding(0);
         axis->setTickLength(0, 0);
     }
@@ -129,6 +139,16 @@ CustomHistoryPlot::CustomHistoryPlot(QWidget* parent) : HistoryPlot(parent), plo
     ruleText_->position->setAxes(plot_->xAxis, plot_->yAxis2);
     ruleText_->position->setTypeX(QCPItemPosition::ptAxisRectRatio);
     ruleText_->position->setTypeY(QCPItemPosition::ptPlotCoords);
+    for (std::size_t i = 0; i < markedPercents.size(); ++i) {
+        QCPItemText* label = percentLabels_[i] = new QCPItemText(plot_);
+        label->setObjectName(QStringLiteral("percentLabel"));
+        label->setText(percentLabel(markedPercents[i]));
+        label->setClipToAxisRect(false);
+        label->setPositionAlignment(Qt::AlignRight | Qt::AlignVCenter);
+        label->position->setAxes(plot_->xAxis, plot_->yAxis2);
+        label->position->setTypeX(QCPItemPosition::ptAbsolute);
+        label->position->setTypeY(QCPItemPosition::ptPlotCoords);
+    }
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(plot_);
@@ -155,23 +175,28 @@ void CustomHistoryPlot::styleAxes(const HistoryChart::Content& content) {
     }
     // Room above for half of the text at 100 %, and for the text of a limit that is close to it.
     const QFontMetrics metrics(font);
-    const int below = metrics.height() + 3;
-    const int half = metrics.height() / 2 + 3; // QCustomPlot leaves out a text that might be cut off
+    const int below = metrics.height() + labelGap;
+    const int half = metrics.height() / 2 + 1;
     const double plain = height() - below - half;
     const double ofLimit = QFontMetrics(annotationFont()).height() + annotationSpacing + 2 -
                            plain * (100 - static_cast<double>(content.limit.value_or(0))) / 100;
-    plot_->axisRect()->setAutoMargins(QCP::msRight);
-    plot_->axisRect()->setMargins({0, std::max(half, static_cast<int>(std::ceil(ofLimit))), 0, below});
-    markTimes(content);
+    const int beside = metrics.horizontalAdvance(percentLabel(markedPercents.back())) + labelGap;
+    plot_->axisRect()->setAutoMargins(QCP::msNone);
+    plot_->axisRect()->setMargins({0, std::max(half, static_cast<int>(std::ceil(ofLimit))), beside, below});
+    for (std::size_t i = 0; i < markedPercents.size(); ++i) {
+        percentLabels_[i]->setFont(font);
+        percentLabels_[i]->setColor(content.secondary);
+        percentLabels_[i]->position->setCoords(width(), markedPercents[i]);
+    }
+    markTimes(content, width() - beside);
 }
 
-void CustomHistoryPlot::markTimes(const HistoryChart::Content& content) {
+void CustomHistoryPlot::markTimes(const HistoryChart::Content& content, double room) {
     auto lines = QSharedPointer<QCPAxisTickerText>::create();
     auto names = QSharedPointer<QCPAxisTickerText>::create();
     const QFontMetrics metrics(axisFont());
     const double since = seconds(content.since);
     const double now = seconds(content.now);
-    const double room = width() - metrics.horizontalAdvance(QStringLiteral("100%")) - 3; // about, for the line
     const auto add = [&](double from, double until, const QString& name) {
         const double middle = ((from + until) / 2 - since) / (now - since) * room;
         const double half = metrics.horizontalAdvance(name) / 2.0;

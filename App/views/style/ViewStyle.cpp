@@ -4,6 +4,7 @@
 #include <QFontMetrics>
 #include <QGuiApplication>
 #include <QPainter>
+#include <QTextLayout>
 
 #include <algorithm>
 #include <cmath>
@@ -76,6 +77,64 @@ QColor wanted(Tint tint, const QPalette& palette) {
     return {};
 }
 
+/// The shadow is a little lower than its card.
+constexpr int shadowDrop = 4;
+
+/// A shadow's darkness from `inside` pixels within its card's outline to where it ends: that of an edge which has been
+/// blurred.
+QGradientStops shadowStops(double inside) {
+    constexpr double darkest = 0.34;
+    constexpr double reach = cardShadow - shadowDrop;
+    constexpr int count = 16;
+    const double scale = std::sqrt(2.0) * reach / 2.5; // the darkness is below 1 % there
+    QGradientStops stops;
+    for (int i = 0; i <= count; ++i) {
+        const double distance = (inside + reach) * i / count - inside;
+        stops.append({static_cast<double>(i) / count,
+                      QColor::fromRgbF(0, 0, 0, static_cast<float>(darkest * std::erfc(distance / scale) / 2))});
+    }
+    stops.back().second.setAlpha(0);
+    return stops;
+}
+
+/// From the middle of each round corner and from the lines between them, outwards.
+void drawShadow(QPainter& painter, const QRectF& card) {
+    constexpr double length = cardRadius + cardShadow - shadowDrop;
+    const QGradientStops stops = shadowStops(cardRadius);
+    const QRectF inner = card.translated(0, shadowDrop).adjusted(cardRadius, cardRadius, -cardRadius, -cardRadius);
+    const auto corner = [&](QPointF middle, double x, double y) {
+        QRadialGradient gradient(middle, length);
+        gradient.setStops(stops);
+        painter.fillRect(QRectF(middle, QSizeF(x * length, y * length)).normalized(), gradient);
+    };
+    const auto side = [&](QPointF from, QPointF to, QPointF outwards) {
+        QLinearGradient gradient(from, from + outwards * length);
+        gradient.setStops(stops);
+        painter.fillRect(QRectF(from, to + outwards * length).normalized(), gradient);
+    };
+    corner(inner.topLeft(), -1, -1);
+    corner(inner.topRight(), 1, -1);
+    corner(inner.bottomLeft(), -1, 1);
+    corner(inner.bottomRight(), 1, 1);
+    side(inner.topLeft(), inner.topRight(), {0, -1});
+    side(inner.bottomLeft(), inner.bottomRight(), {0, 1});
+    side(inner.topLeft(), inner.bottomLeft(), {-1, 0});
+    side(inner.topRight(), inner.bottomRight(), {1, 0});
+}
+
+/// Whether a line, but for the last one, ends with a word of one letter, as with "A".
+bool endsALineWithALetter(const QString& text, const QFont& font, int width) {
+    QTextLayout layout(text, font);
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(width);
+        const qsizetype end = line.textStart() + line.textLength(); // with the space
+        if (end < text.size() && end >= 3 && text.at(end - 3).isSpace())
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 QFont textFont(TextStyle style) {
@@ -108,6 +167,9 @@ int balancedWidth(const QString& text, const QFont& font, int room) {
              ? enough
              : tooNarrow) = middle;
     }
+    constexpr int step = 4;
+    while (enough < room && endsALineWithALetter(text, font, enough))
+        enough = std::min(room, enough + step);
     return enough;
 }
 
@@ -129,6 +191,16 @@ QColor cardColor(const QPalette& palette) {
     const QColor window = palette.color(QPalette::Window);
     const QColor base = palette.color(QPalette::Active, QPalette::Base);
     return luminance(base) > luminance(window) ? base : window;
+}
+
+void drawFloatingCard(QPainter& painter, const QRectF& card, const QPalette& palette) {
+    drawShadow(painter, card);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(palette.color(QPalette::Window));
+    painter.drawRoundedRect(card, cardRadius, cardRadius);
+    painter.restore();
 }
 
 QColor hairlineColor(const QPalette& palette) {

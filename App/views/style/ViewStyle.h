@@ -24,7 +24,8 @@ enum class TextStyle { body, headline, callout, caption, caption2 };
 QFont textFont(TextStyle style);
 
 /// The least width in which a text takes no more lines than in `room`: so wrapped, its lines are about equally long,
-/// and no word is left alone. `room` itself if the text takes one line.
+/// and no word is left alone. A little more if a line would end with a word of one letter otherwise. `room` itself if
+/// the text takes one line.
 int balancedWidth(const QString& text, const QFont& font, int room);
 
 /// The direction of a text of ours on its own widget, which QPainter would take from the desktop's: our texts are
@@ -52,6 +53,14 @@ QColor trackColor(const QPalette& palette);
 
 /// The colour of a card: the popover, and the groups of the settings. The lighter of the palette's own two backgrounds.
 QColor cardColor(const QPalette& palette);
+
+/// How far the shadow of a card that floats over the desktop reaches beyond it, in pixels; and the radius of its
+/// corners.
+inline constexpr int cardShadow = 20;
+inline constexpr double cardRadius = 12;
+
+/// Draws such a card with its shadow.
+void drawFloatingCard(QPainter& painter, const QRectF& card, const QPalette& palette);
 
 /// The hairlines between rows, and around a card.
 QColor hairlineColor(const QPalette& palette);

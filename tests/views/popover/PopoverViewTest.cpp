@@ -16,6 +16,7 @@
 #include <QProgressBar>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTextLayout>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -105,6 +106,33 @@ TEST_F(PopoverViewTest, ShowsWhatTheBatteryDoes) {
     EXPECT_EQ(find("ring")->accessibleName(), QStringLiteral("64 %, charging"));
     EXPECT_FALSE(sees("noBattery"));
     EXPECT_EQ(find("ring")->size(), QSize(104, 104));
+}
+
+TEST_F(PopoverViewTest, EndsNoLineOfTheNoteWithALetter) {
+    shown();
+    settle();
+    const auto* note = find<QLabel>("note");
+    const QFontMetrics metrics(note->font());
+    const auto height = [&](int width) {
+        return metrics.boundingRect(QRect(0, 0, width, 1000), Qt::TextWordWrap, note->text()).height();
+    };
+    const int width = metrics.horizontalAdvance(note->text());
+    int withTwoLines = 0;
+    for (int room = width / 2; room < width; ++room) {
+        const int balanced = balancedWidth(note->text(), note->font(), room);
+        EXPECT_LE(balanced, room);
+        ASSERT_EQ(height(balanced), height(room));
+        if (height(room) > 5 * metrics.height() / 2 || room < width * 6 / 10)
+            continue; // there is no room to do it better
+        QTextLayout layout(note->text(), note->font());
+        layout.beginLayout();
+        QTextLine line = layout.createLine();
+        line.setLineWidth(balanced);
+        EXPECT_FALSE(note->text().left(line.textLength()).endsWith(QStringLiteral(" A "))) << room;
+        ++withTwoLines;
+        layout.endLayout();
+    }
+    EXPECT_GT(withTwoLines, 50);
 }
 
 TEST_F(PopoverViewTest, LeavesNoWordOfTheStateAlone) {
@@ -286,10 +314,21 @@ TEST_F(PopoverViewTest, TheChartIsMarkedAtNothingHalfAndAllOfTheCharge) {
     const QCPAxis* axis = plot()->yAxis2;
     const auto marks = axis->ticker().dynamicCast<QCPAxisTickerText>();
     ASSERT_NE(marks, nullptr);
-    EXPECT_EQ(
-        marks->ticks(),
-        (QMap<double, QString>{{0, QStringLiteral("0%")}, {50, QStringLiteral("50%")}, {100, QStringLiteral("100%")}}));
-    EXPECT_TRUE(axis->visible() && axis->tickLabels() && axis->grid()->visible());
+    EXPECT_EQ(marks->ticks().keys(), (QList<double>{0, 50, 100}));
+    EXPECT_TRUE(axis->visible() && axis->grid()->visible());
+    plot()->replot();
+    QStringList labels;
+    for (int i = 0; i < plot()->itemCount(); ++i) {
+        const auto* label = qobject_cast<QCPItemText*>(plot()->item(i));
+        if (label == nullptr || label->objectName() != QLatin1String("percentLabel"))
+            continue;
+        labels.append(label->text());
+        EXPECT_NEAR(label->left->pixelPosition().y(), axis->coordToPixel(marks->ticks().keys().at(labels.size() - 1)),
+                    1);
+        EXPECT_EQ(label->right->pixelPosition().x(), plot()->width()) << "they end at one edge";
+        EXPECT_EQ(label->color(), tint(Tint::secondary));
+    }
+    EXPECT_EQ(labels, (QStringList{QStringLiteral("0%"), QStringLiteral("50%"), QStringLiteral("100%")}));
     EXPECT_FALSE(plot()->yAxis->visible());
 }
 
