@@ -14,9 +14,9 @@ if (. /etc/os-release && [ "${ID:-}" = debian ] && [ "${VERSION_ID:-13}" -ge 13 
 fi
 
 # A private desktop with a simulated laptop: X server, window manager, panel, notification daemon, and icons and fonts
-# for them; umockdev shows the devices. Python drives it, xdotool clicks.
+# for them; umockdev shows the devices. Python drives it, xdotool clicks, xprop tells of windows.
 DESKTOP_PACKAGES=(adwaita-icon-theme dbus-daemon dunst fonts-dejavu-core hicolor-icon-theme librsvg2-common python3-gi
-                  umockdev xdotool xfce4-panel xfconf xfwm4 xvfb)
+                  umockdev x11-utils xdotool xfce4-panel xfconf xfwm4 xvfb)
 
 # The same desktop in a window on the current one: a nested X server, and xwd to take pictures of it.
 WINDOW_PACKAGES=(x11-apps xserver-xephyr)
@@ -62,6 +62,7 @@ hicolor-icon-theme       | hicolor icons                        | share:icons/hi
 librsvg2-common          | librsvg with its GdkPixbuf loader    | lib:gdk-pixbuf-2.0/*/loaders/*svg*
 python3-gi               | PyGObject                            | python:gi
 umockdev                 | umockdev                             | run:umockdev-run
+x11-utils                | xprop                                | run:xprop
 xdotool                  | xdotool                              | run:xdotool
 xfce4-panel              | xfce4-panel                          | run:xfce4-panel
 xfconf                   | xfconf                               | run:xfconf-query

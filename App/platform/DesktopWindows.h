@@ -11,9 +11,13 @@ class DesktopWindows {
 public:
     virtual ~DesktopWindows() = default;
 
+    /// Whether a window may have transparent edges now, for round corners and a shadow. Where nothing composes the
+    /// windows, they would be black; and some compositors take a shadow for a part of the window.
+    virtual bool canHaveShadow() = 0;
+
     /// The popover's window, which exists, is about to be shown at this place in Qt's coordinates, as far as a program
-    /// can place its windows.
-    virtual void willShowPopover(QWindow& window, const QRect& place) = 0;
+    /// can place its windows. The window reaches `shadow` pixels further on each side.
+    virtual void willShowPopover(QWindow& window, const QRect& place, int shadow) = 0;
 
     /// The popover has been shown, or has another place or size. Until `popoverHidden`, calls back for clicks elsewhere
     /// after which it would keep the focus.

@@ -6,13 +6,16 @@ import unittest
 from gi.repository import GLib
 
 from support.case import DesktopCase
-from support.desktop import SCREEN
+from support.desktop import BELOW_PANEL, PANEL, SCREEN
 from support.item import ITEM_INTERFACE, ITEM_PATH
+from support.screen import Box, luminance
 from support.x_server import XServer
 
 TITLE = "Velmora"
 SETTINGS_TITLE = "Velmora Settings"
 SHOW_SECONDS = 2
+WALLPAPER = 0xA0C0D0
+GAP = 8  # between the popover and the panel or the edge of the screen
 # As on the X server of a Wayland compositor. There the program does not follow the pointer, so any X server will do.
 IN_WAYLAND = {"WAYLAND_DISPLAY": "wayland-none", "QT_QPA_PLATFORM": "xcb"}
 
@@ -91,6 +94,53 @@ class PopoverOnX11(WindowCase):
             self.shown(TITLE)
         self.screen.click(*SCREEN.centre)
         self.gone(TITLE)
+
+
+class FloatingPopover(WindowCase):
+    """Windows can be transparent: something composes the screen of them."""
+
+    def card(self):
+        self.screen.click(*self.box.centre)
+        self.shown(TITLE)
+        (card,) = self.screen.windows(TITLE)
+        return card
+
+    def test_has_round_corners_and_a_shadow(self):
+        self.begin(composited=True)
+        self.server.cover(BELOW_PANEL, WALLPAPER)
+        below_panel = lambda: self.screen.picture().crop(BELOW_PANEL)
+        self.soon(
+            lambda: below_panel().colours().keys() == {WALLPAPER.to_bytes(3, "big")}, SHOW_SECONDS, "the wallpaper is there"
+        )
+        card = self.card()
+        self.assertEqual(self.server.numbers(self.shown(TITLE), "_GTK_FRAME_EXTENTS"), [20] * 4)
+        self.assertEqual((card.x + card.width, card.y), (SCREEN.width - GAP, PANEL.height + GAP))
+
+        def brightness(x, y):
+            return luminance(next(iter(self.screen.picture().crop(Box(x, y, 1, 1)).colours())))
+
+        self.soon(lambda: brightness(card.x + 6, card.y + 60) == 1, SHOW_SECONDS, "the card is drawn")
+        wallpaper = luminance(WALLPAPER.to_bytes(3, "big"))
+        bottom = card.y + card.height
+        for corner in ((card.x, card.y), (card.x, bottom - 1)):
+            self.assertLess(brightness(*corner), wallpaper, "the corner is round: there is only shadow")
+            self.assertGreater(brightness(*corner), wallpaper / 2, "and nothing black")
+        below = [brightness(card.centre[0], bottom + distance) for distance in range(1, 20)]
+        self.assertEqual(below, sorted(below), "it is lighter farther from the card")
+        self.assertLess(below[0], wallpaper * 0.9)
+        self.assertAlmostEqual(below[-1], wallpaper, delta=0.02)
+
+    def check_click_on_shadow(self, changes=None):
+        self.begin(changes, composited=True)
+        card = self.card()
+        self.screen.click(card.x - 5, card.centre[1])
+        self.gone(TITLE)
+
+    def test_closes_on_a_click_on_its_shadow(self):
+        self.check_click_on_shadow()
+
+    def test_closes_on_a_click_on_its_shadow_in_wayland(self):
+        self.check_click_on_shadow(IN_WAYLAND)
 
 
 class SettingsWindow(WindowCase):

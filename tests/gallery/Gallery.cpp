@@ -7,6 +7,7 @@
 #include "gallery/Geometry.h"
 #include "gallery/Pictures.h"
 #include "gallery/SettingsStates.h"
+#include "support/FakeDesktopWindows.h"
 #include "support/PopoverScene.h"
 #include "views/popover/Popover.h"
 #include "views/popover/PopoverView.h"
@@ -38,7 +39,8 @@ namespace {
 struct Scene : PopoverScene {
     bool isUnfolded = false;
     bool isWeek = false;
-    bool isDay = false; ///< the history is one day long
+    bool isDay = false;  ///< the history is one day long
+    bool floats = false; ///< over a desktop that can show shadows
 };
 
 struct State {
@@ -59,6 +61,7 @@ const std::vector<State> states{
          s.registry(312, 4600, 2900);
      }},
     {"held-at-the-limit", [](Scene& s) { s.registry(312, 4600, 0); }},
+    {"floating", [](Scene& s) { s.floats = true; }},
     {"full",
      [](Scene& s) {
          s.battery(100, true, false);
@@ -88,7 +91,9 @@ void draw(const State& state, const QString& file) {
     state.arrange(scene);
     if (!scene.fake.files.files.empty() && !scene.isDay)
         scene.past(7);
-    Popover popover;
+    FakeDesktopWindows desktop;
+    desktop.hasShadows = scene.floats;
+    Popover popover(&desktop);
     auto* view = new PopoverView(
         scene.started(), scene.fake.platform(), [] {}, [] {});
     popover.setContent(view);

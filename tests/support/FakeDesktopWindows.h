@@ -7,14 +7,19 @@
 #include <utility>
 
 /// Writes down what it is told of our windows.
-class FakeDesktopWindows final : public DesktopWindows {
+class FakeDesktopWindows : public DesktopWindows {
 public:
     /// `journal` may be null.
     explicit FakeDesktopWindows(FakeJournal* journal = nullptr) : journal_(journal) {}
 
     std::function<void()> clickedElsewhere; ///< empty while the popover is hidden
 
-    void willShowPopover(QWindow& /*window*/, const QRect& /*place*/) override { note(journal_, "willShowPopover"); }
+    bool hasShadows = false;
+    bool canHaveShadow() override { return hasShadows; }
+
+    void willShowPopover(QWindow& /*window*/, const QRect& /*place*/, int /*shadow*/) override {
+        note(journal_, "willShowPopover");
+    }
 
     void popoverShown(QWindow& /*window*/, std::function<void()> callback) override {
         note(journal_, "popoverShown");

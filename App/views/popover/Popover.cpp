@@ -14,6 +14,7 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLayout>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
 #include <QScrollArea>
@@ -65,7 +66,7 @@ void updateLayouts(const QWidget& widget) {
         layout->activate();
 }
 
-/// A line around the window, drawn on top of its content.
+/// A line around the card, drawn on top of its content.
 class Border final : public QWidget {
 public:
     explicit Border(QWidget* parent) : QWidget(parent) { setAttribute(Qt::WA_TransparentForMouseEvents); }
@@ -75,9 +76,13 @@ protected:
         QColor line = palette().color(QPalette::WindowText);
         line.setAlpha(60);
         QPainter painter(this);
-        // Filled as areas: a pen straddles the edges, with half of it outside.
-        for (const QRect& side : QRegion(rect()) - QRegion(rect().adjusted(1, 1, -1, -1)))
-            painter.fillRect(side, line);
+        const double width = 1 / devicePixelRatioF();
+        const double half = width / 2; // a pen straddles its line
+        const bool isRound = window()->testAttribute(Qt::WA_TranslucentBackground);
+        painter.setRenderHint(QPainter::Antialiasing, isRound);
+        painter.setPen(QPen(line, width));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(half, half, -half, -half), isRound ? cardRadius - half : 0,
+                                isRound ? cardRadius - half : 0);
     }
 };
 
@@ -112,16 +117,20 @@ Popover::~Popover() {
 
 void Popover::setContent(QWidget* content) {
     area_->setWidget(content);
+    // The card shines through, with its round corners.
+    content->setAutoFillBackground(false);
+    area_->viewport()->setAutoFillBackground(false);
     content->setFocusPolicy(Qt::ClickFocus);
 }
 
 void Popover::showAt(std::optional<ScreenPoint> point) {
     if (point && isCredible(*point, isWaylandSession()))
         point_ = point;
+    useShadow(desktop_ != nullptr && desktop_->canHaveShadow());
     place();
     if (desktop_ != nullptr) {
         winId(); // makes the window
-        desktop_->willShowPopover(*windowHandle(), geometry());
+        desktop_->willShowPopover(*windowHandle(), card().translated(pos()), shadow_);
     }
     show();
     place(); // again, now that the content has its fonts
@@ -135,6 +144,15 @@ void Popover::showAt(std::optional<ScreenPoint> point) {
     // No control has the focus until the user turns to the keyboard.
     if (QWidget* content = area_->widget())
         content->setFocus();
+}
+
+void Popover::useShadow(bool has) {
+    if (isVisible() || has == testAttribute(Qt::WA_TranslucentBackground))
+        return;
+    destroy(); // transparency belongs to the window from the start
+    setAttribute(Qt::WA_TranslucentBackground, has);
+    setAttribute(Qt::WA_NoSystemBackground, has); // which the other turns on, but not off
+    shadow_ = has ? cardShadow : 0;
 }
 
 void Popover::closeUnlessPointerMoves() {
@@ -155,15 +173,16 @@ void Popover::place() {
     const int wanted = content->layout()->hasHeightForWidth() ? content->layout()->totalHeightForWidth(popoverWidth)
                                                               : content->sizeHint().height();
     // The fixed size also makes tiling compositors let the window float.
-    setFixedSize(popoverWidth, std::min(wanted, largestHeight(*screen)));
-    area_->setGeometry(rect());
-    border_->setGeometry(rect());
-    const QRect side = rect().marginsRemoved({scrollBarGap, scrollBarGap, scrollBarGap, scrollBarGap});
+    const QSize size(popoverWidth, std::min(wanted, largestHeight(*screen)));
+    setFixedSize(size + 2 * QSize(shadow_, shadow_));
+    area_->setGeometry(card());
+    border_->setGeometry(card());
+    const QRect side = card().marginsRemoved({scrollBarGap, scrollBarGap, scrollBarGap, scrollBarGap});
     scrollBar_->setGeometry(isRightToLeft() ? side.left() : side.right() + 1 - ThinScrollBar::thickness, side.top(),
                             ThinScrollBar::thickness, side.height());
     const ScreenPoint corner = placePopover(
-        point_, {available.x(), available.y(), available.width(), available.height()}, width(), this->height());
-    move(corner.x, corner.y);
+        point_, {available.x(), available.y(), available.width(), available.height()}, size.width(), size.height());
+    move(corner.x - shadow_, corner.y - shadow_);
     if (desktop_ != nullptr && isVisible())
         desktop_->popoverShown(*windowHandle(), [this] { hide(); });
 }
@@ -203,6 +222,20 @@ void Popover::keyPressEvent(QKeyEvent* event) {
         button->click();
     else
         QWidget::keyPressEvent(event);
+}
+
+void Popover::mousePressEvent(QMouseEvent* event) {
+    if (card().contains(event->position().toPoint()))
+        QWidget::mousePressEvent(event);
+    else
+        hide(); // a click on the shadow is one beside the card
+}
+
+void Popover::paintEvent(QPaintEvent* /*event*/) {
+    if (shadow_ == 0)
+        return; // Qt has drawn the background
+    QPainter painter(this);
+    drawFloatingCard(painter, card(), palette());
 }
 
 void Popover::hideEvent(QHideEvent* event) {

@@ -44,6 +44,8 @@ protected:
     bool event(QEvent* event) override;
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     void hideEvent(QHideEvent* event) override;
 
 private:
@@ -52,11 +54,14 @@ private:
     ThinScrollBar* scrollBar_;
     QWidget* border_;
     KeyboardFocus* keyboardFocus_;
+    int shadow_ = 0; ///< how far the window reaches beyond the card, on each side
     std::optional<ScreenPoint> point_;
     QElapsedTimer sinceClosed_;
     QTimer untilNobodyLooks_{this};
     QPoint pointer_; ///< where it was when the timer was started
 
     void closeUnlessPointerMoves();
+    QRect card() const { return rect().marginsRemoved({shadow_, shadow_, shadow_, shadow_}); }
+    void useShadow(bool has);
     void useCardColor();
 };

@@ -93,6 +93,7 @@ class PrivateDesktop:
         system_bus=True,
         notifications=False,
         window_manager=True,
+        composited=False,
         ordinary_user=False,
         window_on=None,
         xfce_settings=True,
@@ -145,7 +146,7 @@ class PrivateDesktop:
                 self._write_panel_configuration(dark)
                 self._start_settings()
             if window_manager:
-                self.start("xfwm4", ["xfwm4", "--compositor=off"])
+                self.start("xfwm4", ["xfwm4", f"--compositor={'on' if composited else 'off'}"])
                 managed = lambda: self._tool("get_num_desktops").returncode == 0
                 wait_until(managed, START_SECONDS, "the window manager is ready")
             self.move_pointer(*SCREEN.centre)
@@ -281,14 +282,25 @@ class PrivateDesktop:
         return [int(word) for word in self._tool("search", "--onlyvisible", "--name", f"^{title}$").stdout.split()]
 
     def windows(self, title):
-        """The boxes of the visible windows with that title."""
+        """The boxes of the visible windows with that title, without their shadows."""
         boxes = []
         for window in self.window_ids(title):
             answer = self._tool("getwindowgeometry", "--shell", window)
             if answer.returncode == 0:  # the window may be gone by now
                 values = dict(line.split("=") for line in answer.stdout.split())
-                boxes.append(Box(*(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))))
+                x, y, width, height = (int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+                left, right, top, bottom = self._shadow(window)
+                boxes.append(Box(x + left, y + top, width - left - right, height - top - bottom))
         return boxes
+
+    def _shadow(self, window):
+        """How far a window's own shadow reaches beyond the window, at the left, right, top and bottom."""
+        command = ["xprop", "-id", str(window), "-notype", "_GTK_FRAME_EXTENTS"]
+        answer = subprocess.run(
+            command, env=self.environment, capture_output=True, text=True, check=False, timeout=START_SECONDS
+        )
+        _, found, sides = answer.stdout.partition(" = ")
+        return [int(side) for side in sides.split(",")] if found else [0] * 4
 
     def _make_folder(self, name):
         folder = self.folder / name

@@ -8,6 +8,7 @@ PROPERTY_CHANGE_MASK = 1 << 22
 CLIENT_MESSAGE = 33
 ANY_TYPE = 0
 WORDS = 1024
+OVERRIDE_REDIRECT = 1 << 9
 
 
 class ClientMessage(ctypes.Structure):
@@ -24,6 +25,26 @@ class ClientMessage(ctypes.Structure):
     ]
 
 
+class WindowAttributes(ctypes.Structure):
+    _fields_ = [
+        ("background_pixmap", ctypes.c_ulong),
+        ("background_pixel", ctypes.c_ulong),
+        ("border_pixmap", ctypes.c_ulong),
+        ("border_pixel", ctypes.c_ulong),
+        ("bit_gravity", ctypes.c_int),
+        ("win_gravity", ctypes.c_int),
+        ("backing_store", ctypes.c_int),
+        ("backing_planes", ctypes.c_ulong),
+        ("backing_pixel", ctypes.c_ulong),
+        ("save_under", ctypes.c_int),
+        ("event_mask", ctypes.c_long),
+        ("do_not_propagate_mask", ctypes.c_long),
+        ("override_redirect", ctypes.c_int),
+        ("colormap", ctypes.c_ulong),
+        ("cursor", ctypes.c_ulong),
+    ]
+
+
 class Event(ctypes.Union):
     _fields_ = [("type", ctypes.c_int), ("message", ClientMessage), ("padding", ctypes.c_long * 24)]
 
@@ -35,6 +56,7 @@ class XServer:
         self._library = ctypes.CDLL("libX11.so.6")
         self._library.XOpenDisplay.restype = ctypes.c_void_p
         self._library.XDefaultRootWindow.restype = ctypes.c_ulong
+        self._library.XCreateSimpleWindow.restype = ctypes.c_ulong
         self._library.XGetAtomName.restype = ctypes.c_char_p
         before = os.environ.get("XAUTHORITY")
         os.environ["XAUTHORITY"] = desktop.environment["XAUTHORITY"]  # Xlib reads it from nowhere else
@@ -51,11 +73,29 @@ class XServer:
         self._library.XSelectInput(self._display, root, ctypes.c_long(PROPERTY_CHANGE_MASK))
         self._library.XSync(self._display, 0)
 
+    def cover(self, box, colour):
+        """Lays a window of one colour (0xRRGGBB) over this part of the screen, below all windows that come later; until
+        the connection is closed."""
+        root = ctypes.c_ulong(self._library.XDefaultRootWindow(self._display))
+        window = ctypes.c_ulong(
+            self._library.XCreateSimpleWindow(self._display, root, *box, 0, ctypes.c_ulong(0), ctypes.c_ulong(colour))
+        )
+        attributes = WindowAttributes(override_redirect=1)
+        self._library.XChangeWindowAttributes(
+            self._display, window, ctypes.c_ulong(OVERRIDE_REDIRECT), ctypes.byref(attributes)
+        )
+        self._library.XMapWindow(self._display, window)
+        self._library.XSync(self._display, 0)
+
     def close(self):
         self._library.XCloseDisplay(self._display)
 
     def names(self, window, key):
         """The names in a window's property, for example those of its types; none if it does not have it."""
+        return [self._name(number) for number in self.numbers(window, key)]
+
+    def numbers(self, window, key):
+        """The numbers in a window's property; none if it does not have it."""
         kind, size = ctypes.c_ulong(), ctypes.c_int()
         count, left = ctypes.c_ulong(), ctypes.c_ulong()
         values = ctypes.POINTER(ctypes.c_ulong)()
@@ -64,7 +104,7 @@ class XServer:
             ctypes.c_ulong(ANY_TYPE), ctypes.byref(kind), ctypes.byref(size), ctypes.byref(count), ctypes.byref(left),
             ctypes.byref(values),
         )
-        return [self._name(values[place]) for place in range(count.value)]
+        return [values[place] for place in range(count.value)]
 
     @property
     def ended_startups(self):

@@ -27,6 +27,19 @@
 
 namespace {
 
+/// Windows can be transparent, until something ends that.
+class ShadowDesktop final : public FakeDesktopWindows {
+public:
+    ShadowDesktop() { hasShadows = true; }
+
+    QRect place; ///< where the popover was told to be shown
+
+    void willShowPopover(QWindow& /*window*/, const QRect& where, int shadow) override {
+        place = where;
+        EXPECT_EQ(shadow, hasShadows ? 20 : 0);
+    }
+};
+
 class PopoverTest : public testing::Test {
 protected:
     PopoverScene scene;
@@ -292,6 +305,54 @@ TEST_F(PopoverTest, ShowsNoScrollBarWhereAllOfItFits) {
         EXPECT_FALSE(scrollBar().isVisible()) << times << " times the font: " << scrollBar().maximum() << " more than "
                                               << popover.height() << ", content " << content->height();
     }
+}
+
+TEST_F(PopoverTest, FloatsWithRoundCornersAndAShadowWhereWindowsCanBeTransparent) {
+    ShadowDesktop desktop;
+    Popover floating(&desktop);
+    auto* view = new PopoverView(
+        scene.started(), scene.fake.platform(), [] {}, [] {});
+    floating.setContent(view);
+    view->rebuild();
+    floating.showAt(ScreenPoint{400, 4});
+    const QRect card(20, 20, 340, view->layout()->totalHeightForWidth(340));
+    EXPECT_EQ(floating.size(), card.size() + QSize(40, 40));
+    EXPECT_EQ(QRect(view->mapTo(&floating, QPoint()), view->size()), card);
+    EXPECT_EQ(desktop.place, card.translated(floating.pos()));
+    EXPECT_EQ(desktop.place.center().x() + desktop.place.center().x() % 2, 400);
+    EXPECT_EQ(desktop.place.top(), 12) << "8 pixels below the point";
+
+    QImage picture(floating.size(), QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    floating.render(&picture, {}, {}, QWidget::DrawChildren);
+    picture.save(QStringLiteral(VELMORA_PICTURES "/popover-floats.png"));
+    const auto opacity = [&](int x, int y) { return picture.pixelColor(x, y).alphaF(); };
+    const int middle = card.center().x();
+    EXPECT_EQ(picture.pixelColor(card.left() + 5, card.top() + 60), cardColor(QApplication::palette()));
+    EXPECT_EQ(opacity(card.left() + 12, card.top() + 1), 1);
+    EXPECT_LT(opacity(card.left() + 1, card.top() + 1), 0.5) << "the corner is round";
+    EXPECT_EQ(opacity(0, 0), 0);
+    EXPECT_LT(opacity(middle, picture.height() - 1), 0.01) << "the shadow ends before the window does";
+    EXPECT_LT(opacity(middle, 0), 0.01);
+    double before = 0;
+    for (int y = picture.height() - 1; y > card.bottom(); --y) {
+        EXPECT_GE(opacity(middle, y), before) << "it is darker nearer to the card: " << y;
+        before = opacity(middle, y);
+    }
+    EXPECT_GT(before, opacity(middle, card.top() - 1)) << "it is lower than the card";
+
+    QTest::mouseClick(floating.windowHandle(), Qt::LeftButton, {}, {card.left() + 5, card.top() + 60});
+    EXPECT_TRUE(floating.isVisible());
+    QTest::mouseClick(floating.windowHandle(), Qt::LeftButton, {}, {5, card.top() + 60});
+    EXPECT_FALSE(floating.isVisible()) << "beside the card";
+
+    desktop.hasShadows = false; // the compositing manager has ended
+    floating.showAt(ScreenPoint{400, 4});
+    EXPECT_EQ(floating.size(), card.size());
+    EXPECT_EQ(floating.y(), 12);
+    const QImage square = floating.grab().toImage();
+    EXPECT_EQ(square.pixelColor(1, 1), cardColor(QApplication::palette()));
+    EXPECT_NE(square.pixelColor(0, 0), square.pixelColor(1, 1));
 }
 
 TEST(PopoverWindow, IsMadeKnownToTheDesktopAndClosedByAClickThatThisTellsOf) {

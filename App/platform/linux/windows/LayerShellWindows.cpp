@@ -74,7 +74,11 @@ private:
 
 LayerShellWindows::~LayerShellWindows() = default;
 
-void LayerShellWindows::willShowPopover(QWindow& window, const QRect& place) {
+bool LayerShellWindows::canHaveShadow() {
+    return true;
+}
+
+void LayerShellWindows::willShowPopover(QWindow& window, const QRect& place, int shadow) {
     if (QScreen* screen = QGuiApplication::screenAt(place.center()))
         window.setScreen(screen);
     const QRect whole = window.screen()->geometry();
@@ -87,7 +91,7 @@ void LayerShellWindows::willShowPopover(QWindow& window, const QRect& place) {
     Layer::Anchors anchors = across.isAtEnd ? Layer::AnchorRight : Layer::AnchorLeft;
     anchors |= down.isAtEnd ? Layer::AnchorBottom : Layer::AnchorTop;
     layer.setAnchors(anchors);
-    layer.setMargins({across.margin, down.margin, across.margin, down.margin});
+    layer.setMargins(QMargins(across.margin, down.margin, across.margin, down.margin) - shadow);
 }
 
 void LayerShellWindows::popoverShown(QWindow& /*window*/, std::function<void()> clickedElsewhere) {

@@ -19,7 +19,8 @@ public:
     LayerShellWindows(const LayerShellWindows&) = delete;
     LayerShellWindows& operator=(const LayerShellWindows&) = delete;
 
-    void willShowPopover(QWindow& window, const QRect& place) override;
+    bool canHaveShadow() override;
+    void willShowPopover(QWindow& window, const QRect& place, int shadow) override;
     void popoverShown(QWindow& window, std::function<void()> clickedElsewhere) override;
     void popoverHidden() override;
     void willShowSettings(QWindow& window) override;

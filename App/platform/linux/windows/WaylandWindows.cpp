@@ -5,14 +5,23 @@
 
 #include <utility>
 
-void WaylandWindows::willShowPopover(QWindow& window, const QRect& place) {
-    if (!std::exchange(wasLoaded_, true)) {
-        if (const auto make =
-                reinterpret_cast<DesktopWindows* (*)()>(pluginFunction("velmora-layer-shell", "makeLayerShellWindows")))
-            layerShell_.reset(make());
-    }
+void WaylandWindows::load() {
+    if (std::exchange(wasLoaded_, true))
+        return;
+    if (const auto make =
+            reinterpret_cast<DesktopWindows* (*)()>(pluginFunction("velmora-layer-shell", "makeLayerShellWindows")))
+        layerShell_.reset(make());
+}
+
+bool WaylandWindows::canHaveShadow() {
+    load();
+    return layerShell_ && layerShell_->canHaveShadow();
+}
+
+void WaylandWindows::willShowPopover(QWindow& window, const QRect& place, int shadow) {
+    load();
     if (layerShell_)
-        layerShell_->willShowPopover(window, place);
+        layerShell_->willShowPopover(window, place, shadow);
 }
 
 void WaylandWindows::popoverShown(QWindow& window, std::function<void()> clickedElsewhere) {

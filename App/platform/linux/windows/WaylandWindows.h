@@ -9,7 +9,8 @@
 /// the compositor or the program lacks it, the compositor places the popover like any window.
 class WaylandWindows final : public DesktopWindows {
 public:
-    void willShowPopover(QWindow& window, const QRect& place) override;
+    bool canHaveShadow() override;
+    void willShowPopover(QWindow& window, const QRect& place, int shadow) override;
     void popoverShown(QWindow& window, std::function<void()> clickedElsewhere) override;
     void popoverHidden() override;
     void willShowSettings(QWindow& window) override;
@@ -17,4 +18,6 @@ public:
 private:
     bool wasLoaded_ = false;
     std::unique_ptr<DesktopWindows> layerShell_;
+
+    void load();
 };

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <initializer_list>
 #include <utility>
 
@@ -27,6 +28,14 @@ void setAtoms(xcb_connection_t* connection, const QWindow& window, std::string_v
     xcb_change_property(connection, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window.winId()),
                         x11Atom(connection, property), XCB_ATOM_ATOM, 32, static_cast<std::uint32_t>(atoms.size()),
                         atoms.data());
+}
+
+/// Tells window managers which part of the window is its own shadow, by the property that GTK made for that.
+void setShadow(xcb_connection_t* connection, const QWindow& window, int shadow) {
+    const auto side = static_cast<std::uint32_t>(std::lround(shadow * window.devicePixelRatio()));
+    const std::array<std::uint32_t, 4> sides{side, side, side, side};
+    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window.winId()),
+                        x11Atom(connection, "_GTK_FRAME_EXTENTS"), XCB_ATOM_CARDINAL, 32, sides.size(), sides.data());
 }
 
 constexpr std::uint8_t transparentDepth = 32;
@@ -91,9 +100,25 @@ X11Windows::~X11Windows() {
     popoverHidden();
 }
 
-void X11Windows::willShowPopover(QWindow& window, const QRect& /*place*/) {
+bool X11Windows::canHaveShadow() {
     xcb_connection_t* connection = x11Connection();
-    if (connection == nullptr || !isInWayland())
+    if (connection == nullptr || transparentVisual(x11Screen(connection)) == XCB_NONE)
+        return false;
+    if (isInWayland())
+        return true;
+    // A compositing manager owns this selection (Extended Window Manager Hints).
+    const auto question = xcb_get_selection_owner(connection, x11Atom(connection, "_NET_WM_CM_S0"));
+    const X11Reply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(connection, question, nullptr));
+    return reply && reply->owner != XCB_NONE;
+}
+
+void X11Windows::willShowPopover(QWindow& window, const QRect& /*place*/, int shadow) {
+    xcb_connection_t* connection = x11Connection();
+    if (connection == nullptr)
+        return;
+    if (shadow > 0)
+        setShadow(connection, window, shadow);
+    if (!isInWayland())
         return;
     // Before each showing, because window managers remove the property from a hidden window. Qt adds to it.
     setAtoms(connection, window, "_NET_WM_STATE",

@@ -20,7 +20,8 @@ public:
     X11Windows(const X11Windows&) = delete;
     X11Windows& operator=(const X11Windows&) = delete;
 
-    void willShowPopover(QWindow& window, const QRect& place) override;
+    bool canHaveShadow() override;
+    void willShowPopover(QWindow& window, const QRect& place, int shadow) override;
     void popoverShown(QWindow& window, std::function<void()> clickedElsewhere) override;
     void popoverHidden() override;
     void willShowSettings(QWindow& window) override;
