@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Draws pictures of the popover and the settings window in every state: velmora_gallery FOLDER [HEIGHT]. Qt's own
-// QT_SCALE_FACTOR sets the scale, LC_ALL the clock. With HEIGHT the screen is that high, and only the settings window
-// is drawn. It fails when one of the pictures shows nothing, when the settings window leaves the screen, or when what
-// Geometry.h says does not hold.
+// QT_SCALE_FACTOR sets the scale, LC_ALL the clock, VELMORA_POINTS the size of the desktop's font. With HEIGHT the
+// screen is that high, and only the settings window is drawn. It fails when one of the pictures shows nothing, when the
+// settings window leaves the screen, or when what Geometry.h says does not hold.
 #include "alerts/Prefs.h"
 #include "gallery/Geometry.h"
 #include "gallery/Pictures.h"
@@ -191,6 +191,11 @@ int main(int argc, char** argv) {
         return EXIT_FAILURE;
     }
     QApplication::setStyle(QStringLiteral("Fusion"));
+    if (const int points = qEnvironmentVariableIntValue("VELMORA_POINTS"); points > 0) {
+        QFont font = QApplication::font();
+        font.setPointSize(points);
+        QApplication::setFont(font);
+    }
     const QDir folder(QString::fromLocal8Bit(argv[1]));
     folder.mkpath(QStringLiteral("."));
     const QString scale = QString::number(qRound(application.devicePixelRatio() * 100));

@@ -68,7 +68,8 @@ void checkThatNothingIsCutOff(const Scene& scene, const QWidget& piece) {
         const int width = label->wordWrap() ? label->minimumSizeHint().width() : label->sizeHint().width();
         if (label->height() < needed || label->width() < width)
             scene.failAt(QStringLiteral("it is cut off"), piece);
-    } else if (const auto* button = qobject_cast<const QAbstractButton*>(&piece)) {
+    } else if (const auto* button = qobject_cast<const QAbstractButton*>(&piece);
+               button != nullptr && !button->text().isEmpty()) {
         const QSize text = button->fontMetrics().size(Qt::TextSingleLine, button->text());
         if (button->width() < text.width() || button->height() < text.height())
             scene.failAt(QStringLiteral("it is cut off"), piece);
