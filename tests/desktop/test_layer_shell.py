@@ -11,6 +11,7 @@ from support.wlroots import BAR_HEIGHT, WlrootsDesktop
 SHOW_SECONDS = 5
 WIDTH = 340
 GAP = 8
+MORE_THAN_SHADOW = 60  # of 255: the wallpaper is dark, and the details are light
 ON_BAR = (SCREEN.width // 2, BAR_HEIGHT // 2)
 ON_WALLPAPER = (300, 600)
 
@@ -26,9 +27,9 @@ class Details(DesktopCase):
         self.before = self.desktop.picture()
 
     def drawn(self):
-        """The box of everything below the bar; None while there is nothing."""
+        """The box of everything below the bar that is more than a shadow; None while there is nothing."""
         screen = Box(0, BAR_HEIGHT, SCREEN.width, SCREEN.height - BAR_HEIGHT)
-        box = self.desktop.picture().crop(screen).changed_box(self.before.crop(screen))
+        box = self.desktop.picture().crop(screen).changed_box(self.before.crop(screen), MORE_THAN_SHADOW)
         return box and box._replace(y=box.y + BAR_HEIGHT)
 
     def open_at(self, x, y):

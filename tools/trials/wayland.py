@@ -33,6 +33,7 @@ clock-show-date=false
 
 
 DETAILS_WIDTH = 340
+PADDING = 16  # of the details
 GAP = 8  # between the details and the edge of the screen
 
 
@@ -58,10 +59,14 @@ class WlrootsHost(Host, WlrootsDesktop):
         left = SCREEN.width - GAP - DETAILS_WIDTH
         picture = self.picture()
         colour = lambda x, y: next(iter(picture.crop(Box(x, y, 1, 1)).colours()))
-        tops = [y for y in range(BAR_HEIGHT, SCREEN.height) if colour(left + 5, y) != colour(left - 5, y)]
-        if len(tops) < DETAILS_WIDTH or colour(left + 5, tops[-1] - 5) != colour(left + DETAILS_WIDTH - 5, tops[-1] - 5):
+        # Beside the rows there is nothing but the colour of the card, and beside the card its shadow.
+        beside = [colour(left + PADDING - 2, y) for y in range(SCREEN.height)]
+        card = max(beside, key=beside.count)
+        rows = [y for y in range(BAR_HEIGHT, SCREEN.height) if beside[y] == card]
+        is_card = lambda x: all(colour(x, y) == card for y in (rows[0] + PADDING, rows[-1] - PADDING))
+        if len(rows) < DETAILS_WIDTH or is_card(left - PADDING) or not is_card(left + DETAILS_WIDTH - PADDING + 2):
             return None
-        return Box(left, tops[0], DETAILS_WIDTH, tops[-1] + 1 - tops[0])
+        return Box(left, rows[0] - 1, DETAILS_WIDTH, rows[-1] - rows[0] + 3)  # with its line
 
     def start_stranger(self):
         command = ["foot", "--title", STRANGER, "sleep", "1000"]
@@ -107,14 +112,14 @@ class NestedHost(X11Host):
     def inside(self):
         return self.xwayland | {"WAYLAND_DISPLAY": self.wayland}
 
-    def _tool(self, *arguments, check=False):
+    def _ask(self, command, check=False):
         """Windows are known to Xwayland only, which lets in nobody but the desktop's user; the pointer and the keyboard
         belong to the outer X server."""
-        if arguments[0] not in ("search", "getwindowgeometry"):
-            return super()._tool(*arguments, check=check)
+        if command[0] == "xdotool" and command[1] not in ("search", "getwindowgeometry"):
+            return super()._ask(command, check)
         environment = {key: value for key, value in self.environment.items() if key != "XAUTHORITY"} | self.xwayland
         return subprocess.run(
-            ["xdotool", *map(str, arguments)],
+            command,
             env=environment,
             user=self._user,
             group=self._user,

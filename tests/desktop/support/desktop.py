@@ -295,10 +295,7 @@ class PrivateDesktop:
 
     def _shadow(self, window):
         """How far a window's own shadow reaches beyond the window, at the left, right, top and bottom."""
-        command = ["xprop", "-id", str(window), "-notype", "_GTK_FRAME_EXTENTS"]
-        answer = subprocess.run(
-            command, env=self.environment, capture_output=True, text=True, check=False, timeout=START_SECONDS
-        )
+        answer = self._ask(["xprop", "-id", str(window), "-notype", "_GTK_FRAME_EXTENTS"])
         _, found, sides = answer.stdout.partition(" = ")
         return [int(side) for side in sides.split(",")] if found else [0] * 4
 
@@ -308,7 +305,9 @@ class PrivateDesktop:
         return folder
 
     def _tool(self, *arguments, check=False):
-        command = ["xdotool", *map(str, arguments)]
+        return self._ask(["xdotool", *map(str, arguments)], check)
+
+    def _ask(self, command, check=False):
         return subprocess.run(
             command, env=self.environment, capture_output=True, text=True, check=check, timeout=START_SECONDS
         )

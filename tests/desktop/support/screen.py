@@ -95,13 +95,16 @@ class Picture:
                 count[colour] = count.get(colour, 0) + 1
         return count
 
-    def changed_box(self, other):
-        """The smallest box that holds all differences of two pictures of one size; None when there are none."""
+    def changed_box(self, other, least=1):
+        """The smallest box that holds all differences of two pictures of one size, of `least` or more in the red, green
+        or blue, which go to 255; None when there are none."""
         top = bottom = left = right = None
         for y, (mine, theirs) in enumerate(zip(self.rows, other.rows)):
             if mine == theirs:
                 continue
-            changed = [x for x in range(self.width) if mine[3 * x : 3 * x + 3] != theirs[3 * x : 3 * x + 3]]
+            changed = [i // 3 for i, (one, two) in enumerate(zip(mine, theirs)) if abs(one - two) >= least]
+            if not changed:
+                continue
             top = y if top is None else top
             bottom = y
             left = changed[0] if left is None else min(left, changed[0])
