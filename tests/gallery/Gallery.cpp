@@ -39,8 +39,8 @@ namespace {
 struct Scene : PopoverScene {
     bool isUnfolded = false;
     bool isWeek = false;
-    bool isDay = false;  ///< the history is one day long
-    bool floats = false; ///< over a desktop that can show shadows
+    bool isDay = false; ///< the history is one day long
+    bool floats = true; ///< over a desktop that can show shadows
 };
 
 struct State {
@@ -61,7 +61,7 @@ const std::vector<State> states{
          s.registry(312, 4600, 2900);
      }},
     {"held-at-the-limit", [](Scene& s) { s.registry(312, 4600, 0); }},
-    {"floating", [](Scene& s) { s.floats = true; }},
+    {"without-shadow", [](Scene& s) { s.floats = false; }},
     {"full",
      [](Scene& s) {
          s.battery(100, true, false);

@@ -123,6 +123,19 @@ void checkThatItCanBeRead(const Scene& scene, const QWidget& piece) {
         scene.failAt(QStringLiteral("its contrast is ") + QString::number(found), piece);
 }
 
+/// A hairline is one row of device pixels of its own colour, whatever the scale.
+void checkHairline(const Scene& scene, const QWidget& line) {
+    const qreal scale = scene.picture.devicePixelRatio();
+    const QRectF place(QPointF(scene.box(line).topLeft()) * scale, QSizeF(line.size()) * scale);
+    const int x = static_cast<int>(place.center().x());
+    const QRgb background = scene.picture.pixel(x, static_cast<int>(place.top()) - 4);
+    int rows = 0;
+    for (int y = static_cast<int>(place.top()) - 3; y < place.bottom() + 3; ++y)
+        rows += scene.picture.pixel(x, y) == hairlineColor(line.palette()).rgb() ? 1 : 0;
+    if (rows != 1 || background == hairlineColor(line.palette()).rgb())
+        scene.failAt(QStringLiteral("it is drawn in %1 rows").arg(rows), line);
+}
+
 /// Where the text of a label that takes one line stands; -1 for more lines.
 int baseline(const Scene& scene, const QLabel& label) {
     const QFontMetrics metrics = label.fontMetrics();
@@ -178,6 +191,7 @@ void checkPopover(const QWidget& popover, const QWidget& content, const QImage& 
     checkBaselines(scene, content, "detailRow", "detailLabel", "detailValue");
     checkBaselines(scene, content, "cycleRow", "cycleLabel", "cycleValue");
     checkBaselines(scene, content, "dailySummaryTable", "dailySummary.0.Day", "dailySummary.0.Charging");
+    checkHairline(scene, *content.findChild<QWidget*>(QStringLiteral("divider")));
     checkSize(scene, "ring", {104, 104});
     checkSize(scene, "historyChart", {column.width(), 110});
     checkSize(scene, "rangePicker",

@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace {
 
@@ -50,7 +51,7 @@ QFont tableFont() {
     return font;
 }
 
-/// A triangle that turns down when expanded, and a text.
+/// A chevron that turns down when expanded, and a text.
 class Disclosure final : public QAbstractButton {
 public:
     explicit Disclosure(const QString& text, QWidget* parent) : QAbstractButton(parent) {
@@ -70,15 +71,21 @@ protected:
     void paintEvent(QPaintEvent* /*event*/) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Qt::NoPen);
         QColor color = palette().color(QPalette::WindowText);
         color.setAlphaF(isDown() || underMouse() ? 1.0F : 0.6F);
-        painter.setBrush(color);
+        painter.setPen(QPen(color, stroke, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         painter.save();
-        const qreal size = fontMetrics().ascent() * 0.36;
-        painter.translate(isRightToLeft() ? width() - size : size, height() / 2.0);
-        painter.rotate(isChecked() ? 90 : (isRightToLeft() ? 180 : 0));
-        painter.drawPolygon(QPolygonF{{-size * 0.6, -size}, {size * 0.8, 0}, {-size * 0.6, size}});
+        // Its ink begins at the edge, whichever way it points.
+        const qreal size = std::round(fontMetrics().ascent() * 0.3);
+        if (isRightToLeft()) {
+            painter.translate(width(), 0);
+            painter.scale(-1, 1);
+        }
+        painter.translate(stroke / 2, height() / 2.0);
+        if (isChecked())
+            painter.drawPolyline(QPolygonF{{0, -size / 2}, {size, size / 2}, {2 * size, -size / 2}});
+        else
+            painter.drawPolyline(QPolygonF{{0, -size}, {size, 0}, {0, size}});
         painter.restore();
         painter.setPen(palette().color(QPalette::WindowText));
         const QRect room = rect().adjusted(isRightToLeft() ? 0 : indent(), 0, isRightToLeft() ? -indent() : 0, 0);
@@ -92,6 +99,8 @@ protected:
     }
 
 private:
+    static constexpr qreal stroke = 1.75;
+
     int indent() const { return fontMetrics().ascent() + 4; }
     bool isRightToLeft() const { return layoutDirection() == Qt::RightToLeft; }
 };

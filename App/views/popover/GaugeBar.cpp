@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/popover/GaugeBar.h"
 
+#include "views/style/ViewStyle.h"
+
 #include <QPainter>
 
 #include <algorithm>
@@ -34,6 +36,12 @@ void GaugeBar::paintEvent(QPaintEvent* /*event*/) {
     const qreal radius = bar.height() / 2;
     painter.setBrush(track_);
     painter.drawRoundedRect(bar, radius, radius);
+    if (hasHighContrast(palette())) {
+        painter.setPen(shapeColorOn(palette().color(QPalette::Window), palette()));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(bar.adjusted(.5, .5, -.5, -.5), radius - .5, radius - .5);
+        painter.setPen(Qt::NoPen);
+    }
     const qreal share = maximum() > minimum() ? qreal(value() - minimum()) / (maximum() - minimum()) : 0;
     if (share <= 0)
         return;

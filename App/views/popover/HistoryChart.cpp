@@ -4,6 +4,7 @@
 #include "platform/qt/PluginLoader.h"
 #include "views/popover/HistoryPlot.h"
 #include "views/style/Accessibility.h"
+#include "views/style/BalancedLabel.h"
 #include "views/style/KeyboardFocus.h"
 #include "views/style/ViewStyle.h"
 #include "views/text/TimeText.h"
@@ -84,7 +85,7 @@ private:
 HistoryChart::HistoryChart(QWidget* parent)
     : QWidget(parent)
     , layers_(new QStackedLayout(this))
-    , empty_(new QLabel(QStringLiteral("Collecting history… a graph appears after a few minutes."), this))
+    , empty_(new BalancedLabel(QStringLiteral("Collecting history… a graph appears after a few minutes."), this))
     , overlay_(new Overlay(this)) {
     setObjectName(QStringLiteral("historyChart"));
     setFocusPolicy(Qt::TabFocus);
@@ -92,9 +93,7 @@ HistoryChart::HistoryChart(QWidget* parent)
     setAccessibleWhole(*this, QAccessible::Graphic);
     layers_->setContentsMargins(0, 0, 0, 0);
     empty_->setObjectName(QStringLiteral("historyChartEmpty"));
-    empty_->setTextFormat(Qt::PlainText);
     empty_->setAlignment(Qt::AlignCenter);
-    empty_->setWordWrap(true);
     layers_->addWidget(empty_);
 }
 
@@ -112,9 +111,6 @@ void HistoryChart::setContent(const Content& content) {
     if (hasLine && plot_ == nullptr && (plot_ = loadPlot(this)) != nullptr)
         layers_->addWidget(plot_);
     if (!hasLine || plot_ == nullptr) { // the rest works without the plugin
-        constexpr int room = popoverWidth - 2 * popoverPadding;
-        const int margin = (room - balancedWidth(empty_->text(), empty_->font(), room)) / 2;
-        empty_->setContentsMargins(margin, 0, margin, 0);
         layers_->setCurrentWidget(empty_);
         setAccessibleName(empty_->text());
         return;

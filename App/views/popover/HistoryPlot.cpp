@@ -21,7 +21,8 @@ constexpr int annotationPlate = 3; ///< of background beside the text
 constexpr double lineWidth = 2;
 constexpr double hairline = 0; ///< one device pixel, at every scale
 constexpr double ruleWidth = 1.5;
-constexpr int labelGap = 3; ///< between the axes and their labels
+constexpr int labelGap = 3; ///< between the chart and the names of times
+constexpr int percentGap = 6;
 
 /// The marked charges in percent. Their labels end at one edge, as numbers in a column do, and the widest is the last.
 constexpr std::array<int, 3> markedPercents{0, 50, 100};
@@ -63,6 +64,25 @@ QPen rulePen(const QColor& color) {
     return pen;
 }
 
+/// The text at the limit's rule, with a plate of the background behind its letters alone, so that the rule and as much
+/// of the charge line as possible stay in sight.
+class RuleText final : public QCPItemText {
+public:
+    explicit RuleText(QCustomPlot* plot) : QCPItemText(plot) {}
+
+    QColor plate;
+
+protected:
+    void draw(QCPPainter* painter) override {
+        const QFontMetricsF metrics(font());
+        const QPointF corner = bottomRight->pixelPosition() - QPointF(0, annotationSpacing + metrics.descent());
+        const double width = metrics.horizontalAdvance(text()) + annotationPlate;
+        const double height = metrics.capHeight() + 2;
+        painter->fillRect(QRectF(corner.x() - width, corner.y() + 1 - height, width, height), plate);
+        QCPItemText::draw(painter);
+    }
+};
+
 } // namespace
 
 /// Draws with QCustomPlot; in a plugin of its own.
@@ -80,7 +100,7 @@ private:
     QCustomPlot* plot_;
     QCPGraph* graph_;
     QCPItemStraightLine* rule_;
-    QCPItemText* ruleText_;
+    RuleText* ruleText_;
     std::array<QCPItemText*, markedPercents.size()> percentLabels_{};
     HistoryChart::Content content_; ///< without the points
 
@@ -130,7 +150,7 @@ CustomHistoryPlot::CustomHistoryPlot(QWidget* parent) : HistoryPlot(parent), plo
         end->setTypeX(QCPItemPosition::ptAxisRectRatio);
         end->setTypeY(QCPItemPosition::ptPlotCoords);
     }
-    ruleText_ = new QCPItemText(plot_);
+    ruleText_ = new RuleText(plot_);
     ruleText_->setObjectName(QStringLiteral("limitAnnotation"));
     ruleText_->setClipToAxisRect(false);
     ruleText_->setPositionAlignment(Qt::AlignRight | Qt::AlignBottom);
@@ -180,7 +200,7 @@ void CustomHistoryPlot::styleAxes(const HistoryChart::Content& content) {
     const double plain = height() - below - half;
     const double ofLimit = QFontMetrics(annotationFont()).height() + annotationSpacing + 2 -
                            plain * (100 - static_cast<double>(content.limit.value_or(0))) / 100;
-    const int beside = metrics.horizontalAdvance(percentLabel(markedPercents.back())) + labelGap;
+    const int beside = metrics.horizontalAdvance(percentLabel(markedPercents.back())) + percentGap;
     plot_->axisRect()->setAutoMargins(QCP::msNone);
     plot_->axisRect()->setMargins({0, std::max(half, static_cast<int>(std::ceil(ofLimit))), beside, below});
     for (std::size_t i = 0; i < markedPercents.size(); ++i) {
@@ -242,7 +262,7 @@ void CustomHistoryPlot::showRule(const HistoryChart::Content& content) {
     ruleText_->setText(QString::fromStdString(limitText(*content.limit)));
     ruleText_->setFont(annotationFont());
     ruleText_->setColor(content.ruleText);
-    ruleText_->setBrush(palette().color(QPalette::Window));
+    ruleText_->plate = palette().color(QPalette::Window);
     ruleText_->position->setCoords(1, limit);
 }
 

@@ -53,7 +53,7 @@ int largestHeight(const QScreen& screen) {
     return screen.availableGeometry().height() - (isWayland ? thickestPanel : 0);
 }
 
-constexpr int scrollBarGap = 2; ///< between the scroll bar and the sides
+constexpr int scrollBarGap = (popoverPadding - ThinScrollBar::thickness) / 2; ///< in the middle of the padding
 
 /// Brings the layouts of everything inside up to date, from the innermost to its own. By themselves they tell each
 /// other by events, one level on each turn of the main loop, and the window would be of a wrong height meanwhile.
@@ -66,27 +66,30 @@ void updateLayouts(const QWidget& widget) {
         layout->activate();
 }
 
-/// A line around the card, drawn on top of its content.
-class Border final : public QWidget {
+} // namespace
+
+/// A line around the card, drawn on top of its content. It is as large as the window, since the edges of a card are on
+/// other pixels than those of a widget where these have fractions.
+class Popover::Border final : public QWidget {
 public:
     explicit Border(QWidget* parent) : QWidget(parent) { setAttribute(Qt::WA_TransparentForMouseEvents); }
+
+    QRect card;
 
 protected:
     void paintEvent(QPaintEvent* /*event*/) override {
         QColor line = palette().color(QPalette::WindowText);
-        line.setAlpha(60);
+        if (!hasHighContrast(palette()))
+            line.setAlpha(60);
         QPainter painter(this);
         const double width = 1 / devicePixelRatioF();
         const double half = width / 2; // a pen straddles its line
-        const bool isRound = window()->testAttribute(Qt::WA_TranslucentBackground);
-        painter.setRenderHint(QPainter::Antialiasing, isRound);
+        const double radius = window()->testAttribute(Qt::WA_TranslucentBackground) ? cardRadius - half : 0;
+        painter.setRenderHint(QPainter::Antialiasing, radius > 0);
         painter.setPen(QPen(line, width));
-        painter.drawRoundedRect(QRectF(rect()).adjusted(half, half, -half, -half), isRound ? cardRadius - half : 0,
-                                isRound ? cardRadius - half : 0);
+        painter.drawRoundedRect(onDevicePixels(painter, card).adjusted(half, half, -half, -half), radius, radius);
     }
 };
-
-} // namespace
 
 Popover::Popover(DesktopWindows* desktop)
     : QWidget(nullptr, popoverFlags())
@@ -176,7 +179,8 @@ void Popover::place() {
     const QSize size(popoverWidth, std::min(wanted, largestHeight(*screen)));
     setFixedSize(size + 2 * QSize(shadow_, shadow_));
     area_->setGeometry(card());
-    border_->setGeometry(card());
+    border_->setGeometry(rect());
+    border_->card = card();
     const QRect side = card().marginsRemoved({scrollBarGap, scrollBarGap, scrollBarGap, scrollBarGap});
     scrollBar_->setGeometry(isRightToLeft() ? side.left() : side.right() + 1 - ThinScrollBar::thickness, side.top(),
                             ThinScrollBar::thickness, side.height());

@@ -49,10 +49,12 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
+    class Border;
+
     DesktopWindows* desktop_;
     QScrollArea* area_;
     ThinScrollBar* scrollBar_;
-    QWidget* border_;
+    Border* border_;
     KeyboardFocus* keyboardFocus_;
     int shadow_ = 0; ///< how far the window reaches beyond the card, on each side
     std::optional<ScreenPoint> point_;

@@ -15,12 +15,12 @@
 #include "views/popover/RingView.h"
 #include "views/popover/SegmentedPicker.h"
 #include "views/style/Accessibility.h"
+#include "views/style/BalancedLabel.h"
 #include "views/style/FlatStyle.h"
 #include "views/style/ViewStyle.h"
 #include "views/text/TimeText.h"
 
 #include <QEvent>
-#include <QFrame>
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
@@ -37,6 +37,7 @@ constexpr int spacing = 14;
 constexpr int headerSpacing = 4; ///< between the texts beside the ring
 constexpr int headerRoom = popoverWidth - 2 * popoverPadding - RingView::frame - spacing; ///< for each of them
 constexpr int chartHeight = 110;
+constexpr int noBatterySize = 44; ///< about that of a glyph in a font of 36; twice the grid that it is drawn on
 constexpr std::size_t mostDetails = 4;
 
 QLabel* makeLabel(const char* name, QWidget* parent) {
@@ -47,10 +48,25 @@ QLabel* makeLabel(const char* name, QWidget* parent) {
 }
 
 QLabel* makeWrappingLabel(const char* name, QWidget* parent) {
-    QLabel* label = makeLabel(name, parent);
-    label->setWordWrap(true);
+    auto* label = new BalancedLabel({}, parent);
+    label->setObjectName(QLatin1String(name));
     return label;
 }
+
+/// A line across, one device pixel thick.
+class Divider final : public QWidget {
+public:
+    explicit Divider(QWidget* parent) : QWidget(parent) {
+        setObjectName(QStringLiteral("divider"));
+        setFixedHeight(1);
+    }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        drawHairline(painter, 0, width(), 0, palette());
+    }
+};
 
 template <class Layout>
 Layout* makeLayout(QWidget* widget, int gap) {
@@ -207,11 +223,7 @@ QWidget* PopoverView::makeCycles() {
 QWidget* PopoverView::makeFooter(std::function<void()> quit) {
     auto* footer = new QWidget(this);
     auto* column = makeLayout<QVBoxLayout>(footer, 8);
-    divider_ = new QFrame(footer);
-    divider_->setFrameShape(QFrame::HLine);
-    divider_->setFrameShadow(QFrame::Plain);
-    divider_->setFixedHeight(1);
-    column->addWidget(divider_);
+    column->addWidget(new Divider(footer));
     note_ = makeWrappingLabel("note", footer);
     column->addWidget(note_);
     auto* buttons = new QHBoxLayout;
@@ -250,14 +262,8 @@ void PopoverView::rebuild() {
     const Date now = platform_.clock.now();
     noBattery_->setVisible(!state.hasBattery);
     battery_->setVisible(state.hasBattery);
-    if (const QColor line = hairlineColor(palette()); divider_->palette().color(QPalette::WindowText) != line) {
-        QPalette colors = palette();
-        colors.setColor(QPalette::WindowText, line);
-        divider_->setPalette(colors);
-    }
     setText(note_, QStringLiteral("Velmora can only remind you. A Mac app cannot stop the charger."),
             TextStyle::caption2, Tint::secondary);
-    balance(note_, popoverWidth - 2 * popoverPadding);
     if (!state.hasBattery) {
         showNoBattery();
         return;
@@ -270,7 +276,7 @@ void PopoverView::rebuild() {
 }
 
 void PopoverView::showNoBattery() {
-    noBatterySymbol_->setPixmap(glyph("battery.0", 36, color(Tint::secondary), devicePixelRatioF()));
+    noBatterySymbol_->setPixmap(glyph("battery.0", noBatterySize, color(Tint::secondary), devicePixelRatioF()));
     setText(noBatteryTitle_, QStringLiteral("No battery found"), TextStyle::headline, Tint::primary);
     setText(noBatteryNote_, QStringLiteral("This Mac does not report a battery, so Velmora stays quiet."),
             TextStyle::caption, Tint::secondary);
@@ -282,7 +288,6 @@ void PopoverView::showHeader(const BatteryState& state, Date now) {
     ring_->setAccessibleName(QString::fromStdString(ringDescription(state)));
     setAccessibleName(ring_->accessibleName()); // it gets the focus first, so screen readers read this when it opens
     setText(state_, QString::fromStdString(state.stateText()), TextStyle::headline, Tint::primary);
-    balance(state_, headerRoom);
     const std::optional<std::string> pluggedIn = pluggedInText(model.pluggedSince.get(), now);
     pluggedIn_->setVisible(pluggedIn.has_value());
     setText(pluggedIn_, QString::fromStdString(pluggedIn.value_or("")), TextStyle::caption, Tint::secondary);
@@ -362,16 +367,6 @@ void PopoverView::setText(QLabel* label, const QString& text, TextStyle style, T
         label->setFont(wanted);
     if (label->text() != text)
         label->setText(text);
-}
-
-void PopoverView::balance(QLabel* label, int room) {
-    // Worked out again only for another text or font: that costs several layouts of the text.
-    const QString now = label->font().key() + label->text();
-    if (label->property("balancedFor") == now)
-        return;
-    label->setProperty("balancedFor", now);
-    const int spare = room - balancedWidth(label->text(), label->font(), room);
-    label->setContentsMargins(isRightToLeft() ? spare : 0, 0, isRightToLeft() ? 0 : spare, 0);
 }
 
 void PopoverView::setRow(const Row& row, const QString& label, const QString& value, Tint tint) {

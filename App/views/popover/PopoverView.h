@@ -19,7 +19,6 @@ class GaugeBar;
 class HistoryChart;
 class LinkButton;
 class QBoxLayout;
-class QFrame;
 class QLabel;
 class RingView;
 class SegmentedPicker;
@@ -64,7 +63,6 @@ private:
     bool isQueued_ = false;
 
     FlatStyle* flat_;
-    QFrame* divider_;
     QWidget* noBattery_;
     QLabel* noBatterySymbol_;
     QLabel* noBatteryTitle_;
@@ -104,6 +102,5 @@ private:
     void showChart(Date now);
     QColor color(Tint tint, Use use = Use::text) const;
     void setText(QLabel* label, const QString& text, TextStyle style, Tint tint);
-    void balance(QLabel* label, int room);
     void setRow(const Row& row, const QString& label, const QString& value, Tint tint);
 };

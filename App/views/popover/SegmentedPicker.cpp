@@ -65,7 +65,8 @@ protected:
             painter.setBrush(Qt::NoBrush);
             painter.drawRoundedRect(pill, radius - inset, radius - inset);
         }
-        painter.setPen(palette().color(QPalette::WindowText));
+        painter.setPen(isChecked() ? palette().color(QPalette::WindowText)
+                                   : tintColorOn(troughColor(palette()), Tint::secondary, palette()));
         painter.setLayoutDirection(textDirection);
         painter.drawText(rect(), Qt::AlignCenter, fontMetrics().elidedText(text(), Qt::ElideRight, width() - 8));
     }
@@ -93,8 +94,5 @@ SegmentedPicker::SegmentedPicker(const QStringList& choices, QWidget* parent) : 
 
 void SegmentedPicker::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(troughColor(palette()));
-    painter.drawRoundedRect(rect(), radius, radius);
+    drawFilling(painter, rect(), palette(), Filling::rest, false);
 }

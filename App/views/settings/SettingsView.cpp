@@ -12,6 +12,7 @@
 #include "views/settings/StepperBox.h"
 #include "views/settings/TimeBox.h"
 #include "views/settings/ToggleSwitch.h"
+#include "views/style/BalancedLabel.h"
 #include "views/style/FlatStyle.h"
 #include "views/style/ViewStyle.h"
 
@@ -35,17 +36,20 @@ class Card final : public QWidget {
 public:
     explicit Card(QWidget* parent) : QWidget(parent) {
         auto* layout = new QVBoxLayout(this);
-        layout->setContentsMargins(0, 3, 0, 3);
-        layout->setSpacing(0);
+        layout->setContentsMargins(0, 1, 0, 1); // the outline, and lines between the rows
+        layout->setSpacing(1);
     }
 
 protected:
     void paintEvent(QPaintEvent* /*event*/) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(hairlineColor(palette()));
+        const double width = 1 / devicePixelRatioF();
+        const double half = width / 2;
+        painter.setPen(QPen(hairlineColor(palette()), width));
         painter.setBrush(palette().color(QPalette::Base));
-        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 8, 8);
+        painter.drawRoundedRect(onDevicePixels(painter, rect()).adjusted(half, half, -half, -half), controlRadius,
+                                controlRadius);
         painter.setRenderHint(QPainter::Antialiasing, false);
         bool isFirst = true;
         for (const QObject* child : children()) {
@@ -53,7 +57,7 @@ protected:
             if (row == nullptr || !row->isVisible())
                 continue;
             if (!isFirst)
-                painter.drawLine(rowMargin, row->y(), width() - rowMargin, row->y());
+                drawHairline(painter, rowMargin, this->width() - rowMargin, row->y() - 1, palette());
             isFirst = false;
         }
     }
@@ -119,8 +123,6 @@ void SettingsView::addRow(QBoxLayout* section, QLabel* label, QWidget* control) 
     const int room = control->property("roomAround").toInt(); // so that what is seen of it ends where the others do
     line->setContentsMargins(rowMargin, 5, rowMargin - room, 5);
     label->setParent(row);
-    label->setWordWrap(true);
-    label->setTextFormat(Qt::PlainText);
     label->setBuddy(control);
     control->setParent(row);
     control->setAccessibleName(label->text());
@@ -130,7 +132,7 @@ void SettingsView::addRow(QBoxLayout* section, QLabel* label, QWidget* control) 
 }
 
 void SettingsView::addControl(QBoxLayout* section, const SettingsControl& control) {
-    auto* label = new QLabel(toQString(control.label));
+    auto* label = new BalancedLabel(toQString(control.label));
     label->setObjectName(toQString(control.key) + QLatin1String("Label"));
     QWidget* widget = nullptr;
     switch (control.kind) {
@@ -221,7 +223,7 @@ void SettingsView::addGeneral() {
     launchAtLogin_ = new ToggleSwitch;
     launchAtLogin_->setObjectName(QStringLiteral("launchAtLogin"));
     connect(launchAtLogin_, &ToggleSwitch::clicked, this, [this](bool on) { setLaunchAtLogin(on); });
-    addRow(general, new QLabel(QStringLiteral("Launch at Login")), launchAtLogin_);
+    addRow(general, new BalancedLabel(QStringLiteral("Launch at Login")), launchAtLogin_);
     loginError_ = addNote(general, "loginError", {});
     loginError_->setVisible(false);
     const auto addButton = [&](const char* name, const QString& label, auto action) {
@@ -252,10 +254,8 @@ void SettingsView::addGeneral() {
 }
 
 QLabel* SettingsView::addNote(QBoxLayout* section, const char* name, const QString& words) {
-    auto* note = new QLabel(words, section->parentWidget());
+    auto* note = new BalancedLabel(words, section->parentWidget());
     note->setObjectName(QLatin1String(name));
-    note->setTextFormat(Qt::PlainText);
-    note->setWordWrap(true);
     note->setContentsMargins(rowMargin, 6, rowMargin, 6);
     section->addWidget(note);
     notes_.push_back(note);

@@ -68,7 +68,7 @@ SettingsWindow::SettingsWindow(QWidget* form, DesktopWindows* desktop)
     layout->addWidget(area_);
     const QRect available = screen()->availableGeometry();
     setFixedSize(windowWidth, std::min(windowHeight, available.height() - titleBar));
-    constexpr int gap = 4; ///< between the scroll bar and the sides
+    constexpr int gap = 6; ///< between the scroll bar and the sides, which puts it in the middle of the margin
     scrollBar_->setGeometry(isRightToLeft() ? gap : width() - gap - ThinScrollBar::thickness, gap,
                             ThinScrollBar::thickness, height() - 2 * gap);
     scrollBar_->raise();

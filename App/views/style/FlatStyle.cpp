@@ -15,6 +15,7 @@ namespace {
 
 constexpr int leastHeight = 28;
 constexpr int padding = 12;     ///< beside a text
+constexpr int listPadding = 10; ///< beside the text of a list, as beside the signs of a number
 constexpr int buttonWidth = 28; ///< of minus, plus and the mark of a list
 constexpr int fieldWidth = 116; ///< least, the same for all fields
 
@@ -131,7 +132,8 @@ QRect FlatStyle::subControlRect(ComplexControl control, const QStyleOptionComple
     if (control == CC_ComboBox && part == SC_ComboBoxArrow)
         return isMirrored ? start : end;
     if (control == CC_ComboBox && part == SC_ComboBoxEditField)
-        return isMirrored ? all.adjusted(buttonWidth, 0, -padding, 0) : all.adjusted(padding, 0, -buttonWidth, 0);
+        return isMirrored ? all.adjusted(buttonWidth, 0, -listPadding, 0)
+                          : all.adjusted(listPadding, 0, -buttonWidth, 0);
     return QProxyStyle::subControlRect(control, option, part, widget);
 }
 

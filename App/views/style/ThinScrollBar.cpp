@@ -33,13 +33,16 @@ void ThinScrollBar::paintEvent(QPaintEvent* /*event*/) {
     // Drawn where the style expects the handle, since that is where it can be grabbed.
     const QRect handle = style()->subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarSlider, this);
     const QColor window = palette().color(QPalette::Window);
-    const QColor color = isSliderDown() || underMouse() ? mixed(palette().color(QPalette::WindowText), window, 0.7)
-                                                        : shapeColorOn(window, palette());
+    const bool isTouched = isSliderDown() || underMouse();
+    const double spare = isTouched ? 0 : 1.5;
+    const QColor color =
+        isTouched ? mixed(palette().color(QPalette::WindowText), window, 0.7) : shapeColorOn(window, palette());
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(color);
-    painter.drawRoundedRect(QRectF(handle & rect()), thickness / 2.0, thickness / 2.0);
+    const QRectF drawn = QRectF(handle & rect()).adjusted(spare, 0, -spare, 0);
+    painter.drawRoundedRect(drawn, drawn.width() / 2, drawn.width() / 2);
 }
 
 void ThinScrollBar::enterEvent(QEnterEvent* event) {

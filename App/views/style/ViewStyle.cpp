@@ -34,16 +34,8 @@ double luminance(const QColor& color) {
     return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
 }
 
-bool isBlackAndWhite(const QPalette& palette) {
-    constexpr double most = 20.9; // of 21, black and white exactly
-    // On Qt's own palette a white card with black text is one, too, but its buttons are grey.
-    const QColor window = palette.color(QPalette::Window);
-    return palette.color(QPalette::Active, QPalette::Button) == window &&
-           contrast(palette.color(QPalette::WindowText), window) > most;
-}
-
 double leastContrast(const QPalette& palette, Use use) {
-    if (isBlackAndWhite(palette))
+    if (hasHighContrast(palette))
         return use == Use::text ? 7 : 4.5;
     return use == Use::text ? 4.5 : 3;
 }
@@ -122,20 +114,29 @@ void drawShadow(QPainter& painter, const QRectF& card) {
     side(inner.topRight(), inner.bottomRight(), {1, 0});
 }
 
-/// Whether a line, but for the last one, ends with a word of one letter, as with "A".
-bool endsALineWithALetter(const QString& text, const QFont& font, int width) {
+/// Whether a line, but for the last one, ends with a word of one letter, as with "A", or with a number, whose unit is
+/// in the next line then.
+bool breaksBadly(const QString& text, const QFont& font, int width) {
     QTextLayout layout(text, font);
     layout.beginLayout();
     for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
         line.setLineWidth(width);
         const qsizetype end = line.textStart() + line.textLength(); // with the space
-        if (end < text.size() && end >= 3 && text.at(end - 3).isSpace())
+        if (end < text.size() && end >= 3 && (text.at(end - 3).isSpace() || text.at(end - 2).isDigit()))
             return true;
     }
     return false;
 }
 
 } // namespace
+
+bool hasHighContrast(const QPalette& palette) {
+    constexpr double most = 20.9; // of 21, black and white exactly
+    // On Qt's own palette a white card with black text is one, too, but its buttons are grey.
+    const QColor window = palette.color(QPalette::Window);
+    return palette.color(QPalette::Active, QPalette::Button) == window &&
+           contrast(palette.color(QPalette::WindowText), window) > most;
+}
 
 QFont textFont(TextStyle style) {
     QFont font = QGuiApplication::font();
@@ -168,7 +169,7 @@ int balancedWidth(const QString& text, const QFont& font, int room) {
              : tooNarrow) = middle;
     }
     constexpr int step = 4;
-    while (enough < room && endsALineWithALetter(text, font, enough))
+    while (enough < room && breaksBadly(text, font, enough))
         enough = std::min(room, enough + step);
     return enough;
 }
@@ -199,13 +200,26 @@ void drawFloatingCard(QPainter& painter, const QRectF& card, const QPalette& pal
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(palette.color(QPalette::Window));
-    painter.drawRoundedRect(card, cardRadius, cardRadius);
+    painter.drawRoundedRect(onDevicePixels(painter, card), cardRadius, cardRadius);
     painter.restore();
 }
 
 QColor hairlineColor(const QPalette& palette) {
-    const double share = isBlackAndWhite(palette) ? 1 : 0.12;
+    const double share = hasHighContrast(palette) ? 1 : 0.12;
     return mixed(palette.color(QPalette::Active, QPalette::WindowText), cardColor(palette), share);
+}
+
+QRectF onDevicePixels(const QPainter& painter, const QRectF& place) {
+    const QTransform toDevice = painter.deviceTransform();
+    const QRectF exact = toDevice.mapRect(place);
+    const QPointF start(std::round(exact.left()), std::round(exact.top()));
+    const QPointF end(std::round(exact.right()), std::round(exact.bottom()));
+    return toDevice.inverted().mapRect(QRectF(start, end));
+}
+
+void drawHairline(QPainter& painter, double left, double right, double y, const QPalette& palette) {
+    const double thickness = 1 / painter.deviceTransform().m22();
+    painter.fillRect(onDevicePixels(painter, {left, y, right - left, thickness}), hairlineColor(palette));
 }
 
 QColor fillColor(const QPalette& palette, Filling filling) {
@@ -222,7 +236,7 @@ void drawFilling(QPainter& painter, const QRectF& place, const QPalette& palette
     painter.setBrush(Qt::NoBrush);
     if (hasRing)
         painter.setPen(QPen(tintColorOn(cardColor(palette), Tint::accent, palette, Use::graphics), 2));
-    else if (isBlackAndWhite(palette))
+    else if (hasHighContrast(palette))
         painter.setPen(shapeColorOn(cardColor(palette), palette));
     const double inset = hasRing ? 1 : 0.5;
     painter.drawRoundedRect(place.adjusted(inset, inset, -inset, -inset), controlRadius - inset, controlRadius - inset);

@@ -65,6 +65,15 @@ void drawFloatingCard(QPainter& painter, const QRectF& card, const QPalette& pal
 /// The hairlines between rows, and around a card.
 QColor hairlineColor(const QPalette& palette);
 
+/// Draws such a line across: one device pixel thick, at every scale.
+void drawHairline(QPainter& painter, double left, double right, double y, const QPalette& palette);
+
+/// The rectangle with its sides between device pixels, so that none of them is blurred.
+QRectF onDevicePixels(const QPainter& painter, const QRectF& place);
+
+/// Whether everything is to stand out: the desktop's high contrast.
+bool hasHighContrast(const QPalette& palette);
+
 /// How a control is filled: as it is, below the pointer, pressed.
 enum class Filling { rest, hover, pressed };
 
