@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 namespace {
 
@@ -14,23 +13,29 @@ constexpr double staleRateSeconds = 300; ///< a rate that was not reported for t
 
 // What follows was measured with benchmarks/TimeEstimateBenchmark.cpp; a quarter more or less changes little.
 
-/// The time after which 63 % of a step in the reported rate is taken over.
-constexpr double smoothingSeconds = 180;
+/// The reported rate is averaged over so long, and its first value counts as if it had lasted for so long.
+constexpr double reportedSeconds = 300;
+constexpr double firstReportSeconds = 120;
 
-/// What flowed in this time counts more than the reported rate. What earlier runs have shown counts as much.
-constexpr double leastWindowSeconds = 900;
+/// What flowed in this time outweighs the reported rate.
+constexpr double trustedSeconds = 900;
 
-/// The more hours one promises, the more hours one has to have seen: as many as are left, and at most so many.
-constexpr double mostWindowSeconds = 4 * 3600.0;
+/// The mean of what flowed forgets as if it covered so long; hours cannot be promised by a quarter of an hour.
+constexpr double meanSeconds = 3600;
+
+/// What earlier runs have shown counts as if it had lasted for so long.
+constexpr double earlierSeconds = 1800;
 
 /// The mean of so many seconds is compared with the earlier ones: is it a load that was there before?
 constexpr double recentSeconds = 240;
 
-/// In the first half hour of a run, any mean may be new.
-constexpr double youngSeconds = 1800;
-
 /// Rates that differ by less than this factor are of one kind.
 constexpr double tolerance = 1.4;
+
+/// On battery, so are means of some minutes. A young run has shown little of what it does, so this many seconds divided
+/// by its age are added to the factor: it is 2 after 50 minutes, 1.5 after two hours.
+constexpr double meanTolerance = 1.2;
+constexpr double youngSeconds = 2400;
 
 /// An amount that moves faster than this many times the reported rate was corrected by the gauge. Measured with a gauge
 /// that drops 3 % at once: the time errs by 2.6 %, by 4.5 % if the drop counts as load, and now / rate by 2.9 %; 3 and
@@ -39,7 +44,7 @@ constexpr double impossiblyFast = 10;
 
 /// Few chargers fill less than this part of a battery in an hour. A lower rate at the start is more likely to be that
 /// of a busy moment, and told at face value it would promise a whole day.
-constexpr double usualCharge = 1 / 8.0;
+constexpr double usualCharge = 1 / 6.0;
 
 constexpr double leastSlope = 1; ///< of the taper; no pack that works tapers from the middle on
 
@@ -61,7 +66,7 @@ std::size_t index(TimeEstimate::Flow flow) {
 std::optional<std::int64_t> wholeMinutes(double hours, double most) {
     if (!(hours >= 0 && hours <= most))
         return std::nullopt;
-    return static_cast<std::int64_t>(std::floor(hours * 60));
+    return static_cast<std::int64_t>(hours * 60);
 }
 
 } // namespace
@@ -76,8 +81,8 @@ void TimeEstimate::Range::add(double value) {
     highest = std::max(highest, value);
 }
 
-bool TimeEstimate::Range::allows(double value) const {
-    return highest == 0 || (value * tolerance >= lowest && value <= highest * tolerance);
+bool TimeEstimate::Range::allows(double value, double factor) const {
+    return highest == 0 || (value * factor >= lowest && value <= highest * factor);
 }
 
 bool TimeEstimate::continues(const Reading& reading) const {
@@ -98,7 +103,7 @@ void TimeEstimate::begin(const Reading& reading) {
     }
     start_ = reading.uptime;
     readings_ = 0;
-    smoothed_.reset();
+    reported_ = {};
     first_.reset();
     counted_.reset();
     step_ = 0;
@@ -111,7 +116,7 @@ void TimeEstimate::begin(const Reading& reading) {
     if (known.shown.seconds == 0)
         known = usual(reading);
     else
-        known.mean = {known.shown.rate, std::min(known.shown.seconds, leastWindowSeconds)};
+        known.mean = {known.shown.rate, std::min(known.shown.seconds, earlierSeconds)};
 }
 
 TimeEstimate::Known TimeEstimate::usual(const Reading& reading) {
@@ -121,7 +126,7 @@ TimeEstimate::Known TimeEstimate::usual(const Reading& reading) {
         return {};
     const double rate = usualCharge * *reading.full;
     const Range below{0, rate / tolerance};
-    return {.mean = {rate, leastWindowSeconds}, .shown = {}, .means = below, .reported = below};
+    return {.mean = {rate, trustedSeconds}, .shown = {}, .means = below, .reported = below};
 }
 
 bool TimeEstimate::teaches(const Reading& reading) const {
@@ -149,18 +154,15 @@ double TimeEstimate::moved(const Amount& since) const {
 }
 
 void TimeEstimate::smooth(const Reading& reading, double rate) {
+    // A rate near 0 is firmware's way of saying that it does not know; it counts only after a real one.
+    const bool isFirst = reported_.seconds == 0;
+    if (isFirst && rate < reading.slowest)
+        return;
     const bool mayTaper = reading.flow == Flow::charging && reading.full;
     const double share = mayTaper ? taper_.share(missing(*reading.now)) : 1;
-    if (smoothed_) {
-        const double seconds = (reading.uptime - smoothedAt_).count();
-        *smoothed_ += (rate / share - *smoothed_) * (1 - std::exp(-seconds / smoothingSeconds));
-    } else if (rate >= reading.slowest) {
-        // A rate near 0 is firmware's way of saying that it does not know; it counts only after a real one.
-        smoothed_ = rate / share;
-    } else {
-        return;
-    }
-    smoothedAt_ = reading.uptime;
+    const double lasted = isFirst ? firstReportSeconds : (reading.uptime - reportedAt_).count();
+    reported_.add(rate / share, lasted, reportedSeconds);
+    reportedAt_ = reading.uptime;
     if (!isYoung_ && teaches(reading))
         known_[index(reading.flow)].reported.add(rate);
 }
@@ -181,43 +183,37 @@ void TimeEstimate::learnTaper(double missing, double now, double plateau) {
 
 void TimeEstimate::follow(const Reading& reading, Known& known) {
     const Amount here{reading.uptime, *reading.now};
-    if (!first_) {
-        first_ = here;
-        latest_ = here.now;
-    }
+    if (!first_)
+        first_ = latest_ = here;
     // Coarse steps last for minutes, so that only an amount that has just changed tells what has flowed.
-    if (std::exchange(latest_, here.now) == here.now)
+    if (latest_.now == here.now)
         return;
+    latest_ = here;
     const Amount since = counted_.value_or(*first_);
     const double hours = (here.uptime - since.uptime).count() / 3600;
     // QUIRK: some firmware holds the amount at "full" for a while after unplugging, and a coarse step may have begun at
     // any time. How long the first amount lasts says nothing about the load, so count from the first change.
     // QUIRK: gauges correct themselves by some percent at once. That is not load, either.
-    const bool isCorrection = smoothed_ && *smoothed_ >= reading.slowest &&
-                              std::abs(here.now - since.now) > impossiblyFast * *smoothed_ * hours;
-    const double amount = moved(since);
-    const bool counts = counted_ && !isCorrection && amount > 0;
-    if (counts && hours < deriveSeconds / 3600)
+    const bool isCorrection =
+        !isDead(reading) && std::abs(here.now - since.now) > impossiblyFast * reported_.rate * hours;
+    if (counted_ && !isCorrection && hours < deriveSeconds / 3600)
         return;
+    const double amount = counted_ && !isCorrection ? moved(since) : 0;
     counted_ = here;
-    if (!counts)
+    if (amount <= 0)
         return;
     step_ = amount;
-    count(reading, known, amount / hours, hours * 3600);
-}
-
-void TimeEstimate::count(const Reading& reading, Known& known, double rate, double seconds) {
-    const double asked = known.mean.seconds > 0 ? left(reading) / known.mean.rate * 3600 : 0;
-    known.mean.add(rate, seconds, std::clamp(asked, leastWindowSeconds, mostWindowSeconds));
+    known.mean.add(amount / hours, hours * 3600, meanSeconds);
     if (teaches(reading))
         known.shown = known.mean;
-    recent_.add(rate, seconds, std::numeric_limits<double>::max());
+    recent_.add(amount / hours, hours * 3600, std::numeric_limits<double>::max());
     if (recent_.seconds < recentSeconds)
         return;
     // Was it ever like this before? If not, it has changed, perhaps for good, and what was before says nothing. But a
     // charge that slows down is beside a busy machine, and that passes.
-    const bool maySlowDown = reading.flow == Flow::charging && recent_.rate < known.means.lowest;
-    if (!known.means.allows(recent_.rate) && !maySlowDown && (reading.uptime - start_).count() > youngSeconds)
+    const bool isCharging = reading.flow == Flow::charging;
+    const double factor = isCharging ? tolerance : meanTolerance + youngSeconds / (reading.uptime - start_).count();
+    if (!known.means.allows(recent_.rate, factor) && (!isCharging || recent_.rate > known.means.highest))
         known.mean = recent_;
     if (teaches(reading))
         known.means.add(recent_.rate);
@@ -225,44 +221,56 @@ void TimeEstimate::count(const Reading& reading, Known& known, double rate, doub
     isYoung_ = false;
 }
 
+bool TimeEstimate::isDead(const Reading& reading) const {
+    return reported_.seconds == 0 || reported_.rate < reading.slowest;
+}
+
 std::optional<double> TimeEstimate::currentRate(const Reading& reading) {
     if (reading.rate)
         smooth(reading, along(reading.flow, *reading.rate));
-    else if (smoothed_ && (reading.uptime - smoothedAt_).count() > staleRateSeconds)
-        smoothed_.reset();
+    else if ((reading.uptime - reportedAt_).count() > staleRateSeconds)
+        reported_ = {};
     Known& known = known_[index(reading.flow)];
     follow(reading, known);
-    // A reported rate that has died down says no more than a missing one.
-    const bool isDead = !smoothed_ || *smoothed_ < reading.slowest;
+    const bool isReported = !isDead(reading);
     // A run may begin with another load or charger than the last one.
-    if (isYoung_ && !isDead && !known.reported.allows(*smoothed_)) {
+    if (isYoung_ && isReported && !known.reported.allows(reported_.rate, tolerance)) {
         known = usual(reading);
-        if (!known.reported.allows(*smoothed_))
+        if (!known.reported.allows(reported_.rate, tolerance))
             known = {};
     }
     Mean mean = known.mean;
     const auto since = [&](const Amount& amount) { return (reading.uptime - amount.uptime).count(); };
     // Until the amount has moved, a machine that reports no rate is likely to do what it did, but not for ever.
-    if (isDead && step_ == 0 && (known.shown.seconds == 0 || since(*first_) >= leastWindowSeconds)) {
-        if (since(*first_) < deriveSeconds)
+    if (!isReported && step_ == 0 && (known.shown.seconds == 0 || since(*first_) >= trustedSeconds)) {
+        const double seconds = since(*first_);
+        if (seconds < deriveSeconds)
             return std::nullopt;
-        mean = {};
-        mean.add(moved(*first_) * 3600 / since(*first_), since(*first_), leastWindowSeconds);
+        // The next step of a coarse gauge may well take as long as the first.
+        mean = {moved(*first_) * 3600 / std::max(seconds / 2, seconds - since(latest_)), seconds};
     } else if (step_ > 0 && mean.rate * since(*counted_) > 3600 * step_) {
         // The next step is overdue: the rate can be no higher than if it came now.
         const double most = (moved(*counted_) + step_) * 3600 / since(*counted_);
-        mean.add(std::min(most, mean.rate), since(*counted_), std::max(mean.seconds, leastWindowSeconds));
+        mean.add(std::min(most, mean.rate), since(*counted_), std::max(mean.seconds, trustedSeconds));
     }
     // What has flowed also covers what happened between the readings, and is right where firmware rounds the rate or
     // reports it late.
     double rate = mean.rate;
-    if (!isDead)
-        rate += (*smoothed_ - rate) * std::max(0.0, 1 - mean.seconds / leastWindowSeconds);
+    if (isReported)
+        rate += (reported_.rate - rate) * std::max(0.0, 1 - mean.seconds / trustedSeconds);
     if (rate <= 0 || rate < reading.slowest)
         return std::nullopt;
     if (reading.flow == Flow::charging && reading.full)
-        learnTaper(missing(*reading.now), (isDead ? rate : *smoothed_) / *reading.full, rate / *reading.full);
+        learnTaper(missing(*reading.now), (isReported ? reported_.rate : rate) / *reading.full, rate / *reading.full);
     return rate;
+}
+
+double TimeEstimate::hoursLeft(const Reading& reading, double rate) const {
+    // Between two steps of a coarse gauge it flows on unseen, so that the time would stand still and then drop. On the
+    // average, half a step is left when the amount changes.
+    const double step = step_ / rate;
+    const double unseen = (reading.uptime - latest_.uptime).count() / 3600;
+    return std::max(0.0, left(reading) / rate + step / 2 - std::min(unseen, step));
 }
 
 double TimeEstimate::steady(const Reading& reading, double hours) {
@@ -292,7 +300,7 @@ TimeEstimate::Minutes TimeEstimate::update(const Reading& reading) {
     const auto rate = currentRate(reading);
     if (!rate || age < settleSeconds || readings_ < 2)
         return {};
-    const double hours = steady(reading, left(reading) / *rate);
+    const double hours = steady(reading, hoursLeft(reading, *rate));
     if (reading.flow == Flow::discharging)
         return {.toEmpty = wholeMinutes(hours, mostHoursToEmpty), .toFull = std::nullopt};
     return {.toEmpty = std::nullopt, .toFull = wholeMinutes(hours, mostHoursToFull)};

@@ -11,8 +11,8 @@
 #include <string>
 
 /// Estimates how long the battery lasts, or takes to fill, from successive readings. The momentary rate jumps with
-/// every web page that loads, so it is averaged over what really flowed, the longer the more is left, unless the load
-/// has changed; and a battery that is nearly full takes less. The time told runs like a clock, which is corrected
+/// every web page that loads, so it is averaged over what really flowed in the last hours, unless the load has
+/// changed; and a battery that is nearly full takes less. The time told runs like a clock, which is corrected
 /// slowly while it is nearly right. No time is given until it can be trusted.
 class TimeEstimate {
 public:
@@ -62,12 +62,12 @@ private:
         void add(double value, double lasted, double most);
     };
 
-    /// The lowest and the highest rate seen; nothing at first.
+    /// The lowest and the highest rate seen; nothing at first, and then all others are allowed.
     struct Range {
         double lowest = std::numeric_limits<double>::max();
         double highest = 0;
         void add(double rate);
-        bool allows(double rate) const; ///< whether it is among them, with some tolerance; true if there are none
+        bool allows(double rate, double factor) const; ///< whether it is among them, or differs by no more
     };
 
     /// What all runs in one direction have shown. Rates while charging are those of the plateau.
@@ -83,12 +83,12 @@ private:
     Duration start_{};
     int readings_ = 0;
     bool settling_ = false;
-    std::optional<double> smoothed_; ///< the reported rate
-    Duration smoothedAt_{};
+    Mean reported_; ///< by firmware
+    Duration reportedAt_{};
     std::optional<Amount> first_;   ///< the first trusted amount of this run
     std::optional<Amount> counted_; ///< the change up to which `known_` counts what flowed
-    double latest_ = 0;             ///< the amount of the reading before
-    double step_ = 0;               ///< what flowed last
+    Amount latest_{};               ///< when the amount changed last
+    double step_ = 0;               ///< what flowed last, in a minute or in a step of a coarse gauge
     Mean recent_;                   ///< of the last minutes
     bool isYoung_ = true;           ///< until `recent_` has covered enough of them once
     std::array<Known, 3> known_;    ///< for each flow
@@ -108,7 +108,8 @@ private:
     void smooth(const Reading& reading, double rate);
     void learnTaper(double missing, double now, double plateau);
     void follow(const Reading& reading, Known& known);
-    void count(const Reading& reading, Known& known, double rate, double seconds);
+    bool isDead(const Reading& reading) const; ///< a reported rate that has died down says no more than a missing one
     std::optional<double> currentRate(const Reading& reading);
+    double hoursLeft(const Reading& reading, double rate) const;
     double steady(const Reading& reading, double hours);
 };
