@@ -233,6 +233,12 @@ TEST_F(TimeEstimateTest, DerivesNothingFromAnAmountThatMovesTheWrongWay) {
     EXPECT_EQ(charging.update(filling(70, 21'000, std::nullopt)), unknown);
 }
 
+TEST_F(TimeEstimateTest, ARateOfNothingIsNoFirstRate) {
+    estimate.update(draining(0, 50'000, 0));
+    EXPECT_EQ(estimate.update(draining(10, 50'000, 0)), unknown);
+    EXPECT_EQ(estimate.update(draining(15, 50'000, 10'000)), toEmpty(300));
+}
+
 TEST_F(TimeEstimateTest, DerivesTheRateWhereTheReportedOneIsAlwaysNothing) {
     estimate.update(draining(0, 50'000, 0));
     estimate.update(draining(10, 50'000, 0));
@@ -333,6 +339,11 @@ TEST_F(TimeEstimateAfterAChangeTest, ACorrectionOfTheGaugeIsNotTakenForALoad) {
     estimate.update(draining(620, 46'800, 10'000));                                      // 1688 mWh in a minute: 101 W
     EXPECT_EQ(estimate.update(draining(679, 46'600, 10'000)), toEmpty(278)); // no rate is derived for a minute
     EXPECT_EQ(estimate.update(draining(710, 46'300, 10'000)), toEmpty(252)); // 20 W since, with a weight of a tenth
+}
+
+TEST_F(TimeEstimateAfterAChangeTest, ACorrectionWithinAMinuteIsNotTakenForALoadEither) {
+    estimate.update(draining(40, 48'500, 10'000));
+    EXPECT_EQ(estimate.update(draining(110, 48'250, 10'000)), toEmpty(283)); // 12.9 W in the last 70 s
 }
 
 TEST_F(TimeEstimateTest, ACorrectionOfTheGaugeIsAsGoodABeginningAsAnyChange) {
@@ -671,6 +682,13 @@ TEST_F(TimeEstimateDayTest, HoursArePromisedByHours) {
     // It has gone up and down, so the quarter of an hour before is no better guide than the hours before it.
     const double told = number(goMinutes(20, -11'000).toEmpty);
     EXPECT_NEAR(told, stored / 7'571 * 60, 0.15 * told); // at 11 W, a third less
+}
+
+TEST_F(TimeEstimateDayTest, WhatFlowedHoursAgoIsForgotten) {
+    begin(-10'000);
+    goMinutes(120, -10'000);
+    const double told = number(goMinutes(60, -11'500).toEmpty);
+    EXPECT_NEAR(told, stored / 10'950 * 60, 0.015 * told);
 }
 
 TEST_F(TimeEstimateDayTest, ALoadThatHasChangedForGoodIsBelieved) {
