@@ -189,7 +189,7 @@ void TimeEstimate::follow(const Reading& reading, Known& known) {
     if (latest_.now == here.now)
         return;
     latest_ = here;
-    const Amount since = counted_.value_or(*first_);
+    const Amount& since = counted_ ? *counted_ : *first_;
     const double hours = (here.uptime - since.uptime).count() / 3600;
     // QUIRK: some firmware holds the amount at "full" for a while after unplugging, and a coarse step may have begun at
     // any time. How long the first amount lasts says nothing about the load, so count from the first change.
@@ -256,8 +256,8 @@ std::optional<double> TimeEstimate::currentRate(const Reading& reading) {
     // What has flowed also covers what happened between the readings, and is right where firmware rounds the rate or
     // reports it late.
     double rate = mean.rate;
-    if (isReported)
-        rate += (reported_.rate - rate) * std::max(0.0, 1 - mean.seconds / trustedSeconds);
+    if (isReported && mean.seconds < trustedSeconds)
+        rate += (reported_.rate - rate) * (1 - mean.seconds / trustedSeconds);
     if (rate <= 0 || rate < reading.slowest)
         return std::nullopt;
     if (reading.flow == Flow::charging && reading.full)
