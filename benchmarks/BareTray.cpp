@@ -86,6 +86,8 @@ std::unique_ptr<QWidget> makePopover() {
 
 int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
+    // Where GTK's platform theme is installed, Qt would load GTK as well, 14 MiB of it, and this would be no floor.
+    QApplication::setDesktopSettingsAware(false);
     QApplication application(argc, argv);
     QPixmap pixmap(22, 22);
     pixmap.fill(Qt::darkGreen);

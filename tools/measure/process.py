@@ -18,6 +18,22 @@ def memory(pid):
     return {key: int(value) for key, value in re.findall(r"^(\w+):\s+(\d+) kB", text, re.MULTILINE)}
 
 
+def memory_by_file(pid):
+    """The memory of a process in KiB by the name of the file that is mapped, and by the kernel's names; the stack, the
+    heap and all else that no file is behind is "anonymous"."""
+    files = {}
+    of_file = {}
+    for line in Path(f"/proc/{pid}/smaps").read_text(encoding="utf-8").splitlines():
+        key, value = line.split(maxsplit=1)
+        if not key.endswith(":"):  # the first line of a mapping: addresses, access, offset, device, inode, path
+            path = line.split(maxsplit=5)[5:]
+            name = Path(path[0]).name if path and path[0].startswith("/") else "anonymous"
+            of_file = files.setdefault(name, {})
+        elif value.endswith(" kB"):
+            of_file[key[:-1]] = of_file.get(key[:-1], 0) + int(value.split()[0])
+    return files
+
+
 def _of_all_threads(pid, file):
     for path in Path(f"/proc/{pid}/task").glob(f"*/{file}"):
         yield path.read_text(encoding="utf-8")
