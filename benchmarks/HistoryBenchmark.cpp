@@ -66,7 +66,7 @@ void decode(benchmark::State& state) {
 BENCHMARK(decode)->Unit(benchmark::kMillisecond);
 
 void encode(benchmark::State& state) {
-    const std::deque<Sample> samples = monthOfSamples();
+    const SampleList samples = monthOfSamples();
     for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(encodeHistory(samples));
     countBytes(state, monthText().size());
@@ -74,7 +74,7 @@ void encode(benchmark::State& state) {
 BENCHMARK(encode)->Unit(benchmark::kMillisecond);
 
 void csv(benchmark::State& state) {
-    const std::deque<Sample> samples = monthOfSamples();
+    const SampleList samples = monthOfSamples();
     for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(historyCsv(samples));
     countBytes(state, historyCsv(samples).size());
@@ -113,7 +113,7 @@ void dropHalfOfTheMonth(benchmark::State& state) {
     battery.hasBattery = true;
     const Date later = monthEnd() + std::chrono::days(15);
     Month month;
-    const std::deque<Sample> samples = month.store.samples;
+    const SampleList samples = month.store.samples;
     month.store.save(later);
     for ([[maybe_unused]] auto _ : state) {
         state.PauseTiming();

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "history/Sample.h"
+#include "history/SampleList.h"
 
 #include <cmath>
 #include <cstdint>
-#include <deque>
 
 /// The end of the month.
 inline Date monthEnd() {
@@ -14,9 +13,9 @@ inline Date monthEnd() {
 
 /// The samples of 30 days with a reading in each of `intervals` intervals; one each minute makes 43,200. The battery
 /// fills in two hours and empties in four; timers fire some milliseconds late.
-inline std::deque<Sample> monthOfSamples(int intervals = 43'200) {
+inline SampleList monthOfSamples(int intervals = 43'200) {
     const double interval = 30.0 * 86'400 / intervals;
-    std::deque<Sample> samples;
+    SampleList samples;
     for (int i = 0; i < intervals; ++i) {
         const double t = (monthEnd() - Duration((intervals - i) * interval)).time_since_epoch().count();
         const double hour = std::fmod(t / 3600, 6);

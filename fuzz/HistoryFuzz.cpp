@@ -12,10 +12,11 @@
 #include <cstdint>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace {
 
-void checkThatItReadsBack(const std::deque<Sample>& samples) {
+void checkThatItReadsBack(const SampleList& samples) {
     const std::optional<std::string> text = encodeHistory(samples);
     require(text.has_value(), "what was read can be written");
     require(decodeHistory(*text) == samples, "what was written reads back the same");
@@ -23,16 +24,15 @@ void checkThatItReadsBack(const std::deque<Sample>& samples) {
 }
 
 /// The samples that a program has after starting with the file, and what it makes of them.
-void checkStore(const std::string& text, const std::deque<Sample>& samples) {
+void checkStore(const std::string& text, const SampleList& samples) {
     FakeFiles files;
     files.files[files.support / "Velmora/history.json"] = text;
-    const auto oldest = std::ranges::min_element(samples, {}, &Sample::t);
-    const FakeClock clock(oldest == samples.end() ? Date() : oldest->date());
+    std::vector<Sample> sorted(samples.begin(), samples.end());
+    std::ranges::stable_sort(sorted, {}, &Sample::t);
+    const FakeClock clock(sorted.empty() ? Date() : sorted.front().date());
     const FakeCalendar calendar;
     HistoryStore store(files, clock, calendar);
-    std::deque<Sample> sorted = samples;
-    std::ranges::stable_sort(sorted, {}, &Sample::t);
-    require(store.samples == sorted, "all samples are loaded, oldest first");
+    require(std::ranges::equal(store.samples, sorted), "all samples are loaded, oldest first");
 
     std::istringstream lines(store.csv());
     std::string line;
@@ -68,9 +68,9 @@ std::optional<bool> isTaken(const std::string& text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(data, data + size);
-    const std::optional<std::deque<Sample>> samples = decodeHistory(text);
+    const std::optional<SampleList> samples = decodeHistory(text);
     require(samples == strictlyDecoded(text), "another parser says the same");
-    checkStore(text, samples.value_or(std::deque<Sample>()));
+    checkStore(text, samples.value_or(SampleList()));
     if (samples)
         checkThatItReadsBack(*samples);
     return 0;

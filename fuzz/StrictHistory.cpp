@@ -14,7 +14,7 @@ namespace {
 /// returns whether the text is valid so far.
 class Listener final : public nlohmann::json_sax<nlohmann::json> {
 public:
-    std::deque<Sample> samples;
+    SampleList samples;
 
     bool null() override { return value({}); }
     bool boolean(bool flag) override { return value({.flag = flag}); }
@@ -98,7 +98,7 @@ private:
 
 } // namespace
 
-std::optional<std::deque<Sample>> strictlyDecoded(const std::string& text) {
+std::optional<SampleList> strictlyDecoded(const std::string& text) {
     // This parser skips a byte order mark and takes a zero byte for the end.
     if (text.starts_with("\xEF\xBB\xBF") || text.find('\0') != std::string::npos)
         return std::nullopt;

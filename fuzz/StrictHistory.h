@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "history/Sample.h"
+#include "history/SampleList.h"
 
-#include <deque>
 #include <optional>
 #include <string>
 
 /// A second opinion on a history file, by another parser; empty if any part of it is invalid.
-std::optional<std::deque<Sample>> strictlyDecoded(const std::string& text);
+std::optional<SampleList> strictlyDecoded(const std::string& text);

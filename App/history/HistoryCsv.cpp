@@ -75,13 +75,13 @@ std::string_view word(bool value) {
 
 } // namespace
 
-std::string historyCsv(const std::deque<Sample>& samples) {
+std::string historyCsv(const SampleList& samples) {
     constexpr std::string_view header = "timestamp,percent,charging,plugged_in\n";
     constexpr std::size_t usualLength = 36; // 2026-11-15T08:00:00Z,80,false,false
     std::string text;
     text.reserve(header.size() + samples.size() * usualLength);
     text += header;
-    for (const Sample& sample : samples) {
+    for (const Sample sample : samples) {
         appendTimestamp(text, sample.t);
         text += ',';
         append(text, sample.p);

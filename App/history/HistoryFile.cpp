@@ -195,7 +195,7 @@ void appendTime(std::string& text, double t) {
 
 } // namespace
 
-std::optional<std::deque<Sample>> decodeHistory(std::string text) {
+std::optional<SampleList> decodeHistory(std::string text) {
     // Later versions of simdjson skip a byte-order mark.
     if (text.starts_with("\xEF\xBB\xBF"))
         return std::nullopt;
@@ -208,7 +208,7 @@ std::optional<std::deque<Sample>> decodeHistory(std::string text) {
             simdjson::SUCCESS ||
         document.get_array().get(array) != simdjson::SUCCESS)
         return std::nullopt;
-    std::deque<Sample> samples;
+    SampleList samples;
     for (auto element : array) {
         json::value value;
         if (element.get(value) != simdjson::SUCCESS)
@@ -224,12 +224,12 @@ std::optional<std::deque<Sample>> decodeHistory(std::string text) {
     return samples;
 }
 
-std::optional<std::string> encodeHistory(const std::deque<Sample>& samples) {
+std::optional<std::string> encodeHistory(const SampleList& samples) {
     constexpr std::size_t usualLength = 56; // {"t":1731650000.123456,"p":80,"c":false,"a":false},
     std::string text;
     text.reserve(samples.size() * usualLength + 2);
     text += '[';
-    for (const Sample& sample : samples) {
+    for (const Sample sample : samples) {
         if (!std::isfinite(sample.t))
             return std::nullopt;
         text += text.size() == 1 ? R"({"t":)" : R"(,{"t":)";

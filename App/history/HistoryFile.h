@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "history/Sample.h"
+#include "history/SampleList.h"
 
-#include <deque>
 #include <optional>
 #include <string>
 
@@ -12,8 +11,8 @@
 
 /// The samples in file order; empty when any part of the text is invalid. White space, the order of the keys and
 /// unknown keys do not matter; of a repeated key the last one counts.
-std::optional<std::deque<Sample>> decodeHistory(std::string text);
+std::optional<SampleList> decodeHistory(std::string text);
 
 /// The text for the samples, without white space; numbers are as short as possible while reading back the same. Empty
 /// when a time is not finite, which JSON cannot express.
-std::optional<std::string> encodeHistory(const std::deque<Sample>& samples);
+std::optional<std::string> encodeHistory(const SampleList& samples);

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
-#include <iterator>
 #include <memory>
 #include <string_view>
 #include <system_error>
@@ -33,10 +32,6 @@ constexpr std::size_t largestFile = std::size_t{64} << 20;
 
 /// The file of an empty history.
 constexpr std::string_view nothing = "[]";
-
-auto firstNotBefore(const std::deque<Sample>& samples, Date date) {
-    return std::ranges::find_if(samples, [date](const Sample& sample) { return sample.date() >= date; });
-}
 
 } // namespace
 
@@ -74,22 +69,22 @@ void HistoryStore::dropUnsaved(std::size_t count) {
 }
 
 void HistoryStore::load() {
-    auto taken = lifetime_.guard([this, number = ++loads_](std::optional<std::deque<Sample>>&& loaded) {
+    auto taken = lifetime_.guard([this, number = ++loads_](std::optional<SampleList>&& loaded) {
         if (number == loads_)
             take(std::move(loaded));
     });
     files_.load(url, largestFile, [taken](std::optional<std::string> text) {
-        const auto loaded = std::make_shared<std::optional<std::deque<Sample>>>();
+        const auto loaded = std::make_shared<std::optional<SampleList>>();
         if (text)
             *loaded = decodeHistory(std::move(*text));
         // Sorting allocates a copy even if nothing moves.
         if (*loaded && !std::ranges::is_sorted(**loaded, {}, &Sample::t))
-            std::ranges::stable_sort(**loaded, {}, &Sample::t);
+            (*loaded)->sort();
         return [taken, loaded]() mutable { taken(std::move(*loaded)); };
     });
 }
 
-void HistoryStore::take(std::optional<std::deque<Sample>> loaded) {
+void HistoryStore::take(std::optional<SampleList> loaded) {
     const Date now = clock_.now();
     const bool isEmptied = loaded && loaded->empty();
     if (mayWrite_) {
@@ -100,23 +95,24 @@ void HistoryStore::take(std::optional<std::deque<Sample>> loaded) {
     } else if (loaded) {
         // What the file does not have yet, the program that writes it will only write later, or has lost. Samples from
         // the future are left over from a clock that was ahead.
-        const auto last = std::find_if(loaded->rbegin(), loaded->rend(),
-                                       [now](const Sample& sample) { return sample.date() <= now; });
-        const double lastTime = last == loaded->rend() ? 0 : last->t;
+        double lastTime = 0;
+        for (std::size_t i = loaded->size(); i-- > 0 && lastTime == 0;) {
+            if (const Sample sample = (*loaded)[i]; sample.date() <= now)
+                lastTime = sample.t;
+        }
         const auto isKnown = [lastTime](const Sample& sample) { return sample.t <= lastTime; };
         const auto unknown = std::ranges::find_if_not(unsaved_, isKnown);
         dropUnsaved(isEmptied && isLoaded_ ? unsaved_.size() : static_cast<std::size_t>(unknown - unsaved_.begin()));
-        loaded->insert(loaded->end(), unsaved_.begin(), unsaved_.end());
+        std::ranges::for_each(unsaved_, [&loaded](const Sample& sample) { loaded->push_back(sample); });
         samples = std::move(*loaded);
     }
     isFileEmpty_ = !loaded || isEmptied;
     const bool takesOver = isLoaded_ && hasClaim_ && !mayWrite_;
     isLoaded_ = true;
     mayWrite_ = hasClaim_;
-    const auto outdated = firstNotBefore(samples, now - longestHistory) - samples.begin();
+    const std::size_t outdated = samples.firstNotBefore(now - longestHistory);
     const auto isRecent = [now](const Sample& sample) { return sample.date() <= now && now - sample.date() < recent; };
-    if (2 * static_cast<std::size_t>(outdated) > samples.size() &&
-        std::ranges::count_if(samples, isRecent) < enoughRecent)
+    if (2 * outdated > samples.size() && std::ranges::count_if(samples, isRecent) < enoughRecent)
         clockTrust_.doubt();
     prune(now);
     if (takesOver)
@@ -150,11 +146,12 @@ void HistoryStore::saveAtEnd() {
         return;
     }
     files_.updateAtEnd(url, largestFile, [unsaved = unsaved_](std::optional<std::string> text) {
-        std::deque<Sample> all;
+        SampleList all;
         if (text)
             all = decodeHistory(std::move(*text)).value_or(all);
-        std::ranges::copy_if(unsaved, std::back_inserter(all),
-                             [&all](const Sample& sample) { return std::ranges::find(all, sample) == all.end(); });
+        for (const Sample& sample : unsaved)
+            if (std::ranges::find(all, sample) == all.end())
+                all.push_back(sample);
         return encodeHistory(all);
     });
 }
@@ -163,16 +160,22 @@ std::optional<Date> HistoryStore::pluggedSinceEstimate(Date now) const {
     if (samples.empty() || !samples.back().a || now - samples.back().date() >= staleHistory)
         return std::nullopt;
     Date start = samples.back().date();
-    for (auto sample = samples.rbegin() + 1; sample != samples.rend(); ++sample) {
-        if (!sample->a || start - sample->date() > longestGap)
+    for (std::size_t i = samples.size() - 1; i-- > 0;) {
+        const Sample sample = samples[i];
+        if (!sample.a || start - sample.date() > longestGap)
             break;
-        start = sample->date();
+        start = sample.date();
     }
     return start;
 }
 
 std::vector<Sample> HistoryStore::samplesSince(Date since) const {
-    return {firstNotBefore(samples, since), samples.end()};
+    std::vector<Sample> found;
+    const std::size_t first = samples.firstNotBefore(since);
+    found.reserve(samples.size() - first);
+    for (std::size_t i = first; i < samples.size(); ++i)
+        found.push_back(samples[i]);
+    return found;
 }
 
 std::string HistoryStore::csv() const {
@@ -228,5 +231,5 @@ void HistoryStore::reset(Date now) {
 
 void HistoryStore::prune(Date now) {
     if (clockTrust_.isGiven())
-        samples.erase(samples.begin(), firstNotBefore(samples, now - longestHistory));
+        samples.dropFirst(samples.firstNotBefore(now - longestHistory));
 }

@@ -3,7 +3,7 @@
 
 #include "battery/BatteryState.h"
 #include "history/ClockTrust.h"
-#include "history/Sample.h"
+#include "history/SampleList.h"
 #include "platform/Calendar.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"
@@ -12,7 +12,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -43,7 +42,7 @@ public:
     HistoryStore& operator=(const HistoryStore&) = delete;
 
     /// Oldest first, as long as the clock does not go back.
-    std::deque<Sample> samples;
+    SampleList samples;
 
     /// Whether the file has been loaded.
     bool isLoaded() const { return isLoaded_; }
@@ -99,7 +98,7 @@ private:
     void load();
     void claim();
     void empty();
-    void take(std::optional<std::deque<Sample>> loaded);
+    void take(std::optional<SampleList> loaded);
     void saveAtEnd();
     void dropUnsaved(std::size_t count);
     void prune(Date now);

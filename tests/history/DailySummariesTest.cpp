@@ -23,11 +23,18 @@ struct DailySummariesTest : ::testing::Test {
     FakeClock clock{now};
     FakeCalendar calendar;
     HistoryStore history{files, clock, calendar};
+    std::vector<Sample> samples; ///< of the history
 
     void add(Date date, std::int64_t percent, bool charging = false) {
-        history.samples.push_back({.t = date.time_since_epoch().count(), .p = percent, .c = charging, .a = charging});
+        samples.push_back({.t = date.time_since_epoch().count(), .p = percent, .c = charging, .a = charging});
     }
-    std::vector<DaySummary> week() { return history.dailySummaries(7, now); }
+    std::vector<DaySummary> summaries(std::int64_t days) {
+        history.samples.clear();
+        for (const Sample& sample : samples)
+            history.samples.push_back(sample);
+        return history.dailySummaries(days, now);
+    }
+    std::vector<DaySummary> week() { return summaries(7); }
 };
 
 TEST_F(DailySummariesTest, AreNoneWithoutSamples) {
@@ -57,7 +64,7 @@ TEST_F(DailySummariesTest, CountIntervalsOfUpToAQuarterOfAnHour) {
     add(midnight, 40, true);
     add(midnight + 900s, 60);
     EXPECT_EQ(week().front(), (DaySummary{midnight, 40, 40, 60, 15}));
-    history.samples.back().t += 0.001;
+    samples.back().t += 0.001;
     EXPECT_EQ(week().front(), (DaySummary{midnight, 60, 40, 60, 0}));
 }
 
@@ -80,13 +87,13 @@ TEST_F(DailySummariesTest, CutOffUnfinishedMinutesOfCharging) {
     add(midnight, 10, true);
     add(midnight + 59.9s, 10, false);
     EXPECT_EQ(week().front().chargingMinutes, 0);
-    history.samples.back().t += 0.1;
+    samples.back().t += 0.1;
     EXPECT_EQ(week().front().chargingMinutes, 1);
 }
 
 TEST_F(DailySummariesTest, CountChargingNotBeingPluggedIn) {
     add(midnight, 80);
-    history.samples.back().a = true;
+    samples.back().a = true;
     add(midnight + 10min, 80);
     EXPECT_EQ(week().front().chargingMinutes, 0);
 }
@@ -111,7 +118,7 @@ TEST_F(DailySummariesTest, HaveARowForEachDayWithSamplesNewestFirst) {
 TEST_F(DailySummariesTest, OfOneDayBeginAtMidnight) {
     add(midnight - 1s, 10);
     add(midnight, 20);
-    EXPECT_EQ(history.dailySummaries(1, now), (std::vector{DaySummary{midnight, 20, 20, 20, 0}}));
+    EXPECT_EQ(summaries(1), (std::vector{DaySummary{midnight, 20, 20, 20, 0}}));
 }
 
 TEST_F(DailySummariesTest, CountSamplesFromTheFutureToo) {
@@ -145,7 +152,7 @@ TEST_F(DailySummariesTest, BeginNowWhereTheCalendarKnowsNoTime) {
 TEST_F(DailySummariesTest, KeepLowestAndHighestInsideWhatAChargeCanBe) {
     add(midnight, 130);
     EXPECT_EQ(week().front(), (DaySummary{midnight, 130, 100, 130, 0}));
-    history.samples.back().p = -7;
+    samples.back().p = -7;
     EXPECT_EQ(week().front(), (DaySummary{midnight, 0, -7, 0, 0}));
 }
 
@@ -155,10 +162,10 @@ TEST_F(DailySummariesTest, SurviveNumbersThatNoBatteryHas) {
     add(midnight, most);
     add(midnight + 1min, most);
     EXPECT_EQ(week().front().avgPercent, most);
-    history.samples.front().p = history.samples.back().p = least;
+    samples.front().p = samples.back().p = least;
     EXPECT_EQ(week().front().avgPercent, least);
-    history.samples.front().t = -1e300;
-    history.samples.back().t = 1e300;
+    samples.front().t = -1e300;
+    samples.back().t = 1e300;
     EXPECT_EQ(week().size(), 1U);
 }
 

@@ -51,7 +51,7 @@ protected:
         history.record(state, clock.now() + after, false);
     }
 
-    std::deque<Sample> onDisk() const { return decodeHistory(contentOf(file)).value_or(std::deque<Sample>()); }
+    SampleList onDisk() const { return decodeHistory(contentOf(file)).value_or(SampleList()); }
 
     std::size_t entries() const {
         return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));

@@ -12,7 +12,7 @@
 
 namespace {
 
-using Samples = std::deque<Sample>;
+using Samples = SampleList;
 
 const Sample one{.t = 1731650000.25, .p = 80, .c = true, .a = true};
 const Sample two{.t = 1731650060.5, .p = 81, .c = true, .a = true};

@@ -52,13 +52,13 @@ protected:
     SharedCount saves;
 
     /// The list of the nth save; two lists in a row differ in length, and the last sample of each holds its number.
-    std::deque<Sample> listOf(int number) const {
+    SampleList listOf(int number) const {
         const int length = number % 2 == 0 ? 1500 : 2000;
         const double start = clock.now().time_since_epoch().count() - 60.0 * length;
-        std::deque<Sample> samples;
+        SampleList samples;
         for (int i = 0; i < length; ++i)
-            samples.push_back({.t = start + 60 * i, .p = i % 100, .c = number % 2 == 0, .a = true});
-        samples.back().p = number;
+            samples.push_back(
+                {.t = start + 60 * i, .p = i + 1 < length ? i % 100 : number, .c = number % 2 == 0, .a = true});
         return samples;
     }
 

@@ -28,7 +28,7 @@ struct AppModelHistoryTest : ::testing::Test {
 
     /// A history in which the laptop has been plugged in for that long, with a sample every five minutes.
     void pluggedInFor(Duration time) {
-        std::deque<Sample> samples;
+        SampleList samples;
         for (Duration age = time; age > 0s; age -= 5min)
             samples.push_back(
                 {.t = (fake.clock.now() - age).time_since_epoch().count(), .p = 80, .c = false, .a = true});

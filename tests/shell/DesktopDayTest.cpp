@@ -17,7 +17,6 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdio>
-#include <deque>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -56,16 +55,14 @@ protected:
     }
 
     /// The history that 30 such days would have left.
-    std::deque<Sample> month() const {
-        std::deque<Sample> all;
+    SampleList month() const {
+        SampleList all;
         const double end = fakes.clock.now().time_since_epoch().count();
         for (double hour = end - 30 * 86400; hour < end; hour += 3600) {
             for (int minute = 0; minute < 60; ++minute) {
                 const bool pluggedIn = isPluggedIn(minute);
-                const Sample sample{hour + minute * 60, percent(minute), pluggedIn, pluggedIn};
                 const auto remember = [&](double second) {
-                    all.push_back(sample);
-                    all.back().t += second;
+                    all.push_back({hour + minute * 60 + second, percent(minute), pluggedIn, pluggedIn});
                 };
                 if (minute % 30 == 0) // the reported change
                     remember(0);

@@ -10,7 +10,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
-#include <deque>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -206,7 +205,7 @@ private:
         lastSave_ = now;
     }
 
-    static bool endsWithTransition(const std::deque<Sample>& samples, Date now) {
+    static bool endsWithTransition(const SampleList& samples, Date now) {
         if (samples.size() < 2 || samples.back().date() != now)
             return false;
         const Sample& before = samples[samples.size() - 2];

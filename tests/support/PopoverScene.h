@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <deque>
 #include <memory>
 
 using namespace std::chrono_literals;
@@ -46,7 +45,7 @@ struct PopoverScene {
 
     /// A sample a minute over that many days, charging and discharging, asleep at night; the last hours lead up to now.
     void past(int days) {
-        std::deque<Sample> samples;
+        SampleList samples;
         const Date now = fake.clock.now();
         for (Duration age = days * 24h; age > 0s; age -= 60s) {
             const Date date = now - age;

@@ -103,7 +103,7 @@ private:
                 std::swap(list_[i - 1], list_[dice_.below(i)]);
         }
         PlainHistory writer(nullptr);
-        writer.samples = list_;
+        std::ranges::for_each(list_, [&writer](const Sample& sample) { writer.samples.push_back(sample); });
         writer.save(now());
         plain_.file = writer.file;
         files_.files[files_.support / "Velmora/history.json"] = writer.file;

@@ -21,16 +21,21 @@ struct ChartPointsTest : ::testing::Test {
     FakeClock clock{start};
     FakeCalendar calendar;
     HistoryStore history{files, clock, calendar};
+    std::vector<Sample> samples; ///< of the history
 
     void add(Duration after, std::int64_t percent = 50) {
-        history.samples.push_back(
-            {.t = (start + after).time_since_epoch().count(), .p = percent, .c = false, .a = false});
+        samples.push_back({.t = (start + after).time_since_epoch().count(), .p = percent, .c = false, .a = false});
     }
     void addMinutes(int count) {
         for (int i = 0; i < count; ++i)
             add(i * 1min);
     }
-    std::vector<Point> all() { return points(history, start); }
+    std::vector<Point> all() {
+        history.samples.clear();
+        for (const Sample& sample : samples)
+            history.samples.push_back(sample);
+        return points(history, start);
+    }
     std::vector<std::int64_t> ids() {
         std::vector<std::int64_t> ids;
         for (const Point& point : all())
@@ -57,7 +62,7 @@ TEST_F(ChartPointsTest, AreAllOfThemBelowSixHundred) {
     EXPECT_EQ(all().size(), 299U);
     addMinutes(1);
     EXPECT_EQ(all().size(), 300U);
-    history.samples.clear();
+    samples.clear();
     addMinutes(599);
     EXPECT_EQ(all().size(), 599U);
 }
@@ -88,9 +93,9 @@ TEST_F(ChartPointsTest, BeginANewSegmentAfterAGap) {
 TEST_F(ChartPointsTest, AllowALongerGapWhereSamplesAreLeftOut) {
     addMinutes(600);
     // Every second sample is kept, and the last one, which is not a second one.
-    history.samples.back().t = (start + 598min + 1020s).time_since_epoch().count();
+    samples.back().t = (start + 598min + 1020s).time_since_epoch().count();
     EXPECT_EQ(all().back().seg, 0);
-    history.samples.back().t += 1;
+    samples.back().t += 1;
     EXPECT_EQ(all().back().seg, 1);
 }
 
