@@ -138,6 +138,12 @@ class PopoverButtons(PopoverCase):
     def setUp(self):
         self.screen = self.desktop(panel=False)
         self.program = self.start_and_wait(self.screen, self.laptop())
+        # The first reading is recorded, and so the details have their final height.
+        self.soon(self.history.exists, SHOW_SECONDS, "the history is written")
+
+    @property
+    def history(self):
+        return self.screen.home / ".local/share/Velmora/history.json"
 
     def open(self):
         self.program.item.menu.choose("Show details")
@@ -147,12 +153,11 @@ class PopoverButtons(PopoverCase):
         return [entry.label for entry in self.program.item.menu.entries()]
 
     def test_quit_ends_the_program_and_saves_the_history(self):
-        history = self.screen.home / ".local/share/Velmora/history.json"
         window = self.open()
-        history.unlink(missing_ok=True)
+        self.history.unlink()
         self.screen.click(window.x + window.width - 40, window.y + window.height - 28)
         self.ends_cleanly(self.program)
-        self.assertEqual([record["p"] for record in json.loads(history.read_text(encoding="utf-8"))], [64])
+        self.assertEqual([record["p"] for record in json.loads(self.history.read_text(encoding="utf-8"))], [64])
 
     def test_cancel_ends_the_snooze(self):
         self.program.item.menu.choose("Snooze alerts for 1 hour")

@@ -11,8 +11,11 @@
 /// holds nothing up.
 class BackgroundFiles final : public Files {
 public:
-    /// `loop` is where results are told.
-    BackgroundFiles(PosixFiles& disk, MainLoop& loop) : disk_(disk), loop_(loop) {}
+    /// `loop` is where results are told. Its thread begins only after `rest`, unless it is waited for before.
+    BackgroundFiles(PosixFiles& disk, MainLoop& loop, std::chrono::milliseconds rest = {})
+        : disk_(disk)
+        , loop_(loop)
+        , thread_(rest) {}
 
     Path applicationSupportFolder() const override { return disk_.applicationSupportFolder(); }
     Path stateFolder() const override { return disk_.stateFolder(); }

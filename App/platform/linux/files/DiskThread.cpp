@@ -50,6 +50,8 @@ void DiskThread::doLastJobs() {
 
 bool DiskThread::finish(std::chrono::milliseconds limit) {
     std::unique_lock hold(mutex_);
+    isAwaited_ = true;
+    changed_.notify_all();
     const auto isIdle = [this] { return waiting_.empty() && running_.second == nullptr; };
     if (!isOvertaken_ && changed_.wait_for(hold, limit, [&] { return isIdle() || isOvertaken_; }) && !isOvertaken_)
         return true;
@@ -76,6 +78,7 @@ void DiskThread::hurry(const std::vector<NamedJob>& jobs) {
 
 void DiskThread::run() {
     std::unique_lock hold(mutex_);
+    changed_.wait_until(hold, begin_, [this] { return ends_ || isAwaited_; });
     for (;;) {
         changed_.wait(hold, [this] { return ends_ || !waiting_.empty(); });
         if (waiting_.empty())

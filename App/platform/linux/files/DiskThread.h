@@ -24,7 +24,8 @@ public:
     };
     using Job = std::function<void(const Pace&)>;
 
-    DiskThread() = default;
+    /// It begins only after `rest`, unless it is waited for before.
+    explicit DiskThread(std::chrono::milliseconds rest = {}) : begin_(std::chrono::steady_clock::now() + rest) {}
     DiskThread(const DiskThread&) = delete;
     DiskThread& operator=(const DiskThread&) = delete;
 
@@ -53,7 +54,9 @@ private:
     std::vector<NamedJob> waiting_;
     std::map<std::string, Job> lastJobs_;
     NamedJob running_; ///< empty between two jobs
+    const std::chrono::steady_clock::time_point begin_;
     bool ends_ = false;
+    bool isAwaited_ = false;
     std::atomic<bool> isOvertaken_ = false;
     bool hasHurried_ = false;
     std::thread thread_; ///< started by the first job

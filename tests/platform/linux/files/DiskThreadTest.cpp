@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <future>
 #include <memory>
 #include <mutex>
@@ -65,6 +66,24 @@ TEST_F(DiskThreadTest, DoesJobsInTheirOrder) {
         thread->add(name, noting(name));
     EXPECT_TRUE(thread->finish(10s));
     EXPECT_EQ(journal.entries(), (Entries{"a", "b", "c"}));
+}
+
+TEST_F(DiskThreadTest, DoesNothingBeforeItsRestIsOver) {
+    const auto begin = std::chrono::steady_clock::now();
+    thread = std::make_unique<DiskThread>(50ms);
+    thread->add("a", [this](const DiskThread::Pace& /*pace*/) { reached.set_value(); });
+    reached.get_future().wait();
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, 50ms);
+}
+
+TEST_F(DiskThreadTest, DoesNotRestWhenItIsWaitedFor) {
+    thread = std::make_unique<DiskThread>(1h);
+    thread->add("a", noting("a"));
+    EXPECT_TRUE(thread->finish(1min));
+    thread = std::make_unique<DiskThread>(1h);
+    thread->add("b", noting("b"));
+    thread.reset();
+    EXPECT_EQ(journal.entries(), (Entries{"a", "b"}));
 }
 
 TEST_F(DiskThreadTest, DoesOnlyTheNewestOfAName) {
