@@ -20,6 +20,7 @@ add_executable(velmora_adapter_tests
     platform/linux/session/AutostartEntryTest.cpp
     platform/linux/session/AutostartLaunchTest.cpp
     platform/linux/sound/CanberraSoundsTest.cpp
+    platform/qt/CodeMemoryTest.cpp
     platform/linux/panel/BatteryPictureTest.cpp
     platform/linux/panel/DBusMenuTest.cpp
     platform/linux/session/ExecutableBundleTest.cpp

@@ -31,6 +31,7 @@
 #include "platform/linux/sound/CanberraSounds.h"
 #include "platform/linux/windows/WaylandWindows.h"
 #include "platform/linux/windows/X11Windows.h"
+#include "platform/qt/CodeMemory.h"
 #include "platform/qt/HeapMemory.h"
 #include "platform/qt/ProgramFiles.h"
 #include "shell/AppDelegate.h"
@@ -211,7 +212,10 @@ int main(int argc, char** argv) {
         if (const auto identifier = bundle.identifier())
             files.removeLeftovers(XdgAutostart::file(xdgConfigHome(), *identifier));
     });
-    mainLoop.after(untilStartIsOver, giveBackFreeMemory);
+    mainLoop.after(untilStartIsOver, [] {
+        giveBackFreeMemory();
+        giveBackCode();
+    });
     running = {&delegate, &files, &mainLoop, &session};
     std::atexit(terminateRunning);
     beforeDisplayLoss(terminateRunning);
