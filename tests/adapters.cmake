@@ -70,7 +70,7 @@ add_executable(velmora_adapter_tests
     views/text/TimeTextTest.cpp
 )
 target_link_libraries(velmora_adapter_tests PRIVATE velmora_app velmora_linux velmora_desktop_test_support velmora_options
-    GTest::gtest PkgConfig::umockdev Qt6::Svg Qt6::Test QCustomPlotQt6::QCustomPlotQt6)
+    GTest::gtest PkgConfig::umockdev Qt6::Svg Qt6::Test)
 # The tests save pictures here for people to look at.
 target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_PICTURES="${CMAKE_BINARY_DIR}/pictures"
     VELMORA_FONTS="${CMAKE_CURRENT_SOURCE_DIR}/fixtures/fonts")
@@ -84,12 +84,12 @@ gtest_discover_tests(velmora_adapter_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEO
 target_compile_definitions(velmora_adapter_tests PRIVATE VELMORA_SOUNDS="${CMAKE_BINARY_DIR}/share/sounds/velmora")
 target_sources(velmora_adapter_tests PRIVATE ${CMAKE_SOURCE_DIR}/App/platform/linux/sound/CanberraOutput.cpp)
 target_link_libraries(velmora_adapter_tests PRIVATE PkgConfig::canberra)
-add_dependencies(velmora_adapter_tests sounds velmora_chart velmora_sound)
+add_dependencies(velmora_adapter_tests sounds velmora_sound)
 
 # Draws pictures of the popover and the settings in every state, for people to look at.
 add_executable(velmora_gallery gallery/Gallery.cpp gallery/Geometry.cpp gallery/Pictures.cpp gallery/SettingsStates.cpp)
 target_link_libraries(velmora_gallery PRIVATE velmora_views velmora_test_support velmora_options)
-add_dependencies(velmora_gallery icons percent_glyphs velmora_chart)
+add_dependencies(velmora_gallery icons percent_glyphs)
 foreach(scale 1 2)
     add_test(NAME gallery.scale${scale} COMMAND velmora_gallery ${CMAKE_BINARY_DIR}/gallery)
     set_tests_properties(gallery.scale${scale} PROPERTIES ENVIRONMENT "QT_SCALE_FACTOR=${scale}" TIMEOUT 180)

@@ -9,7 +9,7 @@ add_executable(velmora_day_tests
     support/PlainProgram.cpp
 )
 target_link_libraries(velmora_day_tests PRIVATE velmora_app velmora_desktop_test_support velmora_options GTest::gtest
-    Qt6::Test QCustomPlotQt6::QCustomPlotQt6)
+    Qt6::Test)
 target_precompile_headers(velmora_day_tests REUSE_FROM velmora_desktop_test_support)
-add_dependencies(velmora_day_tests icons percent_glyphs velmora_chart)
+add_dependencies(velmora_day_tests icons percent_glyphs)
 gtest_discover_tests(velmora_day_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)

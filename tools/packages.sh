@@ -4,7 +4,7 @@
 # shellcheck disable=SC2034 # scripts that source this use the lists
 
 # To build the program and to run it in the current session.
-BUILD_PACKAGES=(cmake g++ libcanberra-dev libglib2.0-dev libqcustomplot-dev libsimdjson-dev libudev-dev
+BUILD_PACKAGES=(cmake g++ libcanberra-dev libglib2.0-dev libsimdjson-dev libudev-dev
                 libxcb1-dev ninja-build pkg-config qt6-base-dev qt6-svg-dev)
 
 # To place the details on Wayland compositors; the package of Debian 12 is for Qt 5. Testing has no number.
@@ -45,7 +45,6 @@ g++                      | a C++20 compiler, GCC 12 or Clang 14 | run:c++
 libcanberra-dev          | libcanberra                          | module:libcanberra
 libglib2.0-dev           | GLib                                 | module:glib-2.0
 liblayershellqtinterface-dev | LayerShellQt 6                   | include:LayerShellQt
-libqcustomplot-dev       | QCustomPlot 2.1, built with Qt 6     | include:qcustomplot*
 libsimdjson-dev          | simdjson 3                           | module:simdjson
 libudev-dev              | libudev, of systemd or eudev         | module:libudev
 libwayland-dev           | libwayland                           | module:wayland-client

@@ -35,7 +35,7 @@ OUTSIDE_THE_BUNDLE = {
 }
 
 # Packages that the dependencies must name, because the program and its plugins are linked with them.
-DEPENDENCIES = {"libcanberra0", "libqcustomplot2.1-qt6", "libqt6dbus6", "libqt6svg6", "libqt6widgets6", "libudev1"}
+DEPENDENCIES = {"libcanberra0", "libqt6dbus6", "libqt6svg6", "libqt6widgets6", "libudev1"}
 
 # The element <developer> is newer than AppStream 0.16, which knows only its predecessor, and 1.0 rejects that one.
 UNKNOWN_TO_OLD_APPSTREAM = ["unknown-tag developer"]

@@ -2,14 +2,10 @@
 """Opening the popover, its place, and closing it."""
 
 import json
-import shutil
-import time
 import unittest
-from pathlib import Path
 
 from gi.repository import GLib
 
-from support import history
 from support.case import DesktopCase
 from support.desktop import BELOW_PANEL, PANEL, SCREEN
 from support.screen import luminance
@@ -171,35 +167,6 @@ class PopoverButtons(PopoverCase):
         self.screen.press("space")
         self.soon(lambda: "Snooze alerts for 1 hour" in self.entries(), SHOW_SECONDS, "nothing is snoozed any more")
         self.assertTrue(self.screen.windows(TITLE), "the popover stays")
-
-
-class PopoverChart(PopoverCase):
-    def test_is_loaded_when_there_is_a_line_to_draw_and_not_before(self):
-        screen = self.desktop(panel=False)
-        folder = screen.home / ".local/share/Velmora"
-        folder.mkdir(parents=True)
-        past = [{"t": time.time() - 60 * minute, "p": 50, "c": False, "a": False} for minute in range(90, 0, -1)]
-        (folder / "history.json").write_text(json.dumps(past), encoding="utf-8")
-        program = self.start_and_wait(screen, self.laptop())
-        maps = Path(f"/proc/{program.process.pid}/maps")
-        loaded = lambda: [name for name in ("velmora-chart", "QCustomPlot") if name in maps.read_text(encoding="utf-8")]
-        self.assertEqual(loaded(), [])
-        program.item.menu.choose("Show details")
-        self.shown(screen)
-        self.soon_equal(loaded, ["velmora-chart", "QCustomPlot"], SHOW_SECONDS)
-
-    def test_is_not_loaded_from_a_bundle_that_took_the_place_of_its_own(self):
-        # As an upgrade or a build does: the files in its place are for another version of the program.
-        screen = self.desktop(panel=False)
-        history.write_old(screen, 100)
-        app = screen.own_bundle()
-        program = self.start_and_wait(screen, self.laptop(), app=app)
-        shutil.rmtree(app)
-        screen.own_bundle()
-        program.item.menu.choose("Show details")
-        self.shown(screen)
-        maps = Path(f"/proc/{program.process.pid}/maps")
-        self.never(lambda: "velmora-chart" in maps.read_text(encoding="utf-8"), SHOW_SECONDS)
 
 
 class PopoverLook(PopoverCase):

@@ -22,7 +22,6 @@ INSTALL_SECONDS = 60
 # The files that packaging/README.md names, besides glyphs and sounds.
 NAMED = {
     "bin/velmora",
-    "lib/velmora/velmora-chart.so",
     "lib/velmora/velmora-sound.so",
     f"share/applications/{ID}.desktop",
     ICON,

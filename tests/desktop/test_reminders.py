@@ -1,8 +1,10 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """The reminders on the screen, with the daemons that people use."""
 
+import shutil
 import signal
 import unittest
+from pathlib import Path
 
 from support.case import DesktopCase
 from support.notifications import Dunst, Listener, Mate, Xfce
@@ -93,6 +95,25 @@ class OutsideTheBundle(DesktopCase):
         self.soon_equal(lambda: item.label, " 15%", SHOWN_SECONDS)
         asked = watch(lambda: list(listener.methods), QUIET_SECONDS)
         self.assertEqual([seen for _, seen in asked], [[]])
+
+
+class ReplacedBundle(DesktopCase):
+    """As an upgrade or a build replaces it: the plugins in its place are for another version of the program."""
+
+    def test_the_program_loads_none_of_the_new_plugins(self):
+        screen = self.desktop(panel=False, notifications=True)
+        listener = Listener(screen)
+        self.addCleanup(listener.close)
+        app = screen.own_bundle()
+        laptop = self.laptop()
+        program = self.start_and_wait(screen, laptop, SoundCard(screen).environment, app)
+        shutil.rmtree(app)
+        screen.own_bundle()
+        laptop.set_level(15)
+        laptop.event("BAT0")
+        self.soon(lambda: listener.asked, SHOWN_SECONDS, "a reminder is shown")
+        maps = Path(f"/proc/{program.process.pid}/maps")
+        self.never(lambda: "velmora-sound" in maps.read_text(encoding="utf-8"), QUIET_SECONDS)
 
 
 if __name__ == "__main__":

@@ -4,7 +4,7 @@
 #include "support/Environment.h"
 #include "support/FakePlatform.h"
 #include "support/PlainProgram.h"
-#include "support/QCustomPlot.h"
+#include "views/popover/HistoryPlot.h"
 #include "views/popover/LinkButton.h"
 #include "views/popover/Popover.h"
 #include "views/popover/RingView.h"
@@ -388,26 +388,29 @@ private:
         EXPECT_EQ(sees("historyChartPlot"), !points.empty());
         if (points.empty())
             return;
-        auto* plot = part<QCustomPlot>("historyChartPlot");
+        const auto* plot = part<HistoryPlot>("historyChartPlot");
         ASSERT_NE(plot, nullptr);
-        EXPECT_EQ(plot->xAxis->range(), QCPRange(expected.charted - expected.days * 86400.0, expected.charted));
-        const auto drawn = plot->graph(0)->data();
-        ASSERT_EQ(static_cast<std::size_t>(drawn->size()), points.size());
-        for (std::size_t i = 0; i < points.size(); ++i) {
-            const QCPGraphData& point = *drawn->at(static_cast<int>(i));
-            ASSERT_EQ(point.key, points[i].time) << i;
-            ASSERT_EQ(std::isnan(point.value), !points[i].percent.has_value()) << i;
-            ASSERT_EQ(points[i].percent.value_or(0), std::isnan(point.value) ? 0 : point.value) << i;
+        const HistoryChart::Content& charted = plot->content();
+        EXPECT_EQ(charted.since, Date(Duration(expected.charted - expected.days * 86400.0)));
+        EXPECT_EQ(charted.now, Date(Duration(expected.charted)));
+        std::size_t i = 0;
+        std::int64_t segment = 0;
+        for (const Point& point : charted.points) {
+            if (point.seg != segment) { // where the line ends and begins again
+                ASSERT_LT(i, points.size());
+                ASSERT_FALSE(points[i++].percent) << i;
+            }
+            segment = point.seg;
+            ASSERT_LT(i, points.size());
+            ASSERT_EQ(point.date.time_since_epoch().count(), points[i].time) << i;
+            ASSERT_EQ(point.pct, points[i++].percent) << i;
         }
-        const auto* rule = plot->findChild<QCPItemStraightLine*>(QStringLiteral("limitRule"));
-        const auto* words = plot->findChild<QCPItemText*>(QStringLiteral("limitAnnotation"));
-        EXPECT_EQ(rule->visible(), expected.wants.switches["limitEnabled"]);
-        EXPECT_EQ(words->visible(), expected.wants.switches["limitEnabled"]);
-        if (!expected.wants.switches["limitEnabled"])
-            return;
-        const int limit = expected.wants.numbers["limit"];
-        EXPECT_EQ(rule->point1->coords().y(), limit);
-        EXPECT_EQ(words->text().toStdString(), "Limit " + std::to_string(limit) + "%");
+        EXPECT_EQ(i, points.size());
+        EXPECT_EQ(charted.limit.has_value(), expected.wants.switches["limitEnabled"]);
+        EXPECT_EQ(plot->ruleText().isEmpty(), !expected.wants.switches["limitEnabled"]);
+        if (charted.limit) {
+            EXPECT_EQ(*charted.limit, expected.wants.numbers["limit"]);
+        }
     }
 
     void checkTable() {

@@ -14,7 +14,6 @@ inline const std::vector<std::string> installedFiles = {
     "share/icons/hicolor/scalable/apps/app.velmora.Velmora.svg",
     "share/icons/hicolor/scalable/status/velmora-battery-100-symbolic.svg",
     "share/sounds/velmora/Glass.wav",
-    "lib/velmora/velmora-chart.so",
     "lib/velmora/velmora-sound.so",
 };
 

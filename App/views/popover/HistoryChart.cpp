@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "views/popover/HistoryChart.h"
 
-#include "platform/qt/PluginLoader.h"
 #include "views/popover/HistoryPlot.h"
 #include "views/style/Accessibility.h"
 #include "views/style/BalancedLabel.h"
@@ -19,12 +18,6 @@
 #include <cmath>
 
 namespace {
-
-/// Null when the chart plugin cannot be used.
-HistoryPlot* loadPlot(QWidget* parent) {
-    const auto make = reinterpret_cast<decltype(&makeHistoryPlot)>(pluginFunction("velmora-chart", "makeHistoryPlot"));
-    return make != nullptr ? make(parent) : nullptr;
-}
 
 QString readout(const Point& point) {
     return weekdayText(point.date) + QLatin1Char(' ') + shortTime(point.date) + QStringLiteral(" · ") +
@@ -107,14 +100,13 @@ void HistoryChart::setContent(const Content& content) {
     colors.setColor(QPalette::WindowText, content.secondary);
     empty_->setPalette(colors);
     empty_->setFont(textFont(TextStyle::caption));
-    const bool hasLine = content.points.size() >= 2;
-    if (hasLine && plot_ == nullptr && (plot_ = loadPlot(this)) != nullptr)
-        layers_->addWidget(plot_);
-    if (!hasLine || plot_ == nullptr) { // the rest works without the plugin
+    if (content.points.size() < 2) {
         layers_->setCurrentWidget(empty_);
         setAccessibleName(empty_->text());
         return;
     }
+    if (plot_ == nullptr)
+        layers_->addWidget(plot_ = new HistoryPlot(this));
     plot_->setContent(content);
     layers_->setCurrentWidget(plot_); // which raises it
     overlay_->raise();
@@ -131,11 +123,7 @@ bool HistoryChart::hasLine() const {
 }
 
 QPointF HistoryChart::place(const Point& point) const {
-    constexpr double wholePercent = 100;
-    const QRectF area = plot_->area();
-    const double share = (point.date - content_.since) / (content_.now - content_.since);
-    return {area.left() + share * area.width(),
-            area.bottom() - static_cast<double>(point.pct) / wholePercent * area.height()};
+    return plot_->place(point.date, static_cast<double>(point.pct));
 }
 
 void HistoryChart::choose(std::optional<std::size_t> index) {

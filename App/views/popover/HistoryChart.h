@@ -36,7 +36,7 @@ public:
 
     explicit HistoryChart(QWidget* parent = nullptr);
 
-    /// Shows this content; the sentence if there are fewer than two points or the chart plugin is missing.
+    /// Shows this content; the sentence if there are fewer than two points.
     void setContent(const Content& content);
 
 protected:

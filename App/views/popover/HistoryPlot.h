@@ -3,22 +3,62 @@
 
 #include "views/popover/HistoryChart.h"
 
+#include <QPen>
+#include <QPointF>
 #include <QRectF>
+#include <QString>
 #include <QWidget>
 
-/// Draws the line of the history chart. The implementation is a plugin that is loaded when the first line is to be
-/// drawn: QCustomPlot, and the QtPrintSupport that it needs, would add to the cost of every start, and most starts
-/// never open the popover.
-class HistoryPlot : public QWidget {
-public:
-    using QWidget::QWidget;
+#include <vector>
 
-    /// Shows the content, which has at least two points.
-    virtual void setContent(const HistoryChart::Content& content) = 0;
+/// Draws the line of the history chart, its rule and its marks.
+class HistoryPlot final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// A word at the time axis.
+    struct TimeName {
+        Date middle;
+        QString text;
+    };
+
+    explicit HistoryPlot(QWidget* parent);
+
+    /// Shows the content.
+    void setContent(const HistoryChart::Content& content);
+
+    /// What is shown.
+    const HistoryChart::Content& content() const { return content_; }
 
     /// Where the line is drawn, from the left edge of the window to now and from 100 % to 0.
-    virtual QRectF area() const = 0;
-};
+    QRectF area() const { return area_; }
 
-/// The plugin's entry point.
-extern "C" Q_DECL_EXPORT HistoryPlot* makeHistoryPlot(QWidget* parent);
+    /// Where the charge at a moment is drawn.
+    QPointF place(Date date, double percent) const;
+
+    /// Those that have room: a time at its mark, a day in its middle.
+    const std::vector<TimeName>& timeNames() const { return timeNames_; }
+
+    /// The dashes of the rule.
+    QPen rulePen() const;
+
+    /// Where the rule's text is drawn, on a plate; empty if there is no rule.
+    QRectF ruleText() const;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    HistoryChart::Content content_;
+    QRectF area_;
+    std::vector<TimeName> timeNames_;
+
+    double x(Date date) const;
+    double y(double percent) const;
+    bool hasRule() const;
+    void layOut();
+    void drawMarks(QPainter& painter) const;
+    void drawLine(QPainter& painter) const;
+    void drawRule(QPainter& painter) const;
+};

@@ -3,7 +3,7 @@
 
 #include "alerts/Prefs.h"
 #include "support/PopoverScene.h"
-#include "support/QCustomPlot.h"
+#include "views/popover/HistoryPlot.h"
 #include "views/popover/Popover.h"
 #include "views/style/ViewStyle.h"
 #include "views/text/ChartPoints.h"
@@ -20,6 +20,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <string>
@@ -75,9 +76,9 @@ struct PopoverViewTest : ::testing::Test {
         scene.fake.mainLoop.runDue();
         QCoreApplication::processEvents();
     }
-    QCustomPlot* plot() { return find<QCustomPlot>("historyChartPlot"); }
-    QCPItemStraightLine* rule() { return plot()->findChild<QCPItemStraightLine*>(QStringLiteral("limitRule")); }
-    QCPItemText* annotation() { return plot()->findChild<QCPItemText*>(QStringLiteral("limitAnnotation")); }
+    HistoryPlot* plot() { return find<HistoryPlot>("historyChartPlot"); }
+    const HistoryChart::Content& charted() { return plot()->content(); }
+    QImage chartPicture() { return plot()->grab().toImage(); }
 };
 
 } // namespace
@@ -299,10 +300,13 @@ TEST_F(PopoverViewTest, SaysThatTheHistoryIsBeingCollected) {
 
 TEST_F(PopoverViewTest, TheChartShowsExactlyTheWindowThatIsPicked) {
     shown();
-    const double now = scene.fake.clock.now().time_since_epoch().count();
-    EXPECT_EQ(plot()->xAxis->range().lower, now - 86400);
-    EXPECT_EQ(plot()->xAxis->range().upper, now);
-    EXPECT_EQ(plot()->yAxis2->range(), QCPRange(0, 100));
+    const Date now = scene.fake.clock.now();
+    EXPECT_EQ(charted().since, now - 24h);
+    EXPECT_EQ(charted().now, now);
+    const QRectF area = plot()->area();
+    EXPECT_EQ(plot()->place(now - 24h, 100), area.topLeft());
+    EXPECT_EQ(plot()->place(now, 0), area.bottomRight());
+    EXPECT_EQ(plot()->place(now - 12h, 50), area.center());
     EXPECT_EQ(find("historyChart")->height(), 110);
     const auto choices = find("rangePicker")->findChildren<QAbstractButton*>();
     ASSERT_EQ(choices.size(), 2);
@@ -310,96 +314,130 @@ TEST_F(PopoverViewTest, TheChartShowsExactlyTheWindowThatIsPicked) {
     EXPECT_EQ(choices.at(1)->text(), QStringLiteral("7 days"));
     EXPECT_TRUE(choices.at(0)->isChecked());
     choices.at(1)->click();
-    EXPECT_EQ(plot()->xAxis->range().lower, now - 7 * 86400);
+    EXPECT_EQ(charted().since, now - 7 * 24h);
     EXPECT_TRUE(
         find("historyChart")->accessibleName().startsWith(QStringLiteral("Charge of the last 7 days, lowest ")));
 }
 
 TEST_F(PopoverViewTest, TheChartIsMarkedAtNothingHalfAndAllOfTheCharge) {
+    scene.fake.defaults.setObject("limitEnabled", Value(false));
     shown();
-    const QCPAxis* axis = plot()->yAxis2;
-    const auto marks = axis->ticker().dynamicCast<QCPAxisTickerText>();
-    ASSERT_NE(marks, nullptr);
-    EXPECT_EQ(marks->ticks().keys(), (QList<double>{0, 50, 100}));
-    EXPECT_TRUE(axis->visible() && axis->grid()->visible());
-    plot()->replot();
-    QStringList labels;
-    for (int i = 0; i < plot()->itemCount(); ++i) {
-        const auto* label = qobject_cast<QCPItemText*>(plot()->item(i));
-        if (label == nullptr || label->objectName() != QLatin1String("percentLabel"))
-            continue;
-        labels.append(label->text());
-        EXPECT_NEAR(label->left->pixelPosition().y(), axis->coordToPixel(marks->ticks().keys().at(labels.size() - 1)),
-                    1);
-        EXPECT_EQ(label->right->pixelPosition().x(), plot()->width()) << "they end at one edge";
-        EXPECT_EQ(label->color(), tint(Tint::secondary));
+    const QImage picture = chartPicture();
+    const QColor background = picture.pixelColor(0, 0);
+    const QRectF area = plot()->area();
+    const auto isLine = [&](int y) { // also where the charge line crosses it
+        int count = 0;
+        for (int x = 0; x < static_cast<int>(area.right()); ++x)
+            count += picture.pixelColor(x, y) != background ? 1 : 0;
+        return count >= static_cast<int>(area.right());
+    };
+    std::vector<double> lines;
+    for (int y = 0; y < picture.height(); ++y) {
+        if (isLine(y))
+            lines.push_back(y);
     }
-    EXPECT_EQ(labels, (QStringList{QStringLiteral("0%"), QStringLiteral("50%"), QStringLiteral("100%")}));
-    EXPECT_FALSE(plot()->yAxis->visible());
+    ASSERT_EQ(lines.size(), 3U);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        const double place = plot()->place(scene.fake.clock.now(), 100 - 50.0 * static_cast<double>(i)).y();
+        EXPECT_NEAR(lines[i], place, 1) << i;
+        int drawn = 0; // of the text beside it
+        for (int x = static_cast<int>(area.right()) + 2; x < picture.width(); ++x)
+            drawn += picture.pixelColor(x, static_cast<int>(place)) != background ? 1 : 0;
+        EXPECT_GT(drawn, 2) << i;
+        const auto isBlank = [&](int x) { // where the text is
+            for (int y = static_cast<int>(place) - 3; y < static_cast<int>(place) + 3; ++y)
+                if (picture.pixelColor(x, y) != background)
+                    return false;
+            return true;
+        };
+        int end = picture.width();
+        while (end > 0 && isBlank(end - 1))
+            --end;
+        EXPECT_NEAR(end, picture.width(), 2) << "all end at one edge: " << i;
+    }
 }
 
 TEST_F(PopoverViewTest, TheChartDrawsThePointsAndNoLineOverAGap) {
+    scene.fake.defaults.setObject("limitEnabled", Value(false));
     shown();
-    const auto data = plot()->graph(0)->data();
     const std::vector<Point> expected = points(scene.started().history, scene.fake.clock.now() - 24h);
-    ASSERT_EQ(data->size(), static_cast<int>(expected.size()) + 1) << "the night is one gap";
+    ASSERT_EQ(charted().points.size(), expected.size());
+    const QImage picture = chartPicture();
+    const QColor line = tint(Tint::accent, Use::graphics);
+    EXPECT_EQ(charted().line, line);
+    const QColor background = picture.pixelColor(0, 0);
+    const auto difference = [](const QColor& one, const QColor& other) {
+        return std::abs(one.red() - other.red()) + std::abs(one.green() - other.green()) +
+               std::abs(one.blue() - other.blue());
+    };
+    const auto isDrawnAround = [&](QPointF place) {
+        const QRect around = QRect(-2, -2, 5, 5).translated(place.toPoint()) & picture.rect();
+        for (int y = around.top(); y <= around.bottom(); ++y) {
+            for (int x = around.left(); x <= around.right(); ++x) {
+                const QColor color = picture.pixelColor(x, y);
+                if (difference(color, line) < difference(color, background))
+                    return true;
+            }
+        }
+        return false;
+    };
     int gaps = 0;
-    for (const QCPGraphData& each : *data)
-        gaps += std::isnan(each.value) ? 1 : 0;
-    EXPECT_EQ(gaps, 1);
-    EXPECT_EQ(plot()->graph(0)->pen().color(), tint(Tint::accent, Use::graphics));
-    EXPECT_EQ(plot()->graph(0)->lineStyle(), QCPGraph::lsLine);
-    EXPECT_TRUE(plot()->graph(0)->scatterStyle().isNone());
+    for (std::size_t i = 1; i < expected.size(); ++i) {
+        EXPECT_EQ(charted().points[i].pct, expected[i].pct);
+        const auto place = [&](const Point& point) {
+            return plot()->place(point.date, static_cast<double>(point.pct));
+        };
+        const bool isGap = expected[i].seg != expected[i - 1].seg;
+        gaps += isGap ? 1 : 0;
+        EXPECT_EQ(isDrawnAround((place(expected[i - 1]) + place(expected[i])) / 2), !isGap) << i;
+    }
+    EXPECT_EQ(gaps, 1) << "the night";
 }
 
 TEST_F(PopoverViewTest, TheChartMarksTheLimitAndFollowsThePreference) {
     shown();
-    EXPECT_TRUE(rule()->visible());
-    EXPECT_EQ(rule()->point1->coords().y(), 80);
-    EXPECT_EQ(rule()->pen().color(), tint(Tint::yellow, Use::graphics));
-    EXPECT_EQ(annotation()->color(), tint(Tint::yellow));
-    EXPECT_EQ(rule()->pen().widthF(), 1.5);
-    EXPECT_EQ(rule()->pen().capStyle(), Qt::FlatCap);
-    EXPECT_EQ(rule()->pen().joinStyle(), Qt::MiterJoin);
-    EXPECT_EQ(rule()->pen().miterLimit(), 10);
-    EXPECT_EQ(rule()->pen().dashOffset(), 0);
-    ASSERT_EQ(rule()->pen().dashPattern().size(), 2) << "counted in widths of the pen";
-    EXPECT_DOUBLE_EQ(rule()->pen().dashPattern().at(0) * 1.5, 5);
-    EXPECT_DOUBLE_EQ(rule()->pen().dashPattern().at(1) * 1.5, 3);
-    plot()->replot();
-    EXPECT_EQ(annotation()->right->pixelPosition().x(), plot()->axisRect()->right() + 1);
-    EXPECT_EQ(annotation()->bottom->pixelPosition().y(), plot()->yAxis2->coordToPixel(80));
-    EXPECT_EQ(annotation()->padding().bottom(), 1);
-    EXPECT_EQ(annotation()->text(), QStringLiteral("Limit 80%"));
-    EXPECT_EQ(annotation()->font().pixelSize(), 9);
+    EXPECT_EQ(charted().limit, 80);
+    EXPECT_EQ(charted().ruleText, tint(Tint::yellow));
+    const QPen pen = plot()->rulePen();
+    EXPECT_EQ(pen.color(), tint(Tint::yellow, Use::graphics));
+    EXPECT_EQ(pen.widthF(), 1.5);
+    EXPECT_EQ(pen.capStyle(), Qt::FlatCap);
+    EXPECT_EQ(pen.joinStyle(), Qt::MiterJoin);
+    EXPECT_EQ(pen.miterLimit(), 10);
+    EXPECT_EQ(pen.dashOffset(), 0);
+    ASSERT_EQ(pen.dashPattern().size(), 2) << "counted in widths of the pen";
+    EXPECT_DOUBLE_EQ(pen.dashPattern().at(0) * 1.5, 5);
+    EXPECT_DOUBLE_EQ(pen.dashPattern().at(1) * 1.5, 3);
+    EXPECT_EQ(plot()->ruleText().bottomRight(), plot()->place(scene.fake.clock.now(), 80));
+    const auto drawn = [&](const QRectF& place) {
+        int count = 0;
+        const QImage picture = chartPicture();
+        const QRect pixels = place.toRect();
+        for (int y = pixels.top(); y < pixels.bottom(); ++y)
+            for (int x = pixels.left(); x < pixels.right(); ++x)
+                count += picture.pixelColor(x, y) != plot()->palette().color(QPalette::Window) ? 1 : 0;
+        return count;
+    };
+    EXPECT_GT(drawn(plot()->ruleText()), 30) << "its text";
     scene.fake.defaults.setObject("limit", Value(100));
     settle();
-    EXPECT_EQ(annotation()->text(), QStringLiteral("Limit 100%"));
-    plot()->replot();
-    EXPECT_GE(annotation()->topLeft->pixelPosition().y(), 0) << "whole above the plot";
-    const int points = plot()->graph(0)->data()->size();
+    EXPECT_EQ(charted().limit, 100);
+    EXPECT_GE(plot()->ruleText().top(), 0) << "whole above the plot";
+    const std::size_t points = charted().points.size();
+    const QImage marked = chartPicture();
     scene.fake.defaults.setObject("limitEnabled", Value(false));
     settle();
-    EXPECT_FALSE(rule()->visible());
-    EXPECT_FALSE(annotation()->visible());
-    EXPECT_EQ(plot()->graph(0)->data()->size(), points);
-}
-
-TEST_F(PopoverViewTest, TheChartWritesTheLimitOverTheLine) {
-    shown();
-    const QList<QCPLayerable*> fromBelow = plot()->layer(QStringLiteral("main"))->children();
-    const auto line = fromBelow.indexOf(plot()->graph(0));
-    EXPECT_GE(line, 0);
-    EXPECT_GT(fromBelow.indexOf(rule()), line);
-    EXPECT_GT(fromBelow.indexOf(annotation()), fromBelow.indexOf(rule()));
+    EXPECT_FALSE(charted().limit);
+    EXPECT_TRUE(plot()->ruleText().isEmpty());
+    EXPECT_NE(chartPicture(), marked);
+    EXPECT_EQ(charted().points.size(), points);
 }
 
 TEST_F(PopoverViewTest, TheLimitIsNotCrossedOutByTheLine) {
     scene.battery(92, true, true, 20); // the line leads up to there, through the text
     scene.past(7);
     shown();
-    plot()->replot();
-    const QImage picture = plot()->grab().toImage();
+    const QImage picture = chartPicture();
     const auto countLine = [&](const QRect& place) {
         int count = 0;
         for (int y = place.top(); y <= place.bottom(); ++y)
@@ -407,8 +445,7 @@ TEST_F(PopoverViewTest, TheLimitIsNotCrossedOutByTheLine) {
                 count += picture.pixelColor(x, y) == tint(Tint::accent, Use::graphics) ? 1 : 0;
         return count;
     };
-    const QRect text(annotation()->topLeft->pixelPosition().toPoint(),
-                     annotation()->bottomRight->pixelPosition().toPoint());
+    const QRect text = plot()->ruleText().toRect();
     ASSERT_GT(text.width(), 30);
     EXPECT_EQ(countLine(text.adjusted(1, 1, -2, -2)), 0);
     EXPECT_GT(countLine(text.adjusted(-60, -20, 0, 0) & picture.rect()), 0) << "else this shows nothing";
@@ -457,25 +494,21 @@ TEST_F(PopoverViewTest, TheChartIsOnTheGridAndHasNoVoidAbove) {
     popover.setContent(&shown());
     PopoverView* content = view.release(); // the popover owns it now
     popover.showAt(std::nullopt);
-    auto* chart = content->findChild<QCustomPlot*>(QStringLiteral("historyChartPlot"));
-    chart->replot();
-    const QRect area = chart->axisRect()->rect();
+    auto* chart = content->findChild<HistoryPlot*>(QStringLiteral("historyChartPlot"));
+    const QRectF area = chart->area();
     EXPECT_EQ(area.left(), 0);
     EXPECT_LE(area.top(), 14);
     EXPECT_LE(chart->width() - area.right(), 42) << "the room of 100%";
-    for (const QCPAxis* axis : {chart->xAxis2, chart->yAxis2})
-        EXPECT_EQ(axis->grid()->pen().widthF(), 0) << "one device pixel at every scale";
     const QFont usual = QApplication::font();
     for (const double times : {0.8, 1.0, 1.1, 1.3, 1.6}) { // "100%" is whole in every font
         QFont font = usual;
         font.setPointSizeF(usual.pointSizeF() * times);
         QApplication::setFont(font);
         settle();
-        chart->replot();
         const QImage picture = chart->grab().toImage();
         int drawn = 0;
-        for (int y = 0; y < chart->axisRect()->top(); ++y)
-            for (int x = chart->axisRect()->right() + 2; x < picture.width(); ++x)
+        for (int y = 0; y < static_cast<int>(chart->area().top()); ++y)
+            for (int x = static_cast<int>(chart->area().right()) + 2; x < picture.width(); ++x)
                 drawn += picture.pixelColor(x, y) != picture.pixelColor(picture.width() - 1, 0) ? 1 : 0;
         EXPECT_GT(drawn, 0) << times;
     }
@@ -488,13 +521,15 @@ TEST_F(PopoverViewTest, TheChartNamesADayInItsMiddle) {
     PopoverView* content = view.release(); // the popover owns it now
     popover.showAt(std::nullopt);
     content->findChild<QWidget*>(QStringLiteral("rangePicker"))->findChildren<QAbstractButton*>().at(1)->click();
-    auto* chart = content->findChild<QCustomPlot*>(QStringLiteral("historyChartPlot"));
-    const auto names = chart->xAxis->ticker().dynamicCast<QCPAxisTickerText>()->ticks();
-    const auto lines = chart->xAxis2->ticker().dynamicCast<QCPAxisTickerText>()->ticks().keys();
-    ASSERT_EQ(lines.size(), 7);
-    EXPECT_GE(names.size(), 6);
-    for (qsizetype i = 0; i + 1 < lines.size(); ++i)
-        EXPECT_TRUE(names.contains((lines[i] + lines[i + 1]) / 2)) << i;
+    const auto* chart = content->findChild<HistoryPlot*>(QStringLiteral("historyChartPlot"));
+    const std::vector<HistoryPlot::TimeName>& names = chart->timeNames();
+    const std::vector<Date>& lines = chart->content().marks;
+    ASSERT_EQ(lines.size(), 7U);
+    EXPECT_GE(names.size(), 6U);
+    for (std::size_t i = 0; i + 1 < lines.size(); ++i) {
+        const Date middle = lines[i] + (lines[i + 1] - lines[i]) / 2;
+        EXPECT_TRUE(std::ranges::count(names, middle, &HistoryPlot::TimeName::middle)) << i;
+    }
 }
 
 TEST_F(PopoverViewTest, StandsInOneColumnFromTheRingToTheButtons) {

@@ -65,7 +65,6 @@ bool isInstalledBelow(const fs::path& prefix) {
         iconBelow(prefix),
         prefix / "share/icons/hicolor/scalable/status" / (glyphIconName("battery.100") + ".svg"),
         prefix / "share/sounds/velmora/Glass.wav",
-        prefix / "lib/velmora/velmora-chart.so",
         prefix / "lib/velmora/velmora-sound.so",
     };
     return std::all_of(files.begin(), files.end(), [](const fs::path& file) {
