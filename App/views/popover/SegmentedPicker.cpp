@@ -51,9 +51,11 @@ protected:
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         const QRectF pill = QRectF(rect()).marginsRemoved(QMarginsF(inset + .5, inset + .5, inset + .5, inset + .5));
+        const bool isFilled = isChecked() && hasHighContrast(palette());
         if (isChecked()) {
-            painter.setPen(shapeColorOn(troughColor(palette()), palette()));
-            painter.setBrush(mixed(Qt::white, cardColor(palette()), isDark(palette()) ? 0.18 : 1));
+            painter.setPen(isFilled ? QPen(Qt::NoPen) : shapeColorOn(troughColor(palette()), palette()));
+            painter.setBrush(isFilled ? palette().color(QPalette::WindowText)
+                                      : mixed(Qt::white, cardColor(palette()), isDark(palette()) ? 0.18 : 1));
             painter.drawRoundedRect(pill, radius - inset, radius - inset);
         } else if (underMouse()) {
             painter.setPen(Qt::NoPen);
@@ -65,8 +67,9 @@ protected:
             painter.setBrush(Qt::NoBrush);
             painter.drawRoundedRect(pill, radius - inset, radius - inset);
         }
-        painter.setPen(isChecked() ? palette().color(QPalette::WindowText)
-                                   : tintColorOn(troughColor(palette()), Tint::secondary, palette()));
+        painter.setPen(isFilled      ? cardColor(palette())
+                       : isChecked() ? palette().color(QPalette::WindowText)
+                                     : tintColorOn(troughColor(palette()), Tint::secondary, palette()));
         painter.setLayoutDirection(textDirection);
         painter.drawText(rect(), Qt::AlignCenter, fontMetrics().elidedText(text(), Qt::ElideRight, width() - 8));
     }

@@ -32,7 +32,7 @@ void ToggleSwitch::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setOpacity(isEnabled() ? 1 : 0.45);
-    const QRectF track(QPointF(room, room), QSizeF(trackSize));
+    const QRectF track = onDevicePixels(painter, QRectF(QPointF(room, room), QSizeF(trackSize)));
     const qreal radius = track.height() / 2;
     const QColor card = palette().color(QPalette::Base);
     const QColor filling =

@@ -7,6 +7,7 @@
 #include <QAbstractSpinBox>
 #include <QLineEdit>
 #include <QPainter>
+#include <QPainterPath>
 #include <QStyleOption>
 
 #include <algorithm>
@@ -40,9 +41,13 @@ QPen strokeOf(const QStyleOption& option, double width) {
 void drawSign(QPainter& painter, const QRect& place, bool isPlus) {
     constexpr qreal reach = 4;
     const QPointF middle = QRectF(place).center();
-    painter.drawLine(middle - QPointF(reach, 0), middle + QPointF(reach, 0));
-    if (isPlus)
-        painter.drawLine(middle - QPointF(0, reach), middle + QPointF(0, reach));
+    QPainterPath sign(middle - QPointF(reach, 0)); // one path, or the strokes would be darker where they cross
+    sign.lineTo(middle + QPointF(reach, 0));
+    if (isPlus) {
+        sign.moveTo(middle - QPointF(0, reach));
+        sign.lineTo(middle + QPointF(0, reach));
+    }
+    painter.drawPath(sign);
 }
 
 /// The mark of a list that opens downwards.
@@ -98,6 +103,7 @@ void FlatStyle::drawComplexControl(ComplexControl control, const QStyleOptionCom
     drawFilling(*painter, option->rect, option->palette, field != nullptr ? Filling::rest : fillingOf(*option),
                 isFocused && showsFocus(*widget));
     painter->setRenderHint(QPainter::Antialiasing);
+    painter->setBrush(Qt::NoBrush);
     painter->setPen(strokeOf(*option, 1.5));
     if (field == nullptr) {
         drawChevron(*painter, subControlRect(control, option, SC_ComboBoxArrow, widget));

@@ -34,7 +34,7 @@ void ThinScrollBar::paintEvent(QPaintEvent* /*event*/) {
     const QRect handle = style()->subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarSlider, this);
     const QColor window = palette().color(QPalette::Window);
     const bool isTouched = isSliderDown() || underMouse();
-    const double spare = isTouched ? 0 : 1.5;
+    const double spare = isTouched ? 0 : 1;
     const QColor color =
         isTouched ? mixed(palette().color(QPalette::WindowText), window, 0.7) : shapeColorOn(window, palette());
     QPainter painter(this);

@@ -9,7 +9,7 @@ class ThinScrollBar final : public QScrollBar {
     Q_OBJECT
 
 public:
-    static constexpr int thickness = 8; ///< where it can be grabbed; the handle is thinner, but below the pointer
+    static constexpr int thickness = 7; ///< where it can be grabbed; the handle is thinner, but below the pointer
 
     /// Stays in step with `other`, in both directions; `other` lives as long and is not visible itself.
     ThinScrollBar(QScrollBar* other, QWidget* parent);
