@@ -22,7 +22,23 @@ bool isTraced() {
     return false;
 }
 
+/// Whether the linker has written addresses into the code as well, as it must where that is not position-independent.
+bool hasWrittenCode(const dl_phdr_info& object) {
+    for (const auto& segment : std::span(object.dlpi_phdr, object.dlpi_phnum)) {
+        if (segment.p_type != PT_DYNAMIC)
+            continue;
+        const auto* entry = reinterpret_cast<const ElfW(Dyn)*>(object.dlpi_addr + segment.p_vaddr);
+        for (; entry->d_tag != DT_NULL; ++entry) {
+            if (entry->d_tag == DT_TEXTREL || (entry->d_tag == DT_FLAGS && (entry->d_un.d_val & DF_TEXTREL) != 0))
+                return true;
+        }
+    }
+    return false;
+}
+
 int giveBackSegments(dl_phdr_info* object, std::size_t /*size*/, void* /*data*/) {
+    if (hasWrittenCode(*object))
+        return 0;
     const auto pageSize = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
     for (const auto& segment : std::span(object->dlpi_phdr, object->dlpi_phnum)) {
         // The linker has written addresses into writable segments, also where they cannot be written any more.

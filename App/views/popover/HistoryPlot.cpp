@@ -6,6 +6,8 @@
 
 #include <QFontInfo>
 #include <QFontMetricsF>
+#include <QLineF>
+#include <QList>
 #include <QPainter>
 
 #include <algorithm>
@@ -165,7 +167,7 @@ void HistoryPlot::drawLine(QPainter& painter) const {
     const std::vector<Point>& points = content_.points;
     for (std::size_t i = 1; i < points.size(); ++i) {
         if (points[i - 1].seg == points[i].seg)
-            lines.append({placeOf(points[i - 1]), placeOf(points[i])});
+            lines.emplaceBack(placeOf(points[i - 1]), placeOf(points[i]));
     }
     painter.setPen(QPen(content_.line, lineWidth, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
     painter.setClipRect(area_.adjusted(0, -lineWidth / 2, 0, lineWidth / 2));

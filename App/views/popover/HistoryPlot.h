@@ -11,6 +11,8 @@
 
 #include <vector>
 
+class QPainter;
+
 /// Draws the line of the history chart, its rule and its marks.
 class HistoryPlot final : public QWidget {
     Q_OBJECT
