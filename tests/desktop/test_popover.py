@@ -135,11 +135,7 @@ class PopoverButtons(PopoverCase):
         self.screen = self.desktop(panel=False)
         self.program = self.start_and_wait(self.screen, self.laptop())
         # The first reading is recorded, and so the details have their final height.
-        self.soon(self.history.exists, SHOW_SECONDS, "the history is written")
-
-    @property
-    def history(self):
-        return self.screen.home / ".local/share/Velmora/history.json"
+        self.soon(self.screen.history_file.exists, SHOW_SECONDS, "the history is written")
 
     def open(self):
         self.program.item.menu.choose("Show details")
@@ -150,10 +146,11 @@ class PopoverButtons(PopoverCase):
 
     def test_quit_ends_the_program_and_saves_the_history(self):
         window = self.open()
-        self.history.unlink()
+        self.screen.history_file.unlink()
         self.screen.click(window.x + window.width - 40, window.y + window.height - 28)
         self.ends_cleanly(self.program)
-        self.assertEqual([record["p"] for record in json.loads(self.history.read_text(encoding="utf-8"))], [64])
+        saved = json.loads(self.screen.history_file.read_text(encoding="utf-8"))
+        self.assertEqual([record["p"] for record in saved], [64])
 
     def test_cancel_ends_the_snooze(self):
         self.program.item.menu.choose("Snooze alerts for 1 hour")

@@ -267,6 +267,8 @@ class TheWindow(SettingsCase):
 
     def test_opens_from_the_popover_which_closes(self):
         self.begin()
+        # The first reading is recorded, and so the details have their final height.
+        self.soon(self.screen.history_file.exists, DIALOG_SECONDS, "the history is written")
         self.program.item.menu.choose("Show details")
         popover = self.soon(lambda: self.screen.windows("Velmora"), DIALOG_SECONDS, "the popover is there")[0]
         self.screen.click(popover.x + 40, popover.y + popover.height - 28)
