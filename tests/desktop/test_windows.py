@@ -95,6 +95,18 @@ class PopoverOnX11(WindowCase):
         self.screen.click(*SCREEN.centre)
         self.gone(TITLE)
 
+    def test_closes_on_a_click_on_what_lies_above_all_windows_even_then(self):
+        """As Cinnamon's panel does."""
+        self.begin()
+        with self.screen.hold_button(SCREEN.width // 2, 14):
+            self.item.activate(*self.box.centre)
+            self.shown(TITLE)
+            self.server.cover(Box(300, 400, 200, 100), WALLPAPER)
+        # It takes the pointer when the button is released.
+        self.never(lambda: not self.screen.window_ids(TITLE), 0.5)
+        self.screen.click(400, 450)
+        self.gone(TITLE)
+
 
 class FloatingPopover(WindowCase):
     """Windows can be transparent: something composes the screen of them."""

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cmath>
 #include <initializer_list>
 #include <utility>
@@ -96,6 +97,13 @@ xcb_window_t invisibleWindow(xcb_connection_t* connection, xcb_window_t root, co
 
 } // namespace
 
+X11Windows::X11Windows() {
+    constexpr std::chrono::milliseconds soon{30}; // before a second click
+    untilPointerIsFree_.setSingleShot(true);
+    untilPointerIsFree_.setInterval(soon);
+    QObject::connect(&untilPointerIsFree_, &QTimer::timeout, &untilPointerIsFree_, [this] { takePointer(); });
+}
+
 X11Windows::~X11Windows() {
     popoverHidden();
 }
@@ -125,7 +133,23 @@ void X11Windows::willShowPopover(QWindow& window, const QRect& /*place*/, int sh
              {"_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER", "_KDE_NET_WM_STATE_SKIP_SWITCHER"});
 }
 
+void X11Windows::takePointer() {
+    xcb_connection_t* connection = x11Connection();
+    if (popover_ == nullptr || connection == nullptr)
+        return;
+    // Asked first, because Qt does not look whether it was given the pointer.
+    const auto question =
+        xcb_grab_pointer(connection, 0, static_cast<xcb_window_t>(popover_->winId()), XCB_EVENT_MASK_BUTTON_PRESS,
+                         XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
+    const X11Reply<xcb_grab_pointer_reply_t> reply(xcb_grab_pointer_reply(connection, question, nullptr));
+    if (reply && reply->status == XCB_GRAB_STATUS_ALREADY_GRABBED)
+        untilPointerIsFree_.start(); // a button is held
+    else
+        popover_->setMouseGrabEnabled(true);
+}
+
 void X11Windows::popoverShown(QWindow& window, std::function<void()> clickedElsewhere) {
+    const bool hasPointer = clickedElsewhere_ && !untilPointerIsFree_.isActive();
     popoverHidden();
     xcb_connection_t* connection = x11Connection();
     if (connection == nullptr)
@@ -142,6 +166,9 @@ void X11Windows::popoverShown(QWindow& window, std::function<void()> clickedElse
     for (const xcb_rectangle_t& place : around(connection, screen, static_cast<xcb_window_t>(window.winId())))
         around_.push_back(invisibleWindow(connection, screen.root, place, visual, colours_));
     xcb_flush(connection);
+    popover_ = &window;
+    if (!hasPointer && window.type() == Qt::Popup)
+        takePointer();
     clickedElsewhere_ = std::move(clickedElsewhere);
     QCoreApplication::instance()->installNativeEventFilter(this);
 }
@@ -150,6 +177,8 @@ void X11Windows::popoverHidden() {
     if (!clickedElsewhere_)
         return;
     clickedElsewhere_ = {};
+    untilPointerIsFree_.stop();
+    popover_ = nullptr;
     QCoreApplication::instance()->removeNativeEventFilter(this);
     xcb_connection_t* connection = x11Connection();
     for (const xcb_window_t window : std::exchange(around_, {}))

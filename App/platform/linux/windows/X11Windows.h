@@ -4,6 +4,9 @@
 #include "platform/DesktopWindows.h"
 
 #include <QAbstractNativeEventFilter>
+#include <QPointer>
+#include <QTimer>
+#include <QWindow>
 
 #include <cstdint>
 #include <vector>
@@ -12,10 +15,11 @@
 /// window like others, so it stands in the task list unless that is told otherwise; and it hears nothing of clicks on
 /// the panel and on the wallpaper, which take the focus from nobody. Outside of one it is a popup, which cannot take
 /// the pointer for itself while the button that opened it is still held on the panel (Cinnamon tells of a click when
-/// the button is pressed), so it would hear nothing of later clicks.
+/// the button is pressed), so it would hear nothing of later clicks. It takes the pointer as soon as it can: Cinnamon's
+/// panel lies above all windows.
 class X11Windows final : public DesktopWindows, private QAbstractNativeEventFilter {
 public:
-    X11Windows() = default;
+    X11Windows();
     ~X11Windows() override;
     X11Windows(const X11Windows&) = delete;
     X11Windows& operator=(const X11Windows&) = delete;
@@ -31,6 +35,9 @@ private:
     std::vector<std::uint32_t> around_;
     std::uint32_t colours_ = 0; ///< their colour map; 0 where they need none
     std::function<void()> clickedElsewhere_;
+    QTimer untilPointerIsFree_;
+    QPointer<QWindow> popover_;
 
+    void takePointer();
     bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
 };
