@@ -38,6 +38,10 @@ Qt::WindowFlags popoverFlags() {
                     : Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint;
 }
 
+ScreenRect toScreenRect(const QRect& rect) {
+    return {rect.x(), rect.y(), rect.width(), rect.height()};
+}
+
 QScreen* screenAt(std::optional<ScreenPoint> point) {
     QScreen* screen = point ? QGuiApplication::screenAt(QPoint(point->x, point->y)) : nullptr;
     return screen != nullptr ? screen : QGuiApplication::primaryScreen();
@@ -184,8 +188,9 @@ void Popover::place() {
     const QRect side = card().marginsRemoved({scrollBarGap, scrollBarGap, scrollBarGap, scrollBarGap});
     scrollBar_->setGeometry(isRightToLeft() ? side.left() : side.right() + 1 - ThinScrollBar::thickness, side.top(),
                             ThinScrollBar::thickness, side.height());
-    const ScreenPoint corner = placePopover(
-        point_, {available.x(), available.y(), available.width(), available.height()}, size.width(), size.height());
+    const ScreenRect room = toScreenRect(available);
+    const ScreenPoint corner = placePopover(point_.value_or(usualPlaceOfItem(toScreenRect(screen->geometry()), room)),
+                                            room, size.width(), size.height());
     move(corner.x - shadow_, corner.y - shadow_);
     if (desktop_ != nullptr && isVisible())
         desktop_->popoverShown(*windowHandle(), [this] { hide(); });

@@ -28,7 +28,8 @@ public:
     /// margin, and as high as it asks to be; it scrolls if the screen is too low for that.
     void setContent(QWidget* content);
 
-    /// Shows it beside the point, else where it was last, else in the top right corner, and takes the keyboard focus.
+    /// Shows it beside the point, else where it was last, else in the corner where items usually are, and takes the
+    /// keyboard focus.
     void showAt(std::optional<ScreenPoint> point);
 
     /// Fits its size and position to the content, whose height has changed.

@@ -42,27 +42,33 @@ Panel panelAt(ScreenPoint point, const ScreenRect& available) {
 
 } // namespace
 
-ScreenPoint placePopover(std::optional<ScreenPoint> point, const ScreenRect& available, int width, int height) {
-    const ScreenPoint anchor = point.value_or(ScreenPoint{available.x + available.width, available.y});
-    ScreenPoint corner{anchor.x - width / 2, anchor.y - height / 2};
-    switch (point ? panelAt(anchor, available) : Panel::top) {
+ScreenPoint placePopover(ScreenPoint point, const ScreenRect& available, int width, int height) {
+    ScreenPoint corner{point.x - width / 2, point.y - height / 2};
+    switch (panelAt(point, available)) {
     case Panel::top:
-        corner.y = anchor.y + gap;
+        corner.y = point.y + gap;
         break;
     case Panel::bottom:
-        corner.y = anchor.y - gap - height;
+        corner.y = point.y - gap - height;
         break;
     case Panel::left:
-        corner.x = anchor.x + gap;
+        corner.x = point.x + gap;
         break;
     case Panel::right:
-        corner.x = anchor.x - gap - width;
+        corner.x = point.x - gap - width;
         break;
     }
     const int beside = possibleGap(width, available.width);
     const int aboveAndBelow = possibleGap(height, available.height);
     return {inside(corner.x, width, available.x + beside, available.width - 2 * beside),
             inside(corner.y, height, available.y + aboveAndBelow, available.height - 2 * aboveAndBelow)};
+}
+
+ScreenPoint usualPlaceOfItem(const ScreenRect& screen, const ScreenRect& available) {
+    const bool hasPanelAtTop = available.y > screen.y;
+    const bool hasPanelAtBottom = available.y + available.height < screen.y + screen.height;
+    return {available.x + available.width,
+            hasPanelAtBottom && !hasPanelAtTop ? available.y + available.height : available.y - 1};
 }
 
 bool isCredible(ScreenPoint point, bool waylandSession) {

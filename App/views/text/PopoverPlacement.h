@@ -3,8 +3,6 @@
 
 #include "platform/StatusBar.h"
 
-#include <optional>
-
 /// A rectangle on the screen.
 struct ScreenRect {
     int x = 0;
@@ -15,8 +13,12 @@ struct ScreenRect {
 
 /// The top left corner for a popover of this size: beside the clicked point, on the side away from the panel, wholly
 /// inside `available` (the screen without its panels), and 8 pixels away from panel and edges where there is room for
-/// that. Without a point, the popover goes in the top right corner.
-ScreenPoint placePopover(std::optional<ScreenPoint> point, const ScreenRect& available, int width, int height);
+/// that.
+ScreenPoint placePopover(ScreenPoint point, const ScreenRect& available, int width, int height);
+
+/// Where an item usually is whose panel gives no point: in the right corner of the screen at the bottom, if only there
+/// a panel takes room from `available`, else at the top.
+ScreenPoint usualPlaceOfItem(const ScreenRect& screen, const ScreenRect& available);
 
 /// Whether a point from a panel can be a position on the screen. Some panels in Wayland sessions give the position
 /// inside the item instead, which is near the top left corner; X11 panels do not.

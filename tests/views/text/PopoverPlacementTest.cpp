@@ -3,14 +3,13 @@
 
 #include <gtest/gtest.h>
 
-#include <optional>
 #include <vector>
 
 namespace {
 
 constexpr ScreenRect screen{.x = 100, .y = 50, .width = 1000, .height = 800};
 
-ScreenPoint placed(std::optional<ScreenPoint> point, int width = 300, int height = 200) {
+ScreenPoint placed(ScreenPoint point, int width = 300, int height = 200) {
     return placePopover(point, screen, width, height);
 }
 
@@ -89,13 +88,21 @@ TEST(PopoverPlacement, NeverCoversThePointEvenWhereNobodyTellsOfThePanels) {
     }
 }
 
-TEST(PopoverPlacement, GoesToTheTopRightCornerWithoutAPoint) {
-    EXPECT_EQ(placed(std::nullopt), (ScreenPoint{792, 58}));
+TEST(PopoverPlacement, WithoutAPointGoesToTheRightCornerWherePanelsAre) {
+    const auto usual = [](const ScreenRect& available) {
+        return placePopover(usualPlaceOfItem(main, available), available, width, height);
+    };
+    const ScreenPoint top{1570, 48};
+    EXPECT_EQ(usual({0, 40, 1920, 1040}), top);
+    EXPECT_EQ(usual({0, 40, 1920, 1000}), top) << "two panels";
+    EXPECT_EQ(usual({0, 0, 1920, 1040}), (ScreenPoint{1570, 432})) << "one at the bottom";
+    EXPECT_EQ(usual(main), (ScreenPoint{1570, 8})) << "none, or nobody tells of them";
+    EXPECT_EQ(usual({40, 0, 1880, 1080}), (ScreenPoint{1570, 8})) << "one at the left";
 }
 
 TEST(PopoverPlacement, StandsClearOfTheEdgesAsFarAsThereIsRoom) {
-    EXPECT_EQ(placed(std::nullopt, 990, 794), (ScreenPoint{105, 53}));
-    EXPECT_EQ(placed(std::nullopt, 1000, 800), (ScreenPoint{100, 50}));
+    EXPECT_EQ(placed(usualPlaceOfItem(screen, screen), 990, 794), (ScreenPoint{105, 53}));
+    EXPECT_EQ(placed(usualPlaceOfItem(screen, screen), 1000, 800), (ScreenPoint{100, 50}));
 }
 
 TEST(PopoverPlacement, ShowsTheBeginningOfAPopoverThatIsLargerThanTheScreen) {
