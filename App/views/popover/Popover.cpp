@@ -86,12 +86,7 @@ protected:
         if (!hasHighContrast(palette()))
             line.setAlpha(60);
         QPainter painter(this);
-        const double width = 1 / devicePixelRatioF();
-        const double half = width / 2; // a pen straddles its line
-        const double radius = window()->testAttribute(Qt::WA_TranslucentBackground) ? cardRadius - half : 0;
-        painter.setRenderHint(QPainter::Antialiasing, radius > 0);
-        painter.setPen(QPen(line, width));
-        painter.drawRoundedRect(onDevicePixels(painter, card).adjusted(half, half, -half, -half), radius, radius);
+        drawOutline(painter, card, window()->testAttribute(Qt::WA_TranslucentBackground) ? cardRadius : 0, line);
     }
 };
 

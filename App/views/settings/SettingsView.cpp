@@ -43,21 +43,15 @@ public:
 protected:
     void paintEvent(QPaintEvent* /*event*/) override {
         QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        const double width = 1 / devicePixelRatioF();
-        const double half = width / 2;
-        painter.setPen(QPen(hairlineColor(palette()), width));
         painter.setBrush(palette().color(QPalette::Base));
-        painter.drawRoundedRect(onDevicePixels(painter, rect()).adjusted(half, half, -half, -half), controlRadius,
-                                controlRadius);
-        painter.setRenderHint(QPainter::Antialiasing, false);
+        drawOutline(painter, rect(), controlRadius, hairlineColor(palette()));
         bool isFirst = true;
         for (const QObject* child : children()) {
             const auto* row = qobject_cast<const QWidget*>(child);
             if (row == nullptr || !row->isVisible())
                 continue;
             if (!isFirst)
-                drawHairline(painter, rowMargin, this->width() - rowMargin, row->y() - 1, palette());
+                drawHairline(painter, rowMargin, width() - rowMargin, row->y() - 1, palette());
             isFirst = false;
         }
     }

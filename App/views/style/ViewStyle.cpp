@@ -217,6 +217,17 @@ QRectF onDevicePixels(const QPainter& painter, const QRectF& place) {
     return toDevice.inverted().mapRect(QRectF(start, end));
 }
 
+void drawOutline(QPainter& painter, const QRectF& place, double radius, const QColor& color) {
+    const double thickness = 1 / painter.deviceTransform().m22();
+    const double half = thickness / 2; // a pen straddles its line
+    const double inner = std::max(0.0, radius - half);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing, radius > 0);
+    painter.setPen(QPen(color, thickness));
+    painter.drawRoundedRect(onDevicePixels(painter, place).adjusted(half, half, -half, -half), inner, inner);
+    painter.restore();
+}
+
 void drawHairline(QPainter& painter, double left, double right, double y, const QPalette& palette) {
     const double thickness = 1 / painter.deviceTransform().m22();
     painter.fillRect(onDevicePixels(painter, {left, y, right - left, thickness}), hairlineColor(palette));

@@ -65,7 +65,11 @@ void drawFloatingCard(QPainter& painter, const QRectF& card, const QPalette& pal
 /// The hairlines between rows, and around a card.
 QColor hairlineColor(const QPalette& palette);
 
-/// Draws such a line across: one device pixel thick, at every scale.
+/// Draws an outline, one device pixel thick at every scale, just inside a card or a group, filled with the painter's
+/// brush.
+void drawOutline(QPainter& painter, const QRectF& place, double radius, const QColor& color);
+
+/// Draws a hairline across, of the same thickness.
 void drawHairline(QPainter& painter, double left, double right, double y, const QPalette& palette);
 
 /// The rectangle with its sides between device pixels, so that none of them is blurred.
