@@ -20,8 +20,8 @@ constexpr double firstReportSeconds = 120;
 /// What flowed in this time outweighs the reported rate.
 constexpr double trustedSeconds = 900;
 
-/// The mean of what flowed forgets as if it covered so long; hours cannot be promised by a quarter of an hour.
-constexpr double meanSeconds = 3600;
+/// The more hours are left, the more hours the mean of what flowed covers: twice as many, and at most so many seconds.
+constexpr double mostMeanSeconds = 4 * 3600.0;
 
 /// What earlier runs have shown counts as if it had lasted for so long.
 constexpr double earlierSeconds = 1800;
@@ -203,7 +203,8 @@ void TimeEstimate::follow(const Reading& reading, Known& known) {
     if (amount <= 0)
         return;
     step_ = amount;
-    known.mean.add(amount / hours, hours * 3600, meanSeconds);
+    const double asked = known.mean.seconds > 0 ? 2 * 3600 * left(reading) / known.mean.rate : 0;
+    known.mean.add(amount / hours, hours * 3600, std::clamp(asked, trustedSeconds, mostMeanSeconds));
     if (teaches(reading))
         known.shown = known.mean;
     recent_.add(amount / hours, hours * 3600, std::numeric_limits<double>::max());
