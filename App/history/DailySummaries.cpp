@@ -42,23 +42,23 @@ HistoryStore::DaySummary summary(Date day, const Acc& acc) {
 
 std::vector<HistoryStore::DaySummary> HistoryStore::dailySummaries(std::int64_t days, Date now) const {
     const Date start = calendar_.addingDays(calendar_.day(now).start, 1 - days).value_or(now);
-    const std::vector<Sample> list = samplesSince(start);
     std::map<Date, Acc, std::greater<>> accounts;
-    // Calendar look-ups take longer than everything else here, and most samples are from the same day as the one
-    // before.
+    // Looking for the day takes longer than everything else here, and most samples are from the same as the one before.
     Calendar::Day day{};
     Date asked = Date::max();
-    for (std::size_t i = 0; i < list.size(); ++i) {
-        const Sample& sample = list[i];
+    Acc* account = nullptr;
+    for (std::size_t i = samples.firstNotBefore(start); i < samples.size(); ++i) {
+        const Sample sample = samples[i];
         if (const Date date = sample.date(); date < asked || date >= day.until) {
             day = calendar_.day(date);
             asked = date;
+            account = &accounts[day.start];
         }
-        Acc& acc = accounts[day.start];
+        Acc& acc = *account;
         acc.lo = std::min(acc.lo, sample.p);
         acc.hi = std::max(acc.hi, sample.p);
         // An interval counts wholly for the day that it begins in.
-        const double interval = i + 1 < list.size() ? list[i + 1].t - sample.t : 0;
+        const double interval = i + 1 < samples.size() ? samples[i + 1].t - sample.t : 0;
         if (interval > 0 && interval <= longestInterval) {
             acc.w += interval;
             acc.sum += interval * static_cast<double>(sample.p);
