@@ -417,6 +417,8 @@ private:
         const auto rows = expected.table();
         EXPECT_EQ(sees("dailySummary"), !rows.empty());
         EXPECT_EQ(sees("dailySummaryTable"), !rows.empty() && isTableOpen);
+        if (!isTableOpen)
+            return;
         const char* columns[] = {"Day", "Avg", "Range", "Charging"};
         for (std::size_t row = 0; row < rows.size(); ++row) {
             for (std::size_t column = 0; column < 4; ++column) {

@@ -133,6 +133,8 @@ DailySummaryView::DailySummaryView(QWidget* parent)
 
 void DailySummaryView::setExpanded(bool expanded) {
     setAccessibleExpanded(*disclosure_, expanded);
+    if (expanded)
+        fillTable();
     table_->setVisible(expanded);
 }
 
@@ -165,18 +167,25 @@ void DailySummaryView::setCell(int row, int column, const QString& text, const Q
 void DailySummaryView::setContent(const std::vector<HistoryStore::DaySummary>& rows, const QColor& secondary) {
     setVisible(!rows.empty());
     disclosure_->setFont(textFont(TextStyle::callout));
+    rows_ = rows;
+    secondary_ = secondary;
+    if (disclosure_->isChecked())
+        fillTable();
+}
+
+void DailySummaryView::fillTable() {
     table_->setFont(tableFont());
     const QFontMetrics metrics(table_->font());
     QPalette header = palette();
-    header.setColor(QPalette::WindowText, secondary);
+    header.setColor(QPalette::WindowText, secondary_);
     for (int column = 0; column < static_cast<int>(columns.size()); ++column) {
         const Column& each = columns[static_cast<std::size_t>(column)];
         grid_->setColumnMinimumWidth(column, columnWidth(each, metrics));
         setCell(0, column, QLatin1String(each.title), QLatin1String(each.title), header);
     }
-    const int count = static_cast<int>(rows.size());
+    const int count = static_cast<int>(rows_.size());
     for (int i = 0; i < count; ++i) {
-        const HistoryStore::DaySummary& row = rows[static_cast<std::size_t>(i)];
+        const HistoryStore::DaySummary& row = rows_[static_cast<std::size_t>(i)];
         const SummaryCells cells = summaryCells(row);
         const QString day = dayText(row.day);
         const std::array texts{day, QString::fromStdString(cells.average), QString::fromStdString(cells.range),

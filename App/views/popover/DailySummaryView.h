@@ -11,7 +11,8 @@
 class QAbstractButton;
 class QGridLayout;
 
-/// A collapsible table of the last days; collapsed at first, and hidden without rows.
+/// A collapsible table of the last days; collapsed at first, and hidden without rows. Its cells are made when it is
+/// first expanded: there are more of them than of all other labels of the popover.
 class DailySummaryView final : public QWidget {
     Q_OBJECT
 
@@ -29,7 +30,10 @@ private:
     QAbstractButton* disclosure_;
     QWidget* table_;
     QGridLayout* grid_;
+    std::vector<HistoryStore::DaySummary> rows_;
+    QColor secondary_;
 
     void setCell(int row, int column, const QString& text, const QString& spoken, const QPalette& palette);
     void setExpanded(bool expanded);
+    void fillTable();
 };

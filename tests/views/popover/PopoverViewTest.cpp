@@ -596,6 +596,19 @@ TEST_F(PopoverViewTest, TheDailySummaryUnfolds) {
     EXPECT_EQ(find("dailySummary.8.Day"), nullptr);
 }
 
+TEST_F(PopoverViewTest, TheTableIsMadeWhenItIsUnfoldedForTheFirstTime) {
+    shown();
+    EXPECT_EQ(find("dailySummary.0.Day"), nullptr);
+    auto* disclosure = find<QAbstractButton>("dailySummaryDisclosure");
+    disclosure->click();
+    disclosure->click();
+    scene.fake.mainLoop.advance(24h);
+    scene.started().refresh(AppModel::Reason::timer);
+    settle();
+    disclosure->click();
+    EXPECT_EQ(text("dailySummary.1.Day"), dayText(scene.fake.clock.now()).toStdString());
+}
+
 TEST_F(PopoverViewTest, TheDailySummaryHasFourColumns) {
     shown();
     find<QAbstractButton>("dailySummaryDisclosure")->click();
