@@ -59,6 +59,7 @@ add_executable(velmora_adapter_tests
     support/Umockdev.cpp
     support/Watcher.h
     views/style/AccessibilityTest.cpp
+    views/style/BalancedLabelTest.cpp
     views/style/ContrastTest.cpp
     views/style/DesktopPaletteTest.cpp
     views/popover/PopoverTest.cpp

@@ -135,6 +135,8 @@ void Popover::showAt(std::optional<ScreenPoint> point) {
         desktop_->willShowPopover(*windowHandle(), card().translated(pos()), shadow_);
     }
     show();
+    // Qt posts an update of each widget. After the window was exposed, and drawn, all of it would be drawn again.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateLater);
     place(); // again, now that the content has its fonts
     raise();
     activateWindow();
@@ -171,6 +173,7 @@ void Popover::place() {
     if (screen == nullptr || content == nullptr)
         return;
     const QRect available = screen->availableGeometry();
+    content->resize(popoverWidth, content->height()); // first, or the layouts would be made for another width as well
     updateLayouts(*content);
     const int wanted = content->layout()->hasHeightForWidth() ? content->layout()->totalHeightForWidth(popoverWidth)
                                                               : content->sizeHint().height();
