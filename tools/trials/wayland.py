@@ -71,8 +71,10 @@ class WlrootsHost(Host, WlrootsDesktop):
     def start_stranger(self):
         command = ["foot", "--title", STRANGER, "sleep", "1000"]
         self.stranger = self.start(STRANGER, command)
-        drawn = lambda: f'"{STRANGER}"' in self._sway_message("-t", "get_tree")
-        wait_until(drawn, START_SECONDS, lambda: f"a window; {self.stranger.errors}")
+        wait_until(lambda: self.has_window(STRANGER), START_SECONDS, lambda: f"a window; {self.stranger.errors}")
+
+    def has_window(self, title):
+        return f'"{title}"' in self._sway_message("-t", "get_tree")
 
 
 class SwaybarHost(WlrootsHost):
@@ -101,6 +103,34 @@ class WaybarHost(WlrootsHost):
     def start_panel(self):
         self._panel = self.start("waybar", ["waybar"])
         wait_until(self.ready, START_SECONDS, "the bar is ready")
+
+
+class LabwcHost(WaybarHost):
+    """With waybar. It tells which windows there are, but not where."""
+
+    packages = ("labwc", "waybar", "qt6-wayland", "mako-notifier", "foot", "wlrctl")
+    version_of = "labwc"
+
+    def windows(self, title):
+        return [SCREEN] if self.has_window(title) else []
+
+    def has_window(self, title):
+        command = ["wlrctl", "toplevel", "find", f"title:{title}"]
+        run = subprocess.run(
+            command, env=self.environment, user=self._user, group=self._user, check=False, timeout=START_SECONDS
+        )
+        return run.returncode == 0
+
+    def _start_compositor(self, scale, bar):
+        self.environment["XDG_CURRENT_DESKTOP"] = "labwc:wlroots"
+        self._run_compositor("labwc")
+        # Over all of the X server's screen. The window has no name; the first one is the root.
+        resize = ["search", "--class", ".*", "windowsize", "%2", SCREEN.width, SCREEN.height]
+        wait_until(lambda: self._tool(*resize).returncode == 0, START_SECONDS, "the compositor's window is resized")
+
+    def _find_compositor(self):
+        self.environment["WAYLAND_DISPLAY"] = "wayland-0"
+        return (self.runtime / "wayland-0").exists()
 
 
 class NestedHost(X11Host):

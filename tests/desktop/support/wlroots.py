@@ -59,7 +59,7 @@ class WlrootsDesktop(PrivateDesktop):
         background, text = ("#222222", "#eeeeee") if dark else ("#f0f0f0", "#202020")
         self._colours = {"background": background, "text": text}
         try:
-            self._start_sway(scale, self._swaybar(height) if bar == "swaybar" else "")
+            self._start_compositor(scale, self._swaybar(height) if bar == "swaybar" else "")
             if bar == "waybar":
                 self._write_waybar_configuration(height)
                 self._panel = self.start("waybar", ["waybar"])
@@ -102,15 +102,18 @@ class WlrootsDesktop(PrivateDesktop):
         )
         return run.stdout
 
-    def _start_sway(self, scale, bar):
+    def _start_compositor(self, scale, bar):
         file = self.config / "sway.conf"
         size = {"width": SCREEN.width, "height": SCREEN.height, "scale": scale}
         file.write_text(CONFIGURATION.format(**size, bar=bar, pointer=self._pointer), encoding="utf-8")
-        changes = {"WLR_BACKENDS": "x11", "WLR_RENDERER": "pixman", "WLR_X11_OUTPUTS": "1"}
-        self._panel = self._compositor = self.start("sway", ["sway", "--config", file], self.environment | changes)
-        wait_until(self._find_sway, START_SECONDS, lambda: f"sway is ready; {self._panel.errors}")
+        self._run_compositor("sway", "--config", file)
 
-    def _find_sway(self):
+    def _run_compositor(self, *command):
+        changes = {"WLR_BACKENDS": "x11", "WLR_RENDERER": "pixman", "WLR_X11_OUTPUTS": "1"}
+        self._panel = self._compositor = self.start(command[0], command, self.environment | changes)
+        wait_until(self._find_compositor, START_SECONDS, lambda: f"{command[0]} is ready; {self._panel.errors}")
+
+    def _find_compositor(self):
         """Whether the compositor listens; if so, programs started from now on find it."""
         sockets = [file.name for file in self.runtime.glob("wayland-*") if file.suffix != ".lock"]
         commands = list(self.runtime.glob("sway-ipc.*.sock"))
