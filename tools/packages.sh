@@ -27,11 +27,11 @@ PACKAGE_PACKAGES=(debhelper dpkg-dev librsvg2-bin)
 # Further packages for the tests and the checks.
 # sway comes with a bar of its own; Qt shows windows in it through its Wayland plugin. Qt's platform theme for GTK is
 # for users who ask for it. libfaketime sets the program's clock, strace records its system calls, readelf of binutils
-# shows how it was built. Screen readers learn of windows through at-spi2-core.
+# shows how it was built. Screen readers learn of windows through at-spi2-core, and xrandr divides a screen into two.
 TEST_PACKAGES=(appstream at-spi2-core binutils desktop-file-utils libbenchmark-dev libfaketime libglib2.0-bin
                libgmock-dev libgtest-dev libumockdev-dev mako-notifier mate-notification-daemon nlohmann-json3-dev
                power-profiles-daemon python3-dbusmock qt6-gtk-platformtheme qt6-wayland strace sway systemd tint2
-               tzdata xdg-desktop-portal xdg-desktop-portal-gtk xfce4-notifyd)
+               tzdata x11-xserver-utils xdg-desktop-portal xdg-desktop-portal-gtk xfce4-notifyd)
 
 # Further packages for tools/lint and tools/coverage. Versions of clang-format disagree about some lines; the sources
 # are formatted with Debian 12's.
@@ -94,6 +94,7 @@ sway                     | sway                                 | run:sway
 systemd                  | systemd                              | lib:systemd/user-generators/systemd-xdg-autostart-generator
 tint2                    | tint2                                | run:tint2
 tzdata                   | tzdata                               | share:zoneinfo/Europe/Berlin
+x11-xserver-utils        | xrandr                               | run:xrandr
 xdg-desktop-portal       | xdg-desktop-portal                   | lib:xdg-desktop-portal
 xdg-desktop-portal-gtk   | xdg-desktop-portal-gtk               | lib:xdg-desktop-portal-gtk
 xfce4-notifyd            | xfce4-notifyd                        | lib:xfce4/notifyd/xfce4-notifyd

@@ -1,15 +1,22 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/StatusBar.h"
+
 #include <functional>
+#include <optional>
 
 class QRect;
+class QScreen;
 class QWindow;
 
 /// What the desktop has to be told of our windows, and what it tells in turn, beyond what Qt does.
 class DesktopWindows {
 public:
     virtual ~DesktopWindows() = default;
+
+    /// What panels leave free of a screen; empty where Qt knows that as well as we do.
+    virtual std::optional<ScreenRect> freeArea(const QScreen& /*screen*/) { return std::nullopt; }
 
     /// Whether a window may have transparent edges now, for round corners and a shadow. Where nothing composes the
     /// windows, they would be black; and some compositors take a shadow for a part of the window.

@@ -15,6 +15,14 @@ struct ScreenPoint {
     bool operator==(const ScreenPoint&) const = default;
 };
 
+/// A rectangle there.
+struct ScreenRect {
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+};
+
 /// An item in the panel; always visible.
 class StatusItem {
 public:

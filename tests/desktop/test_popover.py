@@ -2,17 +2,19 @@
 """Opening the popover, its place, and closing it."""
 
 import json
+import subprocess
 import unittest
 
 from gi.repository import GLib
 
 from support.case import DesktopCase
 from support.desktop import BELOW_PANEL, PANEL, SCREEN
-from support.screen import luminance
+from support.screen import Box, luminance
 
 TITLE = "Velmora"
 SHOW_SECONDS = 2
 NEAR_PIXELS = 48
+SAME_CLICK_SECONDS = 0.3  # so long after it was closed, a click is taken for the one that closed it
 
 PORTAL = "org.freedesktop.portal.Desktop"
 PORTAL_PATH = "/org/freedesktop/portal/desktop"
@@ -248,6 +250,38 @@ class PopoverPlace(PopoverCase):
         desktop = self.desktop(panel=False)
         self.start_and_wait(desktop, self.laptop()).item.activate(99999, -5000)
         self.assertTrue(SCREEN.contains(self.shown(desktop)))
+
+
+class PopoverOnTwoScreens(PopoverCase):
+    """Two screens side by side, with a panel at the top and one at the bottom of each."""
+
+    def setUp(self):
+        self.screen = self.desktop(panel=False, window_manager=False)
+        left, right = ("640/170x800/210+0+0", "screen"), ("640/170x800/210+640+0", "none")
+        for name, geometry in {"left": left, "right": right}.items():
+            self.run_tool("xrandr", "--setmonitor", name, *geometry)
+        area = f"0, 28, {SCREEN.width}, {SCREEN.height - 28 - 40}"
+        self.run_tool("xprop", "-root", "-f", "_NET_WORKAREA", "32c", "-set", "_NET_WORKAREA", area)
+        self.item = self.start_and_wait(self.screen, self.laptop()).item
+
+    def run_tool(self, *command):
+        subprocess.run(command, env=self.screen.environment, capture_output=True, check=True, timeout=SHOW_SECONDS)
+
+    def beside_a_panel(self, left):
+        """Whether the popover is on the screen that begins there, off the panels, and 8 pixels from one of them."""
+        free = Box(left, 28, SCREEN.width // 2, SCREEN.height - 28 - 40)
+        gaps = lambda box: (box.y - free.y, free.y + free.height - box.y - box.height)
+        return any(free.contains(box) and 8 in gaps(box) for box in self.screen.windows(TITLE))
+
+    def test_opens_beside_the_panel_on_the_screen_of_the_item(self):
+        for x, left in ((300, 0), (630, 0), (660, 640), (1270, 640)):
+            for y in (14, SCREEN.height - 20):
+                self.item.activate(x, y)
+                place = f"it is beside the panel with {x}, {y}"
+                self.soon(lambda left=left: self.beside_a_panel(left), SHOW_SECONDS, place)
+                self.screen.press("Escape")
+                self.gone(self.screen)
+                self.never(lambda: self.screen.windows(TITLE), SAME_CLICK_SECONDS)
 
 
 if __name__ == "__main__":

@@ -14,6 +14,9 @@ public:
 
     std::function<void()> clickedElsewhere; ///< empty while the popover is hidden
 
+    std::optional<ScreenRect> free; ///< of each screen
+    std::optional<ScreenRect> freeArea(const QScreen& /*screen*/) override { return free; }
+
     bool hasShadows = false;
     bool canHaveShadow() override { return hasShadows; }
 

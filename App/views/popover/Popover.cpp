@@ -50,11 +50,11 @@ QScreen* screenAt(std::optional<ScreenPoint> point) {
 /// Longer than anybody reads without moving the pointer, and shorter than desktops wait before they lock the screen.
 constexpr auto longestLook = std::chrono::minutes(2);
 
-/// The height of the largest window that fits on a screen beside its panels.
-int largestHeight(const QScreen& screen) {
+/// The height of the largest window that fits beside the panels.
+int largestHeight(const ScreenRect& room) {
     constexpr int thickestPanel = 64; // pixels; Wayland does not tell how thick they are
     const bool isWayland = QGuiApplication::platformName() == QLatin1String("wayland");
-    return screen.availableGeometry().height() - (isWayland ? thickestPanel : 0);
+    return room.height - (isWayland ? thickestPanel : 0);
 }
 
 constexpr int scrollBarGap = (popoverPadding - ThinScrollBar::thickness) / 2; ///< in the middle of the padding
@@ -172,13 +172,14 @@ void Popover::place() {
     QWidget* content = area_->widget();
     if (screen == nullptr || content == nullptr)
         return;
-    const QRect available = screen->availableGeometry();
+    const std::optional<ScreenRect> known = desktop_ != nullptr ? desktop_->freeArea(*screen) : std::nullopt;
+    const ScreenRect room = known.value_or(toScreenRect(screen->availableGeometry()));
     content->resize(popoverWidth, content->height()); // first, or the layouts would be made for another width as well
     updateLayouts(*content);
     const int wanted = content->layout()->hasHeightForWidth() ? content->layout()->totalHeightForWidth(popoverWidth)
                                                               : content->sizeHint().height();
     // The fixed size also makes tiling compositors let the window float.
-    const QSize size(popoverWidth, std::min(wanted, largestHeight(*screen)));
+    const QSize size(popoverWidth, std::min(wanted, largestHeight(room)));
     setFixedSize(size + 2 * QSize(shadow_, shadow_));
     area_->setGeometry(card());
     border_->setGeometry(rect());
@@ -186,7 +187,6 @@ void Popover::place() {
     const QRect side = card().marginsRemoved({scrollBarGap, scrollBarGap, scrollBarGap, scrollBarGap});
     scrollBar_->setGeometry(isRightToLeft() ? side.left() : side.right() + 1 - ThinScrollBar::thickness, side.top(),
                             ThinScrollBar::thickness, side.height());
-    const ScreenRect room = toScreenRect(available);
     const ScreenPoint corner = placePopover(point_.value_or(usualPlaceOfItem(toScreenRect(screen->geometry()), room)),
                                             room, size.width(), size.height());
     move(corner.x - shadow_, corner.y - shadow_);

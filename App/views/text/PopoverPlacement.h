@@ -3,14 +3,6 @@
 
 #include "platform/StatusBar.h"
 
-/// A rectangle on the screen.
-struct ScreenRect {
-    int x = 0;
-    int y = 0;
-    int width = 0;
-    int height = 0;
-};
-
 /// The top left corner for a popover of this size: beside the clicked point, on the side away from the panel, wholly
 /// inside `available` (the screen without its panels), and 8 pixels away from panel and edges where there is room for
 /// that.

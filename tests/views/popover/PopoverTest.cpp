@@ -307,6 +307,20 @@ TEST_F(PopoverTest, ShowsNoScrollBarWhereAllOfItFits) {
     }
 }
 
+TEST_F(PopoverTest, KeepsOffThePanelsThatTheDesktopKnows) {
+    FakeDesktopWindows desktop;
+    const QSize screen = QGuiApplication::primaryScreen()->size();
+    desktop.free = ScreenRect{0, 0, screen.width(), screen.height() - 50};
+    Popover floating(&desktop);
+    auto* tall = new QWidget;
+    tall->setLayout(new QVBoxLayout);
+    tall->layout()->addItem(new QSpacerItem(1, 9999));
+    floating.setContent(tall);
+    floating.showAt(std::nullopt);
+    EXPECT_EQ(floating.geometry().top(), 0);
+    EXPECT_EQ(floating.height(), desktop.free->height);
+}
+
 TEST_F(PopoverTest, FloatsWithRoundCornersAndAShadowWhereWindowsCanBeTransparent) {
     ShadowDesktop desktop;
     Popover floating(&desktop);

@@ -6,6 +6,8 @@
 #include "platform/linux/files/FileDescriptor.h"
 #include "platform/linux/files/ReadDescriptor.h"
 #include "platform/linux/panel/DevicePoint.h"
+#include "platform/linux/windows/PanelDepth.h"
+#include "platform/linux/windows/X11FreeArea.h"
 
 #include <QCursor>
 #include <QDBusPendingReply>
@@ -64,7 +66,13 @@ ScreenPoint logicalPoint(int x, int y) {
 std::optional<ScreenPoint> pointerOnPanel() {
     const QPoint pointer = QCursor::pos();
     const QScreen* screen = QGuiApplication::screenAt(pointer);
-    if (screen == nullptr || screen->availableGeometry().contains(pointer))
+    if (screen == nullptr)
+        return std::nullopt;
+    const QRect whole = screen->geometry();
+    QRect free = x11FreeArea(*screen);
+    if (free == whole) // nobody knows of the panel, which may hide itself
+        free = whole.marginsRemoved({thickestPanel, thickestPanel, thickestPanel, thickestPanel});
+    if (free.contains(pointer))
         return std::nullopt;
     return ScreenPoint{pointer.x(), pointer.y()};
 }

@@ -2,6 +2,7 @@
 #include "platform/linux/windows/X11Windows.h"
 
 #include "platform/linux/windows/X11.h"
+#include "platform/linux/windows/X11FreeArea.h"
 
 #include <QByteArray>
 #include <QCoreApplication>
@@ -106,6 +107,11 @@ X11Windows::X11Windows() {
 
 X11Windows::~X11Windows() {
     popoverHidden();
+}
+
+std::optional<ScreenRect> X11Windows::freeArea(const QScreen& screen) {
+    const QRect area = x11FreeArea(screen);
+    return ScreenRect{area.x(), area.y(), area.width(), area.height()};
 }
 
 bool X11Windows::canHaveShadow() {

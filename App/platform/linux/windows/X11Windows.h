@@ -24,6 +24,7 @@ public:
     X11Windows(const X11Windows&) = delete;
     X11Windows& operator=(const X11Windows&) = delete;
 
+    std::optional<ScreenRect> freeArea(const QScreen& screen) override;
     bool canHaveShadow() override;
     void willShowPopover(QWindow& window, const QRect& place, int shadow) override;
     void popoverShown(QWindow& window, std::function<void()> clickedElsewhere) override;

@@ -6,12 +6,15 @@
 #include "support/WaitUntil.h"
 #include "support/Watcher.h"
 
+#include <QCursor>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusPendingCall>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
+#include <QGuiApplication>
 #include <QRegularExpression>
+#include <QScreen>
 #include <gtest/gtest.h>
 
 #include <sys/prctl.h>
@@ -366,6 +369,25 @@ TEST_F(StatusNotifierItemTest, HasALabelOnlyWhileThereIsText) {
     EXPECT_EQ(told.labels, 1);
     EXPECT_EQ(offered().value(QStringLiteral("XAyatanaLabel")), " 80%");
     EXPECT_EQ(offered().value(QStringLiteral("XAyatanaLabelGuide")), " 100%");
+}
+
+TEST_F(StatusNotifierItemTest, TakesThePointersPlaceWhereThePanelTellsThatOfAnApplet) {
+    const ProcessName name("mate-panel");
+    start();
+    std::vector<std::optional<ScreenPoint>> points;
+    item->setAction([&](std::optional<ScreenPoint> point) { points.push_back(point); });
+    Watcher watcher(bus, QStringLiteral("mate"));
+    watcher.takeName();
+    ASSERT_TRUE(registersWith(watcher, 1));
+    const QRect screen = QGuiApplication::primaryScreen()->geometry();
+    const QPoint onPanel(screen.center().x(), screen.top() + 12);
+    for (const QPoint& pointer : {onPanel, screen.center()}) { // the second with the keyboard
+        QCursor::setPos(pointer);
+        ask(QStringLiteral("Activate"), {0, 27}, iface());
+    }
+    ASSERT_TRUE(waitUntil([&] { return points.size() == 2; }));
+    EXPECT_EQ(points[0], (ScreenPoint{onPanel.x(), onPanel.y()}));
+    EXPECT_EQ(points[1], std::nullopt);
 }
 
 TEST_F(StatusNotifierItemTest, OffersThePropertiesOfTheProtocolAlone) {

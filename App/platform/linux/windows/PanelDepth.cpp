@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/linux/windows/PanelDepth.h"
+
+#include <cmath>
+
+int panelDepth(double reserved, double scale) {
+    const double depth = std::ceil(reserved / scale);
+    return depth > 0 && depth <= thickestPanel ? static_cast<int>(depth) : 0;
+}
