@@ -64,7 +64,6 @@ class Logind:
         descriptors = Gio.UnixFDList()
         number = descriptors.append(writing)  # a copy of its own
         os.close(writing)
-        self.given.append(message.get_body().unpack())
         thread = threading.Thread(target=self._wait_for_release, args=[reading], daemon=True)
         self._waiting.append(thread)
         thread.start()
@@ -72,6 +71,7 @@ class Logind:
         reply.set_body(GLib.Variant("(h)", (number,)))
         reply.set_unix_fd_list(descriptors)
         self._connection.send_message(reply, Gio.DBusSendMessageFlags.NONE)
+        self.given.append(message.get_body().unpack())  # now nothing that is announced can be ahead of the lock
         return None
 
     def _wait_for_release(self, reading):
