@@ -4,7 +4,7 @@
 # Draws contact sheets of all icon files, to be judged by eye. For the pictures that panels get which cannot recolour
 # glyphs, see pictures/glyphs.png in the build folder, which the test of GlyphImages makes.
 # Usage: preview.sh FOLDER [NUMBERS]
-# NUMBERS is the folder with the generated percentage glyphs: share/icons/hicolor/scalable/status in a build folder.
+# NUMBERS is the folder with the generated percentage glyphs: share/velmora/icons/hicolor/scalable/status in a build folder.
 # Needs rsvg-convert and ImageMagick (convert, montage).
 #
 # Glyph columns are in the order of $glyphs below; rows are 16 px, which has files of its own, and the sizes in $sizes.
@@ -22,7 +22,7 @@ if [ $# -ne 1 ] && [ $# -ne 2 ]; then
     exit 2
 fi
 
-icons=$(CDPATH='' cd -- "$(dirname -- "$0")" && pwd)/icons/hicolor
+here=$(CDPATH='' cd -- "$(dirname -- "$0")" && pwd)
 mkdir -p -- "$1"
 out=$(CDPATH='' cd -- "$1" && pwd)
 generated=
@@ -98,10 +98,10 @@ enlarged() {
 glyph_sheet() {
     cd "$scratch"
     rm -f ./*
-    recolour "$icons/16x16/status" "$2" $glyphs
+    recolour "$here/glyphs/hicolor/16x16/status" "$2" $glyphs
     row row-16.png 16 "$3" $glyphs
     enlarged "$out/glyphs-16-enlarged-$1.png" 16 5 "$3" $glyphs
-    recolour "$icons/scalable/status" "$2" $glyphs
+    recolour "$here/glyphs/hicolor/scalable/status" "$2" $glyphs
     rows=row-16.png
     for size in $sizes; do
         row "row-$size.png" "$size" "$3" $glyphs
@@ -153,7 +153,7 @@ application() {
     rm -f ./*
     pictures=
     for size in 16 22 24 32 48 64 128 256; do
-        rsvg-convert -w "$size" -h "$size" -o "$size.png" "$icons/scalable/apps/app.velmora.Velmora.svg"
+        rsvg-convert -w "$size" -h "$size" -o "$size.png" "$here/icons/hicolor/scalable/apps/app.velmora.Velmora.svg"
         convert "$size.png" -background "$2" -flatten -bordercolor "$2" -border 10 "$size-on.png"
         pictures="$pictures $size-on.png"
     done

@@ -175,7 +175,7 @@ int main(int argc, char** argv) {
     if (XEmbedItem::isPossible())
         makeTrayItem = [](const GlyphImages& glyphs) { return std::make_unique<XEmbedItem>(glyphs); };
     RunningNotice runningNotice(files, stateFolder, notifications, bundle);
-    PanelBar statusBar(sessionBus, mainLoop, programFile("share/icons"), makeTrayItem, [&runningNotice] {
+    PanelBar statusBar(sessionBus, mainLoop, programFile("share/velmora/icons"), makeTrayItem, [&runningNotice] {
         if (!XEmbedItem::hasTray())
             runningNotice.show();
     });

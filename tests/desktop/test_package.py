@@ -124,7 +124,7 @@ class Package(DesktopCase):
         laptop = self.laptop()
         item = self.start_and_wait(desktop, laptop, app=self.root / "usr/bin/velmora").item
         self.assertEqual(item.tooltip, [ESTIMATING, *HEALTH_AND_CYCLES])
-        self.assertEqual(item.get("IconThemePath"), str(self.root / APP / "usr/share/icons"))
+        self.assertEqual(item.get("IconThemePath"), str(self.root / APP / "usr/share/velmora/icons"))
         laptop.set_level(18)
         laptop.event("BAT0")
         titles = lambda: sorted(asked.title for asked in listener.asked)

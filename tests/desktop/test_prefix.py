@@ -27,10 +27,11 @@ NAMED = {
     ICON,
     "share/man/man1/velmora.1",
     f"share/metainfo/{ID}.metainfo.xml",
+    "share/velmora/icons/hicolor/index.theme",
 }
 # Built where LayerShellQt 6 is.
 OPTIONAL = "lib/velmora/velmora-layer-shell.so"
-GLYPH = r"icons/hicolor/(scalable|[0-9x]+)/status/velmora-.*-symbolic\.svg"
+GLYPH = r"velmora/icons/hicolor/(scalable|[0-9x]+)/status/velmora-.*-symbolic\.svg"
 SOUND = r"sounds/velmora/[A-Z][a-z]+\.wav"
 
 folder = Path()

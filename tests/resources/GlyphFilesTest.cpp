@@ -2,7 +2,9 @@
 #include "platform/qt/ProgramFiles.h"
 
 #include <QFile>
+#include <QIcon>
 #include <QPainter>
+#include <QStringList>
 #include <QSvgRenderer>
 #include <QXmlStreamReader>
 #include <gtest/gtest.h>
@@ -23,7 +25,7 @@ std::map<fs::path, QByteArray> glyphs() {
     std::map<fs::path, QByteArray> contents;
     for (const char* size : {"16x16", "scalable"}) {
         for (const fs::directory_entry& entry :
-             fs::directory_iterator(programFile("share/icons/hicolor") / size / "status")) {
+             fs::directory_iterator(programFile("share/velmora/icons/hicolor") / size / "status")) {
             QFile file(entry.path());
             if (file.open(QIODevice::ReadOnly))
                 contents[entry.path()] = file.readAll();
@@ -101,6 +103,21 @@ TEST(GlyphFiles, AreDrawnWithoutAnyStyleSheet) {
         expectOnly(drawnColours(withRules(glyph, "")), qRgb(0x7F, 0x7F, 0x7F), path);
 }
 
+// Its index is the first that panels find, so a folder that it does not name is not looked into.
+TEST(GlyphFiles, AreAnIconThemeByThemselves) {
+    const QStringList pathsBefore = QIcon::themeSearchPaths();
+    const QString nameBefore = QIcon::themeName();
+    QIcon::setThemeSearchPaths({QString::fromStdString(programFile("share/velmora/icons").string())});
+    QIcon::setThemeName(QStringLiteral("hicolor"));
+    for (const auto& [path, glyph] : glyphs()) {
+        const QIcon icon = QIcon::fromTheme(QString::fromStdString(path.stem().string()));
+        const QImage image = drawn(glyph);
+        EXPECT_EQ(icon.pixmap(image.size(), 1).toImage().convertToFormat(image.format()), image) << path;
+    }
+    QIcon::setThemeName(nameBefore);
+    QIcon::setThemeSearchPaths(pathsBefore);
+}
+
 // A panel gives all of them the same colour.
 TEST(GlyphFiles, ShowStatesThatCanBeToldApartByTheirShape) {
     const std::vector<std::pair<const char*, const char*>> pairs{
@@ -126,7 +143,7 @@ TEST(GlyphFiles, ShowStatesThatCanBeToldApartByTheirShape) {
     int compared = 0;
     for (const auto& [one, other] : pairs) {
         for (const char* size : {"16x16", "scalable"}) {
-            const fs::path folder = programFile("share/icons/hicolor") / size / "status";
+            const fs::path folder = programFile("share/velmora/icons/hicolor") / size / "status";
             const auto first = contents.find(folder / (std::string("velmora-") + one + "-symbolic.svg"));
             const auto second = contents.find(folder / (std::string("velmora-") + other + "-symbolic.svg"));
             if (first == contents.end() || second == contents.end())
@@ -141,7 +158,7 @@ TEST(GlyphFiles, ShowStatesThatCanBeToldApartByTheirShape) {
 }
 
 TEST(GlyphFiles, HaveAMarkWhenTheBatteryIsLow) {
-    const fs::path folder = programFile("share/icons/hicolor/scalable/status");
+    const fs::path folder = programFile("share/velmora/icons/hicolor/scalable/status");
     const std::map<fs::path, QByteArray> contents = glyphs();
     const auto glyph = [&](int percent) {
         return drawn(contents.at(folder / ("velmora-percent-" + std::to_string(percent) + "-level-symbolic.svg")));

@@ -12,7 +12,7 @@ inline const std::vector<std::string> installedFiles = {
     "bin/velmora",
     "share/applications/app.velmora.Velmora.desktop",
     "share/icons/hicolor/scalable/apps/app.velmora.Velmora.svg",
-    "share/icons/hicolor/scalable/status/velmora-battery-100-symbolic.svg",
+    "share/velmora/icons/hicolor/scalable/status/velmora-battery-100-symbolic.svg",
     "share/sounds/velmora/Glass.wav",
     "lib/velmora/velmora-sound.so",
 };

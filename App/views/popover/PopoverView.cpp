@@ -78,7 +78,7 @@ Layout* makeLayout(QWidget* widget, int gap) {
 
 /// The glyph in one colour; null when there is none.
 QPixmap glyph(const char* symbol, int size, const QColor& color, qreal scale) {
-    const auto file = programFile("share/icons/hicolor/scalable/status") / (glyphIconName(symbol) + ".svg");
+    const auto file = programFile("share/velmora/icons/hicolor/scalable/status") / (glyphIconName(symbol) + ".svg");
     QSvgRenderer drawing(QString::fromStdString(file.string()));
     if (!drawing.isValid())
         return {};

@@ -58,7 +58,7 @@ class Installed:
 
     def is_in_the_panel(self):
         self.assertEqual(self.item.tooltip, [ESTIMATING, *HEALTH_AND_CYCLES])
-        self.assertEqual(self.item.get("IconThemePath"), str(self.prefix / "share/icons"))
+        self.assertEqual(self.item.get("IconThemePath"), str(self.prefix / "share/velmora/icons"))
         self.soon(self.screen.find_item, START_SECONDS, "the item is drawn")
 
     def reminds(self):

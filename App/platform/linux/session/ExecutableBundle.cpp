@@ -63,7 +63,7 @@ bool isInstalledBelow(const fs::path& prefix) {
         programBelow(prefix),
         prefix / "share/applications" / (std::string(applicationId) + std::string(suffix)),
         iconBelow(prefix),
-        prefix / "share/icons/hicolor/scalable/status" / (glyphIconName("battery.100") + ".svg"),
+        prefix / "share/velmora/icons/hicolor/scalable/status" / (glyphIconName("battery.100") + ".svg"),
         prefix / "share/sounds/velmora/Glass.wav",
         prefix / "lib/velmora/velmora-sound.so",
     };

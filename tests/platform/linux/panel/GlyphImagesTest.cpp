@@ -133,7 +133,7 @@ double lostShare(QRgb panel, const Indexed& picture) {
 } // namespace
 
 TEST(GlyphImages, CanBeSeenOnAPanelOfAnyColour) {
-    const GlyphImages glyphs{programFile("share/icons")};
+    const GlyphImages glyphs{programFile("share/velmora/icons")};
     for (const std::string& symbol : symbols) {
         const auto images = glyphs.images(symbol);
         ASSERT_EQ(images.size(), std::size(GlyphImages::sizes)) << symbol;
@@ -147,7 +147,7 @@ TEST(GlyphImages, CanBeSeenOnAPanelOfAnyColour) {
 }
 
 TEST(GlyphImages, HaveTwoTonesThatAreFarApart) {
-    const GlyphImages glyphs{programFile("share/icons")};
+    const GlyphImages glyphs{programFile("share/velmora/icons")};
     for (const std::string& symbol : symbols) {
         for (const QImage& image : glyphs.images(symbol)) {
             std::map<double, QRgb> byLuminance;
@@ -164,7 +164,7 @@ TEST(GlyphImages, HaveTwoTonesThatAreFarApart) {
 }
 
 TEST(GlyphImages, LieOnWholePixels) {
-    const GlyphImages glyphs{programFile("share/icons")};
+    const GlyphImages glyphs{programFile("share/velmora/icons")};
     for (const QImage& image : glyphs.images("battery.50")) {
         const int size = image.width();
         std::set<QRgb> colours;
@@ -178,7 +178,7 @@ TEST(GlyphImages, LieOnWholePixels) {
 
 // For somebody to look at.
 TEST(GlyphImages, AreLeftAsAPicture) {
-    const GlyphImages glyphs{programFile("share/icons")};
+    const GlyphImages glyphs{programFile("share/velmora/icons")};
     const std::vector<const char*> panels{"#ffffff", "#dadada", "#a0a0a0", "#7a7a7a", "#3c3b37", "#1e1e1e", "#000000"};
     constexpr int cell = 72;
     QImage sheet(cell * static_cast<int>(symbols.size()),

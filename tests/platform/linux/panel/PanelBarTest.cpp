@@ -26,8 +26,8 @@ protected:
     FakeClock clock;
     FakeMainLoop loop{clock};
     FakeStatusBar tray; ///< the X11 system tray
-    PanelBar bar{connection, loop, programFile("share/icons"), [this](const GlyphImages&) { return tray.createItem(); },
-                 [this] { ++unseen; }};
+    PanelBar bar{connection, loop, programFile("share/velmora/icons"),
+                 [this](const GlyphImages&) { return tray.createItem(); }, [this] { ++unseen; }};
     std::unique_ptr<StatusItem> item;
     Watcher watcher{bus, QStringLiteral("watcher")};
     int clicks = 0;

@@ -78,7 +78,7 @@ class StatusNotifierItemTest : public testing::Test {
 protected:
     PrivateBus bus;
     QDBusConnection connection = QDBusConnection::connectToBus(bus.address(), QStringLiteral("item"));
-    GlyphImages glyphs{programFile("share/icons")};
+    GlyphImages glyphs{programFile("share/velmora/icons")};
     std::vector<bool> hosts;
     std::unique_ptr<StatusNotifierItem> item;
 
