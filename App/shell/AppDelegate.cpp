@@ -5,6 +5,7 @@
 #include "platform/Clock.h"
 #include "platform/SessionEvents.h"
 #include "platform/UserDefaults.h"
+#include "platform/qt/CodeMemory.h"
 #include "platform/qt/HeapMemory.h"
 #include "views/popover/Popover.h"
 #include "views/popover/PopoverView.h"
@@ -17,6 +18,13 @@
 #include <cstdint>
 #include <optional>
 #include <utility>
+
+namespace {
+
+/// Whoever has closed the details and looks again does so sooner than this.
+constexpr Duration untilLookIsOver{60};
+
+} // namespace
 
 AppDelegate::AppDelegate(const Platform& platform, std::function<void()> terminate)
     : platform_(platform)
@@ -31,9 +39,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     statusItem->setAction([this](std::optional<ScreenPoint> point) { togglePopover(point); });
     updateMenu();
     popover = std::make_unique<Popover>(&platform_.windows);
-    // The chart and the table are made from copies of a week of samples. The allocator would keep that memory for the
-    // next time, which may be hours away.
-    QObject::connect(popover.get(), &Popover::closed, &giveBackFreeMemory);
+    QObject::connect(popover.get(), &Popover::closed, popover.get(), [this] { giveBackMemory(); });
     bag.push_back(model.state.subscribe([this](const BatteryState&) { queueUpdate(); }));
     bag.push_back(platform_.defaults.onChange([this] { queueUpdate(); }));
     bag.push_back(model.snoozeUntil.subscribe([this](std::optional<Date>) { queueMenu(); }));
@@ -43,6 +49,8 @@ void AppDelegate::applicationDidFinishLaunching() {
         if (model.snoozeUntil.get())
             queueMenu();
     }));
+    // At one of the refreshes, which need no timer of their own.
+    bag.push_back(model.historyVersion.subscribe([this](std::int64_t) { giveBackUnusedCode(); }));
     bag.push_back(platform_.sessionEvents.onSessionEnd(terminate_));
     // An open popup on X11 grabs the keyboard, and a screen locker that needs it before sleep fails.
     bag.push_back(platform_.sessionEvents.onWillSleep([this] { popover->hide(); }));
@@ -52,6 +60,20 @@ void AppDelegate::applicationDidFinishLaunching() {
 
 void AppDelegate::applicationWillTerminate() {
     model.history.save(platform_.clock.now());
+}
+
+void AppDelegate::giveBackMemory() {
+    // The chart is made from a copy of a week of samples. The allocator would keep that memory for the next time, which
+    // may be hours away. The code waits a while, since it takes time to get back.
+    giveBackFreeMemory();
+    closedAt_ = platform_.clock.uptime();
+}
+
+void AppDelegate::giveBackUnusedCode() {
+    if (!closedAt_ || platform_.clock.uptime() - *closedAt_ < untilLookIsOver)
+        return;
+    closedAt_.reset();
+    giveBackCode();
 }
 
 void AppDelegate::queueUpdate() {
@@ -123,6 +145,7 @@ void AppDelegate::showDetails() {
 void AppDelegate::openPopover(std::optional<ScreenPoint> point) {
     if (!statusItem)
         return;
+    closedAt_.reset(); // its code is needed now
     model.refresh(AppModel::Reason::event);
     if (popoverView == nullptr) {
         popoverView = new PopoverView(

@@ -58,9 +58,12 @@ private:
     std::unique_ptr<SettingsWindow> settingsWindow; ///< made when first needed, and kept
     SettingsView* settingsView = nullptr;           ///< its content
     std::vector<std::string> menuLabels_;           ///< of the entries that the item has
+    std::optional<Duration> closedAt_; ///< the uptime when the popover was closed, until its code is given back
     std::vector<Subscription> bag;
     Lifetime lifetime_;
 
+    void giveBackMemory();
+    void giveBackUnusedCode();
     void queueUpdate();
     void queueMenu();
     void updateMenu();

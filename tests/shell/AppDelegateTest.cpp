@@ -3,6 +3,7 @@
 
 #include "alerts/Prefs.h"
 #include "support/FakePlatform.h"
+#include "support/OwnCode.h"
 #include "support/WaitUntil.h"
 #include "views/popover/Popover.h"
 #include "views/text/TimeText.h"
@@ -107,6 +108,34 @@ TEST_F(AppDelegateTest, OpensThePopoverOnAFreshReadingAndClosesItAgain) {
     EXPECT_EQ(popover(), nullptr);
     fakes.mainLoop.runDue();
     EXPECT_EQ(item().shown.back().title, " 42%") << "closing reads nothing";
+}
+
+TEST_F(AppDelegateTest, GivesBackTheCodeOnceTheDetailsHaveBeenClosedForAMinute) {
+    delegate.applicationDidFinishLaunching();
+    const auto openAndClose = [this] {
+        choose("Show details");
+        popover()->hide();
+    };
+    openAndClose();
+    touchCode();
+    const long all = residentMemory();
+    const long half = all - codeSize() / 2;
+    fakes.mainLoop.advance(50s);
+    openAndClose();
+    fakes.mainLoop.advance(50s);
+    EXPECT_GT(residentMemory(), half);
+    choose("Show details");
+    fakes.mainLoop.advance(50s);
+    EXPECT_GT(residentMemory(), half) << "they are open";
+    popover()->hide();
+    fakes.mainLoop.advance(2min);
+    EXPECT_LT(residentMemory(), half);
+    openAndClose();
+    touchCode();
+    const long less = residentMemory() - codeSize() / 2;
+    fakes.mainLoop.advance(80s); // and no refresh yet
+    choose("Show details");
+    EXPECT_GT(residentMemory(), less) << "what it needs is not given back first";
 }
 
 TEST_F(AppDelegateTest, TheClickThatClosesThePopoverDoesNotOpenItAgain) {

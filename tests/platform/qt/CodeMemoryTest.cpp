@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/qt/CodeMemory.h"
 
+#include "support/OwnCode.h"
+
 #include <QString>
 #include <gtest/gtest.h>
 
@@ -8,42 +10,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstddef>
 #include <cstdlib>
-#include <fstream>
 #include <stdexcept>
 #include <string>
 #include <tuple>
-
-// The linker's names for where the program begins and where its code ends.
-extern "C" const char __executable_start; // NOLINT(bugprone-reserved-identifier)
-extern "C" const char etext;
-
-namespace {
-
-/// The resident memory, in KiB.
-long residentMemory() {
-    std::ifstream rollup("/proc/self/smaps_rollup");
-    for (std::string word; rollup >> word;) {
-        if (long kilobytes = 0; word == "Rss:" && rollup >> kilobytes)
-            return kilobytes;
-    }
-    return 0;
-}
-
-/// The size of this program's code, in KiB.
-long codeSize() {
-    return (&etext - &__executable_start) / 1024;
-}
-
-/// Has all code of this program in memory; a forked process begins without.
-void touchCode() {
-    constexpr std::ptrdiff_t page = 4096;
-    for (const volatile char* byte = &__executable_start; byte < &etext; byte += page)
-        std::ignore = char{*byte};
-}
-
-} // namespace
 
 TEST(CodeMemory, IsGivenBackAndComesBack) {
     touchCode();
