@@ -16,8 +16,10 @@ BalancedLabel::BalancedLabel(const QString& text, QWidget* parent) : QLabel(text
 
 BalancedLabel::Known& BalancedLabel::known() const {
     if (known_.unbroken.isEmpty() || known_.text != text() || known_.font != font()) {
-        const int width = static_cast<int>(std::ceil(QFontMetricsF(font()).horizontalAdvance(text()))) + 1;
-        known_ = {.text = text(), .font = font(), .unbroken = {width, QLabel::heightForWidth(width)}};
+        const QMargins margins = contentsMargins();
+        const int text = static_cast<int>(std::ceil(QFontMetricsF(font()).horizontalAdvance(this->text())));
+        const int width = text + 1 + margins.left() + margins.right();
+        known_ = {.text = this->text(), .font = font(), .unbroken = {width, QLabel::heightForWidth(width)}};
     }
     return known_;
 }
@@ -31,7 +33,7 @@ int BalancedLabel::heightForWidth(int width) const {
 void BalancedLabel::paintEvent(QPaintEvent* /*event*/) {
     const QRect room = contentsRect();
     Known& known = this->known();
-    const bool isBroken = room.width() < known.unbroken.width();
+    const bool isBroken = width() < known.unbroken.width();
     if (isBroken && known.room != room.width()) {
         known.room = room.width();
         known.balancedWidth = balancedWidth(text(), font(), room.width());

@@ -10,6 +10,8 @@ TEST(BalancedLabel, IsAsHighAsAnyLabelThatWrapsItsText) {
     QLabel plain;
     plain.setTextFormat(Qt::PlainText);
     plain.setWordWrap(true);
+    label.setContentsMargins(12, 0, 12, 0);
+    plain.setContentsMargins(12, 0, 12, 0);
     for (const char* text : {"", "64%", "Charging, estimating time to full…", "two\nlines", "  spaced   out  ",
                              "Velmora can only remind you. A Mac app cannot stop the charger."}) {
         for (const TextStyle style : {TextStyle::caption2, TextStyle::headline}) {
