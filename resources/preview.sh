@@ -4,7 +4,8 @@
 # Draws contact sheets of all icon files, to be judged by eye. For the pictures that panels get which cannot recolour
 # glyphs, see pictures/glyphs.png in the build folder, which the test of GlyphImages makes.
 # Usage: preview.sh FOLDER [NUMBERS]
-# NUMBERS is the folder with the generated percentage glyphs: share/velmora/icons/hicolor/scalable/status in a build folder.
+# NUMBERS is the folder with the generated percentage glyphs: share/velmora/icons/hicolor/scalable/status in a build
+# folder.
 # Needs rsvg-convert and ImageMagick (convert, montage).
 #
 # Glyph columns are in the order of $glyphs below; rows are 16 px, which has files of its own, and the sizes in $sizes.

@@ -43,13 +43,14 @@ HistoryStore::DaySummary summary(Date day, const Acc& acc) {
 std::vector<HistoryStore::DaySummary> HistoryStore::dailySummaries(std::int64_t days, Date now) const {
     const Date start = calendar_.addingDays(calendar_.day(now).start, 1 - days).value_or(now);
     std::map<Date, Acc, std::greater<>> accounts;
-    // Looking for the day takes longer than everything else here, and most samples are from the same as the one before.
+    // Looking up the day takes longer than everything else here, and most samples are from the same day as the one
+    // before.
     Calendar::Day day{};
-    Date asked = Date::max();
+    Date asked{};
     Acc* account = nullptr;
     for (std::size_t i = samples.firstNotBefore(start); i < samples.size(); ++i) {
         const Sample sample = samples[i];
-        if (const Date date = sample.date(); date < asked || date >= day.until) {
+        if (const Date date = sample.date(); account == nullptr || date < asked || date >= day.until) {
             day = calendar_.day(date);
             asked = date;
             account = &accounts[day.start];

@@ -15,7 +15,7 @@ class DesktopWindows {
 public:
     virtual ~DesktopWindows() = default;
 
-    /// What panels leave free of a screen; empty where Qt knows that as well as we do.
+    /// What panels leave free of a screen, in Qt's coordinates; empty where Qt knows that as well as we do.
     virtual std::optional<ScreenRect> freeArea(const QScreen& /*screen*/) { return std::nullopt; }
 
     /// Whether a window may have transparent edges now, for round corners and a shadow. Where nothing composes the

@@ -15,7 +15,7 @@ struct ScreenPoint {
     bool operator==(const ScreenPoint&) const = default;
 };
 
-/// A rectangle there.
+/// A rectangle on the screen, in the same coordinates.
 struct ScreenRect {
     int x = 0;
     int y = 0;

@@ -49,8 +49,11 @@ void AppDelegate::applicationDidFinishLaunching() {
         if (model.snoozeUntil.get())
             queueMenu();
     }));
-    // At one of the refreshes, which need no timer of their own.
-    bag.push_back(model.historyVersion.subscribe([this](std::int64_t) { giveBackUnusedCode(); }));
+    // After one of the refreshes, which need no timer of their own.
+    bag.push_back(model.historyVersion.subscribe([this](std::int64_t) {
+        if (closedAt_)
+            platform_.mainLoop.async(lifetime_.guard([this] { giveBackUnusedCode(); }));
+    }));
     bag.push_back(platform_.sessionEvents.onSessionEnd(terminate_));
     // An open popup on X11 grabs the keyboard, and a screen locker that needs it before sleep fails.
     bag.push_back(platform_.sessionEvents.onWillSleep([this] { popover->hide(); }));
@@ -70,7 +73,8 @@ void AppDelegate::giveBackMemory() {
 }
 
 void AppDelegate::giveBackUnusedCode() {
-    if (!closedAt_ || platform_.clock.uptime() - *closedAt_ < untilLookIsOver)
+    const bool isUsed = settingsWindow && settingsWindow->isVisible();
+    if (!closedAt_ || isUsed || platform_.clock.uptime() - *closedAt_ < untilLookIsOver)
         return;
     closedAt_.reset();
     giveBackCode();

@@ -418,7 +418,7 @@ private:
         EXPECT_EQ(sees("dailySummary"), !rows.empty());
         EXPECT_EQ(sees("dailySummaryTable"), !rows.empty() && isTableOpen);
         if (!isTableOpen)
-            return;
+            return; // its cells are filled only while it is unfolded
         const char* columns[] = {"Day", "Avg", "Range", "Charging"};
         for (std::size_t row = 0; row < rows.size(); ++row) {
             for (std::size_t column = 0; column < 4; ++column) {

@@ -132,10 +132,10 @@ DailySummaryView::DailySummaryView(QWidget* parent)
 }
 
 void DailySummaryView::setExpanded(bool expanded) {
-    setAccessibleExpanded(*disclosure_, expanded);
     if (expanded)
         fillTable();
     table_->setVisible(expanded);
+    setAccessibleExpanded(*disclosure_, expanded);
 }
 
 void DailySummaryView::setCell(int row, int column, const QString& text, const QString& spoken,

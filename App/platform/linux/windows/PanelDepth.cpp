@@ -4,6 +4,6 @@
 #include <cmath>
 
 int panelDepth(double reserved, double scale) {
-    const double depth = std::ceil(reserved / scale);
+    const double depth = std::round(reserved / scale);
     return depth > 0 && depth <= thickestPanel ? static_cast<int>(depth) : 0;
 }

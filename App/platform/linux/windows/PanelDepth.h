@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-/// No panel with our item reaches further into the screen, in pixels.
+/// What we take for the thickest panel, in Qt's pixels.
 constexpr int thickestPanel = 64;
 
-/// How far a panel reaches into a screen from one of its edges, in pixels of `scale` device pixels each, where so many
-/// device pixels from that edge on are not free. All screens of an X server share one free area: more than a panel
-/// takes is not free because of another screen, which ends elsewhere.
+/// The thickness of the panel at one edge of a screen, in Qt's pixels, each of which is `scale` device pixels wide; 0
+/// if there is none. `reserved` is what the work area leaves out at that edge, in device pixels. All screens of an X
+/// server share one work area, so a large number means that another screen ends elsewhere, not that there is a panel.
 int panelDepth(double reserved, double scale);

@@ -14,7 +14,7 @@ QRect x11FreeArea(const QScreen& screen) {
     if (connection == nullptr || screen.virtualSiblings().size() < 2)
         return screen.availableGeometry();
     const QRect whole = screen.geometry(); // its corner is in device pixels
-    std::array<std::int32_t, 4> area{};    // so are position and size of this; that of the first workspace
+    std::array<std::int32_t, 4> area{};    // of the first workspace: x, y, width and height in device pixels
     const auto question = xcb_get_property(connection, 0, x11Screen(connection).root,
                                            x11Atom(connection, "_NET_WORKAREA"), XCB_ATOM_CARDINAL, 0, area.size());
     const X11Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection, question, nullptr));

@@ -5,6 +5,6 @@
 
 class QScreen;
 
-/// What panels leave free of a screen, in Qt's coordinates. Qt knows that if there is one screen on an X server:
-/// several share one work area (Extended Window Manager Hints, _NET_WORKAREA), and then it takes each as a whole.
+/// What panels leave free of a screen, in Qt's coordinates. With one screen Qt knows it. Several share one work area
+/// (Extended Window Manager Hints, _NET_WORKAREA), and for those Qt reports the whole screen.
 QRect x11FreeArea(const QScreen& screen);
