@@ -23,6 +23,10 @@ struct ScreenRect {
     int height = 0;
 };
 
+/// What we take for the thickest panel, in pixels. Wayland does not tell how thick panels are, nor does X11 if there
+/// are several screens.
+constexpr int thickestPanel = 64;
+
 /// An item in the panel; always visible.
 class StatusItem {
 public:

@@ -52,7 +52,6 @@ constexpr auto longestLook = std::chrono::minutes(2);
 
 /// The height of the largest window that fits beside the panels.
 int largestHeight(const ScreenRect& room) {
-    constexpr int thickestPanel = 64; // pixels; Wayland does not tell how thick they are
     const bool isWayland = QGuiApplication::platformName() == QLatin1String("wayland");
     return room.height - (isWayland ? thickestPanel : 0);
 }

@@ -17,9 +17,6 @@ int possibleGap(int length, int room) {
     return std::clamp((room - length) / 2, 0, gap);
 }
 
-/// How far a panel with our item may reach into the screen, in pixels.
-constexpr int thickestPanel = 64;
-
 enum class Panel { top, bottom, left, right };
 
 /// The edge of the screen that the panel with this point is on. A point in a corner, or away from all edges, is taken

@@ -6,7 +6,6 @@
 #include "platform/linux/files/FileDescriptor.h"
 #include "platform/linux/files/ReadDescriptor.h"
 #include "platform/linux/panel/DevicePoint.h"
-#include "platform/linux/windows/PanelDepth.h"
 #include "platform/linux/windows/X11FreeArea.h"
 
 #include <QCursor>

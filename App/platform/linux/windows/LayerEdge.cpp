@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/windows/LayerEdge.h"
 
-#include "platform/linux/windows/PanelDepth.h"
+#include "platform/StatusBar.h"
 
 #include <algorithm>
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/linux/windows/PanelDepth.h"
 
+#include "platform/StatusBar.h"
+
 #include <cmath>
 
 int panelDepth(double reserved, double scale) {
