@@ -26,7 +26,7 @@ public:
     /// can place its windows. The window reaches `shadow` pixels further on each side.
     virtual void willShowPopover(QWindow& window, const QRect& place, int shadow) = 0;
 
-    /// The popover has been shown, or has another place or size. Until `popoverHidden`, calls back for clicks elsewhere
+    /// The popover is on the screen, or has another place or size. Until `popoverHidden`, calls back for clicks elsewhere
     /// after which it would keep the focus.
     virtual void popoverShown(QWindow& window, std::function<void()> clickedElsewhere) = 0;
 

@@ -1,7 +1,9 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """What the desktop is told of the program's windows, and that the popover closes on any click elsewhere."""
 
+import re
 import unittest
+from pathlib import Path
 
 from gi.repository import GLib
 
@@ -9,12 +11,14 @@ from support.case import DesktopCase
 from support.desktop import BELOW_PANEL, PANEL, SCREEN
 from support.item import ITEM_INTERFACE, ITEM_PATH
 from support.screen import Box, luminance
+from support.waiting import watch
 from support.x_server import XServer
 
 TITLE = "Velmora"
 SETTINGS_TITLE = "Velmora Settings"
 SHOW_SECONDS = 2
 WALLPAPER = 0xA0C0D0
+VOLUNTARY_SWITCHES = re.compile(r"^voluntary_ctxt_switches:\s+(\d+)", re.MULTILINE)
 GAP = 8  # between the popover and the panel or the edge of the screen
 # As on the X server of a Wayland compositor. There the program does not follow the pointer, so any X server will do.
 IN_WAYLAND = {"WAYLAND_DISPLAY": "wayland-none", "QT_QPA_PLATFORM": "xcb"}
@@ -25,7 +29,8 @@ class WindowCase(DesktopCase):
         self.screen = self.desktop(**options)
         self.server = XServer(self.screen)
         self.addCleanup(self.server.close)
-        self.item = self.start_and_wait(self.screen, self.laptop(), changes).item
+        self.program = self.start_and_wait(self.screen, self.laptop(), changes)
+        self.item = self.program.item
         self.box = self.soon(self.screen.find_item, SHOW_SECONDS, "the item is drawn")
 
     def shown(self, title):
@@ -106,6 +111,15 @@ class PopoverOnX11(WindowCase):
         self.never(lambda: not self.screen.window_ids(TITLE), 0.5)
         # It takes the pointer some time after the button was released.
         self.soon(self.closed_by_click_on_cover, SHOW_SECONDS, "a click closes it")
+
+    def test_sleeps_while_it_is_open(self):
+        self.begin()
+        self.item.activate(*self.box.centre)
+        self.shown(TITLE)
+        status = Path(f"/proc/{self.program.process.pid}/status")
+        wakes = lambda: VOLUNTARY_SWITCHES.search(status.read_text(encoding="ascii"))[1]
+        self.soon(lambda: len(watch(wakes, 1)) == 1, 10 * SHOW_SECONDS, "nothing wakes it for a second")
+        self.assertTrue(self.screen.window_ids(TITLE))
 
     def closed_by_click_on_cover(self):
         self.screen.click(400, 450)

@@ -138,15 +138,29 @@ void Popover::showAt(std::optional<ScreenPoint> point) {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateLater);
     place(); // again, now that the content has its fonts
     raise();
-    activateWindow();
-    // A popup grabs the keyboard and the pointer, which a screen locker needs for itself.
-    pointer_ = QCursor::pos();
-    if (windowType() == Qt::Popup)
+    if (windowType() != Qt::Popup) // one of those has the keyboard
+        activateWindow();
+    else // it has the pointer, too, and a screen locker needs both for itself
         untilNobodyLooks_.start();
     keyboardFocus_->begin(false);
     // No control has the focus until the user turns to the keyboard.
     if (QWidget* content = area_->widget())
         content->setFocus();
+}
+
+void Popover::wasPainted() {
+    if (!isVisible() || std::exchange(isSeen_, true))
+        return;
+    tellOfPlace();
+    if (windowType() != Qt::Popup)
+        return;
+    activateWindow(); // should another program have the keyboard
+    pointer_ = QCursor::pos();
+}
+
+void Popover::tellOfPlace() {
+    if (desktop_ != nullptr && isSeen_)
+        desktop_->popoverShown(*windowHandle(), [this] { hide(); });
 }
 
 void Popover::useShadow(bool has) {
@@ -189,8 +203,7 @@ void Popover::place() {
     const ScreenPoint corner = placePopover(point_.value_or(usualPlaceOfItem(toScreenRect(screen->geometry()), room)),
                                             room, size.width(), size.height());
     move(corner.x - shadow_, corner.y - shadow_);
-    if (desktop_ != nullptr && isVisible())
-        desktop_->popoverShown(*windowHandle(), [this] { hide(); });
+    tellOfPlace();
 }
 
 bool Popover::wasJustClosed() const {
@@ -238,6 +251,9 @@ void Popover::mousePressEvent(QMouseEvent* event) {
 }
 
 void Popover::paintEvent(QPaintEvent* /*event*/) {
+    // Whatever has to wait for the X server comes when the details are on the screen.
+    if (!isSeen_)
+        QMetaObject::invokeMethod(this, &Popover::wasPainted, Qt::QueuedConnection);
     if (shadow_ == 0)
         return; // Qt has drawn the background
     QPainter painter(this);
@@ -246,6 +262,7 @@ void Popover::paintEvent(QPaintEvent* /*event*/) {
 
 void Popover::hideEvent(QHideEvent* event) {
     sinceClosed_.start();
+    isSeen_ = false;
     untilNobodyLooks_.stop();
     if (desktop_ != nullptr)
         desktop_->popoverHidden();

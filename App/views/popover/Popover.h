@@ -58,11 +58,14 @@ private:
     Border* border_;
     KeyboardFocus* keyboardFocus_;
     int shadow_ = 0; ///< how far the window reaches beyond the card, on each side
+    bool isSeen_ = false; ///< has been painted since it was shown
     std::optional<ScreenPoint> point_;
     QElapsedTimer sinceClosed_;
     QTimer untilNobodyLooks_{this};
     QPoint pointer_; ///< where it was when the timer was started
 
+    void wasPainted();
+    void tellOfPlace();
     void closeUnlessPointerMoves();
     QRect card() const { return rect().marginsRemoved({shadow_, shadow_, shadow_, shadow_}); }
     void useShadow(bool has);

@@ -102,7 +102,11 @@ X11Windows::X11Windows() {
     constexpr std::chrono::milliseconds soon{30}; // before a second click
     untilPointerIsFree_.setSingleShot(true);
     untilPointerIsFree_.setInterval(soon);
-    QObject::connect(&untilPointerIsFree_, &QTimer::timeout, &untilPointerIsFree_, [this] { takePointer(); });
+    QObject::connect(&untilPointerIsFree_, &QTimer::timeout, &untilPointerIsFree_, [this] {
+        xcb_connection_t* connection = x11Connection();
+        if (popover_ != nullptr && connection != nullptr)
+            takePointer(connection);
+    });
 }
 
 X11Windows::~X11Windows() {
@@ -121,7 +125,9 @@ bool X11Windows::canHaveShadow() {
     if (isInWayland())
         return true;
     // A compositing manager owns this selection (Extended Window Manager Hints).
-    const auto question = xcb_get_selection_owner(connection, x11Atom(connection, "_NET_WM_CM_S0"));
+    if (compositor_ == XCB_ATOM_NONE)
+        compositor_ = x11Atom(connection, "_NET_WM_CM_S0");
+    const auto question = xcb_get_selection_owner(connection, compositor_);
     const X11Reply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(connection, question, nullptr));
     return reply && reply->owner != XCB_NONE;
 }
@@ -139,19 +145,21 @@ void X11Windows::willShowPopover(QWindow& window, const QRect& /*place*/, int sh
              {"_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER", "_KDE_NET_WM_STATE_SKIP_SWITCHER"});
 }
 
-void X11Windows::takePointer() {
-    xcb_connection_t* connection = x11Connection();
-    if (popover_ == nullptr || connection == nullptr)
-        return;
-    // Asked first, because Qt does not look whether it was given the pointer.
+bool X11Windows::takePointer(xcb_connection_t* connection) {
+    // Qt does not look whether the server gave it the pointer. Asked without Qt's hold on it, which is of another kind
+    // where the server has the X Input Extension, so that the server would refuse us as it refuses strangers.
+    popover_->setMouseGrabEnabled(false);
     const auto question =
         xcb_grab_pointer(connection, 0, static_cast<xcb_window_t>(popover_->winId()), XCB_EVENT_MASK_BUTTON_PRESS,
                          XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
     const X11Reply<xcb_grab_pointer_reply_t> reply(xcb_grab_pointer_reply(connection, question, nullptr));
-    if (reply && reply->status == XCB_GRAB_STATUS_ALREADY_GRABBED)
+    if (reply && reply->status == XCB_GRAB_STATUS_ALREADY_GRABBED) {
         untilPointerIsFree_.start(); // a button is held
-    else
-        popover_->setMouseGrabEnabled(true);
+        return false;
+    }
+    xcb_ungrab_pointer(connection, XCB_CURRENT_TIME);
+    popover_->setMouseGrabEnabled(true);
+    return true;
 }
 
 void X11Windows::popoverShown(QWindow& window, std::function<void()> clickedElsewhere) {
@@ -160,23 +168,23 @@ void X11Windows::popoverShown(QWindow& window, std::function<void()> clickedElse
     xcb_connection_t* connection = x11Connection();
     if (connection == nullptr)
         return;
+    popover_ = &window;
+    clickedElsewhere_ = std::move(clickedElsewhere);
+    QCoreApplication::instance()->installNativeEventFilter(this);
     const xcb_screen_t& screen = x11Screen(connection);
-    // A Wayland compositor knows only windows with a picture; elsewhere they need none.
-    const xcb_visualid_t visual = isInWayland() ? transparentVisual(screen) : xcb_visualid_t{XCB_NONE};
-    if (visual != XCB_NONE) {
+    xcb_visualid_t visual = XCB_NONE;
+    if (isInWayland()) { // whose compositor knows only windows with a picture; elsewhere they need none
+        visual = transparentVisual(screen);
+        if (visual == XCB_NONE)
+            return;
         colours_ = xcb_generate_id(connection);
         xcb_create_colormap(connection, XCB_COLORMAP_ALLOC_NONE, colours_, screen.root, visual);
-    } else if (isInWayland()) {
+    } else if (hasPointer || takePointer(connection)) {
         return;
     }
     for (const xcb_rectangle_t& place : around(connection, screen, static_cast<xcb_window_t>(window.winId())))
         around_.push_back(invisibleWindow(connection, screen.root, place, visual, colours_));
     xcb_flush(connection);
-    popover_ = &window;
-    if (!hasPointer && window.type() == Qt::Popup)
-        takePointer();
-    clickedElsewhere_ = std::move(clickedElsewhere);
-    QCoreApplication::instance()->installNativeEventFilter(this);
 }
 
 void X11Windows::popoverHidden() {

@@ -3,6 +3,8 @@
 
 #include "platform/DesktopWindows.h"
 
+#include <xcb/xcb.h>
+
 #include <QAbstractNativeEventFilter>
 #include <QPointer>
 #include <QTimer>
@@ -32,13 +34,15 @@ public:
     void willShowSettings(QWindow& window) override;
 
 private:
-    /// Invisible windows over all of the screen but the popover.
+    xcb_atom_t compositor_ = XCB_ATOM_NONE; ///< the selection's name, once it was asked for
+    /// Invisible windows over all of the screen but the popover, where the popover has not the pointer.
     std::vector<std::uint32_t> around_;
     std::uint32_t colours_ = 0; ///< their colour map; 0 where they need none
     std::function<void()> clickedElsewhere_;
     QTimer untilPointerIsFree_;
     QPointer<QWindow> popover_;
 
-    void takePointer();
+    /// Whether the popover has it now. If not, tries again soon.
+    bool takePointer(xcb_connection_t* connection);
     bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
 };
