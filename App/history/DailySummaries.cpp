@@ -48,8 +48,9 @@ std::vector<HistoryStore::DaySummary> HistoryStore::dailySummaries(std::int64_t 
     Calendar::Day day{};
     Date asked{};
     Acc* account = nullptr;
-    for (std::size_t i = samples.firstNotBefore(start); i < samples.size(); ++i) {
-        const Sample sample = samples[i];
+    const SampleList::Tail found = samplesSince(start);
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        const Sample sample = found[i];
         if (const Date date = sample.date(); account == nullptr || date < asked || date >= day.until) {
             day = calendar_.day(date);
             asked = date;
@@ -59,7 +60,7 @@ std::vector<HistoryStore::DaySummary> HistoryStore::dailySummaries(std::int64_t 
         acc.lo = std::min(acc.lo, sample.p);
         acc.hi = std::max(acc.hi, sample.p);
         // An interval counts wholly for the day that it begins in.
-        const double interval = i + 1 < samples.size() ? samples[i + 1].t - sample.t : 0;
+        const double interval = i + 1 < found.size() ? found[i + 1].t - sample.t : 0;
         if (interval > 0 && interval <= longestInterval) {
             acc.w += interval;
             acc.sum += interval * static_cast<double>(sample.p);

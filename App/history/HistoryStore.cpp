@@ -169,15 +169,6 @@ std::optional<Date> HistoryStore::pluggedSinceEstimate(Date now) const {
     return start;
 }
 
-std::vector<Sample> HistoryStore::samplesSince(Date since) const {
-    std::vector<Sample> found;
-    const std::size_t first = samples.firstNotBefore(since);
-    found.reserve(samples.size() - first);
-    for (std::size_t i = first; i < samples.size(); ++i)
-        found.push_back(samples[i]);
-    return found;
-}
-
 std::string HistoryStore::csv() const {
     return historyCsv(samples);
 }

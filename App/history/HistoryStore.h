@@ -61,8 +61,8 @@ public:
     /// The instant since which the machine has been plugged in without a break; empty when the history cannot tell.
     std::optional<Date> pluggedSinceEstimate(Date now) const;
 
-    /// The samples from the first one at or after `since`.
-    std::vector<Sample> samplesSince(Date since) const;
+    /// The samples from the first one at or after `since`; valid until the next change of the history.
+    SampleList::Tail samplesSince(Date since) const { return {samples, samples.firstNotBefore(since)}; }
 
     /// Summaries of those of the last `days` local days that have samples, newest first.
     std::vector<DaySummary> dailySummaries(std::int64_t days, Date now) const;

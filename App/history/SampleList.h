@@ -38,6 +38,24 @@ public:
         std::size_t index_ = 0;
     };
 
+    /// The samples from one on, as they are in the list: valid until the list changes.
+    class Tail {
+    public:
+        /// `first` is at most the size of the list.
+        Tail(const SampleList& list, std::size_t first) : list_(&list), first_(first) {}
+
+        bool empty() const { return size() == 0; }
+        std::size_t size() const { return list_->size() - first_; }
+        /// Counted from the first of these; below `size()`.
+        Sample operator[](std::size_t index) const { return (*list_)[first_ + index]; }
+        Iterator begin() const { return {*list_, first_}; }
+        Iterator end() const { return list_->end(); }
+
+    private:
+        const SampleList* list_;
+        std::size_t first_;
+    };
+
     SampleList() = default;
     SampleList(std::initializer_list<Sample> samples);
 

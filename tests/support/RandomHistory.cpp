@@ -160,7 +160,8 @@ private:
         const Date asked(Duration(now_ + (dice_.oneIn(2) ? 0 : dice_.oneIn(3) ? -gap() : gap())));
         EXPECT_EQ(store_.pluggedSinceEstimate(asked), plain_.pluggedSince(asked));
         const double since = plain_.samples.empty() ? now_ : about(dice_.of(plain_.samples).t);
-        EXPECT_EQ(store_.samplesSince(Date(Duration(since))), plain_.since(Date(Duration(since))));
+        EXPECT_TRUE(
+            std::ranges::equal(store_.samplesSince(Date(Duration(since))), plain_.since(Date(Duration(since)))));
         if (dice_.oneIn(10)) {
             EXPECT_EQ(store_.csv(), plain_.csv());
         }

@@ -13,19 +13,21 @@ std::vector<Point> points(const HistoryStore& history, Date from) {
     constexpr double longestGap = 900; ///< seconds, between consecutive samples
     constexpr double minute = 60;      ///< seconds that each sample left out adds to a gap
 
-    const std::vector<Sample> samples = history.samplesSince(from);
+    const SampleList::Tail samples = history.samplesSince(from);
     const std::size_t step = std::max<std::size_t>(samples.size() / enough, 1);
     const double gap = static_cast<double>(step) * minute + longestGap;
     std::vector<Point> kept;
-    for (std::size_t i = 0; i < samples.size(); ++i) {
-        if (i % step != 0 && i + 1 != samples.size())
-            continue;
-        const Date date = samples[i].date();
+    const auto keep = [&](std::size_t i) {
+        const Sample sample = samples[i];
         std::int64_t seg = 0;
         if (!kept.empty())
-            seg = kept.back().seg + (samples[i].t - kept.back().date.time_since_epoch().count() > gap ? 1 : 0);
-        kept.push_back({.id = static_cast<std::int64_t>(i), .date = date, .pct = samples[i].p, .seg = seg});
-    }
+            seg = kept.back().seg + (sample.t - kept.back().date.time_since_epoch().count() > gap ? 1 : 0);
+        kept.push_back({.id = static_cast<std::int64_t>(i), .date = sample.date(), .pct = sample.p, .seg = seg});
+    };
+    for (std::size_t i = 0; i < samples.size(); i += step)
+        keep(i);
+    if (!samples.empty() && (samples.size() - 1) % step != 0)
+        keep(samples.size() - 1);
     return kept;
 }
 
