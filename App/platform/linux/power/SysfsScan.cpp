@@ -2,24 +2,31 @@
 #include "platform/linux/power/SysfsScan.h"
 
 #include "platform/linux/files/FileDescriptor.h"
-#include "platform/linux/files/ReadDescriptor.h"
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <cerrno>
 #include <string_view>
 
 namespace {
 
-constexpr std::size_t attributeLimit = 4096; // the kernel returns one page at most
+constexpr std::size_t attributeLimit = 4096; // the kernel returns one page at most, and all of it at once
 
 void readAttribute(int folder, const char* attribute, PowerSupply& supply) {
     const FileDescriptor file(::openat(folder, attribute, O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file)
         return;
-    if (auto content = readDescriptor(file.get(), attributeLimit))
-        supply.attributes.emplace(attribute, std::move(*content));
+    std::array<char, attributeLimit + 1> content; // uninitialised: this is read many times for a few bytes each
+    ssize_t count = 0;
+    do {
+        count = ::read(file.get(), content.data(), content.size());
+    } while (count < 0 && errno == EINTR);
+    if (count >= 0 && static_cast<std::size_t>(count) <= attributeLimit)
+        supply.attributes.emplace(attribute, std::string(content.data(), static_cast<std::size_t>(count)));
 }
 
 PowerSupply readSupply(int classFolder, std::string name) {
