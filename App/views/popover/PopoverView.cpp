@@ -295,7 +295,9 @@ void PopoverView::showHeader(const BatteryState& state, Date now) {
     if (!snoozed && cancel_->hasFocus())
         leaveSnooze();
     snooze_->setVisible(snoozed.has_value());
-    const QString time = snoozed ? shortTime(*snoozed) : QString(); // empty beyond any calendar
+    if (!snoozed)
+        return;
+    const QString time = shortTime(*snoozed); // empty beyond any calendar
     setText(snoozeText_,
             time.isEmpty() ? QStringLiteral("Alerts snoozed") : QStringLiteral("Alerts snoozed until ") + time,
             TextStyle::caption, Tint::secondary);
