@@ -4,7 +4,9 @@
 
 #include <cstddef>
 #include <fstream>
+#include <sstream>
 #include <string>
+#include <string_view>
 #include <tuple>
 
 // The linker's names for where the program begins and where its code ends.
@@ -19,6 +21,23 @@ inline long residentMemory() {
             return kilobytes;
     }
     return 0;
+}
+
+/// The resident memory of a library by part of its file's name, in KiB.
+inline long residentMemory(std::string_view library) {
+    std::ifstream mappings("/proc/self/smaps");
+    bool isOfLibrary = false;
+    long sum = 0;
+    for (std::string line; std::getline(mappings, line);) {
+        std::istringstream words(line);
+        std::string key;
+        long kilobytes = 0;
+        if (words >> key; !key.ends_with(':')) // the addresses, with which each mapping begins
+            isOfLibrary = line.find(library) != std::string::npos;
+        else if (isOfLibrary && key == "Rss:" && words >> kilobytes)
+            sum += kilobytes;
+    }
+    return sum;
 }
 
 /// The size of this program's code, in KiB.

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -36,8 +37,13 @@ bool hasWrittenCode(const dl_phdr_info& object) {
     return false;
 }
 
+/// Whoever clicks on the item waits for this library first of all, and its code takes longer to fetch than to keep.
+bool isOfWindows(const dl_phdr_info& object) {
+    return std::string_view(object.dlpi_name).find("libQt6Widgets.so") != std::string_view::npos;
+}
+
 int giveBackSegments(dl_phdr_info* object, std::size_t /*size*/, void* /*data*/) {
-    if (hasWrittenCode(*object))
+    if (hasWrittenCode(*object) || isOfWindows(*object))
         return 0;
     const auto pageSize = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
     for (const auto& segment : std::span(object->dlpi_phdr, object->dlpi_phnum)) {

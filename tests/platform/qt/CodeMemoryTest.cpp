@@ -3,6 +3,7 @@
 
 #include "support/OwnCode.h"
 
+#include <QFrame>
 #include <QString>
 #include <gtest/gtest.h>
 
@@ -23,6 +24,17 @@ TEST(CodeMemory, IsGivenBackAndComesBack) {
     EXPECT_LT(residentMemory(), all - codeSize() / 2);
     EXPECT_EQ(QStringLiteral("%1").arg(0.5, 0, 'f', 3), before);
     EXPECT_THROW(std::ignore = std::stoi("x"), std::invalid_argument) << "what the linker wrote is still there";
+}
+
+TEST(CodeMemory, OfWindowsStays) {
+    const QSize known = QFrame().sizeHint(); // uses the library
+    const long windows = residentMemory("libQt6Widgets.so");
+    const long core = residentMemory("libQt6Core.so");
+    giveBackCode();
+    EXPECT_GT(windows, 0);
+    EXPECT_GE(residentMemory("libQt6Widgets.so"), windows);
+    EXPECT_LT(residentMemory("libQt6Core.so"), core);
+    EXPECT_EQ(QFrame().sizeHint(), known);
 }
 
 TEST(CodeMemory, StaysUnderADebuggerWhoseBreakpointsAreInIt) {
