@@ -38,17 +38,25 @@ HistoryStore::DaySummary summary(Date day, const Acc& acc) {
             .chargingMinutes = static_cast<std::int64_t>(acc.chg / 60)};
 }
 
+/// When the first of so many local days began, of which the last is now.
+Date firstDay(const Calendar& calendar, std::int64_t days, Date now) {
+    return calendar.addingDays(calendar.day(now).start, 1 - days).value_or(now);
+}
+
 } // namespace
 
+bool HistoryStore::hasDailySummaries(std::int64_t days, Date now) const {
+    return !samplesSince(firstDay(calendar_, days, now)).empty();
+}
+
 std::vector<HistoryStore::DaySummary> HistoryStore::dailySummaries(std::int64_t days, Date now) const {
-    const Date start = calendar_.addingDays(calendar_.day(now).start, 1 - days).value_or(now);
     std::map<Date, Acc, std::greater<>> accounts;
     // Looking up the day takes longer than everything else here, and most samples are from the same day as the one
     // before.
     Calendar::Day day{};
     Date asked{};
     Acc* account = nullptr;
-    const SampleList::Tail found = samplesSince(start);
+    const SampleList::Tail found = samplesSince(firstDay(calendar_, days, now));
     for (std::size_t i = 0; i < found.size(); ++i) {
         const Sample sample = found[i];
         if (const Date date = sample.date(); account == nullptr || date < asked || date >= day.until) {

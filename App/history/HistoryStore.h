@@ -67,6 +67,9 @@ public:
     /// Summaries of those of the last `days` local days that have samples, newest first.
     std::vector<DaySummary> dailySummaries(std::int64_t days, Date now) const;
 
+    /// Whether `dailySummaries` has any, which takes much less time to tell.
+    bool hasDailySummaries(std::int64_t days, Date now) const;
+
     /// The whole history as CSV with a header.
     std::string csv() const;
 

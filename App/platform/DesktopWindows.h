@@ -15,6 +15,9 @@ class DesktopWindows {
 public:
     virtual ~DesktopWindows() = default;
 
+    /// The popover is wanted: whatever has to be asked for showing it can be asked now, while its content is made.
+    virtual void popoverWanted() {}
+
     /// What panels leave free of a screen, in Qt's coordinates; empty where Qt knows that as well as we do.
     virtual std::optional<ScreenRect> freeArea(const QScreen& /*screen*/) { return std::nullopt; }
 
@@ -26,8 +29,8 @@ public:
     /// can place its windows. The window reaches `shadow` pixels further on each side.
     virtual void willShowPopover(QWindow& window, const QRect& place, int shadow) = 0;
 
-    /// The popover is on the screen, or has another place or size. Until `popoverHidden`, calls back for clicks elsewhere
-    /// after which it would keep the focus.
+    /// The popover is on the screen, or has another place or size. Until `popoverHidden`, calls back for clicks
+    /// elsewhere after which it would keep the focus.
     virtual void popoverShown(QWindow& window, std::function<void()> clickedElsewhere) = 0;
 
     /// The popover has been hidden.

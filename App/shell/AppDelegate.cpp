@@ -150,6 +150,7 @@ void AppDelegate::openPopover(std::optional<ScreenPoint> point) {
     if (!statusItem)
         return;
     closedAt_.reset(); // its code is needed now
+    popover->prepare();
     model.refresh(AppModel::Reason::event);
     if (popoverView == nullptr) {
         popoverView = new PopoverView(

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -164,10 +165,11 @@ void DailySummaryView::setCell(int row, int column, const QString& text, const Q
     label->setVisible(true);
 }
 
-void DailySummaryView::setContent(const std::vector<HistoryStore::DaySummary>& rows, const QColor& secondary) {
-    setVisible(!rows.empty());
+void DailySummaryView::setContent(bool hasRows, std::function<std::vector<HistoryStore::DaySummary>()> rows,
+                                  const QColor& secondary) {
+    setVisible(hasRows);
     disclosure_->setFont(textFont(TextStyle::callout));
-    rows_ = rows;
+    rows_ = std::move(rows);
     secondary_ = secondary;
     if (disclosure_->isChecked())
         fillTable();
@@ -183,9 +185,10 @@ void DailySummaryView::fillTable() {
         grid_->setColumnMinimumWidth(column, columnWidth(each, metrics));
         setCell(0, column, QLatin1String(each.title), QLatin1String(each.title), header);
     }
-    const int count = static_cast<int>(rows_.size());
+    const std::vector<HistoryStore::DaySummary> rows = rows_ ? rows_() : std::vector<HistoryStore::DaySummary>();
+    const int count = static_cast<int>(rows.size());
     for (int i = 0; i < count; ++i) {
-        const HistoryStore::DaySummary& row = rows_[static_cast<std::size_t>(i)];
+        const HistoryStore::DaySummary& row = rows[static_cast<std::size_t>(i)];
         const SummaryCells cells = summaryCells(row);
         const QString day = dayText(row.day);
         const std::array texts{day, QString::fromStdString(cells.average), QString::fromStdString(cells.range),

@@ -6,6 +6,7 @@
 #include <QColor>
 #include <QWidget>
 
+#include <functional>
 #include <vector>
 
 class QAbstractButton;
@@ -19,8 +20,9 @@ class DailySummaryView final : public QWidget {
 public:
     explicit DailySummaryView(QWidget* parent = nullptr);
 
-    /// Sets the rows from the top, and the colour of the header.
-    void setContent(const std::vector<HistoryStore::DaySummary>& rows, const QColor& secondary);
+    /// Shows it if there are rows, which it asks for, from the top, whenever it is expanded; `secondary` is the colour
+    /// of the header.
+    void setContent(bool hasRows, std::function<std::vector<HistoryStore::DaySummary>()> rows, const QColor& secondary);
 
 Q_SIGNALS:
     /// Its height has changed.
@@ -30,7 +32,7 @@ private:
     QAbstractButton* disclosure_;
     QWidget* table_;
     QGridLayout* grid_;
-    std::vector<HistoryStore::DaySummary> rows_;
+    std::function<std::vector<HistoryStore::DaySummary>()> rows_;
     QColor secondary_;
 
     void setCell(int row, int column, const QString& text, const QString& spoken, const QPalette& palette);

@@ -165,9 +165,15 @@ void HistoryPlot::drawLine(QPainter& painter) const {
     QList<QLineF> lines;
     const auto placeOf = [this](const Point& point) { return place(point.date, static_cast<double>(point.pct)); };
     const std::vector<Point>& points = content_.points;
+    std::size_t from = 0; // of a line; for as long as the charge stays the same, one is enough
     for (std::size_t i = 1; i < points.size(); ++i) {
-        if (points[i - 1].seg == points[i].seg)
-            lines.emplaceBack(placeOf(points[i - 1]), placeOf(points[i]));
+        const bool goesOn = points[i].seg == points[i - 1].seg;
+        const bool isFlat = goesOn && points[i].pct == points[from].pct;
+        if (isFlat && i + 1 < points.size() && points[i + 1].seg == points[i].seg && points[i + 1].pct == points[i].pct)
+            continue;
+        if (goesOn)
+            lines.emplaceBack(placeOf(points[from]), placeOf(points[i]));
+        from = i;
     }
     painter.setPen(QPen(content_.line, lineWidth, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
     painter.setClipRect(area_.adjusted(0, -lineWidth / 2, 0, lineWidth / 2));

@@ -58,6 +58,15 @@ int largestHeight(const ScreenRect& room) {
 
 constexpr int scrollBarGap = (popoverPadding - ThinScrollBar::thickness) / 2; ///< in the middle of the padding
 
+/// Has everything inside take its font and style, as it would when it is shown.
+void polish(const QWidget& widget) {
+    widget.ensurePolished();
+    for (const QObject* child : widget.children()) {
+        if (child->isWidgetType())
+            polish(*static_cast<const QWidget*>(child));
+    }
+}
+
 /// Brings the layouts of everything inside up to date, from the innermost to its own. By themselves they tell each
 /// other by events, one level on each turn of the main loop, and the window would be of a wrong height meanwhile.
 void updateLayouts(const QWidget& widget) {
@@ -124,10 +133,16 @@ void Popover::setContent(QWidget* content) {
     content->setFocusPolicy(Qt::ClickFocus);
 }
 
+void Popover::prepare() {
+    if (desktop_ != nullptr && !isVisible())
+        desktop_->popoverWanted();
+}
+
 void Popover::showAt(std::optional<ScreenPoint> point) {
     if (point && isCredible(*point, isWaylandSession()))
         point_ = point;
     useShadow(desktop_ != nullptr && desktop_->canHaveShadow());
+    polish(*this);
     place();
     if (desktop_ != nullptr) {
         winId(); // makes the window
@@ -136,7 +151,6 @@ void Popover::showAt(std::optional<ScreenPoint> point) {
     show();
     // Qt posts an update of each widget. After the window was exposed, and drawn, all of it would be drawn again.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateLater);
-    place(); // again, now that the content has its fonts
     raise();
     if (windowType() != Qt::Popup) // one of those has the keyboard
         activateWindow();

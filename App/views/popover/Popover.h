@@ -28,6 +28,9 @@ public:
     /// margin, and as high as it asks to be; it scrolls if the screen is too low for that.
     void setContent(QWidget* content);
 
+    /// It will be shown soon, when its content is up to date.
+    void prepare();
+
     /// Shows it beside the point, else where it was last, else in the corner where items usually are, and takes the
     /// keyboard focus.
     void showAt(std::optional<ScreenPoint> point);
@@ -57,7 +60,7 @@ private:
     ThinScrollBar* scrollBar_;
     Border* border_;
     KeyboardFocus* keyboardFocus_;
-    int shadow_ = 0; ///< how far the window reaches beyond the card, on each side
+    int shadow_ = 0;      ///< how far the window reaches beyond the card, on each side
     bool isSeen_ = false; ///< has been painted since it was shown
     std::optional<ScreenPoint> point_;
     QElapsedTimer sinceClosed_;

@@ -272,7 +272,10 @@ void PopoverView::rebuild() {
     showCycles(state);
     showDetails(state);
     showChart(now);
-    summary_->setContent(model.history.dailySummaries(7, now), color(Tint::secondary));
+    constexpr std::int64_t days = 7;
+    summary_->setContent(
+        model.history.hasDailySummaries(days, now), [this, now] { return model.history.dailySummaries(days, now); },
+        color(Tint::secondary));
 }
 
 void PopoverView::showNoBattery() {

@@ -118,18 +118,27 @@ std::optional<ScreenRect> X11Windows::freeArea(const QScreen& screen) {
     return ScreenRect{area.x(), area.y(), area.width(), area.height()};
 }
 
-bool X11Windows::canHaveShadow() {
+void X11Windows::popoverWanted() {
     xcb_connection_t* connection = x11Connection();
-    if (connection == nullptr || transparentVisual(x11Screen(connection)) == XCB_NONE)
-        return false;
-    if (isInWayland())
-        return true;
+    if (connection == nullptr || isInWayland() || asked_)
+        return;
     // A compositing manager owns this selection (Extended Window Manager Hints).
     if (compositor_ == XCB_ATOM_NONE)
         compositor_ = x11Atom(connection, "_NET_WM_CM_S0");
-    const auto question = xcb_get_selection_owner(connection, compositor_);
-    const X11Reply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(connection, question, nullptr));
-    return reply && reply->owner != XCB_NONE;
+    asked_ = xcb_get_selection_owner(connection, compositor_);
+    xcb_flush(connection);
+}
+
+bool X11Windows::canHaveShadow() {
+    xcb_connection_t* connection = x11Connection();
+    if (connection == nullptr)
+        return false;
+    popoverWanted();
+    X11Reply<xcb_get_selection_owner_reply_t> compositor;
+    if (const auto question = std::exchange(asked_, std::nullopt))
+        compositor.reset(xcb_get_selection_owner_reply(connection, *question, nullptr));
+    return transparentVisual(x11Screen(connection)) != XCB_NONE &&
+           (isInWayland() || (compositor && compositor->owner != XCB_NONE));
 }
 
 void X11Windows::willShowPopover(QWindow& window, const QRect& /*place*/, int shadow) {

@@ -3,14 +3,15 @@
 
 #include "platform/DesktopWindows.h"
 
-#include <xcb/xcb.h>
-
 #include <QAbstractNativeEventFilter>
 #include <QPointer>
 #include <QTimer>
 #include <QWindow>
 
+#include <xcb/xcb.h>
+
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 /// Our windows on an X server; on any other display this does nothing. Inside a Wayland compositor the popover is a
@@ -26,6 +27,7 @@ public:
     X11Windows(const X11Windows&) = delete;
     X11Windows& operator=(const X11Windows&) = delete;
 
+    void popoverWanted() override;
     std::optional<ScreenRect> freeArea(const QScreen& screen) override;
     bool canHaveShadow() override;
     void willShowPopover(QWindow& window, const QRect& place, int shadow) override;
@@ -34,7 +36,8 @@ public:
     void willShowSettings(QWindow& window) override;
 
 private:
-    xcb_atom_t compositor_ = XCB_ATOM_NONE; ///< the selection's name, once it was asked for
+    xcb_atom_t compositor_ = XCB_ATOM_NONE;                 ///< the selection's name, once it was asked for
+    std::optional<xcb_get_selection_owner_cookie_t> asked_; ///< who owns it
     /// Invisible windows over all of the screen but the popover, where the popover has not the pointer.
     std::vector<std::uint32_t> around_;
     std::uint32_t colours_ = 0; ///< their colour map; 0 where they need none
