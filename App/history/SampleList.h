@@ -79,7 +79,8 @@ public:
     Iterator begin() const { return {*this, 0}; }
     Iterator end() const { return {*this, size()}; }
 
-    /// The number of the first sample at or after `date`; `size()` if there is none.
+    /// The number of the first sample at or after `date`; `size()` if there is none. Looks at few of them as long as
+    /// the times ascend.
     std::size_t firstNotBefore(Date date) const;
 
     bool operator==(const SampleList& other) const;
@@ -91,7 +92,7 @@ public:
 
     void clear();
 
-    /// Sorts by time; samples of the same time stay in their order.
+    /// Sorts by time, which is a number for each; samples of the same time stay in their order.
     void sort();
 
 private:
@@ -110,5 +111,6 @@ private:
 
     std::vector<Packed> kept_;
     std::size_t dropped_ = 0;         ///< from the front of `kept_`
+    std::size_t ordered_ = 0;         ///< where the first run of ascending times ends that begins after the dropped
     std::vector<std::int64_t> large_; ///< percentages for which `Packed` is too small; no battery reports such
 };

@@ -3,9 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <random>
 #include <vector>
 
 namespace {
@@ -50,6 +53,26 @@ TEST(SampleList, DropsTheOldestOfManyOneByOne) {
     list.dropFirst(1000);
     EXPECT_TRUE(list.empty());
     EXPECT_EQ(list, SampleList());
+}
+
+TEST(SampleList, FindsTheFirstThatIsLateEnoughInAnyOrder) {
+    std::mt19937 dice; // NOLINT(cert-msc51-cpp): the same each time
+    const auto below = [&dice](unsigned count) { return static_cast<int>(dice() % count); };
+    for (int round = 0; round < 300; ++round) {
+        SampleList list;
+        double t = 0;
+        for (int i = 0; i < 40; ++i) {
+            t += below(20) == 0 ? -below(30) : below(3);
+            list.push_back({.t = below(100) == 0 ? std::numeric_limits<double>::quiet_NaN() : t});
+            if (below(15) == 0)
+                list.dropFirst(static_cast<std::size_t>(below(static_cast<unsigned>(list.size()) + 1)));
+            if (below(60) == 0 && std::ranges::none_of(list, [](const Sample& sample) { return std::isnan(sample.t); }))
+                list.sort();
+            const Date asked(Duration(t + below(9) - 6));
+            const auto found = std::ranges::find_if(list, [&](const Sample& sample) { return sample.date() >= asked; });
+            ASSERT_EQ(list.firstNotBefore(asked), static_cast<std::size_t>(std::ranges::distance(list.begin(), found)));
+        }
+    }
 }
 
 TEST(SampleList, SortsByTimeAndKeepsTheOrderOfOneTime) {
