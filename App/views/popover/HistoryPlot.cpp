@@ -24,22 +24,6 @@ constexpr double percentSpacing = 6;  ///< between the area and the charges, whi
 constexpr double lineWidth = 2;
 constexpr double ruleWidth = 1.5;
 
-QFont annotationFont() {
-    QFont font = textFont(TextStyle::caption2);
-    font.setPixelSize(annotationSize);
-    return font;
-}
-
-/// The caption font, but limited in size: the marks of a week must fit side by side, however large the desktop's font
-/// is.
-QFont axisFont() {
-    constexpr int largest = 13;
-    QFont font = textFont(TextStyle::caption2);
-    if (QFontInfo(font).pixelSize() > largest)
-        font.setPixelSize(largest);
-    return font;
-}
-
 QString percentText(int percent) {
     return QString::number(percent) + QLatin1Char('%');
 }
@@ -49,6 +33,18 @@ QString percentText(int percent) {
 HistoryPlot::HistoryPlot(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("historyChartPlot"));
     setAttribute(Qt::WA_TransparentForMouseEvents); // they are for the chart
+}
+
+void HistoryPlot::useFonts() {
+    const QFont caption = textFont(TextStyle::caption2);
+    if (caption == caption_)
+        return; // these fonts know their metrics already
+    caption_ = axisFont_ = annotationFont_ = caption;
+    // The marks of a week must fit side by side, however large the desktop's font is.
+    constexpr int largest = 13;
+    if (QFontInfo(caption).pixelSize() > largest)
+        axisFont_.setPixelSize(largest);
+    annotationFont_.setPixelSize(annotationSize);
 }
 
 void HistoryPlot::setContent(const HistoryChart::Content& content) {
@@ -89,7 +85,7 @@ QPen HistoryPlot::rulePen() const {
 QRectF HistoryPlot::ruleText() const {
     if (!hasRule())
         return {};
-    const QFontMetricsF metrics(annotationFont());
+    const QFontMetricsF metrics(annotationFont_);
     QRectF place(0, 0, metrics.horizontalAdvance(QString::fromStdString(limitText(*content_.limit))) + annotationPlate,
                  metrics.height() + annotationSpacing);
     place.moveBottomRight({area_.right(), y(static_cast<double>(*content_.limit))});
@@ -97,7 +93,8 @@ QRectF HistoryPlot::ruleText() const {
 }
 
 void HistoryPlot::layOut() {
-    const QFontMetricsF metrics(axisFont());
+    useFonts();
+    const QFontMetricsF metrics(axisFont_);
     const double right = std::ceil(metrics.horizontalAdvance(percentText(100))) + percentSpacing;
     const double below = std::ceil(metrics.height()) + labelSpacing;
     // Room above for half of the text at 100 %, and for the text of a limit that is close to it.
@@ -139,9 +136,8 @@ void HistoryPlot::paintEvent(QPaintEvent* /*event*/) {
 
 void HistoryPlot::drawMarks(QPainter& painter) const {
     constexpr double wide = 100; // enough for every text
-    const QFont font = axisFont();
-    const double height = QFontMetricsF(font).height();
-    painter.setFont(font);
+    const double height = QFontMetricsF(axisFont_).height();
+    painter.setFont(axisFont_);
     const QColor window = palette().color(QPalette::Window);
     const double hairline = 1 / painter.deviceTransform().m22();
     const auto grid = [&](double share) {
@@ -189,11 +185,11 @@ void HistoryPlot::drawRule(QPainter& painter) const {
     painter.drawLine(QPointF(area_.left(), upper + ruleWidth / 2), QPointF(area_.right(), upper + ruleWidth / 2));
     const QRectF place = ruleText();
     // The plate is no higher than the letters, so that the rule and most of the charge line stay in sight.
-    const QFontMetricsF metrics(annotationFont());
+    const QFontMetricsF metrics(annotationFont_);
     QRectF plate(0, 0, place.width(), metrics.capHeight() + 2);
     plate.moveBottomRight(place.bottomRight() - QPointF(0, annotationSpacing + metrics.descent() - 1));
     painter.fillRect(plate, palette().color(QPalette::Window));
-    painter.setFont(annotationFont());
+    painter.setFont(annotationFont_);
     painter.setPen(content_.ruleText);
     painter.drawText(place.adjusted(annotationPlate, 0, 0, -annotationSpacing), Qt::AlignRight | Qt::AlignBottom,
                      QString::fromStdString(limitText(*content_.limit)));

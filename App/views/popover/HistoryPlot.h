@@ -3,6 +3,7 @@
 
 #include "views/popover/HistoryChart.h"
 
+#include <QFont>
 #include <QPen>
 #include <QPointF>
 #include <QRectF>
@@ -53,12 +54,16 @@ protected:
 
 private:
     HistoryChart::Content content_;
+    QFont caption_;        ///< of the desktop
+    QFont axisFont_;       ///< the same, but limited in size
+    QFont annotationFont_; ///< the same in a size of its own
     QRectF area_;
     std::vector<TimeName> timeNames_;
 
     double x(Date date) const;
     double y(double percent) const;
     bool hasRule() const;
+    void useFonts();
     void layOut();
     void drawMarks(QPainter& painter) const;
     void drawLine(QPainter& painter) const;
