@@ -51,6 +51,11 @@ void SampleList::dropFirst(std::size_t count) {
     kept_.erase(kept_.begin(), kept_.begin() + static_cast<std::ptrdiff_t>(dropped_));
     ordered_ -= std::min(ordered_, dropped_);
     dropped_ = 0;
+    if (ordered_ > 0)
+        return;
+    const auto last =
+        std::ranges::adjacent_find(kept_, [](const Packed& one, const Packed& other) { return !(one.t <= other.t); });
+    ordered_ = static_cast<std::size_t>(last - kept_.begin()) + (last == kept_.end() ? 0 : 1);
 }
 
 void SampleList::clear() {

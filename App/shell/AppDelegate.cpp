@@ -66,8 +66,8 @@ void AppDelegate::applicationWillTerminate() {
 }
 
 void AppDelegate::giveBackMemory() {
-    // The chart is made from a copy of a week of samples. The allocator would keep that memory for the next time, which
-    // may be hours away. The code waits a while, since it takes time to get back.
+    // The allocator would keep what showing the details has needed for the next time, which may be hours away. The code
+    // waits a while, since it takes time to get back.
     giveBackFreeMemory();
     closedAt_ = platform_.clock.uptime();
 }

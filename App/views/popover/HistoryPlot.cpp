@@ -161,13 +161,15 @@ void HistoryPlot::drawLine(QPainter& painter) const {
     QList<QLineF> lines;
     const auto placeOf = [this](const Point& point) { return place(point.date, static_cast<double>(point.pct)); };
     const std::vector<Point>& points = content_.points;
-    std::size_t from = 0; // of a line; for as long as the charge stays the same, one is enough
+    const auto isFlat = [&points](std::size_t i) { // from the one before; a clock may have been set back between them
+        return i < points.size() && points[i].seg == points[i - 1].seg && points[i].pct == points[i - 1].pct &&
+               points[i].date >= points[i - 1].date;
+    };
+    std::size_t from = 0;
     for (std::size_t i = 1; i < points.size(); ++i) {
-        const bool goesOn = points[i].seg == points[i - 1].seg;
-        const bool isFlat = goesOn && points[i].pct == points[from].pct;
-        if (isFlat && i + 1 < points.size() && points[i + 1].seg == points[i].seg && points[i + 1].pct == points[i].pct)
-            continue;
-        if (goesOn)
+        if (isFlat(i) && isFlat(i + 1))
+            continue; // one line for all of it
+        if (points[i].seg == points[i - 1].seg)
             lines.emplaceBack(placeOf(points[from]), placeOf(points[i]));
         from = i;
     }

@@ -152,9 +152,9 @@ void Popover::showAt(std::optional<ScreenPoint> point) {
     // Qt posts an update of each widget. After the window was exposed, and drawn, all of it would be drawn again.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateLater);
     raise();
-    if (windowType() != Qt::Popup) // one of those has the keyboard
-        activateWindow();
-    else // it has the pointer, too, and a screen locker needs both for itself
+    if (windowType() != Qt::Popup || isSeen_)
+        activate();
+    if (windowType() == Qt::Popup) // it has the keyboard and the pointer, which a screen locker needs for itself
         untilNobodyLooks_.start();
     keyboardFocus_->begin(false);
     // No control has the focus until the user turns to the keyboard.
@@ -166,9 +166,12 @@ void Popover::wasPainted() {
     if (!isVisible() || std::exchange(isSeen_, true))
         return;
     tellOfPlace();
-    if (windowType() != Qt::Popup)
-        return;
-    activateWindow(); // should another program have the keyboard
+    if (windowType() == Qt::Popup) // it has the keyboard without this, unless another program holds that
+        activate();
+}
+
+void Popover::activate() {
+    activateWindow();
     pointer_ = QCursor::pos();
 }
 

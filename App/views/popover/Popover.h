@@ -65,10 +65,11 @@ private:
     std::optional<ScreenPoint> point_;
     QElapsedTimer sinceClosed_;
     QTimer untilNobodyLooks_{this};
-    QPoint pointer_; ///< where it was when the timer was started
+    QPoint pointer_; ///< where it was when that was last looked at
 
     void wasPainted();
     void tellOfPlace();
+    void activate();
     void closeUnlessPointerMoves();
     QRect card() const { return rect().marginsRemoved({shadow_, shadow_, shadow_, shadow_}); }
     void useShadow(bool has);

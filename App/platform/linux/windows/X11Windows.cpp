@@ -162,17 +162,17 @@ bool X11Windows::takePointer(xcb_connection_t* connection) {
         xcb_grab_pointer(connection, 0, static_cast<xcb_window_t>(popover_->winId()), XCB_EVENT_MASK_BUTTON_PRESS,
                          XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
     const X11Reply<xcb_grab_pointer_reply_t> reply(xcb_grab_pointer_reply(connection, question, nullptr));
-    if (reply && reply->status == XCB_GRAB_STATUS_ALREADY_GRABBED) {
+    if (reply && reply->status == XCB_GRAB_STATUS_SUCCESS) {
+        xcb_ungrab_pointer(connection, XCB_CURRENT_TIME);
+        hasPointer_ = popover_->setMouseGrabEnabled(true); // Qt refuses under a debugger
+    } else {
         untilPointerIsFree_.start(); // a button is held
-        return false;
     }
-    xcb_ungrab_pointer(connection, XCB_CURRENT_TIME);
-    popover_->setMouseGrabEnabled(true);
-    return true;
+    return hasPointer_;
 }
 
 void X11Windows::popoverShown(QWindow& window, std::function<void()> clickedElsewhere) {
-    const bool hasPointer = clickedElsewhere_ && !untilPointerIsFree_.isActive();
+    const bool hadPointer = hasPointer_;
     popoverHidden();
     xcb_connection_t* connection = x11Connection();
     if (connection == nullptr)
@@ -188,8 +188,10 @@ void X11Windows::popoverShown(QWindow& window, std::function<void()> clickedElse
             return;
         colours_ = xcb_generate_id(connection);
         xcb_create_colormap(connection, XCB_COLORMAP_ALLOC_NONE, colours_, screen.root, visual);
-    } else if (hasPointer || takePointer(connection)) {
-        return;
+    } else {
+        hasPointer_ = hadPointer;
+        if (hasPointer_ || takePointer(connection))
+            return;
     }
     for (const xcb_rectangle_t& place : around(connection, screen, static_cast<xcb_window_t>(window.winId())))
         around_.push_back(invisibleWindow(connection, screen.root, place, visual, colours_));
@@ -201,6 +203,7 @@ void X11Windows::popoverHidden() {
         return;
     clickedElsewhere_ = {};
     untilPointerIsFree_.stop();
+    hasPointer_ = false;
     popover_ = nullptr;
     QCoreApplication::instance()->removeNativeEventFilter(this);
     xcb_connection_t* connection = x11Connection();

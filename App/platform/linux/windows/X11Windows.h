@@ -38,10 +38,11 @@ public:
 private:
     xcb_atom_t compositor_ = XCB_ATOM_NONE;                 ///< the selection's name, once it was asked for
     std::optional<xcb_get_selection_owner_cookie_t> asked_; ///< who owns it
-    /// Invisible windows over all of the screen but the popover, where the popover has not the pointer.
+    /// Invisible windows over all of the screen but the popover, where the popover could not take the pointer at once.
     std::vector<std::uint32_t> around_;
     std::uint32_t colours_ = 0; ///< their colour map; 0 where they need none
     std::function<void()> clickedElsewhere_;
+    bool hasPointer_ = false; ///< the popover, if it is a popup
     QTimer untilPointerIsFree_;
     QPointer<QWindow> popover_;
 
