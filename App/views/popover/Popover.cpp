@@ -152,31 +152,27 @@ void Popover::showAt(std::optional<ScreenPoint> point) {
     // Qt posts an update of each widget. After the window was exposed, and drawn, all of it would be drawn again.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateLater);
     raise();
-    if (windowType() != Qt::Popup || isSeen_)
-        activate();
-    if (windowType() == Qt::Popup) // it has the keyboard and the pointer, which a screen locker needs for itself
+    // A popup has the keyboard and the pointer already, which a screen locker needs for itself.
+    if (windowType() == Qt::Popup)
         untilNobodyLooks_.start();
+    if (windowType() != Qt::Popup || hasSettled_)
+        settle();
     keyboardFocus_->begin(false);
     // No control has the focus until the user turns to the keyboard.
     if (QWidget* content = area_->widget())
         content->setFocus();
 }
 
-void Popover::wasPainted() {
-    if (!isVisible() || std::exchange(isSeen_, true))
-        return;
+void Popover::settle() {
+    hasSettled_ = true;
     tellOfPlace();
-    if (windowType() == Qt::Popup) // it has the keyboard without this, unless another program holds that
-        activate();
-}
-
-void Popover::activate() {
-    activateWindow();
+    raise();          // above what the desktop has put around it, should its place not be the one that was told
+    activateWindow(); // a popup has the keyboard without this, unless another program holds that
     pointer_ = QCursor::pos();
 }
 
 void Popover::tellOfPlace() {
-    if (desktop_ != nullptr && isSeen_)
+    if (desktop_ != nullptr && hasSettled_)
         desktop_->popoverShown(*windowHandle(), [this] { hide(); });
 }
 
@@ -268,9 +264,12 @@ void Popover::mousePressEvent(QMouseEvent* event) {
 }
 
 void Popover::paintEvent(QPaintEvent* /*event*/) {
-    // Whatever has to wait for the X server comes when the details are on the screen.
-    if (!isSeen_)
-        QMetaObject::invokeMethod(this, &Popover::wasPainted, Qt::QueuedConnection);
+    const auto settleNow = [this] {
+        if (isVisible() && !hasSettled_)
+            settle();
+    };
+    if (!hasSettled_)
+        QMetaObject::invokeMethod(this, settleNow, Qt::QueuedConnection);
     if (shadow_ == 0)
         return; // Qt has drawn the background
     QPainter painter(this);
@@ -279,7 +278,7 @@ void Popover::paintEvent(QPaintEvent* /*event*/) {
 
 void Popover::hideEvent(QHideEvent* event) {
     sinceClosed_.start();
-    isSeen_ = false;
+    hasSettled_ = false;
     untilNobodyLooks_.stop();
     if (desktop_ != nullptr)
         desktop_->popoverHidden();

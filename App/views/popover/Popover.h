@@ -60,16 +60,16 @@ private:
     ThinScrollBar* scrollBar_;
     Border* border_;
     KeyboardFocus* keyboardFocus_;
-    int shadow_ = 0;      ///< how far the window reaches beyond the card, on each side
-    bool isSeen_ = false; ///< has been painted since it was shown
+    int shadow_ = 0;          ///< how far the window reaches beyond the card, on each side
+    bool hasSettled_ = false; ///< has settled since it was shown
     std::optional<ScreenPoint> point_;
     QElapsedTimer sinceClosed_;
     QTimer untilNobodyLooks_{this};
     QPoint pointer_; ///< where it was when that was last looked at
 
-    void wasPainted();
+    /// Whatever has to wait for the display server; for a popup, once it has been painted.
+    void settle();
     void tellOfPlace();
-    void activate();
     void closeUnlessPointerMoves();
     QRect card() const { return rect().marginsRemoved({shadow_, shadow_, shadow_, shadow_}); }
     void useShadow(bool has);

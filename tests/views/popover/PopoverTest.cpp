@@ -376,12 +376,9 @@ TEST(PopoverWindow, IsMadeKnownToTheDesktopAndClosedByAClickThatThisTellsOf) {
     popover.setContent(new QWidget);
     popover.findChild<QScrollArea*>()->widget()->setLayout(new QVBoxLayout);
     popover.showAt(std::nullopt);
-    EXPECT_EQ(told, FakeJournal{"willShowPopover"});
-    ASSERT_TRUE(QTest::qWaitFor([&] { return told.size() > 1; }));
     EXPECT_EQ(told, (FakeJournal{"willShowPopover", "popoverShown"}));
-    EXPECT_EQ(popover.grab().isNull(), false);
     QCoreApplication::processEvents();
-    EXPECT_EQ(told.size(), 2U) << "painted again";
+    EXPECT_EQ(told.size(), 2U) << "painted";
     popover.place();
     EXPECT_EQ(told.back(), "popoverShown") << "it may be higher now";
     told.clear();
