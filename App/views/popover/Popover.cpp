@@ -151,11 +151,13 @@ void Popover::showAt(std::optional<ScreenPoint> point) {
     show();
     // Qt posts an update of each widget. After the window was exposed, and drawn, all of it would be drawn again.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateLater);
-    raise();
-    // A popup has the keyboard and the pointer already, which a screen locker needs for itself.
+    // A popup has the keyboard and the pointer already, which a screen locker needs for itself. The rest can wait until
+    // it is painted.
     if (windowType() == Qt::Popup)
         untilNobodyLooks_.start();
-    if (windowType() != Qt::Popup || hasSettled_)
+    if (windowType() == Qt::Popup && !hasSettled_)
+        raise();
+    else
         settle();
     keyboardFocus_->begin(false);
     // No control has the focus until the user turns to the keyboard.
@@ -206,17 +208,23 @@ void Popover::place() {
                                                               : content->sizeHint().height();
     // The fixed size also makes tiling compositors let the window float.
     const QSize size(popoverWidth, std::min(wanted, largestHeight(room)));
-    setFixedSize(size + 2 * QSize(shadow_, shadow_));
+    const ScreenPoint corner = placePopover(point_.value_or(usualPlaceOfItem(toScreenRect(screen->geometry()), room)),
+                                            room, size.width(), size.height());
+    setFixedGeometry(QRect(corner.x, corner.y, size.width(), size.height()).marginsAdded(shadowMargins()));
     area_->setGeometry(card());
     border_->setGeometry(rect());
     border_->card = card();
     const QRect side = card().marginsRemoved({scrollBarGap, scrollBarGap, scrollBarGap, scrollBarGap});
     scrollBar_->setGeometry(isRightToLeft() ? side.left() : side.right() + 1 - ThinScrollBar::thickness, side.top(),
                             ThinScrollBar::thickness, side.height());
-    const ScreenPoint corner = placePopover(point_.value_or(usualPlaceOfItem(toScreenRect(screen->geometry()), room)),
-                                            room, size.width(), size.height());
-    move(corner.x - shadow_, corner.y - shadow_);
     tellOfPlace();
+}
+
+void Popover::setFixedGeometry(const QRect& geometry) {
+    setMinimumSize(minimumSize().boundedTo(geometry.size()));
+    setMaximumSize(maximumSize().expandedTo(geometry.size()));
+    setGeometry(geometry);
+    setFixedSize(geometry.size());
 }
 
 bool Popover::wasJustClosed() const {

@@ -4,6 +4,7 @@
 #include "platform/StatusBar.h"
 
 #include <QElapsedTimer>
+#include <QMargins>
 #include <QPoint>
 #include <QTimer>
 #include <QWidget>
@@ -71,7 +72,10 @@ private:
     void settle();
     void tellOfPlace();
     void closeUnlessPointerMoves();
-    QRect card() const { return rect().marginsRemoved({shadow_, shadow_, shadow_, shadow_}); }
+    /// Moves and resizes it in one step: after the first of two it would hang over the panel or the screen's edge.
+    void setFixedGeometry(const QRect& geometry);
+    QMargins shadowMargins() const { return {shadow_, shadow_, shadow_, shadow_}; }
+    QRect card() const { return rect().marginsRemoved(shadowMargins()); }
     void useShadow(bool has);
     void useCardColor();
 };

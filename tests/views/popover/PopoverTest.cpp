@@ -25,6 +25,8 @@
 #include <QWindow>
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace {
 
 /// Windows can be transparent, until something ends that.
@@ -37,6 +39,17 @@ public:
     void willShowPopover(QWindow& /*window*/, const QRect& where, int shadow) override {
         place = where;
         EXPECT_EQ(shadow, hasShadows ? 20 : 0);
+    }
+};
+
+/// Where a widget is whenever its size has changed.
+struct GeometryNotes final : QObject {
+    std::vector<QRect> geometries;
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Resize)
+            geometries.push_back(static_cast<QWidget*>(watched)->geometry());
+        return false;
     }
 };
 
@@ -113,6 +126,21 @@ TEST_F(PopoverTest, IsAtOnceAsHighAsItsContentWhenTheTableIsFolded) {
         EXPECT_EQ(popover.height(), folded);
         expectNoGap("folding");
     }
+}
+
+TEST_F(PopoverTest, GrowsAndShrinksInOneStepAboveAPanelAtTheBottom) {
+    open();
+    const QRect screen = popover.screen()->availableGeometry();
+    popover.hide();
+    popover.showAt(ScreenPoint{screen.center().x(), screen.bottom() - 10});
+    const int bottom = popover.geometry().bottom();
+    GeometryNotes notes;
+    popover.installEventFilter(&notes);
+    unfold();
+    unfold();
+    ASSERT_EQ(notes.geometries.size(), 2U);
+    for (const QRect& geometry : notes.geometries)
+        EXPECT_EQ(geometry.bottom(), bottom);
 }
 
 TEST_F(PopoverTest, HasALineAroundItThatTakesNoClicks) {
