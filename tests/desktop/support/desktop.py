@@ -283,15 +283,23 @@ class PrivateDesktop:
 
     def windows(self, title):
         """The boxes of the visible windows with that title, without their shadows."""
-        boxes = []
-        for window in self.window_ids(title):
-            answer = self._tool("getwindowgeometry", "--shell", window)
-            if answer.returncode == 0:  # the window may be gone by now
-                values = dict(line.split("=") for line in answer.stdout.split())
-                x, y, width, height = (int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
-                left, right, top, bottom = self._shadow(window)
-                boxes.append(Box(x + left, y + top, width - left - right, height - top - bottom))
-        return boxes
+        boxes = (self._window(window) for window in self.window_ids(title))
+        return [box for box in boxes if box]
+
+    def _window(self, window):
+        """The box of a window without its shadow; None if it is gone by now."""
+        before, box = None, self._geometry(window)
+        while box and box != before:  # xdotool asks for place and size one after the other
+            before, box = box, self._geometry(window)
+        if not box:
+            return None
+        left, right, top, bottom = self._shadow(window)
+        return Box(box.x + left, box.y + top, box.width - left - right, box.height - top - bottom)
+
+    def _geometry(self, window):
+        answer = self._tool("getwindowgeometry", "--shell", window)
+        values = dict(line.split("=") for line in answer.stdout.split())
+        return Box(*(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))) if answer.returncode == 0 else None
 
     def _shadow(self, window):
         """How far a window's own shadow reaches beyond the window, at the left, right, top and bottom."""
