@@ -37,8 +37,9 @@ HistoryPlot::HistoryPlot(QWidget* parent) : QWidget(parent) {
 
 void HistoryPlot::useFonts() {
     const QFont caption = textFont(TextStyle::caption2);
-    if (caption == caption_)
+    if (caption == caption_ && logicalDpiY() == dpi_)
         return; // these fonts know their metrics already
+    dpi_ = logicalDpiY();
     caption_ = axisFont_ = annotationFont_ = caption;
     // The marks of a week must fit side by side, however large the desktop's font is.
     constexpr int largest = 13;

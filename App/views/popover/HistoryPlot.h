@@ -55,6 +55,7 @@ protected:
 private:
     HistoryChart::Content content_;
     QFont caption_;        ///< of the desktop
+    int dpi_ = 0;          ///< for which the fonts were made
     QFont axisFont_;       ///< the same, but limited in size
     QFont annotationFont_; ///< the same in a size of its own
     QRectF area_;
