@@ -162,6 +162,7 @@ private:
         const double since = plain_.samples.empty() ? now_ : about(dice_.of(plain_.samples).t);
         EXPECT_TRUE(
             std::ranges::equal(store_.samplesSince(Date(Duration(since))), plain_.since(Date(Duration(since)))));
+        EXPECT_EQ(store_.hasDailySummaries(7, asked), !store_.dailySummaries(7, asked).empty());
         if (dice_.oneIn(10)) {
             EXPECT_EQ(store_.csv(), plain_.csv());
         }
