@@ -30,7 +30,7 @@ struct Month {
     }
 };
 
-/// Each sample of the last days is looked at once, beside which the chart's points can be seen.
+/// Looks at each sample of the last days once, to compare the chart's points with.
 void lookAtSamples(benchmark::State& state) {
     Month month;
     const HistoryStore& history = month.scene.started().history;

@@ -61,7 +61,7 @@ public:
     /// The instant since which the machine has been plugged in without a break; empty when the history cannot tell.
     std::optional<Date> pluggedSinceEstimate(Date now) const;
 
-    /// The samples from the first one at or after `since`; valid until the next change of the history.
+    /// A view of the samples from the first one at or after `since`; valid until the history changes.
     SampleList::Tail samplesSince(Date since) const { return {samples, samples.firstNotBefore(since)}; }
 
     /// Summaries of those of the last `days` local days that have samples, newest first.

@@ -38,7 +38,7 @@ public:
         std::size_t index_ = 0;
     };
 
-    /// The samples from one on, as they are in the list: valid until the list changes.
+    /// A view of the samples from one on; valid until the list changes.
     class Tail {
     public:
         /// `first` is at most the size of the list.
@@ -79,7 +79,7 @@ public:
     Iterator begin() const { return {*this, 0}; }
     Iterator end() const { return {*this, size()}; }
 
-    /// The number of the first sample at or after `date`; `size()` if there is none. Looks at few of them as long as
+    /// The number of the first sample at or after `date`; `size()` if there is none. A binary search, as far as
     /// the times ascend.
     std::size_t firstNotBefore(Date date) const;
 
@@ -111,6 +111,6 @@ private:
 
     std::vector<Packed> kept_;
     std::size_t dropped_ = 0;         ///< from the front of `kept_`
-    std::size_t ordered_ = 0;         ///< where the first run of ascending times ends that begins after the dropped
+    std::size_t ordered_ = 0;         ///< up to here in `kept_` the times ascend, from the first that is not dropped
     std::vector<std::int64_t> large_; ///< percentages for which `Packed` is too small; no battery reports such
 };

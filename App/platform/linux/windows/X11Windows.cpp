@@ -166,7 +166,7 @@ bool X11Windows::takePointer(xcb_connection_t* connection) {
         xcb_ungrab_pointer(connection, XCB_CURRENT_TIME);
         hasPointer_ = popover_->setMouseGrabEnabled(true); // Qt refuses under a debugger
     } else {
-        untilPointerIsFree_.start(); // a button is held
+        untilPointerIsFree_.start(); // mostly because a button is held on the panel
     }
     return hasPointer_;
 }

@@ -46,7 +46,7 @@ private:
     QTimer untilPointerIsFree_;
     QPointer<QWindow> popover_;
 
-    /// Whether the popover has it now. If not, tries again soon.
+    /// Whether the popover has it now. If another program has it, tries again soon.
     bool takePointer(xcb_connection_t* connection);
     bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
 };
