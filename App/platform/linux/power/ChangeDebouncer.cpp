@@ -12,11 +12,13 @@ constexpr Duration leastInterval{1};
 /// `Clock::slept()` is the difference of two clocks that are read one after the other, so it is never quite the same.
 constexpr Duration shortestSleep{1};
 /// Seconds from one probe to the next: 1, 2, 5 and 15 seconds after the report.
-constexpr std::array<Duration, 4> pauses{Duration(1), Duration(1), Duration(3), Duration(10)};
+constexpr std::array usualPauses{Duration(1), Duration(1), Duration(3), Duration(10)};
+/// Of an event that is explained. Most values lag behind by a second or two, should there have been two at once.
+constexpr std::array explainedPauses{Duration(3)};
 
 } // namespace
 
-ChangeDebouncer::ChangeDebouncer(MainLoop& loop, const Clock& clock, std::function<void()> report,
+ChangeDebouncer::ChangeDebouncer(MainLoop& loop, const Clock& clock, std::function<bool()> report,
                                  std::function<bool()> probe)
     : loop_(loop)
     , clock_(clock)
@@ -44,30 +46,33 @@ void ChangeDebouncer::event() {
 void ChangeDebouncer::settle() {
     dropIfSlept();
     if (!probing_)
-        startProbing();
+        startProbing(usualPauses);
 }
 
 void ChangeDebouncer::reportNow() {
     reported_ = true;
     reportIsDue_ = false;
     lastReport_ = clock_.uptime();
-    startProbing();
-    report_();
+    ++round_; // the probes on their way
+    probing_ = false;
+    const bool isExplained = report_();
+    if (!probing_) // the report has not asked for them
+        startProbing(isExplained ? Pauses(explainedPauses) : Pauses(usualPauses));
 }
 
-void ChangeDebouncer::startProbing() {
+void ChangeDebouncer::startProbing(Pauses pauses) {
     probing_ = true;
-    scheduleProbe(0, ++round_);
+    scheduleProbe(pauses, ++round_);
 }
 
-void ChangeDebouncer::scheduleProbe(std::size_t number, unsigned long round) {
-    loop_.after(pauses[number], lifetime_.guard([this, number, round] {
+void ChangeDebouncer::scheduleProbe(Pauses pauses, unsigned long round) {
+    loop_.after(pauses.front(), lifetime_.guard([this, pauses, round] {
         dropIfSlept();
         if (round != round_)
             return;
-        probing_ = number + 1 < pauses.size();
+        probing_ = pauses.size() > 1;
         if (probing_)
-            scheduleProbe(number + 1, round);
+            scheduleProbe(pauses.subspan(1), round);
         // A pending report reads anyway.
         if (!reportIsDue_ && probe_()) {
             lastReport_ = clock_.uptime();

@@ -5,6 +5,7 @@
 #include "platform/linux/power/SysfsScan.h"
 #include "platform/linux/power/UdevMonitor.h"
 
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -12,13 +13,26 @@ namespace {
 /// Batteries that cannot be read for this long are gone.
 constexpr Duration timeout{10};
 
+/// Whether the charge alone has moved on, by a whole percent. With each percent many batteries send an event, from
+/// which nothing else has to follow.
+bool isNextPercent(const Dictionary& before, const Dictionary& after) {
+    const auto isSame = [&](std::string_view key) {
+        const Value* const one = find(before, key);
+        const Value* const other = find(after, key);
+        return one != nullptr && other != nullptr && *one == *other;
+    };
+    return isSame("Power Source State") && isSame("Is Charging") && !isSame("Current Capacity");
+}
+
 } // namespace
 
 class SysfsPowerSources::Observation final : public Notification {
 public:
     Observation(SysfsPowerSources& owner, std::function<void()> changed)
         : owner_(owner)
-        , reports(owner.loop_, owner.clock_, std::move(changed), [this] { return look(); }) {
+        , changed_(std::move(changed))
+        , reports(
+              owner.loop_, owner.clock_, [this] { return report(); }, [this] { return look(); }) {
         owner_.observation_ = this;
     }
     ~Observation() override { owner_.observation_ = nullptr; }
@@ -27,7 +41,13 @@ public:
 
 private:
     SysfsPowerSources& owner_;
+    std::function<void()> changed_;
 
+    bool report() {
+        const Dictionary before = owner_.given_.battery;
+        changed_();
+        return isNextPercent(before, owner_.given_.battery);
+    }
     bool look() {
         const bool differs = owner_.scan() != owner_.given_;
         // A change seen only now, such as a status that lagged behind its plug, needs its own round of looks to settle.

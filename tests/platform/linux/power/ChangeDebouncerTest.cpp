@@ -22,7 +22,8 @@ struct ChangeDebouncerTest : ::testing::Test {
     const Duration start = clock.uptime();
     Instants reports; ///< seconds after the start, to the millisecond
     Instants looks;
-    bool differs = false; ///< whether a look finds a change
+    bool explains = false; ///< whether what is read at a report explains the event
+    bool differs = false;  ///< whether a look finds a change
     std::function<void()> duringReport;
     std::unique_ptr<ChangeDebouncer> changes = std::make_unique<ChangeDebouncer>(
         loop, clock,
@@ -30,6 +31,7 @@ struct ChangeDebouncerTest : ::testing::Test {
             reports.push_back(instant());
             if (duringReport)
                 duringReport();
+            return explains;
         },
         [this] {
             looks.push_back(instant());
@@ -101,7 +103,7 @@ TEST(ChangeDebouncer, PassTheFirstEventOnAtOnceJustAfterTheMachineStartedToo) {
     FakeMainLoop loop(clock);
     int reports = 0;
     ChangeDebouncer changes(
-        loop, clock, [&] { ++reports; }, [] { return false; });
+        loop, clock, [&] { return ++reports > 1; }, [] { return false; });
     changes.event();
     EXPECT_EQ(reports, 1);
 }
@@ -140,6 +142,24 @@ TEST_F(ChangeDebouncerTest, LookAgainFourTimesAfterAReportAndThenAreQuiet) {
     EXPECT_EQ(looks, (Instants{1, 2, 5, 15}));
     EXPECT_EQ(reports, Instants{0});
     EXPECT_EQ(loop.waiting(), 0U);
+}
+
+TEST_F(ChangeDebouncerTest, LookAgainOnceAfterAReportThatExplainsTheEvent) {
+    explains = true;
+    eventAt(0);
+    eventAt(2);
+    loop.advance(1h);
+    EXPECT_EQ(looks, Instants{5});
+    EXPECT_EQ(reports, (Instants{0, 2}));
+    EXPECT_EQ(loop.waiting(), 0U);
+}
+
+TEST_F(ChangeDebouncerTest, LookAgainFourTimesAfterAReportThatAsksForItThoughItExplainsTheEvent) {
+    explains = true;
+    duringReport = [this] { changes->settle(); };
+    eventAt(0);
+    loop.advance(1h);
+    EXPECT_EQ(looks, (Instants{1, 2, 5, 15}));
 }
 
 TEST_F(ChangeDebouncerTest, TellWhatALookFinds) {

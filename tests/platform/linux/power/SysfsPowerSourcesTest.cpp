@@ -177,6 +177,36 @@ TEST_F(SysfsPowerSourcesTest, PassesAnEventOnAtOnceAndWhatLagsBehindItLater) {
     EXPECT_TRUE(reader.read().isCharging);
 }
 
+TEST_F(SysfsPowerSourcesTest, LooksAgainOnceAfterTheNextPercentAndOftenAfterAPlug) {
+    addLaptop();
+    int reads = 0;
+    notification = sources.notify([&] { // as the program does
+        ++changes;
+        reader.read();
+    });
+    reader.read();
+    loop.advance(60s);
+    const auto changesAfter = [&](const char* attribute, const char* value) {
+        changes = 0;
+        supplies.set("BAT0", attribute, value);
+        supplies.event("BAT0");
+        EXPECT_TRUE(waitForChanges(1));
+        for (int power = 0; power < 20; ++power) { // each look finds another one
+            loop.advance(500ms);
+            supplies.set("BAT0", "power_now", std::to_string(10'000'000 + ++reads * 100'000));
+            loop.advance(500ms);
+        }
+        return changes;
+    };
+    EXPECT_EQ(changesAfter("capacity", "49"), 2);
+    EXPECT_EQ(changesAfter("voltage_now", "12100000"), 5);
+    supplies.set("AC", "online", "1");
+    supplies.set("BAT0", "capacity", "48");
+    EXPECT_EQ(changesAfter("status", "Charging"), 5);
+    supplies.set("BAT0", "capacity", "49");
+    EXPECT_EQ(changesAfter("status", "Not charging"), 5);
+}
+
 TEST_F(SysfsPowerSourcesTest, TellsTheTimeSoonAlsoWhenTheStatusLagsBehindThePlug) {
     addLaptop();
     reader.read();
