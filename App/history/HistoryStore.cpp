@@ -142,7 +142,7 @@ void HistoryStore::record(const BatteryState& state, Date now, bool force) {
 
 void HistoryStore::saveAtEnd() {
     if (saves_ != savesDone_) { // on a slow disk
-        files_.updateAtEnd(url, 0, [text = encodeHistory(samples)](const auto&) { return text; });
+        files_.updateAtEnd(url, 0, [all = samples](const auto&) { return encodeHistory(all); });
         return;
     }
     files_.updateAtEnd(url, largestFile, [unsaved = unsaved_](std::optional<std::string> text) {
@@ -181,16 +181,13 @@ void HistoryStore::save(Date now) {
     claim();
     if (!mayWrite_)
         return;
-    std::optional<std::string> text = encodeHistory(samples);
-    if (!text)
-        return;
     const auto sawReset = std::make_shared<bool>(false);
-    const auto change = [text = std::move(text), isEmpty = isFileEmpty_,
-                         sawReset](const std::optional<std::string>& present) {
+    // Where the disk is written, since it takes a while; and the samples are a third as large as their text.
+    auto change = [all = samples, isEmpty = isFileEmpty_, sawReset](const std::optional<std::string>& present) {
         *sawReset = present == nothing && !isEmpty; // by another program
-        return *sawReset ? std::nullopt : text;
+        return *sawReset ? std::nullopt : encodeHistory(all);
     };
-    files_.update(url, nothing.size(), change,
+    files_.update(url, nothing.size(), std::move(change),
                   lifetime_.guard([this, sawReset, number = ++saves_, isEmpty = samples.empty(),
                                    count = dropped_ + unsaved_.size()](std::error_code error) {
                       savesDone_ = number;
