@@ -3,10 +3,12 @@
 
 #include <QFontMetrics>
 #include <QGuiApplication>
+#include <QImage>
 #include <QPainter>
 #include <QTextLayout>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace {
@@ -90,7 +92,7 @@ QGradientStops shadowStops(double inside) {
 }
 
 /// From the middle of each round corner and from the lines between them, outwards.
-void drawShadow(QPainter& painter, const QRectF& card) {
+void drawShadowAround(QPainter& painter, const QRectF& card) {
     constexpr double length = cardRadius + cardShadow - shadowDrop;
     const QGradientStops stops = shadowStops(cardRadius);
     const QRectF inner = card.translated(0, shadowDrop).adjusted(cardRadius, cardRadius, -cardRadius, -cardRadius);
@@ -112,6 +114,62 @@ void drawShadow(QPainter& painter, const QRectF& card) {
     side(inner.bottomLeft(), inner.bottomRight(), {0, 1});
     side(inner.topLeft(), inner.bottomLeft(), {-1, 0});
     side(inner.topRight(), inner.bottomRight(), {1, 0});
+}
+
+/// Qt fills a shape on several threads when it takes more rows of pixels than about a hundred, and waking those up
+/// takes longer than the filling. What is tall is drawn in parts of so many device pixels, or stretched.
+constexpr int rowsOfAPart = 64;
+
+/// Draws what is special of a tall shape: its upper and its lower end.
+template <class Draw>
+void drawEnds(QPainter& painter, const QRectF& place, double height, Draw draw) {
+    for (const double top : {place.top(), place.bottom() - height}) {
+        painter.save();
+        painter.setClipRect(QRectF(place.left(), top, place.width(), height), Qt::IntersectClip);
+        draw();
+        painter.restore();
+    }
+}
+
+/// How high an end is: whole device pixels, of which `thickness` is one.
+double heightOfEnd(double radius, double thickness) {
+    return std::max(1.0, std::ceil(radius / thickness)) * thickness;
+}
+
+/// Draws a small one and stretches its sides.
+void drawShadow(QPainter& painter, const QRectF& card) {
+    const QTransform toDevice = painter.deviceTransform();
+    const double scale = toDevice.m22();
+    const QRect place = toDevice.mapRect(onDevicePixels(painter, card)).toRect();
+    const int outside = static_cast<int>(std::ceil(cardShadow * scale));
+    const int inside = static_cast<int>(std::ceil((cardRadius + shadowDrop) * scale)); // until nothing changes any more
+    const int edge = outside + inside;
+    QImage small(2 * edge + 1, 2 * edge + 1, QImage::Format_ARGB32_Premultiplied);
+    small.fill(Qt::transparent);
+    QPainter smallPainter(&small);
+    smallPainter.scale(scale, scale);
+    drawShadowAround(smallPainter, smallPainter.deviceTransform().inverted().mapRect(
+                                       QRectF(outside, outside, 2 * inside + 1, 2 * inside + 1)));
+    smallPainter.end();
+    struct Part {
+        int from;
+        int length;
+        int place;
+        int placeLength;
+    };
+    const auto parts = [&](int start, int length) {
+        return std::array{Part{0, edge, start - outside, edge}, Part{edge, 1, start + inside, length - 2 * inside},
+                          Part{edge + 1, edge, start + length - inside, edge}};
+    };
+    const QTransform fromDevice = toDevice.inverted();
+    for (const Part& row : parts(place.top(), place.height())) {
+        for (const Part& column : parts(place.left(), place.width())) {
+            if (row.from == edge && column.from == edge)
+                continue; // below the card
+            painter.drawImage(fromDevice.mapRect(QRectF(column.place, row.place, column.placeLength, row.placeLength)),
+                              small, QRectF(column.from, row.from, column.length, row.length));
+        }
+    }
 }
 
 /// Whether a line, but for the last one, ends with a word of one letter, as with "A", or with a number, whose unit is
@@ -196,12 +254,16 @@ QColor cardColor(const QPalette& palette) {
 
 void drawFloatingCard(QPainter& painter, const QRectF& card, const QPalette& palette) {
     drawShadow(painter, card);
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(palette.color(QPalette::Window));
-    painter.drawRoundedRect(onDevicePixels(painter, card), cardRadius, cardRadius);
-    painter.restore();
+    const QColor window = palette.color(QPalette::Window);
+    const QRectF place = onDevicePixels(painter, card);
+    const double end = heightOfEnd(cardRadius, 1 / painter.deviceTransform().m22());
+    drawEnds(painter, place, end, [&] {
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(window);
+        painter.drawRoundedRect(place, cardRadius, cardRadius);
+    });
+    painter.fillRect(place.adjusted(0, end, 0, -end), window);
 }
 
 QColor hairlineColor(const QPalette& palette) {
@@ -217,15 +279,25 @@ QRectF onDevicePixels(const QPainter& painter, const QRectF& place) {
     return toDevice.inverted().mapRect(QRectF(start, end));
 }
 
-void drawOutline(QPainter& painter, const QRectF& place, double radius, const QColor& color) {
+void drawOutline(QPainter& painter, const QRectF& card, double radius, const QColor& color) {
     const double thickness = 1 / painter.deviceTransform().m22();
     const double half = thickness / 2; // a pen straddles its line
     const double inner = std::max(0.0, radius - half);
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing, radius > 0);
-    painter.setPen(QPen(color, thickness));
-    painter.drawRoundedRect(onDevicePixels(painter, place).adjusted(half, half, -half, -half), inner, inner);
-    painter.restore();
+    const QRectF place = onDevicePixels(painter, card);
+    const double end = heightOfEnd(radius, thickness);
+    drawEnds(painter, place, end, [&] {
+        painter.setRenderHint(QPainter::Antialiasing, radius > 0);
+        painter.setPen(QPen(color, thickness));
+        painter.drawRoundedRect(place.adjusted(half, half, -half, -half), inner, inner);
+    });
+    const QRectF between = place.adjusted(0, end, 0, -end);
+    painter.fillRect(between.adjusted(thickness, 0, -thickness, 0), painter.brush());
+    const double most = rowsOfAPart * thickness;
+    for (double top = between.top(); top < between.bottom(); top += most) {
+        const QSizeF part(thickness, std::min(most, between.bottom() - top));
+        painter.fillRect(QRectF({between.left(), top}, part), color);
+        painter.fillRect(QRectF({between.right() - thickness, top}, part), color);
+    }
 }
 
 void drawHairline(QPainter& painter, double left, double right, double y, const QPalette& palette) {

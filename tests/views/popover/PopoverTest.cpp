@@ -19,12 +19,15 @@
 #include <QScrollArea>
 #include <QSignalSpy>
 #include <QTest>
+#include <QThreadPool>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QWheelEvent>
 #include <QWindow>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <iterator>
 #include <vector>
 
 namespace {
@@ -395,6 +398,27 @@ TEST_F(PopoverTest, FloatsWithRoundCornersAndAShadowWhereWindowsCanBeTransparent
     const QImage square = floating.grab().toImage();
     EXPECT_EQ(square.pixelColor(1, 1), cardColor(QApplication::palette()));
     EXPECT_NE(square.pixelColor(0, 0), square.pixelColor(1, 1));
+}
+
+TEST_F(PopoverTest, IsDrawnWithoutWakingOtherThreads) {
+    const auto threads = [] {
+        const std::filesystem::directory_iterator all("/proc/self/task");
+        return std::distance(begin(all), end(all));
+    };
+    ShadowDesktop desktop;
+    for (const bool floats : {false, true}) {
+        desktop.hasShadows = floats;
+        Popover shown(&desktop);
+        auto* view = new PopoverView(
+            scene.started(), scene.fake.platform(), [] {}, [] {});
+        shown.setContent(view);
+        view->rebuild();
+        QThreadPool::globalInstance()->waitForDone(); // ends those that wait for more
+        const auto before = threads();
+        shown.showAt(std::nullopt);
+        shown.grab();
+        EXPECT_EQ(threads(), before) << floats;
+    }
 }
 
 TEST(PopoverWindow, IsMadeKnownToTheDesktopAndClosedByAClickThatThisTellsOf) {
