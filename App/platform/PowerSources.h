@@ -52,7 +52,7 @@ public:
     /// Scans the devices now. Never fails: values that cannot be read are missing.
     virtual PowerSnapshot snapshot() = 0;
 
-    /// Calls `changed` on the main thread whenever the system reports a change of the power sources. Null when the
-    /// system does not report changes.
+    /// Calls `changed` on the main thread whenever the system reports a change of the power sources; it must not end
+    /// the notification. Null when the system does not report changes.
     [[nodiscard]] virtual std::unique_ptr<Notification> notify(std::function<void()> changed) = 0;
 };

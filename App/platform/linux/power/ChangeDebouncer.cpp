@@ -13,7 +13,7 @@ constexpr Duration leastInterval{1};
 constexpr Duration shortestSleep{1};
 /// Seconds from one probe to the next: 1, 2, 5 and 15 seconds after the report.
 constexpr std::array usualPauses{Duration(1), Duration(1), Duration(3), Duration(10)};
-/// Of an event that is explained. Most values lag behind by a second or two, should there have been two at once.
+/// After an event that is explained, in case another one was hidden behind it. Most values lag by a second or two.
 constexpr std::array explainedPauses{Duration(3)};
 
 } // namespace
@@ -53,11 +53,11 @@ void ChangeDebouncer::reportNow() {
     reported_ = true;
     reportIsDue_ = false;
     lastReport_ = clock_.uptime();
-    ++round_; // the probes on their way
-    probing_ = false;
     const bool isExplained = report_();
-    if (!probing_) // the report has not asked for them
-        startProbing(isExplained ? Pauses(explainedPauses) : Pauses(usualPauses));
+    if (!isExplained)
+        startProbing(usualPauses);
+    else if (!probing_)
+        startProbing(explainedPauses);
 }
 
 void ChangeDebouncer::startProbing(Pauses pauses) {

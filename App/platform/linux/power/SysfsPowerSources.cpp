@@ -5,7 +5,8 @@
 #include "platform/linux/power/SysfsScan.h"
 #include "platform/linux/power/UdevMonitor.h"
 
-#include <string_view>
+#include <cmath>
+#include <cstddef>
 #include <utility>
 
 namespace {
@@ -13,16 +14,26 @@ namespace {
 /// Batteries that cannot be read for this long are gone.
 constexpr Duration timeout{10};
 
-/// Whether the charge alone has moved on, by a whole percent. With each percent many batteries send an event, from
-/// which nothing else has to follow.
-bool isNextPercent(const Dictionary& before, const Dictionary& after) {
-    const auto isSame = [&](std::string_view key) {
-        const Value* const one = find(before, key);
-        const Value* const other = find(after, key);
-        return one != nullptr && other != nullptr && *one == *other;
-    };
-    return isSame("Power Source State") && isSame("Is Charging") && !isSame("Current Capacity");
-}
+/// What an event of a battery may be about.
+struct Sight {
+    std::size_t packs;
+    bool onExternalPower;
+    bool isCharging;
+    long percent;
+
+    explicit Sight(const PowerReading& reading)
+        : packs(reading.packs.size())
+        , onExternalPower(reading.onExternalPower)
+        , isCharging(reading.isCharging)
+        , percent(reading.maxCapacity > 0 ? std::lround(100 * reading.currentCapacity / reading.maxCapacity) : 0) {}
+
+    /// Whether the charge alone has moved on. Many batteries send an event with each percent, and nothing else has to
+    /// follow from it.
+    bool isNextPercentAfter(const Sight& before) const {
+        return packs == before.packs && onExternalPower == before.onExternalPower && isCharging == before.isCharging &&
+               percent != before.percent;
+    }
+};
 
 } // namespace
 
@@ -42,11 +53,13 @@ public:
 private:
     SysfsPowerSources& owner_;
     std::function<void()> changed_;
+    bool isOfBatteries_ = true; ///< what is to be reported
 
     bool report() {
-        const Dictionary before = owner_.given_.battery;
+        const Sight before(owner_.lastGood_);
+        const bool isOfBatteries = std::exchange(isOfBatteries_, true);
         changed_();
-        return isNextPercent(before, owner_.given_.battery);
+        return isOfBatteries && Sight(owner_.lastGood_).isNextPercentAfter(before);
     }
     bool look() {
         const bool differs = owner_.scan() != owner_.given_;
@@ -57,6 +70,11 @@ private:
     }
 
 public:
+    void event(bool isOfBatteries) {
+        isOfBatteries_ = isOfBatteries_ && isOfBatteries;
+        reports.event();
+    }
+
     ChangeDebouncer reports;
     std::unique_ptr<UdevMonitor> monitor;
 };
@@ -107,7 +125,8 @@ PowerSnapshot SysfsPowerSources::snapshot() {
 std::unique_ptr<PowerSources::Notification> SysfsPowerSources::notify(std::function<void()> changed) {
     auto observation = std::make_unique<Observation>(*this, std::move(changed));
     // Without udev only the looks after an unsettled reading, and the program's own refresh, are left.
-    observation->monitor = UdevMonitor::start([reports = &observation->reports] { reports->event(); });
+    observation->monitor =
+        UdevMonitor::start([to = observation.get()](bool isOfBatteries) { to->event(isOfBatteries); });
     // Whatever happened just before the start may still be settling.
     observation->reports.settle();
     return observation;

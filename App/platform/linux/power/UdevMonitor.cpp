@@ -10,19 +10,24 @@
 
 namespace {
 
-bool concernsTheMachine(udev_device* device) {
+/// What the event tells of the supply, or else its attributes.
+PowerSupply supplyOf(udev_device* device) {
     PowerSupply supply;
-    const char* scope = udev_device_get_property_value(device, "POWER_SUPPLY_SCOPE");
-    if (scope == nullptr)
-        scope = udev_device_get_sysattr_value(device, "scope");
-    if (scope != nullptr)
-        supply.attributes.emplace("scope", scope);
-    return !supply.isPeripheral();
+    const auto take = [&](const char* property, const char* attribute) {
+        const char* text = udev_device_get_property_value(device, property);
+        if (text == nullptr)
+            text = udev_device_get_sysattr_value(device, attribute);
+        if (text != nullptr)
+            supply.attributes.emplace(attribute, text);
+    };
+    take("POWER_SUPPLY_SCOPE", "scope");
+    take("POWER_SUPPLY_TYPE", "type");
+    return supply;
 }
 
 } // namespace
 
-std::unique_ptr<UdevMonitor> UdevMonitor::start(std::function<void()> event) {
+std::unique_ptr<UdevMonitor> UdevMonitor::start(std::function<void(bool isOfBatteries)> event) {
     udev* context = udev_new();
     udev_monitor* monitor = context != nullptr ? udev_monitor_new_from_netlink(context, "udev") : nullptr;
     if (monitor != nullptr && udev_monitor_filter_add_match_subsystem_devtype(monitor, "power_supply", nullptr) >= 0 &&
@@ -33,7 +38,7 @@ std::unique_ptr<UdevMonitor> UdevMonitor::start(std::function<void()> event) {
     return nullptr;
 }
 
-UdevMonitor::UdevMonitor(udev* context, udev_monitor* monitor, std::function<void()> event)
+UdevMonitor::UdevMonitor(udev* context, udev_monitor* monitor, std::function<void(bool isOfBatteries)> event)
     : context_(context)
     , monitor_(monitor)
     , event_(std::move(event))
@@ -49,13 +54,18 @@ UdevMonitor::~UdevMonitor() {
 
 void UdevMonitor::drain() {
     bool any = false;
+    bool isOfBatteries = true;
     errno = 0;
     while (udev_device* device = udev_monitor_receive_device(monitor_)) {
-        any = any || concernsTheMachine(device);
+        if (const PowerSupply supply = supplyOf(device); !supply.isPeripheral()) {
+            any = true;
+            isOfBatteries = isOfBatteries && supply.isSystemBattery();
+        }
         udev_device_unref(device);
         errno = 0;
     }
     // Events that did not fit into the socket's buffer are lost, and any of them may have concerned us.
-    if (any || errno == ENOBUFS)
-        event_();
+    const bool isAnyLost = errno == ENOBUFS;
+    if (any || isAnyLost)
+        event_(isOfBatteries && !isAnyLost);
 }

@@ -12,18 +12,19 @@ struct udev_monitor;
 /// Follows the udev events of the power-supply class, except those of peripherals.
 class UdevMonitor {
 public:
-    /// Null when udev is not available.
-    static std::unique_ptr<UdevMonitor> start(std::function<void()> event);
+    /// `event` is told whether all that has happened since it was last called was told by batteries. Null when udev is
+    /// not available.
+    static std::unique_ptr<UdevMonitor> start(std::function<void(bool isOfBatteries)> event);
     ~UdevMonitor();
     UdevMonitor(const UdevMonitor&) = delete;
     UdevMonitor& operator=(const UdevMonitor&) = delete;
 
 private:
-    UdevMonitor(udev* context, udev_monitor* monitor, std::function<void()> event);
+    UdevMonitor(udev* context, udev_monitor* monitor, std::function<void(bool isOfBatteries)> event);
     void drain();
 
     udev* context_;
     udev_monitor* monitor_;
-    std::function<void()> event_;
+    std::function<void(bool isOfBatteries)> event_;
     std::unique_ptr<QSocketNotifier> notifier_;
 };

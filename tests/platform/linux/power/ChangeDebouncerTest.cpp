@@ -103,7 +103,12 @@ TEST(ChangeDebouncer, PassTheFirstEventOnAtOnceJustAfterTheMachineStartedToo) {
     FakeMainLoop loop(clock);
     int reports = 0;
     ChangeDebouncer changes(
-        loop, clock, [&] { return ++reports > 1; }, [] { return false; });
+        loop, clock,
+        [&] {
+            ++reports;
+            return false;
+        },
+        [] { return false; });
     changes.event();
     EXPECT_EQ(reports, 1);
 }
@@ -149,9 +154,18 @@ TEST_F(ChangeDebouncerTest, LookAgainOnceAfterAReportThatExplainsTheEvent) {
     eventAt(0);
     eventAt(2);
     loop.advance(1h);
-    EXPECT_EQ(looks, Instants{5});
+    EXPECT_EQ(looks, Instants{3});
     EXPECT_EQ(reports, (Instants{0, 2}));
     EXPECT_EQ(loop.waiting(), 0U);
+}
+
+TEST_F(ChangeDebouncerTest, AnExplainedEventDoesNotEndTheLooksOfOneThatIsNot) {
+    eventAt(0);
+    explains = true;
+    eventAt(1.5);
+    loop.advance(1h);
+    EXPECT_EQ(looks, (Instants{1, 2, 5, 15}));
+    EXPECT_EQ(reports, (Instants{0, 1.5}));
 }
 
 TEST_F(ChangeDebouncerTest, LookAgainFourTimesAfterAReportThatAsksForItThoughItExplainsTheEvent) {

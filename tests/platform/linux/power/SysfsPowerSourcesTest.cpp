@@ -177,34 +177,65 @@ TEST_F(SysfsPowerSourcesTest, PassesAnEventOnAtOnceAndWhatLagsBehindItLater) {
     EXPECT_TRUE(reader.read().isCharging);
 }
 
-TEST_F(SysfsPowerSourcesTest, LooksAgainOnceAfterTheNextPercentAndOftenAfterAPlug) {
+TEST_F(SysfsPowerSourcesTest, LooksAgainOnceAfterTheNextPercentAndFourTimesAfterAnythingElse) {
     addLaptop();
-    int reads = 0;
     notification = sources.notify([&] { // as the program does
         ++changes;
         reader.read();
     });
     reader.read();
     loop.advance(60s);
-    const auto changesAfter = [&](const char* attribute, const char* value) {
+    int power = 10'000'000;
+    const auto changesAfterEventOf = [&](const char* supply) {
         changes = 0;
-        supplies.set("BAT0", attribute, value);
-        supplies.event("BAT0");
+        supplies.event(supply);
         EXPECT_TRUE(waitForChanges(1));
-        for (int power = 0; power < 20; ++power) { // each look finds another one
+        for (int seconds = 0; seconds < 20; ++seconds) { // each look finds something new
             loop.advance(500ms);
-            supplies.set("BAT0", "power_now", std::to_string(10'000'000 + ++reads * 100'000));
+            supplies.set("BAT0", "power_now", std::to_string(power += 100'000));
             loop.advance(500ms);
         }
         return changes;
     };
-    EXPECT_EQ(changesAfter("capacity", "49"), 2);
-    EXPECT_EQ(changesAfter("voltage_now", "12100000"), 5);
-    supplies.set("AC", "online", "1");
-    supplies.set("BAT0", "capacity", "48");
-    EXPECT_EQ(changesAfter("status", "Charging"), 5);
     supplies.set("BAT0", "capacity", "49");
-    EXPECT_EQ(changesAfter("status", "Not charging"), 5);
+    EXPECT_EQ(changesAfterEventOf("BAT0"), 2);
+    EXPECT_EQ(changesAfterEventOf("BAT0"), 5) << "the same percent";
+    supplies.set("BAT0", "capacity", "48");
+    EXPECT_EQ(changesAfterEventOf("AC"), 5) << "nothing of the adapter has changed, yet";
+    supplies.set("BAT0", "capacity", "47");
+    supplies.set("AC", "online", "1");
+    EXPECT_EQ(changesAfterEventOf("BAT0"), 5) << "the status lags";
+    supplies.set("BAT0", "status", "Charging");
+    EXPECT_EQ(changesAfterEventOf("BAT0"), 5);
+    supplies.set("BAT0", "capacity", "48");
+    supplies.set("BAT0", "status", "Not charging");
+    EXPECT_EQ(changesAfterEventOf("BAT0"), 5);
+    supplies.set("BAT0", "capacity", "47");
+    EXPECT_EQ(changesAfterEventOf("BAT0"), 2);
+}
+
+TEST_F(SysfsPowerSourcesTest, APartOfAPercentExplainsNoEvent) {
+    addLaptop();
+    supplies.add("BAT1", {{"type", "Battery"},
+                          {"status", "Discharging"},
+                          {"present", "1"},
+                          {"energy_now", "25000000"},
+                          {"energy_full", "50000000"},
+                          {"power_now", "0"}});
+    notification = sources.notify([&] {
+        ++changes;
+        reader.read();
+    });
+    reader.read();
+    loop.advance(60s);
+    changes = 0;
+    supplies.set("BAT0", "energy_now", "24990000");
+    supplies.event("BAT0");
+    ASSERT_TRUE(waitForChanges(1));
+    loop.advance(1s);
+    supplies.set("BAT0", "energy_now", "24980000");
+    loop.advance(1s);
+    EXPECT_EQ(changes, 2);
 }
 
 TEST_F(SysfsPowerSourcesTest, TellsTheTimeSoonAlsoWhenTheStatusLagsBehindThePlug) {
