@@ -182,7 +182,7 @@ void HistoryStore::save(Date now) {
     if (!mayWrite_)
         return;
     const auto sawReset = std::make_shared<bool>(false);
-    // Where the disk is written, since it takes a while; and the samples are a third as large as their text.
+    // Encoded where the disk is written, because it takes a while; and the samples are a third as large as their text.
     auto change = [all = samples, isEmpty = isFileEmpty_, sawReset](const std::optional<std::string>& present) {
         *sawReset = present == nothing && !isEmpty; // by another program
         return *sawReset ? std::nullopt : encodeHistory(all);

@@ -88,7 +88,7 @@ void DiskThread::run() {
         hold.unlock();
         (*running_.second)({.isOvertaken = &isOvertaken_});
         hold.lock();
-        running_ = {}; // whatever it held, the text of a history for instance, is not needed any more
+        running_ = {}; // whatever it held, the samples of a history for instance, is not needed any more
         changed_.notify_all();
     }
 }
