@@ -151,10 +151,10 @@ void Popover::showAt(std::optional<ScreenPoint> point) {
     show();
     // Qt posts an update of each widget. After the window was exposed, and drawn, all of it would be drawn again.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::UpdateLater);
-    // A popup has the keyboard and the pointer already, which a screen locker needs for itself. The rest can wait until
-    // it is painted.
+    // A popup has the keyboard and the pointer already, which a screen locker needs for itself.
     if (windowType() == Qt::Popup)
         untilNobodyLooks_.start();
+    // Its rest can wait until it is painted.
     if (windowType() == Qt::Popup && !hasSettled_)
         raise();
     else
@@ -271,7 +271,7 @@ void Popover::mousePressEvent(QMouseEvent* event) {
         hide(); // a click on the shadow is one beside the card
 }
 
-void Popover::paintEvent(QPaintEvent* /*event*/) {
+void Popover::paintEvent(QPaintEvent* event) {
     const auto settleNow = [this] {
         if (isVisible() && !hasSettled_)
             settle();
@@ -281,7 +281,11 @@ void Popover::paintEvent(QPaintEvent* /*event*/) {
     if (shadow_ == 0)
         return; // Qt has drawn the background
     QPainter painter(this);
-    drawFloatingCard(painter, card(), palette());
+    constexpr int end = static_cast<int>(cardRadius) + 1;
+    if (card().adjusted(0, end, 0, -end).contains(event->rect())) // as when something in it has changed
+        painter.fillRect(event->rect(), palette().color(QPalette::Window));
+    else
+        drawFloatingCard(painter, card(), palette());
 }
 
 void Popover::hideEvent(QHideEvent* event) {

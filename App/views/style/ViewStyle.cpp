@@ -120,7 +120,7 @@ void drawShadowAround(QPainter& painter, const QRectF& card) {
 /// takes longer than the filling. What is tall is drawn in parts of so many device pixels, or stretched.
 constexpr int rowsOfAPart = 64;
 
-/// Draws what is special of a tall shape: its upper and its lower end.
+/// Calls `draw` twice, clipped to the upper and to the lower end of a shape.
 template <class Draw>
 void drawEnds(QPainter& painter, const QRectF& place, double height, Draw draw) {
     for (const double top : {place.top(), place.bottom() - height}) {
@@ -279,11 +279,11 @@ QRectF onDevicePixels(const QPainter& painter, const QRectF& place) {
     return toDevice.inverted().mapRect(QRectF(start, end));
 }
 
-void drawOutline(QPainter& painter, const QRectF& card, double radius, const QColor& color) {
+void drawOutline(QPainter& painter, const QRectF& shape, double radius, const QColor& color) {
     const double thickness = 1 / painter.deviceTransform().m22();
     const double half = thickness / 2; // a pen straddles its line
     const double inner = std::max(0.0, radius - half);
-    const QRectF place = onDevicePixels(painter, card);
+    const QRectF place = onDevicePixels(painter, shape);
     const double end = heightOfEnd(radius, thickness);
     drawEnds(painter, place, end, [&] {
         painter.setRenderHint(QPainter::Antialiasing, radius > 0);

@@ -67,7 +67,7 @@ QColor hairlineColor(const QPalette& palette);
 
 /// Draws an outline, one device pixel thick at every scale, just inside a card or a group, filled with the painter's
 /// brush.
-void drawOutline(QPainter& painter, const QRectF& card, double radius, const QColor& color);
+void drawOutline(QPainter& painter, const QRectF& shape, double radius, const QColor& color);
 
 /// Draws a hairline across, of the same thickness.
 void drawHairline(QPainter& painter, double left, double right, double y, const QPalette& palette);

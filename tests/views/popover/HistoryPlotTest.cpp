@@ -30,7 +30,8 @@ struct HistoryPlotTest : ::testing::Test {
         picture = plot.grab().toImage();
     }
     bool isLineAt(double seconds, double percent) const {
-        const QColor color = picture.pixelColor(plot.place(at(seconds), percent).toPoint());
+        const QPointF middle = plot.place(at(seconds), percent);
+        const QColor color = picture.pixelColor(static_cast<int>(middle.x()), static_cast<int>(middle.y()));
         return color.red() > 200 && color.green() < 100;
     }
 };
