@@ -289,8 +289,10 @@ class PrivateDesktop:
     def _window(self, window):
         """The box of a window without its shadow; None if it is gone by now."""
         before, box = None, self._geometry(window)
-        while box and box != before:  # xdotool asks for place and size one after the other
+        tries = 0
+        while box and box != before and tries < 20:  # xdotool asks for place and size one after the other
             before, box = box, self._geometry(window)
+            tries += 1
         if not box:
             return None
         left, right, top, bottom = self._shadow(window)
@@ -298,8 +300,10 @@ class PrivateDesktop:
 
     def _geometry(self, window):
         answer = self._tool("getwindowgeometry", "--shell", window)
+        if answer.returncode != 0:
+            return None
         values = dict(line.split("=") for line in answer.stdout.split())
-        return Box(*(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))) if answer.returncode == 0 else None
+        return Box(*(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT")))
 
     def _shadow(self, window):
         """How far a window's own shadow reaches beyond the window, at the left, right, top and bottom."""
