@@ -62,6 +62,7 @@ add_executable(velmora_adapter_tests
     views/style/BalancedLabelTest.cpp
     views/style/ContrastTest.cpp
     views/style/DesktopPaletteTest.cpp
+    views/style/ViewStyleTest.cpp
     views/popover/HistoryPlotTest.cpp
     views/popover/PopoverTest.cpp
     views/popover/PopoverViewTest.cpp

@@ -116,8 +116,8 @@ void drawShadowAround(QPainter& painter, const QRectF& card) {
     side(inner.topRight(), inner.bottomRight(), {1, 0});
 }
 
-/// Qt fills a shape on several threads when it takes more rows of pixels than about a hundred, and waking those up
-/// takes longer than the filling. What is tall is drawn in parts of so many device pixels, or stretched.
+/// Qt paints a shape of more than about a hundred rows of pixels on several threads, and waking them takes longer than
+/// the painting. Tall shapes are drawn in parts of so many rows, or stretched.
 constexpr int rowsOfAPart = 64;
 
 /// Calls `draw` twice, clipped to the upper and to the lower end of a shape.
@@ -131,12 +131,12 @@ void drawEnds(QPainter& painter, const QRectF& place, double height, Draw draw) 
     }
 }
 
-/// How high an end is: whole device pixels, of which `thickness` is one.
-double heightOfEnd(double radius, double thickness) {
-    return std::max(1.0, std::ceil(radius / thickness)) * thickness;
+/// How high an end with round corners is: whole device pixels, of which `thickness` is one, but at most half the shape.
+double heightOfEnd(const QRectF& place, double radius, double thickness) {
+    return std::min(std::max(1.0, std::ceil(radius / thickness)) * thickness, place.height() / 2);
 }
 
-/// Draws a small one and stretches its sides.
+/// Draws the shadow of a small card and stretches its sides.
 void drawShadow(QPainter& painter, const QRectF& card) {
     const QTransform toDevice = painter.deviceTransform();
     const double scale = toDevice.m22();
@@ -256,7 +256,7 @@ void drawFloatingCard(QPainter& painter, const QRectF& card, const QPalette& pal
     drawShadow(painter, card);
     const QColor window = palette.color(QPalette::Window);
     const QRectF place = onDevicePixels(painter, card);
-    const double end = heightOfEnd(cardRadius, 1 / painter.deviceTransform().m22());
+    const double end = heightOfEnd(place, cardRadius, 1 / painter.deviceTransform().m22());
     drawEnds(painter, place, end, [&] {
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(Qt::NoPen);
@@ -284,7 +284,7 @@ void drawOutline(QPainter& painter, const QRectF& shape, double radius, const QC
     const double half = thickness / 2; // a pen straddles its line
     const double inner = std::max(0.0, radius - half);
     const QRectF place = onDevicePixels(painter, shape);
-    const double end = heightOfEnd(radius, thickness);
+    const double end = heightOfEnd(place, radius, thickness);
     drawEnds(painter, place, end, [&] {
         painter.setRenderHint(QPainter::Antialiasing, radius > 0);
         painter.setPen(QPen(color, thickness));

@@ -66,7 +66,7 @@ void drawFloatingCard(QPainter& painter, const QRectF& card, const QPalette& pal
 QColor hairlineColor(const QPalette& palette);
 
 /// Draws an outline, one device pixel thick at every scale, just inside a card or a group, filled with the painter's
-/// brush.
+/// brush. Where there is one, the colour must be opaque.
 void drawOutline(QPainter& painter, const QRectF& shape, double radius, const QColor& color);
 
 /// Draws a hairline across, of the same thickness.
