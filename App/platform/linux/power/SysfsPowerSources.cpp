@@ -14,14 +14,14 @@ namespace {
 /// Batteries that cannot be read for this long are gone.
 constexpr Duration timeout{10};
 
-/// What an event of a battery may be about.
-struct Sight {
+/// What a battery's event may be about.
+struct ChargeState {
     std::size_t packs;
     bool onExternalPower;
     bool isCharging;
     long percent;
 
-    explicit Sight(const PowerReading& reading)
+    explicit ChargeState(const PowerReading& reading)
         : packs(reading.packs.size())
         , onExternalPower(reading.onExternalPower)
         , isCharging(reading.isCharging)
@@ -29,7 +29,7 @@ struct Sight {
 
     /// Whether the charge alone has moved on. Many batteries send an event with each percent, and nothing else has to
     /// follow from it.
-    bool isNextPercentAfter(const Sight& before) const {
+    bool isNextPercentAfter(const ChargeState& before) const {
         return packs == before.packs && onExternalPower == before.onExternalPower && isCharging == before.isCharging &&
                percent != before.percent;
     }
@@ -53,13 +53,13 @@ public:
 private:
     SysfsPowerSources& owner_;
     std::function<void()> changed_;
-    bool isOfBatteries_ = true; ///< what is to be reported
+    bool isOfBatteries_ = true; ///< all events since the last report
 
     bool report() {
-        const Sight before(owner_.lastGood_);
+        const ChargeState before(owner_.lastGood_);
         const bool isOfBatteries = std::exchange(isOfBatteries_, true);
         changed_();
-        return isOfBatteries && Sight(owner_.lastGood_).isNextPercentAfter(before);
+        return isOfBatteries && ChargeState(owner_.lastGood_).isNextPercentAfter(before);
     }
     bool look() {
         const bool differs = owner_.scan() != owner_.given_;

@@ -12,7 +12,7 @@ struct udev_monitor;
 /// Follows the udev events of the power-supply class, except those of peripherals.
 class UdevMonitor {
 public:
-    /// `event` is told whether all that has happened since it was last called was told by batteries. Null when udev is
+    /// `event` is told whether all events since it was last called came from batteries. Null when udev is
     /// not available.
     static std::unique_ptr<UdevMonitor> start(std::function<void(bool isOfBatteries)> event);
     ~UdevMonitor();
