@@ -154,7 +154,7 @@ void Popover::showAt(std::optional<ScreenPoint> point) {
     // A popup has the keyboard and the pointer already, which a screen locker needs for itself.
     if (windowType() == Qt::Popup)
         untilNobodyLooks_.start();
-    // Its rest can wait until it is painted.
+    // Whatever else a popup needs can wait until it is painted.
     if (windowType() == Qt::Popup && !hasSettled_)
         raise();
     else
@@ -282,7 +282,7 @@ void Popover::paintEvent(QPaintEvent* event) {
         return; // Qt has drawn the background
     QPainter painter(this);
     constexpr int end = static_cast<int>(cardRadius) + 1;
-    if (card().adjusted(0, end, 0, -end).contains(event->rect())) // as when something in it has changed
+    if (card().adjusted(0, end, 0, -end).contains(event->rect())) // something in the card has changed
         painter.fillRect(event->rect(), palette().color(QPalette::Window));
     else
         drawFloatingCard(painter, card(), palette());

@@ -5,7 +5,6 @@
 #include <QPixmap>
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <utility>
 #include <vector>
 
@@ -26,7 +25,7 @@ struct HistoryPlotTest : ::testing::Test {
         content.since = at(0);
         content.now = at(9000);
         content.line = Qt::red;
-        plot.setContent(std::move(content));
+        plot.setContent(content);
         picture = plot.grab().toImage();
     }
     bool isLineAt(double seconds, double percent) const {

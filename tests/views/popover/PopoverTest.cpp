@@ -413,7 +413,7 @@ TEST_F(PopoverTest, IsDrawnWithoutWakingOtherThreads) {
             scene.started(), scene.fake.platform(), [] {}, [] {});
         shown.setContent(view);
         view->rebuild();
-        QThreadPool::globalInstance()->waitForDone(); // ends those that wait for more
+        QThreadPool::globalInstance()->waitForDone(); // ends its idle threads
         const auto before = threads();
         shown.showAt(std::nullopt);
         shown.grab();
